@@ -1,0 +1,16 @@
+#pragma once
+
+#include "platform/foundation/NSArray.h"
+#include "platform/foundation/NSCoder.h"
+#include "platform/foundation/NSData.h"
+#include "platform/foundation/NSDictionary.h"
+#include "platform/foundation/NSError.h"
+#include "platform/foundation/NSFileManager.h"
+#include "platform/foundation/NSNotificationCenter.h"
+#include "platform/foundation/NSNumber.h"
+#include "platform/foundation/NSOperationQueue.h"
+#include "platform/foundation/NSPropertyListSerialization.h"
+#include "platform/foundation/NSScanner.h"
+#include "platform/foundation/NSString.h"
+#include "platform/foundation/id.h"
+#include "platform/foundation/time.h"

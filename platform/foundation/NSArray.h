@@ -1,0 +1,27 @@
+#pragma once
+
+#include "platform/foundation/id.h"
+
+#include <cstddef>
+#include <vector>
+
+// An ordered list of value objects. Mutable: one class serves both roles.
+class NSArray final : public NSObject {
+    NS_CLASS(NSArray)
+
+    static std::shared_ptr<NSArray> array();
+    static std::shared_ptr<NSArray> arrayWithObjects(std::vector<id> objects);
+
+    std::size_t count() const { return m_objects.size(); }
+    // nil when the index is out of range.
+    const id& objectAtIndex(std::size_t index) const;
+    void addObject(id object) { m_objects.push_back(std::move(object)); }
+
+    std::vector<id>::const_iterator begin() const { return m_objects.begin(); }
+    std::vector<id>::const_iterator end() const { return m_objects.end(); }
+
+    bool isEqual(const NSObject& other) const override;
+
+private:
+    std::vector<id> m_objects;
+};

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "platform/foundation/NSDictionary.h"
+
+#include <memory>
+
+// An archive that a view is made from: a dictionary of named values. UIView reads "frame" (an array of four numbers),
+// "alpha", "hidden" and "backgroundColor" (an array of red, green, blue, alpha).
+class NSCoder final : public NSObject {
+    NS_CLASS(NSCoder)
+
+    static std::shared_ptr<NSCoder> coderWithDictionary(std::shared_ptr<NSDictionary> values);
+
+    bool containsValueForKey(std::string_view key) const { return m_values && m_values->objectForKey(key); }
+    id decodeObjectForKey(std::string_view key) const { return m_values ? m_values->objectForKey(key) : id(); }
+
+private:
+    std::shared_ptr<NSDictionary> m_values;
+};

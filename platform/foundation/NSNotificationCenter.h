@@ -1,0 +1,33 @@
+#pragma once
+
+#include "platform/foundation/id.h"
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+inline constexpr const char* UIApplicationDidEnterBackgroundNotification =
+    "UIApplicationDidEnterBackgroundNotification";
+
+// Notifications inside this process. Observers are not owned and are dropped when they die; each is called on the
+// posting thread, outside any lock, with the notification's name and sender.
+class NSNotificationCenter final : public NSObject {
+    NS_CLASS(NSNotificationCenter)
+
+    static std::shared_ptr<NSNotificationCenter> defaultCenter();
+
+    // An absent sender means any sender.
+    void addObserver_selector_name_object(const std::shared_ptr<NSObject>& observer, SEL selector, std::string name,
+                                          const std::shared_ptr<NSObject>& object);
+    // Takes a plain pointer so that a destructor can say that its object is gone.
+    void removeObserver(const NSObject* observer);
+    void postNotificationName_object(std::string_view name, const std::shared_ptr<NSObject>& object);
+
+    ~NSNotificationCenter() override;
+
+private:
+    NSNotificationCenter();
+    struct State;
+    std::unique_ptr<State> m_state;
+};

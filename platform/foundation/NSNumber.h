@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstdint>
+
+// A number object: an immutable value that keeps the type it was made with. A number that may be absent is a
+// std::optional<NSNumber>; `floatValue(optional)` and its kin read 0 from an absent one.
+class NSNumber {
+public:
+    enum class Type : std::uint8_t { Bool, Int, Integer, UnsignedInt, UnsignedLongLong, Float, Double };
+
+    static NSNumber numberWithBool(bool value);
+    static NSNumber numberWithInt(std::int32_t value);
+    static NSNumber numberWithInteger(std::int64_t value);
+    static NSNumber numberWithUnsignedInt(std::uint32_t value);
+    static NSNumber numberWithUnsignedLongLong(std::uint64_t value);
+    static NSNumber numberWithFloat(float value);
+    static NSNumber numberWithDouble(double value);
+
+    Type type() const { return m_type; }
+    bool isFloatingPoint() const { return m_type == Type::Float || m_type == Type::Double; }
+
+    // Conversions truncate towards zero and saturate; NaN gives 0.
+    bool boolValue() const;
+    std::int32_t intValue() const;
+    std::int64_t integerValue() const;
+    std::uint32_t unsignedIntValue() const;
+    std::uint64_t unsignedLongLongValue() const;
+    float floatValue() const;
+    double doubleValue() const;
+
+    // Equality by value, whatever the types: 3, 3u and 3.0 are equal; exact at 64 bits.
+    bool isEqualToNumber(NSNumber other) const;
+    friend bool operator==(NSNumber a, NSNumber b) { return a.isEqualToNumber(b); }
+
+private:
+    NSNumber(Type type) : m_type(type) {}
+
+    Type m_type;
+    union {
+        std::int64_t m_signed;    // Bool, Int, Integer
+        std::uint64_t m_unsigned; // UnsignedInt, UnsignedLongLong
+        double m_real;            // Float, Double
+    };
+};

@@ -1,0 +1,70 @@
+#pragma once
+
+// Any value object, or nil: what a property list holds, what a message carries. Reading from nil, or from a value of
+// another kind, gives nil, 0 or false; it never fails.
+
+#include "platform/foundation/NSNumber.h"
+#include "platform/runtime/NSObject.h"
+
+#include <concepts>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <variant>
+
+// Seconds since 2001-01-01 00:00:00 UTC.
+struct NSDate {
+    double timeIntervalSinceReferenceDate = 0;
+    friend bool operator==(NSDate, NSDate) = default;
+};
+
+class id {
+public:
+    id() = default;
+    id(std::nullptr_t) {}
+    id(NSNumber number) : m_value(number) {}
+    id(std::optional<NSNumber> number) {
+        if (number) m_value = *number;
+    }
+    id(std::string string) : m_value(std::move(string)) {}
+    id(const char* string) : m_value(std::string(string)) {}
+    id(NSDate date) : m_value(date) {}
+    id(Class cls) {
+        if (cls) m_value = cls;
+    }
+    template <std::derived_from<NSObject> T> id(std::shared_ptr<T> object) {
+        if (object) m_value = std::shared_ptr<NSObject>(std::move(object));
+    }
+
+    explicit operator bool() const { return !std::holds_alternative<std::monostate>(m_value); }
+
+    // nullptr when the value is of another kind.
+    const NSNumber* number() const { return std::get_if<NSNumber>(&m_value); }
+    const std::string* string() const { return std::get_if<std::string>(&m_value); }
+    const NSDate* date() const { return std::get_if<NSDate>(&m_value); }
+    Class classValue() const;
+    // The object as a T; nil when it is none.
+    template <class T> std::shared_ptr<T> object() const {
+        const auto* held = std::get_if<std::shared_ptr<NSObject>>(&m_value);
+        return held ? std::dynamic_pointer_cast<T>(*held) : nullptr;
+    }
+    // Without touching the count: valid while this value lives.
+    template <class T> T* objectPointer() const {
+        const auto* held = std::get_if<std::shared_ptr<NSObject>>(&m_value);
+        return held ? dynamic_cast<T*>(held->get()) : nullptr;
+    }
+
+    // A number's value, or a string's leading decimal number ("3" gives 3, "abc" 0); 0 for anything else.
+    std::int64_t integerValue() const;
+    double doubleValue() const;
+    float floatValue() const;
+    // A number that is not zero; a string that begins with Y, y, T, t or a non-zero digit.
+    bool boolValue() const;
+
+    // Equality by value; nil equals nil only.
+    friend bool operator==(const id& a, const id& b);
+
+private:
+    std::variant<std::monostate, NSNumber, std::string, NSDate, Class, std::shared_ptr<NSObject>> m_value;
+};
