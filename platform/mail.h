@@ -1,0 +1,40 @@
+#pragma once
+
+#include "platform/uikit/UIViewController.h"
+
+#include <string>
+
+class MFMailComposeViewController;
+class NSError;
+
+enum class MFMailComposeResult { Cancelled = 0, Saved = 1, Sent = 2, Failed = 3 };
+
+class MFMailComposeViewControllerDelegate {
+public:
+    virtual ~MFMailComposeViewControllerDelegate() = default;
+    virtual void mailComposeController_didFinishWithResult_error(MFMailComposeViewController& composer,
+                                                                 MFMailComposeResult result,
+                                                                 const std::shared_ptr<NSError>& error) = 0;
+};
+
+// A screen with a new message: recipient, subject, the body as it will look, Cancel and Send. Sending hands the message
+// to the user's mail program. The delegate dismisses it.
+class MFMailComposeViewController final : public UIViewController {
+    NS_CLASS(MFMailComposeViewController)
+public:
+    ~MFMailComposeViewController() override;
+
+    // Whether the desktop has a program that takes messages.
+    static bool canSendMail();
+
+    std::shared_ptr<MFMailComposeViewController> init();
+
+    // Weak; hears once how the screen was left.
+    void setMailComposeDelegate(const std::shared_ptr<MFMailComposeViewControllerDelegate>& delegate);
+    void setMessageBody_isHTML(std::string body, bool isHTML);
+
+    void loadView() override;
+
+private:
+    MFMailComposeViewController();
+};

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "platform/quartz/CALayer.h"
+
+// Fills its bounds (rounded by the corner radius) with a gradient of evenly spaced colours between two points, given in
+// fractions of the bounds.
+class CAGradientLayer final : public CALayer {
+    NS_CLASS(CAGradientLayer)
+
+    std::shared_ptr<CAGradientLayer> init();
+    std::shared_ptr<CAGradientLayer> initWithLayer(const std::shared_ptr<CALayer>& layer);
+
+    const std::vector<CGColorRef>& colors() const { return m_colors; }
+    void setColors(std::vector<CGColorRef> colors);
+    CGPoint startPoint() const { return m_startPoint; }
+    void setStartPoint(CGPoint point);
+    CGPoint endPoint() const { return m_endPoint; }
+    void setEndPoint(CGPoint point);
+
+private:
+    std::vector<CGColorRef> m_colors;
+    CGPoint m_startPoint{0.5, 0};
+    CGPoint m_endPoint{0.5, 1};
+};

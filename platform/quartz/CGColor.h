@@ -1,0 +1,13 @@
+#pragma once
+
+#include <memory>
+
+// A colour as drawing uses it: components from 0 to 1, not premultiplied. Immutable and shared; nil paints nothing.
+struct CGColor {
+    double red = 0;
+    double green = 0;
+    double blue = 0;
+    double alpha = 1;
+    friend bool operator==(const CGColor&, const CGColor&) = default;
+};
+using CGColorRef = std::shared_ptr<const CGColor>;

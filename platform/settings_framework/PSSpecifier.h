@@ -1,0 +1,53 @@
+#pragma once
+
+#include "platform/foundation/NSDictionary.h"
+#include "platform/foundation/id.h"
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+enum class PSCellType { Group, LinkList, Switch, Button, StaticText };
+
+// One row (or group) of a settings page: a title, named properties ("id", "key", "default", "defaults",
+// "PostNotification", "cellClass", "cellObject", "value", "footerText", "validValues", "validTitles", ...) and the
+// selectors of its target. Main thread only; reading a property is safe from any thread while nobody writes.
+class PSSpecifier final : public NSObject {
+    NS_CLASS(PSSpecifier)
+public:
+    static constexpr bool diesOnMainThread = true;
+
+    // The target is weak. `set` takes the value and the row, `get` the row.
+    static std::shared_ptr<PSSpecifier>
+    preferenceSpecifierNamed_target_set_get_detail_cell_edit(std::string name, const std::shared_ptr<NSObject>& target,
+                                                             SEL set, SEL get, Class detail, PSCellType cell,
+                                                             Class edit);
+
+    const std::string& name() const { return m_name; }
+    void setName(std::string name) { m_name = std::move(name); }
+    // The property "id"; empty when there is none.
+    std::string identifier() const;
+    // nil when absent.
+    const id& propertyForKey(std::string_view key) const;
+    void setProperty_forKey(id value, std::string_view key);
+    void removePropertyForKey(std::string_view key);
+
+    std::shared_ptr<NSObject> target() const { return m_target.lock(); }
+    SEL setter() const { return m_setter; }
+    SEL getter() const { return m_getter; }
+    PSCellType cellType() const { return m_cellType; }
+    SEL buttonAction() const { return m_buttonAction; }
+    void setButtonAction(SEL action) { m_buttonAction = action; }
+
+private:
+    std::string m_name;
+    std::weak_ptr<NSObject> m_target;
+    SEL m_setter;
+    SEL m_getter;
+    SEL m_buttonAction;
+    PSCellType m_cellType = PSCellType::Button;
+    std::vector<std::pair<std::string, id>> m_properties;
+};
+
+using PSSpecifierList = std::vector<std::shared_ptr<PSSpecifier>>;

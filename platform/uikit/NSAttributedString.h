@@ -1,0 +1,32 @@
+#pragma once
+
+#include "platform/uikit/UIColor.h"
+#include "platform/uikit/UIFont.h"
+
+#include <string>
+#include <vector>
+
+struct NSTextAttributes {
+    std::shared_ptr<UIFont> font;             // nil: the label's
+    std::shared_ptr<UIColor> foregroundColor; // nil: the label's
+};
+
+// Text in runs, each with its attributes. Mutable: one class serves both roles.
+class NSMutableAttributedString final : public NSObject {
+    NS_CLASS(NSMutableAttributedString)
+
+    struct Run {
+        std::string text;
+        NSTextAttributes attributes;
+    };
+
+    std::shared_ptr<NSMutableAttributedString> initWithString_attributes(std::string text, NSTextAttributes attributes);
+    void appendAttributedString(const NSMutableAttributedString& other);
+
+    const std::vector<Run>& runs() const { return m_runs; }
+    std::string string() const;
+
+private:
+    std::vector<Run> m_runs;
+};
+using NSAttributedString = NSMutableAttributedString;

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "platform/runtime/NSObject.h"
+
+// A row of a section. Immutable, equal by value.
+class NSIndexPath final : public NSObject {
+    NS_CLASS(NSIndexPath)
+
+    static std::shared_ptr<NSIndexPath> indexPathForRow_inSection(long row, long section);
+
+    long row() const { return m_row; }
+    long section() const { return m_section; }
+    bool isEqual(const NSObject& other) const override;
+
+private:
+    long m_row = 0;
+    long m_section = 0;
+};

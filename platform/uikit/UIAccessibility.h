@@ -1,0 +1,35 @@
+#pragma once
+
+#include <string>
+
+// What a view tells assistive technology. Nodes are made from the view tree: a view whose role is not None is one; the
+// views inside it that have roles are its children.
+
+enum class UIAccessibilityRole {
+    None, // no node of its own; its subviews may be
+    Window,
+    Group,
+    StaticText,
+    Heading,
+    Button,
+    Switch,
+    Slider,
+    List,
+    ListItem,
+    Image,
+    Alert,
+    ProgressIndicator,
+    NavigationBar,
+    Canvas, // a two-dimensional field, such as a colour map
+};
+
+// How far a keyboard or assistive step goes.
+enum class UIAccessibilityStep { Small, Large };
+enum class UIAccessibilityDirection { Left, Right, Up, Down };
+
+struct UIAccessibilityRange {
+    double minimum = 0;
+    double maximum = 0;
+    double current = 0;
+    double step = 0;
+};

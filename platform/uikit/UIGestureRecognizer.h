@@ -1,0 +1,38 @@
+#pragma once
+
+#include "platform/uikit/UIView.h"
+
+enum UIGestureRecognizerState : int {
+    UIGestureRecognizerStatePossible = 0,
+    UIGestureRecognizerStateBegan = 1,
+    UIGestureRecognizerStateChanged = 2,
+    UIGestureRecognizerStateEnded = 3,
+    UIGestureRecognizerStateCancelled = 4,
+    UIGestureRecognizerStateFailed = 5,
+};
+
+// Reads the touches of its view (and of the views in it) before they do, and tells its targets, which take the
+// recogniser. Of the recognisers of one touch the first to begin wins, and the views' own touches are cancelled.
+class UIGestureRecognizer : public NSObject {
+    NS_CLASS(UIGestureRecognizer)
+public:
+    static constexpr bool diesOnMainThread = true;
+    ~UIGestureRecognizer() override;
+
+    // The target is weak and may be nil.
+    std::shared_ptr<UIGestureRecognizer> initWithTarget_action(const std::shared_ptr<NSObject>& target, SEL action);
+    void addTarget_action(const std::shared_ptr<NSObject>& target, SEL action);
+
+    UIGestureRecognizerState state() const;
+    std::shared_ptr<UIView> view() const;
+    bool isEnabled() const;
+    void setEnabled(bool enabled);
+    // How many fingers the gesture has now: a pan that has ended has none, a tap that has ended one.
+    virtual std::size_t numberOfTouches() const;
+    // nil: in the window. An index without a touch gives the zero point.
+    virtual CGPoint locationOfTouch_inView(std::size_t index, const UIView* view) const;
+    virtual CGPoint locationInView(const UIView* view) const;
+
+protected:
+    UIGestureRecognizer();
+};

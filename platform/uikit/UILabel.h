@@ -1,0 +1,44 @@
+#pragma once
+
+#include "platform/uikit/NSAttributedString.h"
+#include "platform/uikit/UIView.h"
+
+enum NSTextAlignment : int { NSTextAlignmentLeft = 0, NSTextAlignmentCenter = 1, NSTextAlignmentRight = 2 };
+
+// Text, centred vertically in its bounds. A single line is cut with an ellipsis; several lines wrap at words.
+class UILabel : public UIView {
+    NS_CLASS(UILabel)
+public:
+    ~UILabel() override;
+
+    std::shared_ptr<UILabel> init();
+    std::shared_ptr<UILabel> initWithFrame(CGRect frame);
+
+    // Empty while none was set.
+    const std::string& text() const;
+    void setText(std::string text);
+    // nil while plain text is shown; setting either replaces the other.
+    const std::shared_ptr<NSAttributedString>& attributedText() const;
+    void setAttributedText(std::shared_ptr<NSAttributedString> text);
+    const std::shared_ptr<UIFont>& font() const; // system font of size 17 by default
+    void setFont(std::shared_ptr<UIFont> font);
+    const std::shared_ptr<UIColor>& textColor() const; // black by default
+    void setTextColor(std::shared_ptr<UIColor> color);
+    NSTextAlignment textAlignment() const;
+    void setTextAlignment(NSTextAlignment alignment);
+    // 0: as many as it takes. 1 by default.
+    int numberOfLines() const;
+    void setNumberOfLines(int lines);
+    // A disabled label is drawn pale.
+    bool isEnabled() const;
+    void setEnabled(bool enabled);
+
+    CGSize sizeThatFits(CGSize size) const override;
+    CGSize intrinsicContentSize() const override;
+    void drawRect(CGRect rect) override;
+    UIAccessibilityRole accessibilityRole() const override;
+    std::string accessibilityLabel() const override;
+
+protected:
+    UILabel();
+};

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "platform/uikit/UIView.h"
+
+// The bar at the top: the front screen's title and, above the root, a back button named for the screen below. 44 points
+// high.
+class UINavigationBar final : public UIView {
+    NS_CLASS(UINavigationBar)
+public:
+    ~UINavigationBar() override;
+
+    std::shared_ptr<UINavigationBar> initWithFrame(CGRect frame);
+    UIAccessibilityRole accessibilityRole() const override;
+
+private:
+    UINavigationBar();
+};

@@ -1,0 +1,86 @@
+#pragma once
+
+#include "platform/uikit/NSIndexPath.h"
+#include "platform/uikit/UIScrollView.h"
+#include "platform/uikit/UITableViewCell.h"
+
+#include <vector>
+
+class UITableView;
+
+enum UITableViewStyle : long { UITableViewStylePlain = 0, UITableViewStyleGrouped = 1 };
+enum UITableViewRowAnimation : long { UITableViewRowAnimationFade = 0, UITableViewRowAnimationNone = 5 };
+
+using NSIndexPathList = std::vector<std::shared_ptr<NSIndexPath>>;
+
+class UITableViewDataSource {
+public:
+    virtual ~UITableViewDataSource() = default;
+    virtual long numberOfSectionsInTableView(UITableView& tableView) = 0;
+    virtual long tableView_numberOfRowsInSection(UITableView& tableView, long section) = 0;
+    virtual std::shared_ptr<UITableViewCell>
+    tableView_cellForRowAtIndexPath(UITableView& tableView, const std::shared_ptr<NSIndexPath>& indexPath) = 0;
+    // Empty: none.
+    virtual std::string tableView_titleForHeaderInSection(UITableView& tableView, long section);
+    virtual std::string tableView_titleForFooterInSection(UITableView& tableView, long section);
+};
+
+class UITableViewDelegate {
+public:
+    virtual ~UITableViewDelegate() = default;
+    virtual void tableView_didSelectRowAtIndexPath(UITableView& tableView,
+                                                   const std::shared_ptr<NSIndexPath>& indexPath);
+    virtual bool tableView_shouldHighlightRowAtIndexPath(UITableView& tableView,
+                                                         const std::shared_ptr<NSIndexPath>& indexPath);
+};
+
+// Rows in sections. Cells are made for the rows on screen only and reused. Main thread only.
+class UITableView : public UIScrollView {
+    NS_CLASS(UITableView)
+public:
+    ~UITableView() override;
+
+    std::shared_ptr<UITableView> initWithFrame_style(CGRect frame, long style);
+
+    // Both weak.
+    void setDataSource(const std::shared_ptr<UITableViewDataSource>& source);
+    void setDelegate(const std::shared_ptr<UITableViewDelegate>& delegate);
+    long style() const;
+
+    void registerClass_forCellReuseIdentifier(Class cls, const std::string& identifier);
+    // A cell to reuse, or a new one of the registered class; nil when no class is registered and none is free.
+    std::shared_ptr<UITableViewCell>
+    dequeueReusableCellWithIdentifier_forIndexPath(const std::string& identifier,
+                                                   const std::shared_ptr<NSIndexPath>& indexPath);
+
+    // Asks the data source for everything again; the selection goes.
+    void reloadData();
+    // Synchronous: the data source is asked for the new cells before it returns; the animation is only looks. Paths
+    // that do not exist are skipped.
+    void reloadRowsAtIndexPaths_withRowAnimation(const NSIndexPathList& indexPaths, long animation);
+    // The data source has changed by these rows already.
+    void insertRowsAtIndexPaths_withRowAnimation(const NSIndexPathList& indexPaths, long animation);
+    void deleteRowsAtIndexPaths_withRowAnimation(const NSIndexPathList& indexPaths, long animation);
+
+    void selectRowAtIndexPath_animated(const std::shared_ptr<NSIndexPath>& indexPath, bool animated);
+    void deselectRowAtIndexPath_animated(const std::shared_ptr<NSIndexPath>& indexPath, bool animated);
+    // nil when none is.
+    std::shared_ptr<NSIndexPath> indexPathForSelectedRow() const;
+    // nil when the row is not on screen.
+    std::shared_ptr<UITableViewCell> cellForRowAtIndexPath(const std::shared_ptr<NSIndexPath>& indexPath) const;
+    std::shared_ptr<NSIndexPath> indexPathForCell(const UITableViewCell* cell) const;
+    std::shared_ptr<NSIndexPath> indexPathForRowAtPoint(CGPoint point) const;
+    CGRect rectForRowAtIndexPath(const std::shared_ptr<NSIndexPath>& indexPath) const;
+    std::vector<std::shared_ptr<UITableViewCell>> visibleCells() const;
+    long numberOfSections() const;
+    long numberOfRowsInSection(long section) const;
+    void scrollToRowAtIndexPath_animated(const std::shared_ptr<NSIndexPath>& indexPath, bool animated);
+    std::shared_ptr<UIView> tableHeaderView() const;
+    void setTableHeaderView(std::shared_ptr<UIView> view);
+
+    // What a tap on the row does: selects it and tells the delegate.
+    void activateRow(const std::shared_ptr<NSIndexPath>& indexPath);
+
+protected:
+    UITableView();
+};

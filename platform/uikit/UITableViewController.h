@@ -1,0 +1,28 @@
+#pragma once
+
+#include "platform/uikit/UITableView.h"
+#include "platform/uikit/UIViewController.h"
+
+// A screen that is one table; data source and delegate of it.
+class UITableViewController : public UIViewController, public UITableViewDataSource, public UITableViewDelegate {
+    NS_CLASS(UITableViewController)
+public:
+    ~UITableViewController() override;
+
+    std::shared_ptr<UITableViewController> initWithStyle(long style);
+
+    // Loads the view where it is not loaded yet.
+    std::shared_ptr<UITableView> tableView();
+    void loadView() override;
+    // Deselects nothing: a row that waits for something stays selected. The first time, the data is loaded.
+    void viewWillAppear(bool animated) override;
+
+    long numberOfSectionsInTableView(UITableView& tableView) override;
+    long tableView_numberOfRowsInSection(UITableView& tableView, long section) override;
+    std::shared_ptr<UITableViewCell>
+    tableView_cellForRowAtIndexPath(UITableView& tableView, const std::shared_ptr<NSIndexPath>& indexPath) override;
+
+protected:
+    UITableViewController();
+    long m_style = UITableViewStylePlain;
+};

@@ -1,0 +1,153 @@
+#pragma once
+
+#include "platform/foundation/NSCoder.h"
+#include "platform/quartz/CALayer.h"
+#include "platform/uikit/UIAccessibility.h"
+#include "platform/uikit/UIColor.h"
+#include "platform/uikit/UIResponder.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+class UIGestureRecognizer;
+class UIViewController;
+class UIWindow;
+
+enum UIViewAutoresizing : unsigned {
+    UIViewAutoresizingNone = 0,
+    UIViewAutoresizingFlexibleLeftMargin = 1,
+    UIViewAutoresizingFlexibleWidth = 2,
+    UIViewAutoresizingFlexibleRightMargin = 4,
+    UIViewAutoresizingFlexibleTopMargin = 8,
+    UIViewAutoresizingFlexibleHeight = 16,
+    UIViewAutoresizingFlexibleBottomMargin = 32,
+};
+
+inline constexpr double UIViewNoIntrinsicMetric = -1;
+
+// A constraint; this kit keeps the list but solves none.
+class NSLayoutConstraint final : public NSObject {
+    NS_CLASS(NSLayoutConstraint)
+};
+
+// A rectangle of the interface, backed by one layer. Main thread only.
+class UIView : public UIResponder, public CALayerDelegate {
+    NS_CLASS(UIView)
+public:
+    ~UIView() override;
+
+    std::shared_ptr<UIView> init(); // zero frame
+    std::shared_ptr<UIView> initWithFrame(CGRect frame);
+    std::shared_ptr<UIView> initWithCoder(const std::shared_ptr<NSCoder>& coder);
+
+    // Geometry. `frame` is in the superview's coordinates, `bounds` in the view's own, `center` is where the bounds'
+    // middle stands in the superview.
+    CGRect frame() const;
+    virtual void setFrame(CGRect frame);
+    CGRect bounds() const;
+    virtual void setBounds(CGRect bounds);
+    CGPoint center() const;
+    void setCenter(CGPoint center);
+    CGAffineTransform transform() const;
+    void setTransform(CGAffineTransform transform);
+    const std::shared_ptr<CALayer>& layer() const;
+
+    // Look.
+    double alpha() const;
+    void setAlpha(double alpha);
+    bool isHidden() const;
+    void setHidden(bool hidden);
+    const std::shared_ptr<UIColor>& backgroundColor() const;
+    void setBackgroundColor(std::shared_ptr<UIColor> color);
+    bool clipsToBounds() const;
+    void setClipsToBounds(bool clips);
+    void setNeedsDisplay();
+    void setNeedsDisplayInRect(CGRect rect);
+    // Draws the view's own content into the current context; by default nothing.
+    virtual void drawRect(CGRect rect);
+
+    // Tree. Adding takes the view from where it was; nil is ignored.
+    std::shared_ptr<UIView> superview() const;
+    const std::vector<std::shared_ptr<UIView>>& subviews() const;
+    std::shared_ptr<UIWindow> window() const;
+    void addSubview(const std::shared_ptr<UIView>& view);
+    void insertSubview_atIndex(const std::shared_ptr<UIView>& view, std::size_t index);
+    void bringSubviewToFront(const std::shared_ptr<UIView>& view);
+    void sendSubviewToBack(const std::shared_ptr<UIView>& view);
+    void removeFromSuperview();
+    bool isDescendantOfView(const UIView* view) const;
+    virtual void willMoveToSuperview(const std::shared_ptr<UIView>& superview);
+    virtual void didMoveToSuperview();
+    virtual void didMoveToWindow();
+    int tag() const;
+    void setTag(int tag);
+
+    // Layout. A changed size or `setNeedsLayout` leads to one `layoutSubviews` before the next frame; `layoutIfNeeded`
+    // does it at once for the view and all below it.
+    void setNeedsLayout();
+    void layoutIfNeeded();
+    virtual void layoutSubviews();
+    unsigned autoresizingMask() const;
+    void setAutoresizingMask(unsigned mask);
+    virtual CGSize sizeThatFits(CGSize size) const;
+    void sizeToFit();
+    // UIViewNoIntrinsicMetric in both directions by default.
+    virtual CGSize intrinsicContentSize() const;
+    void invalidateIntrinsicContentSize();
+    virtual UIEdgeInsets alignmentRectInsets() const;
+    virtual CGRect alignmentRectForFrame(CGRect frame) const;
+    virtual CGRect frameForAlignmentRect(CGRect alignmentRect) const;
+    // nil when none was ever added.
+    const std::vector<std::shared_ptr<NSLayoutConstraint>>* constraints() const;
+    void addConstraint(const std::shared_ptr<NSLayoutConstraint>& constraint);
+    virtual std::shared_ptr<UIView> viewForBaselineLayout();
+
+    // Touches. A view that is hidden, nearly invisible (alpha below 0.01) or without user interaction takes none, nor
+    // do the views in it.
+    bool isUserInteractionEnabled() const;
+    virtual void setUserInteractionEnabled(bool enabled);
+    virtual bool pointInside_withEvent(CGPoint point, UIEvent* event) const;
+    virtual std::shared_ptr<UIView> hitTest_withEvent(CGPoint point, UIEvent* event);
+    void addGestureRecognizer(const std::shared_ptr<UIGestureRecognizer>& recognizer);
+    void removeGestureRecognizer(const std::shared_ptr<UIGestureRecognizer>& recognizer);
+    const std::vector<std::shared_ptr<UIGestureRecognizer>>& gestureRecognizers() const;
+
+    // nil stands for the window.
+    CGPoint convertPoint_toView(CGPoint point, const UIView* view) const;
+    CGPoint convertPoint_fromView(CGPoint point, const UIView* view) const;
+    CGRect convertRect_toView(CGRect rect, const UIView* view) const;
+
+    std::shared_ptr<UIResponder> nextResponder() const override;
+
+    // Animation: values change at once, what is drawn follows over `duration` seconds (ease in, ease out). A later
+    // change starts from what is shown. The completion runs on the main thread; its argument is false when cut short.
+    static void animateWithDuration_animations(double duration, const std::function<void()>& animations);
+    static void animateWithDuration_animations_completion(double duration, const std::function<void()>& animations,
+                                                          std::function<void(bool finished)> completion);
+
+    // Keyboard focus and assistive technology. The defaults: no role, no focus.
+    virtual bool canBecomeFocused() const;
+    virtual UIAccessibilityRole accessibilityRole() const;
+    virtual std::string accessibilityLabel() const;
+    virtual std::string accessibilityValue() const;
+    virtual std::string accessibilityHint() const;
+    virtual bool accessibilityIsEnabled() const;
+    virtual bool accessibilityIsSelected() const;
+    // Switches: on or off.
+    virtual std::optional<bool> accessibilityIsOn() const;
+    virtual std::optional<UIAccessibilityRange> accessibilityRange() const;
+    // What a tap on the middle of the view does; false when nothing.
+    virtual bool accessibilityActivate();
+    // Sliders and canvases; false when nothing moved.
+    virtual bool accessibilityStep(UIAccessibilityDirection direction, UIAccessibilityStep step);
+    virtual bool accessibilitySetValue(double value);
+    void setAccessibilityLabel(std::string label);
+
+    void drawLayer_inContext(CALayer& layer, CGContextRef context) override;
+
+protected:
+    UIView();
+};

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "platform/uikit/UIView.h"
+
+#include <functional>
+#include <string>
+
+class UINavigationController;
+
+// A screen. The view is made at the first call of `view`, then `viewDidLoad` runs. Main thread only.
+class UIViewController : public UIResponder {
+    NS_CLASS(UIViewController)
+public:
+    ~UIViewController() override;
+
+    std::shared_ptr<UIViewController> init();
+
+    const std::shared_ptr<UIView>& view();
+    void setView(std::shared_ptr<UIView> view);
+    bool isViewLoaded() const;
+    // nil while the view is not loaded.
+    std::shared_ptr<UIView> viewIfLoaded() const;
+    virtual void loadView();
+    const std::string& title() const;
+    void setTitle(std::string title);
+
+    // The life cycle, in this order: the screen that goes gets viewWillDisappear before the one that comes gets
+    // viewWillAppear; viewDidDisappear before viewDidAppear.
+    virtual void viewDidLoad();
+    virtual void viewWillAppear(bool animated);
+    virtual void viewDidAppear(bool animated);
+    virtual void viewWillDisappear(bool animated);
+    virtual void viewDidDisappear(bool animated);
+    virtual void viewDidLayoutSubviews();
+
+    // nil when it stands in none. Non-owning upward.
+    std::shared_ptr<UINavigationController> navigationController() const;
+    std::shared_ptr<UIViewController> parentViewController() const;
+    std::shared_ptr<UIViewController> presentedViewController() const;
+    std::shared_ptr<UIViewController> presentingViewController() const;
+    // Over the whole window; the screen below gets its disappearing calls. nil is ignored. The completion may be empty.
+    void presentViewController_animated_completion(const std::shared_ptr<UIViewController>& controller, bool animated,
+                                                   std::function<void()> completion);
+    // Takes away what this controller presents, or this controller itself where it is presented.
+    void dismissViewControllerAnimated_completion(bool animated, std::function<void()> completion);
+
+    std::shared_ptr<UIResponder> nextResponder() const override;
+
+protected:
+    UIViewController();
+};

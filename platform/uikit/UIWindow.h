@@ -1,0 +1,28 @@
+#pragma once
+
+#include "platform/uikit/UIView.h"
+
+class UIKeyEvent;
+
+// The root of a view tree. The host feeds it neutral events (host/uikit) and asks it for frames.
+class UIWindow final : public UIView {
+    NS_CLASS(UIWindow)
+public:
+    ~UIWindow() override;
+
+    std::shared_ptr<UIWindow> initWithFrame(CGRect frame);
+
+    const std::shared_ptr<UIViewController>& rootViewController() const;
+    void setRootViewController(std::shared_ptr<UIViewController> controller);
+
+    // Neutral events from the host, in points; `time` on the clock of CACurrentMediaTime.
+    void touchBegan(long identifier, CGPoint location, double time);
+    void touchMoved(long identifier, CGPoint location, double time);
+    void touchEnded(long identifier, CGPoint location, double time);
+    void touchCancelled(long identifier, double time);
+    // Wheel or touchpad: points to scroll by at a place.
+    void scrolled(CGPoint location, CGPoint delta, double time);
+
+    std::shared_ptr<UIView> focusedView() const;
+    void setFocusedView(const std::shared_ptr<UIView>& view);
+};
