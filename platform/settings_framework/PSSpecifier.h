@@ -4,6 +4,7 @@
 #include "platform/foundation/id.h"
 
 #include <memory>
+#include <mutex>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,7 +13,8 @@ enum class PSCellType { Group, LinkList, Switch, Button, StaticText };
 
 // One row (or group) of a settings page: a title, named properties ("id", "key", "default", "defaults",
 // "PostNotification", "cellClass", "cellObject", "value", "footerText", "validValues", "validTitles", ...) and the
-// selectors of its target. Main thread only; reading a property is safe from any thread while nobody writes.
+// selectors of its target. Main thread, but for its properties: they may be read from any thread at any time, since a
+// worker reads a preference through its row.
 class PSSpecifier final : public NSObject {
     NS_CLASS(PSSpecifier)
 public:
@@ -29,7 +31,7 @@ public:
     // The property "id"; empty when there is none.
     std::string identifier() const;
     // nil when absent.
-    const id& propertyForKey(std::string_view key) const;
+    id propertyForKey(std::string_view key) const;
     void setProperty_forKey(id value, std::string_view key);
     void removePropertyForKey(std::string_view key);
 
@@ -47,6 +49,7 @@ private:
     SEL m_getter;
     SEL m_buttonAction;
     PSCellType m_cellType = PSCellType::Button;
+    mutable std::mutex m_mutex; // guards the properties
     std::vector<std::pair<std::string, id>> m_properties;
 };
 
