@@ -1,4 +1,4 @@
-# Compile options that every target of ours shares, and how the tests are declared.
+# Compile options that every target of ours shares, and how tests, benchmarks and fuzzers are declared.
 
 add_library(joyvane_flags INTERFACE)
 target_compile_options(joyvane_flags INTERFACE
@@ -7,24 +7,150 @@ target_compile_options(joyvane_flags INTERFACE
 if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
   # Exported functions keep their plain names and still give back our value types.
   target_compile_options(joyvane_flags INTERFACE -Wno-return-type-c-linkage)
+  # A precompiled header that holds no times can come out of the compiler cache.
+  add_compile_options("SHELL:-Xclang -fno-pch-timestamp")
+  find_program(JOYVANE_LLD NAMES ld.lld-19 ld.lld)
+  if(JOYVANE_LLD)
+    add_link_options(--ld-path=${JOYVANE_LLD})
+  endif()
 endif()
+# Programs are compiled as libraries are, so that both can share a precompiled header.
+set(CMAKE_CXX_COMPILE_OPTIONS_PIE ${CMAKE_CXX_COMPILE_OPTIONS_PIC})
 if(JOYVANE_SANITIZE)
   add_compile_options(-fsanitize=${JOYVANE_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   add_link_options(-fsanitize=${JOYVANE_SANITIZE})
 endif()
+if(JOYVANE_FUZZ)
+  add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
+if(JOYVANE_COVERAGE)
+  add_compile_options(--coverage -fprofile-update=atomic)
+  add_link_options(--coverage)
+endif()
 
-# joyvane_test(<name> SOURCES <files...> [LIBRARIES <targets...>] [LABELS <labels...>])
+# What every test runs with. The toolkit and the system's libraries are not instrumented, hence the two lists.
+set(JOYVANE_TEST_ENVIRONMENT QT_QPA_PLATFORM=offscreen)
+if(JOYVANE_SANITIZE)
+  find_program(JOYVANE_SYMBOLIZER NAMES llvm-symbolizer-19 llvm-symbolizer)
+  set(symbolizer "")
+  if(JOYVANE_SYMBOLIZER)
+    set(symbolizer ":external_symbolizer_path=${JOYVANE_SYMBOLIZER}")
+  endif()
+  list(APPEND JOYVANE_TEST_ENVIRONMENT
+    "ASAN_OPTIONS=detect_stack_use_after_return=1:check_initialization_order=1:strict_string_checks=1${symbolizer}"
+    "LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/cmake/leaks-of-others.txt:print_suppressions=0"
+    "UBSAN_OPTIONS=print_stacktrace=1${symbolizer}"
+    "TSAN_OPTIONS=ignore_noninstrumented_modules=1:second_deadlock_stack=1${symbolizer}")
+endif()
+
+# True when this build runs tests with these labels: JOYVANE_TEST_ONLY, when given, names the labels of which a test
+# needs one; JOYVANE_TEST_EXCEPT names those of which it may have none.
+function(joyvane_test_wanted result)
+  set(wanted ON)
+  if(JOYVANE_TEST_ONLY)
+    set(wanted OFF)
+    foreach(label IN LISTS JOYVANE_TEST_ONLY)
+      if(label IN_LIST ARGN)
+        set(wanted ON)
+      endif()
+    endforeach()
+  endif()
+  foreach(label IN LISTS JOYVANE_TEST_EXCEPT)
+    if(label IN_LIST ARGN)
+      set(wanted OFF)
+    endif()
+  endforeach()
+  set(${result} ${wanted} PARENT_SCOPE)
+endfunction()
+
+# joyvane_command_test(<name> COMMAND <command...> [LABELS <labels...>] [TIMEOUT <seconds>] [PROCESSORS <n>] [SERIAL]
+#                      [ENVIRONMENT <NAME=value...>])
+# Any program as one CTest test, its name behind JOYVANE_TEST_PREFIX: passes when it ends with 0, is skipped when it ends with 77.
+function(joyvane_command_test name)
+  cmake_parse_arguments(ARG "SERIAL" "TIMEOUT;PROCESSORS" "COMMAND;LABELS;ENVIRONMENT" ${ARGN})
+  joyvane_test_wanted(wanted ${ARG_LABELS})
+  if(NOT wanted)
+    return()
+  endif()
+  if(NOT ARG_TIMEOUT)
+    set(ARG_TIMEOUT 120)
+  endif()
+  if(NOT ARG_PROCESSORS)
+    set(ARG_PROCESSORS 1)
+  endif()
+  # CTest knows a test by its name alone, and ./test runs those of several builds in one go.
+  set(test ${JOYVANE_TEST_PREFIX}${name})
+  add_test(NAME ${test} COMMAND ${ARG_COMMAND})
+  set_tests_properties(${test} PROPERTIES
+    TIMEOUT ${ARG_TIMEOUT} PROCESSORS ${ARG_PROCESSORS} RUN_SERIAL ${ARG_SERIAL} SKIP_RETURN_CODE 77
+    LABELS "${ARG_LABELS}" ENVIRONMENT "${JOYVANE_TEST_ENVIRONMENT};${ARG_ENVIRONMENT}")
+endfunction()
+
+# joyvane_test(<name> SOURCES <files...> [LIBRARIES <targets...>] [LABELS <labels...>] [TIMEOUT <seconds>] [SERIAL]
+#              [ENVIRONMENT <NAME=value...>])
 # A GoogleTest program with the shared main (off-screen toolkit, temporary root), run by CTest as one test a program.
+# Labels that decide where it runs: threads (under the thread sanitizer too), benchmark and pixels-slow (not under the
+# address sanitizer), check (only in the release build).
 function(joyvane_test name)
-  cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;LIBRARIES;LABELS" ${ARGN})
+  cmake_parse_arguments(ARG "SERIAL" "TIMEOUT" "SOURCES;LIBRARIES;LABELS;ENVIRONMENT" ${ARGN})
+  joyvane_test_wanted(wanted ${ARG_LABELS})
+  if(NOT wanted)
+    return()
+  endif()
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE joyvane_flags joyvane_test_main joyvane_platform ${ARG_LIBRARIES})
   # The logic's own crc32 must not stand in for the compression library's function of that name.
   target_link_options(${name} PRIVATE -Wl,--exclude-libs,libjoyvane_logic.a)
-  target_precompile_headers(${name} REUSE_FROM joyvane_test_main)
-  add_test(NAME ${name} COMMAND ${name})
-  if(NOT ARG_TIMEOUT)
-    set(ARG_TIMEOUT 120)
+  target_precompile_headers(${name} REUSE_FROM joyvane_test_headers)
+  set(serial "")
+  if(ARG_SERIAL)
+    set(serial SERIAL)
   endif()
-  set_tests_properties(${name} PROPERTIES TIMEOUT ${ARG_TIMEOUT} LABELS "${ARG_LABELS}")
+  joyvane_command_test(${name} COMMAND ${name} ${serial}
+    LABELS ${ARG_LABELS} TIMEOUT ${ARG_TIMEOUT} ENVIRONMENT ${ARG_ENVIRONMENT})
+endfunction()
+
+# joyvane_benchmark(<name> SOURCES <files...> [LIBRARIES <targets...>])
+# A Google Benchmark program with a main of its own or benchmark::benchmark_main among its libraries. As a test every
+# benchmark in it runs once, briefly: it must still work; what it measures is read by people and by ./bench.
+function(joyvane_benchmark name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LIBRARIES" ${ARGN})
+  joyvane_test_wanted(wanted benchmark)
+  if(NOT JOYVANE_BENCHMARKS OR NOT wanted)
+    return()
+  endif()
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE joyvane_flags joyvane_platform benchmark::benchmark ${ARG_LIBRARIES})
+  target_link_options(${name} PRIVATE -Wl,--exclude-libs,libjoyvane_logic.a)
+  joyvane_command_test(${name} COMMAND ${name} --benchmark_min_time=0.001 LABELS benchmark SERIAL)
+endfunction()
+
+# joyvane_fuzzer(<name> SOURCES <files...> [LIBRARIES <targets...>] CORPUS <folder> [RUNS <n>])
+# A program around LLVMFuzzerTestOneInput. With JOYVANE_FUZZ the corpus is replayed, then <n> (10,000) inputs are made
+# from it; otherwise the corpus alone is replayed, so that what once crashed is tried in every build.
+function(joyvane_fuzzer name)
+  cmake_parse_arguments(ARG "" "CORPUS;RUNS" "SOURCES;LIBRARIES" ${ARGN})
+  joyvane_test_wanted(wanted fuzz)
+  if(NOT wanted)
+    return()
+  endif()
+  if(NOT ARG_RUNS)
+    set(ARG_RUNS 10000)
+  endif()
+  cmake_path(ABSOLUTE_PATH ARG_CORPUS)
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE joyvane_flags joyvane_platform ${ARG_LIBRARIES})
+  target_link_options(${name} PRIVATE -Wl,--exclude-libs,libjoyvane_logic.a)
+  if(JOYVANE_FUZZ)
+    target_link_options(${name} PRIVATE -fsanitize=fuzzer)
+    # What the fuzzer finds by itself goes to the build folder; the corpus is only read.
+    set(found ${CMAKE_CURRENT_BINARY_DIR}/${name}-found)
+    file(MAKE_DIRECTORY ${found})
+    joyvane_command_test(${name} LABELS fuzz TIMEOUT 300
+      COMMAND ${name} -runs=${ARG_RUNS} -seed=1 -max_len=4096 -timeout=10 -rss_limit_mb=4096 -verbosity=0
+              -artifact_prefix=${found}/ ${found} ${ARG_CORPUS})
+  else()
+    target_sources(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests/support/replay.cpp)
+    joyvane_command_test(${name} COMMAND ${name} ${ARG_CORPUS} LABELS fuzz)
+  endif()
 endfunction()

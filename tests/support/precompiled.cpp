@@ -1,0 +1,1 @@
+// Nothing but the tests' precompiled header.
