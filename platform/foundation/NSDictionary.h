@@ -3,9 +3,9 @@
 #include "platform/foundation/id.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 // String keys to value objects, enumerated in the order in which the keys first came in. Look-up, insertion and removal
@@ -17,7 +17,7 @@ class NSMutableDictionary final : public NSObject {
     // The file as a property list, XML or binary; nil when it is missing, unreadable or no dictionary.
     static std::shared_ptr<NSMutableDictionary> dictionaryWithContentsOfFile(const std::string& path);
 
-    std::size_t count() const { return m_index.size(); }
+    std::size_t count() const { return m_entries.size() - m_removed; }
     // nil when absent. The reference holds until the dictionary changes.
     const id& objectForKey(std::string_view key) const;
     // Keeps the place of a key that is already there. A nil object removes the key.
@@ -28,7 +28,7 @@ class NSMutableDictionary final : public NSObject {
     // A shallow copy in the same order.
     std::shared_ptr<NSMutableDictionary> mutableCopy() const;
 
-    // Calls `visit(key, object)` in order until it returns false.
+    // Calls `visit(key, object)` in order until it returns false. The visitor may remove keys, but not set any.
     template <class Visit> void enumerate(Visit&& visit) const {
         for (const auto& entry : m_entries)
             if (entry.object && !visit(entry.key, entry.object)) return;
@@ -41,10 +41,17 @@ private:
     struct Entry {
         std::string key;
         id object; // nil: removed, waiting to be compacted
+        std::size_t hash;
     };
-    void compact();
+    static constexpr std::size_t absent = static_cast<std::size_t>(-1);
+
+    std::size_t indexOf(std::string_view key, std::size_t hash) const;
+    // Makes room for one more entry, dropping the removed ones.
+    void rehash();
 
     std::vector<Entry> m_entries;
-    std::unordered_map<std::string, std::size_t> m_index;
+    std::size_t m_removed = 0;
+    // Open addressing, a power of two: an index into m_entries plus one, or 0 for a free slot.
+    std::vector<std::uint32_t> m_slots;
 };
 using NSDictionary = NSMutableDictionary;

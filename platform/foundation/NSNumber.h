@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 // A number object: an immutable value that keeps the type it was made with. A number that may be absent is a
 // std::optional<NSNumber>; `floatValue(optional)` and its kin read 0 from an absent one.
@@ -28,12 +29,15 @@ public:
     float floatValue() const;
     double doubleValue() const;
 
-    // Equality by value, whatever the types: 3, 3u and 3.0 are equal; exact at 64 bits.
+    // Equality by value, whatever the types: 3, 3u and 3.0 are equal; exact at 64 bits. Not-a-number equals itself.
     bool isEqualToNumber(NSNumber other) const;
     friend bool operator==(NSNumber a, NSNumber b) { return a.isEqualToNumber(b); }
 
 private:
-    NSNumber(Type type) : m_type(type) {}
+    explicit NSNumber(Type type) : m_type(type), m_unsigned(0) {}
+
+    bool isUnsigned() const;
+    template <class To> To as() const;
 
     Type m_type;
     union {
@@ -42,3 +46,13 @@ private:
         double m_real;            // Float, Double
     };
 };
+
+// Reading a number that may be absent: 0 or false when it is.
+inline bool boolValue(const std::optional<NSNumber>& number) { return number && number->boolValue(); }
+inline int intValue(const std::optional<NSNumber>& number) { return number ? number->intValue() : 0; }
+inline std::int64_t integerValue(const std::optional<NSNumber>& number) { return number ? number->integerValue() : 0; }
+inline std::uint32_t unsignedIntValue(const std::optional<NSNumber>& number) {
+    return number ? number->unsignedIntValue() : 0;
+}
+inline float floatValue(const std::optional<NSNumber>& number) { return number ? number->floatValue() : 0; }
+inline double doubleValue(const std::optional<NSNumber>& number) { return number ? number->doubleValue() : 0; }

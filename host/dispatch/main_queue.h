@@ -1,0 +1,23 @@
+#pragma once
+
+// The main queue as the run loop sees it.
+
+#include <cstddef>
+#include <functional>
+
+namespace host {
+
+// `wake` is called, on whatever thread queues, when the queue stops being empty, and at the end of a drain that leaves
+// something behind; it asks the run loop to call drainMainQueue() soon, and must not call it itself. When something
+// waits already it is called at once. An empty function removes it.
+void setWakeMainQueue(std::function<void()> wake);
+
+// Runs the blocks that are in the queue now, in order, and says how many it ran. What they queue waits for the next
+// call. Main thread only; a block may call it again (a run loop within a block).
+std::size_t drainMainQueue();
+
+bool mainQueueIsEmpty();
+
+void queueOnMain(std::function<void()> block);
+
+} // namespace host

@@ -1,0 +1,37 @@
+#include "host/foundation/clock.h"
+
+#include <atomic>
+#include <time.h>
+
+namespace {
+
+timespec read(clockid_t clock) {
+    timespec now{};
+    ::clock_gettime(clock, &now);
+    return now;
+}
+
+std::atomic<const host::ClockSource*> replacement = nullptr;
+
+} // namespace
+
+void host::setClockSource(const ClockSource* source) { replacement = source; }
+
+bool host::clockIsHeld() { return replacement != nullptr; }
+
+int platform::gettimeofday(timeval* now) {
+    if (!now) return 0;
+    if (const auto* const source = replacement.load()) {
+        *now = source->timeOfDay();
+        return 0;
+    }
+    const timespec time = read(CLOCK_REALTIME);
+    *now = {time.tv_sec, time.tv_nsec / 1000};
+    return 0;
+}
+
+double platform::CACurrentMediaTime() {
+    if (const auto* const source = replacement.load()) return source->mediaTime();
+    const timespec time = read(CLOCK_MONOTONIC);
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
+}
