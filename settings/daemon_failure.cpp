@@ -1,0 +1,5 @@
+#include "settings/daemon_failure.h"
+
+#include "platform/notify.h"
+
+void announceDaemonFailure() { notify_post("com.quorrel.jvnfailure"); }
