@@ -90,6 +90,8 @@ public:
     void setNeedsLayout();
     void layoutIfNeeded();
     virtual void layoutSubviews();
+    // A view directly in this one has changed its size, by whatever road; by default nothing.
+    virtual void subviewSizeChanged(UIView& subview);
     unsigned autoresizingMask() const;
     void setAutoresizingMask(unsigned mask);
     virtual CGSize sizeThatFits(CGSize size) const;
@@ -130,6 +132,10 @@ public:
 
     // Keyboard focus and assistive technology. The defaults: no role, no focus.
     virtual bool canBecomeFocused() const;
+    // A container whose views come and go with scrolling names the view that the focus goes to from one inside it, and
+    // makes and shows it first where it is off screen. nil: by the order of the tree, which leads out of the container
+    // at its ends. The containers around the focused view are asked, the innermost first.
+    virtual std::shared_ptr<UIView> focusNeighbour(const UIView& focused, bool forward);
     virtual UIAccessibilityRole accessibilityRole() const;
     virtual std::string accessibilityLabel() const;
     virtual std::string accessibilityValue() const;

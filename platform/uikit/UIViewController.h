@@ -31,7 +31,13 @@ public:
     virtual void viewDidAppear(bool animated);
     virtual void viewWillDisappear(bool animated);
     virtual void viewDidDisappear(bool animated);
+    // After each `layoutSubviews` of the view.
     virtual void viewDidLayoutSubviews();
+
+    // For what shows this screen (a window, a container): the view is about to come or go, and has come or gone. Each
+    // sends its life-cycle call once; a call that does not change anything sends nothing.
+    void beginAppearanceTransition_animated(bool isAppearing, bool animated);
+    void endAppearanceTransition();
 
     // nil when it stands in none. Non-owning upward.
     std::shared_ptr<UINavigationController> navigationController() const;
