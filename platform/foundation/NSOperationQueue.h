@@ -5,15 +5,16 @@
 #include <functional>
 #include <memory>
 
-// A queue with one worker thread of its own, started with the first operation that may run. Operations run in order
-// while the queue is not suspended; each is released on the worker right after its run. Releasing a suspended queue
-// drops what waits in it. The worker is joined before the process ends.
+// Runs operations one at a time and in order, on a worker thread that it holds only while there is something to run.
+// While it is suspended none starts. Each operation is released on the worker right after its run. Releasing a suspended
+// queue drops what waits in it; what waits in another still runs. Any thread.
 class NSOperationQueue final : public NSObject {
     NS_CLASS(NSOperationQueue)
 
     std::shared_ptr<NSOperationQueue> init();
 
     bool isSuspended() const;
+    // An operation that is running goes on.
     void setSuspended(bool suspended);
     void addOperationWithBlock(std::function<void()> block);
 

@@ -1,0 +1,46 @@
+#include "host/foundation/Descriptor.h"
+#include "host/foundation/files.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+
+std::shared_ptr<NSError> host::fileError(const char* operation, const std::string& path, int number) {
+    char text[128];
+    // The call that is safe on several threads; the "C" locale's words do.
+    const char* const words = ::strerror_r(number, text, sizeof text);
+    return NSError::errorWithDescription(std::string(operation) + " " + path + ": " + words, number);
+}
+
+std::shared_ptr<NSData> host::readFile(const std::string& path, std::size_t maximumLength,
+                                       std::shared_ptr<NSError>* error) {
+    const auto failed = [&](int number) {
+        if (error) *error = fileError("reading", path, number);
+        return nullptr;
+    };
+    // Opening a pipe would otherwise wait for somebody to write to it.
+    const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+    if (!file) return failed(errno);
+    struct stat status {};
+    if (::fstat(file.get(), &status) != 0) return failed(errno);
+    if (S_ISDIR(status.st_mode)) return failed(EISDIR);
+    if (!S_ISREG(status.st_mode)) return failed(EINVAL);
+    if (std::cmp_greater(status.st_size, maximumLength)) return failed(EFBIG);
+
+    // One byte of room more than promised: the read that does not fill it has seen the end.
+    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(status.st_size) + 1);
+    std::size_t length = 0;
+    for (;;) {
+        const auto count = ::read(file.get(), bytes.data() + length, bytes.size() - length);
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0) return failed(errno);
+        if (count == 0) break;
+        length += static_cast<std::size_t>(count);
+        if (length > maximumLength) return failed(EFBIG);
+        // The file grows while it is read.
+        if (length == bytes.size()) bytes.resize(2 * length);
+    }
+    bytes.resize(length);
+    return NSData::dataWithVector(std::move(bytes));
+}
