@@ -1,0 +1,212 @@
+#include "host/bus/session_bus_address.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <charconv>
+#include <cstdlib>
+#include <cstring>
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+namespace {
+
+using namespace host;
+using Clock = std::chrono::steady_clock;
+
+constexpr const char* addressVariable = "DBUS_SESSION_BUS_ADDRESS";
+constexpr const char* nobodysAddress = "unix:path=/nonexistent/session-bus";
+
+std::string environment(const char* name) {
+    const char* const value = std::getenv(name);
+    return value ? value : "";
+}
+
+std::string unescaped(std::string_view text) {
+    std::string plain;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        unsigned code = 0;
+        if (text[i] == '%' && i + 2 < text.size() &&
+            std::from_chars(text.data() + i + 1, text.data() + i + 3, code, 16).ptr == text.data() + i + 3) {
+            plain += static_cast<char>(code);
+            i += 2;
+        } else {
+            plain += text[i];
+        }
+    }
+    return plain;
+}
+
+// Takes what stands before the first `separator` off the text.
+std::string_view takeUpTo(char separator, std::string_view& text) {
+    const auto end = text.find(separator);
+    const auto head = text.substr(0, end);
+    text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
+    return head;
+}
+
+struct SocketName {
+    sockaddr_un address{};
+    socklen_t length = 0; // 0: no such socket can be
+};
+
+// `pairs` is what follows "unix:".
+SocketName socketName(std::string_view pairs) {
+    SocketName name;
+    name.address.sun_family = AF_UNIX;
+    constexpr auto room = sizeof name.address.sun_path;
+    while (!pairs.empty()) {
+        std::string_view pair = takeUpTo(',', pairs);
+        const auto key = takeUpTo('=', pair);
+        std::string path = unescaped(pair);
+        if (key == "runtime") path = environment("XDG_RUNTIME_DIR") + "/bus";
+        if (key == "abstract")
+            path.insert(path.begin(), '\0');
+        else if (key != "path" && key != "runtime")
+            continue;
+        if (path.size() >= room) return {};
+        std::memcpy(name.address.sun_path, path.data(), path.size());
+        name.length =
+            static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + path.size() + (key == "abstract" ? 0 : 1));
+    }
+    return name;
+}
+
+class Conversation {
+public:
+    Conversation(int descriptor, Clock::time_point deadline) : m_descriptor(descriptor), m_deadline(deadline) {}
+    ~Conversation() { close(m_descriptor); }
+    Conversation(const Conversation&) = delete;
+    Conversation& operator=(const Conversation&) = delete;
+
+    bool say(std::string_view text) {
+        while (!text.empty()) {
+            const ssize_t sent = send(m_descriptor, text.data(), text.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
+            if (sent > 0)
+                text.remove_prefix(static_cast<std::size_t>(sent));
+            else if (errno == EAGAIN ? !wait(POLLOUT) : errno != EINTR)
+                return false;
+        }
+        return true;
+    }
+
+    // Bytes as they come; empty at the end of the stream, of the patience, or on failure.
+    std::string hear() {
+        char bytes[512];
+        for (;;) {
+            const ssize_t got = recv(m_descriptor, bytes, sizeof bytes, MSG_DONTWAIT);
+            if (got > 0) return std::string(bytes, static_cast<std::size_t>(got));
+            if (got == 0 || (errno == EAGAIN ? !wait(POLLIN) : errno != EINTR)) return {};
+        }
+    }
+
+    bool isPatient() const { return Clock::now() < m_deadline; }
+
+private:
+    bool wait(short events) {
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(m_deadline - Clock::now()).count();
+        pollfd entry{m_descriptor, events, 0};
+        return left > 0 && (poll(&entry, 1, static_cast<int>(left)) > 0 || errno == EINTR);
+    }
+
+    int m_descriptor;
+    Clock::time_point m_deadline;
+};
+
+// The method call Hello to the bus itself.
+std::string helloMessage() {
+    std::string message("l\1\0\1\0\0\0\0\1\0\0\0\0\0\0\0", 16); // little endian, call, version 1, no body, serial 1
+    const auto field = [&message](char code, char type, std::string_view text) {
+        message.append((8 - message.size() % 8) % 8, '\0');
+        message += {code, '\1', type, '\0', static_cast<char>(text.size()), '\0', '\0', '\0'};
+        message.append(text) += '\0';
+    };
+    field(1, 'o', "/org/freedesktop/DBus");
+    field(6, 's', "org.freedesktop.DBus");
+    field(2, 's', "org.freedesktop.DBus");
+    field(3, 's', "Hello");
+    message[12] = static_cast<char>(message.size() - 16);
+    message.append((8 - message.size() % 8) % 8, '\0');
+    return message;
+}
+
+std::string identity() {
+    static constexpr char digits[] = "0123456789abcdef";
+    std::string text;
+    for (const char c : std::to_string(geteuid())) (text += digits[c >> 4]) += digits[c & 15];
+    return text;
+}
+
+BusState probeSocket(const SocketName& name, Clock::time_point deadline) {
+    if (name.length == 0) return BusState::Absent;
+    const int descriptor = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+    if (descriptor == -1) return BusState::Absent;
+    Conversation bus(descriptor, deadline);
+    if (connect(descriptor, reinterpret_cast<const sockaddr*>(&name.address), name.length) != 0)
+        return errno == EAGAIN ? BusState::Silent : BusState::Absent; // a full backlog: nobody takes calls
+
+    const auto failed = [&bus] { return bus.isPatient() ? BusState::Absent : BusState::Silent; };
+    if (!bus.say(std::string_view("\0", 1)) || !bus.say("AUTH EXTERNAL " + identity() + "\r\n")) return failed();
+    std::string answer;
+    while (answer.find("\r\n") == std::string::npos) {
+        const auto more = bus.hear();
+        if (more.empty()) return failed();
+        answer += more;
+    }
+    if (!answer.starts_with("OK ")) return BusState::Absent;
+    if (!bus.say("BEGIN\r\n" + helloMessage()) || bus.hear().empty()) return failed();
+    return BusState::Answers;
+}
+
+std::string& knownAddress() {
+    static auto* const address = new std::string;
+    return *address;
+}
+
+std::string addressInRuntimeFolder() {
+    const std::string folder = environment("XDG_RUNTIME_DIR");
+    struct stat information {};
+    if (folder.empty() || stat((folder + "/bus").c_str(), &information) != 0 || !S_ISSOCK(information.st_mode))
+        return {};
+    std::string address = "unix:path=";
+    for (const char c : folder + "/bus") {
+        static constexpr char digits[] = "0123456789ABCDEF";
+        const auto byte = static_cast<unsigned char>(c);
+        if (std::isalnum(byte) || std::strchr("-_/.", c))
+            address += c;
+        else
+            ((address += '%') += digits[byte >> 4]) += digits[byte & 15];
+    }
+    return address;
+}
+
+} // namespace
+
+BusState host::probeBus(std::string_view addresses, std::chrono::milliseconds patience) {
+    const auto deadline = Clock::now() + patience;
+    BusState best = BusState::Absent;
+    while (!addresses.empty() && best != BusState::Answers) {
+        std::string_view address = takeUpTo(';', addresses);
+        const auto kind = takeUpTo(':', address);
+        BusState state = BusState::Absent;
+        if (kind == "unix")
+            state = probeSocket(socketName(address), deadline);
+        else if (kind == "tcp" || kind == "nonce-tcp")
+            state = BusState::Answers;
+        if (state != BusState::Absent) best = state;
+    }
+    return best;
+}
+
+BusState host::settleSessionBus(std::chrono::milliseconds patience) {
+    auto& address = knownAddress();
+    address = environment(addressVariable);
+    if (address.empty()) address = addressInRuntimeFolder();
+    const BusState state = probeBus(address, patience);
+    setenv(addressVariable, state == BusState::Answers ? address.c_str() : nobodysAddress, 1);
+    return state;
+}
+
+const std::string& host::sessionBusAddress() { return knownAddress(); }

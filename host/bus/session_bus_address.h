@@ -1,0 +1,27 @@
+#pragma once
+
+// Where the session's bus is, found out before anything connects to it. A missing address makes bus libraries start a
+// bus of their own that outlives us; a bus that accepts and never answers makes them wait for half a minute.
+
+#include <chrono>
+#include <string>
+#include <string_view>
+
+namespace host {
+
+enum class BusState { Answers, Silent, Absent };
+
+// Connects, authenticates and says hello, all within `patience`. Of several addresses the first that answers counts.
+// Only UNIX sockets are asked; a network address counts as answering, one that would start a program as absent.
+BusState probeBus(std::string_view addresses, std::chrono::milliseconds patience);
+
+// Before the toolkit starts, and before there are threads: finds the session's bus (the environment's, else the one in
+// the run-time folder) and probes it. Where none answers, the environment gets an address that nothing listens at, so
+// that every connection fails at once.
+BusState settleSessionBus(std::chrono::milliseconds patience);
+
+// The bus as the session names it, whether or not it answered; empty when it has none. For later tries, and for
+// children.
+const std::string& sessionBusAddress();
+
+} // namespace host

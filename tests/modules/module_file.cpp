@@ -1,0 +1,108 @@
+#include "host/modules/module_file.h"
+
+#include "host/modules/sha256.h"
+
+#include <elf.h>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <sys/stat.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// This program itself is a file of the right kind.
+const std::string& original() {
+    static const std::string contents = [] {
+        std::ifstream file("/proc/self/exe", std::ios::binary);
+        return std::string(std::istreambuf_iterator<char>(file), {});
+    }();
+    return contents;
+}
+
+host::ModuleSeal sealOf(const std::string& contents) {
+    host::SHA256 sha;
+    sha.add({reinterpret_cast<const std::uint8_t*>(contents.data()), contents.size()});
+    return {contents.size(), sha.hexDigest()};
+}
+
+class ModuleFile : public testing::Test {
+protected:
+    ModuleFile() {
+        std::string name = (fs::temp_directory_path() / "module-XXXXXX").string();
+        folder = mkdtemp(name.data());
+        path = folder + "/module";
+    }
+    ~ModuleFile() override { fs::remove_all(folder); }
+    void write(const std::string& contents) const { std::ofstream(path, std::ios::binary) << contents; }
+
+    std::string folder;
+    std::string path;
+};
+
+TEST_F(ModuleFile, TheSealedFileHasNoProblem) {
+    write(original());
+
+    EXPECT_EQ("", host::moduleProblem(path, sealOf(original())));
+}
+
+TEST_F(ModuleFile, ACutOrGrownFileIsNamedSo) {
+    write(original().substr(0, 100));
+    EXPECT_EQ("is cut: 100 bytes instead of " + std::to_string(original().size()),
+              host::moduleProblem(path, sealOf(original())));
+
+    write("");
+    EXPECT_TRUE(host::moduleProblem(path, sealOf(original())).starts_with("is cut: 0 bytes"));
+
+    write(original() + "x");
+    EXPECT_TRUE(host::moduleProblem(path, sealOf(original())).starts_with("has grown: "));
+}
+
+TEST_F(ModuleFile, OneFlippedBitAnywhereIsSeen) {
+    const auto seal = sealOf(original());
+    const std::size_t step = original().size() / 40 + 1;
+    for (std::size_t at = 0; at < original().size(); at += step) {
+        std::string changed = original();
+        changed[at] = static_cast<char>(changed[at] ^ 4);
+        write(changed);
+        EXPECT_NE("", host::moduleProblem(path, seal)) << at;
+    }
+}
+
+TEST_F(ModuleFile, AFileForAnotherMachineIsNamedSoEvenWhenItIsWhatTheManifestSays) {
+    for (const std::size_t at : {std::size_t{EI_CLASS}, std::size_t{EI_DATA}, offsetof(Elf64_Ehdr, e_machine)}) {
+        std::string foreign = original();
+        foreign[at] = static_cast<char>(foreign[at] ^ 3);
+        write(foreign);
+
+        EXPECT_EQ("is made for another machine", host::moduleProblem(path, sealOf(foreign)));
+    }
+}
+
+TEST_F(ModuleFile, WhatIsNoModuleIsNamedSo) {
+    const std::string text = "#!/bin/sh\necho I am no module, and I am longer than a header of one would be, by far.\n";
+    write(text);
+    EXPECT_EQ("is no module", host::moduleProblem(path, sealOf(text)));
+
+    std::string object = original();
+    object[offsetof(Elf64_Ehdr, e_type)] = ET_REL;
+    write(object);
+    EXPECT_EQ("is no module that can be loaded", host::moduleProblem(path, sealOf(object)));
+}
+
+TEST_F(ModuleFile, MissingFilesFoldersAndPipesAreRefusedAtOnce) {
+    EXPECT_EQ("is missing", host::moduleProblem(path, sealOf(original())));
+    EXPECT_EQ("is no regular file", host::moduleProblem(folder, sealOf(original())));
+    ASSERT_EQ(0, mkfifo(path.c_str(), 0600));
+    EXPECT_EQ("is no regular file", host::moduleProblem(path, sealOf(original())));
+}
+
+TEST_F(ModuleFile, TheLoadersReasonComesBack) {
+    write("nothing to load");
+
+    EXPECT_NE(std::string::npos, host::loadModule(path).find(path));
+}
+
+} // namespace
