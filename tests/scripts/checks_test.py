@@ -1,0 +1,146 @@
+"""Each check lets a sound tree pass and finds what is planted in it."""
+
+import os
+import subprocess
+import sys
+import tempfile
+import unittest
+
+SCRIPTS = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "scripts")
+
+
+class Tree:
+    """A small project in a temporary folder."""
+
+    def __init__(self, files):
+        self.folder = tempfile.TemporaryDirectory()
+        for path, text in files.items():
+            whole = os.path.join(self.folder.name, path)
+            os.makedirs(os.path.dirname(whole), exist_ok=True)
+            with open(whole, "w", encoding="utf-8") as file:
+                file.write(text)
+
+    def check(self, script):
+        result = subprocess.run([sys.executable, os.path.join(SCRIPTS, script), self.folder.name],
+                                capture_output=True, text=True)
+        self.folder.cleanup()
+        return result.returncode, result.stdout + result.stderr
+
+
+class Checks(unittest.TestCase):
+    def assert_sound(self, script, files):
+        code, output = Tree(files).check(script)
+        self.assertEqual(code, 0, output)
+
+    def assert_found(self, script, files, *parts):
+        code, output = Tree(files).check(script)
+        self.assertEqual(code, 1, output)
+        for part in parts:
+            self.assertIn(part, output)
+
+
+class Includes(Checks):
+    def test_what_the_arrows_allow_passes(self):
+        self.assert_sound("check-includes", {
+            "platform/a.h": "#include <memory>\n#include \"platform/b.h\"\n",
+            "settings/a.h": "#include \"ledcolour/b.h\"\n#include <cstdint>\n",
+            "ledcolour/a.h": "#include \"colourpicker/b.h\"\n",
+            "host/window/a.cpp": "#include <QWindow>\n#include <unistd.h>\n#include \"host/uikit/b.h\"\n",
+            "host/foundation/a.cpp": "#include <expat.h>\n",
+            "app/a.cpp": "#include \"host/window/a.h\"\n#include \"host/testing/touches.h\"\n",
+            "tests/keymap/a.cpp": "#include \"keymap/a.h\"\n#include <gtest/gtest.h>\n",
+        })
+
+    def test_each_wrong_include_is_found_with_its_line(self):
+        for path, include in {
+            "platform/a.h": '"host/window/a.h"',
+            "platform/b.h": "<QString>",
+            "colourpicker/a.h": '"ledcolour/b.h"',
+            "keymap/a.cpp": "<unistd.h>",
+            "daemonlink/a.cpp": "<sys/socket.h>",
+            "ledcolour/a.cpp": "<QtGui/QColor>",
+            "settings/a.cpp": '"colourpicker/b.h"',
+            "host/foundation/a.cpp": "<QFile>",
+            "host/uikit/a.cpp": '"host/testing/clock.h"',
+            "host/socket/a.cpp": '"daemonlink/frames.h"',
+            "app/a.cpp": "<QGuiApplication>",
+            "simulator/a.cpp": '"daemonlink/frames.h"',
+            "tests/keymap/a.cpp": "<QImage>",
+            "host/quartz/a.cpp": '"neighbour.h"',
+            "elsewhere/a.h": "<vector>",
+        }.items():
+            with self.subTest(path=path, include=include):
+                self.assert_found("check-includes", {path: f"\n#include {include}\n"}, f"{path}:2: ")
+
+
+class Headers(Checks):
+    def test_a_header_that_brings_what_it_needs_passes(self):
+        self.assert_sound("check-headers", {
+            "platform/a.h": "#pragma once\n#include <string>\ninline std::string a() { return {}; }\n",
+            "keymap/a.h": "#pragma once\n#include \"platform/a.h\"\ninline std::string b() { return a(); }\n",
+        })
+
+    def test_a_header_that_leans_on_who_includes_it_is_found(self):
+        self.assert_found("check-headers", {"platform/a.h": "#pragma once\ninline std::string a() { return {}; }\n"},
+                          "platform/a.h does not compile by itself")
+
+    def test_the_toolkit_is_out_of_reach_of_the_logic(self):
+        self.assert_found("check-headers", {"keymap/a.h": "#pragma once\n#include <QString>\n"}, "keymap/a.h")
+
+
+class Words(Checks):
+    def test_a_tree_that_gives_its_own_reasons_passes(self):
+        self.assert_sound("check-words", {"a.cpp": "// A part of 1.2 seconds, for the PSSpecifier\n"})
+
+    def test_each_word_is_found_in_a_file_and_in_a_name(self):
+        for word in ("Specifi" + "cation", "spec" + ".md", "the " + "spec", "Pa" + "rt 1.2", "Pa" + "rts 3.x"):
+            with self.subTest(word=word):
+                self.assert_found("check-words", {"docs/a.txt": f"as {word} says\n"}, "docs/a.txt:1")
+        self.assert_found("check-words", {"docs/spec" + ".md": "\n"}, "the file's name")
+
+    def test_a_commit_message_is_read_too(self):
+        tree = Tree({"a.txt": "a\n"})
+        git = ["git", "-C", tree.folder.name, "-c", "user.name=a", "-c", "user.email=a@example.com"]
+        subprocess.run([*git, "init", "-q"], check=True)
+        subprocess.run([*git, "add", "."], check=True)
+        subprocess.run([*git, "commit", "-qm", "Do it", "-m", "As Pa" + "rt 4.1 has it"], check=True)
+        code, output = tree.check("check-words")
+        self.assertEqual(code, 1, output)
+        self.assertIn("a commit message", output)
+
+
+class Format(Checks):
+    STYLE = "BasedOnStyle: LLVM\n"
+
+    def test_formatted_source_passes(self):
+        self.assert_sound("check-format", {".clang-format": self.STYLE, "a.cpp": "int a = 1;\n"})
+
+    def test_other_source_is_found(self):
+        self.assert_found("check-format", {".clang-format": self.STYLE, "a.cpp": "int  a=1 ;\n"}, "a.cpp")
+
+
+class Exports(Checks):
+    def exports(self, listed):
+        with tempfile.TemporaryDirectory() as folder:
+            source, module, names = (os.path.join(folder, name) for name in ("a.cpp", "a.so", "list"))
+            with open(source, "w", encoding="utf-8") as file:
+                file.write('extern "C" int one() { return 1; }\nextern "C" int two() { return 2; }\n')
+            with open(names, "w", encoding="utf-8") as file:
+                file.write("# what others call\n" + listed)
+            subprocess.run(["g++", "-shared", "-fPIC", source, "-o", module], check=True)
+            result = subprocess.run([sys.executable, os.path.join(SCRIPTS, "check-exports"), module, names],
+                                    capture_output=True, text=True)
+            return result.returncode, result.stdout + result.stderr
+
+    def test_the_listed_names_pass(self):
+        self.assertEqual(self.exports("one\ntwo\n")[0], 0)
+
+    def test_a_name_too_many_and_a_name_too_few_are_found(self):
+        code, output = self.exports("one\nthree\n")
+        self.assertEqual(code, 1)
+        self.assertIn("two is exported", output)
+        self.assertIn("three is not exported", output)
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=2)
