@@ -34,9 +34,6 @@ function(joyvane_bundle name)
   # The module calls its own functions, whatever else in the process has their names (crc32 is a library's, too).
   # A name in the list that nothing defines is for the test of the exports to report, not for one linker out of two.
   target_link_options(${module} PRIVATE -Wl,-Bsymbolic -Wl,--version-script=${version_script} -Wl,--undefined-version)
-  if(NOT JOYVANE_SANITIZE)
-    target_link_options(${module} PRIVATE -Wl,-z,defs)
-  endif()
 
   set(contents ${folder}/Info.plist)
   set(seal ${CMAKE_SOURCE_DIR}/cmake/seal_bundle.py)
