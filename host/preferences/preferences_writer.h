@@ -1,0 +1,27 @@
+#pragma once
+
+// Changing keys of one preferences file by the agreed order: lock, read afresh, change, write a temporary beside it,
+// flush, rename, flush the folder.
+
+#include "platform/foundation/id.h"
+
+#include <chrono>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace host {
+
+struct PreferencesWriteResult {
+    bool isStored = false;
+    bool isBusy = false; // not stored, since another process held the lock for too long
+    std::string reason;  // why not, or what was remarkable about it; else empty
+};
+
+// Real paths. A nil value removes its key. Waits for the lock at most `patience`. A file that cannot be read as a
+// dictionary is moved aside first ("<domain>.damaged-<n>"), byte for byte; what is no file at all is left alone.
+PreferencesWriteResult changePreferencesFile(const std::string& folder, const std::string& domain,
+                                             const std::vector<std::pair<std::string, id>>& changes,
+                                             std::chrono::milliseconds patience);
+
+} // namespace host
