@@ -39,6 +39,8 @@ std::uint64_t bigEndian(Bytes bytes) {
     return value;
 }
 
+std::string_view characters(Bytes bytes) { return {reinterpret_cast<const char*>(bytes.data()), bytes.size()}; }
+
 // Two passes: the first looks at each object once and finds every fault of the structure without building anything; the
 // second builds, and can only fail for a key that comes twice.
 class BinaryReader {
@@ -100,8 +102,7 @@ private:
 };
 
 bool BinaryReader::readTrailer() {
-    const std::string_view text(reinterpret_cast<const char*>(m_bytes.data()), m_bytes.size());
-    if (!text.starts_with("bplist00")) return refuse("is of an unknown version");
+    if (!characters(m_bytes).starts_with("bplist00")) return refuse("is of an unknown version");
     if (m_bytes.size() < headerLength + trailerLength + 2) return refuse("is cut");
     const Bytes trailer = m_bytes.last(trailerLength);
     m_offsetSize = trailer[6];
@@ -232,8 +233,7 @@ bool BinaryReader::examineChild(Facts& parent, std::size_t index, std::size_t de
 bool BinaryReader::isScalarSound(const Object& object) {
     switch (object.kind) {
     case KindASCII:
-        return isASCII({reinterpret_cast<const char*>(object.body.data()), object.body.size()}) ||
-               refuse("has a text with bytes that are no ASCII");
+        return isASCII(characters(object.body)) || refuse("has a text with bytes that are no ASCII");
     case KindUTF16:
         return isUTF16BigEndian(object.body) || refuse("has a text with half a surrogate pair");
     case KindInteger:
@@ -270,7 +270,7 @@ id BinaryReader::buildScalar(const Object& object) {
     case KindData:
         return NSData::dataWithBytes(object.body);
     case KindASCII:
-        return std::string(reinterpret_cast<const char*>(object.body.data()), object.body.size());
+        return std::string(characters(object.body));
     default:
         return utf8FromUTF16BigEndian(object.body);
     }
@@ -292,7 +292,11 @@ id BinaryReader::build(std::size_t index) {
     for (std::size_t i = 0; i < object.count && !m_refusal; ++i) {
         Object key;
         if (!readObject(reference(object, i), key)) return nullptr;
-        dictionary->setObject_forKey(build(reference(object, object.count + i)), *buildScalar(key).string());
+        id value = build(reference(object, object.count + i));
+        if (key.kind == KindASCII)
+            dictionary->setObject_forKey(std::move(value), characters(key.body));
+        else
+            dictionary->setObject_forKey(std::move(value), utf8FromUTF16BigEndian(key.body));
         // Readers differ on which of the two counts, so neither does.
         if (dictionary->count() == i && !m_refusal) refuse("has the same key twice in a dictionary");
     }

@@ -4,7 +4,7 @@
 #include "platform/foundation/NSDictionary.h"
 
 #include <bit>
-#include <string_view>
+#include <cstring>
 #include <vector>
 
 namespace {
@@ -24,8 +24,9 @@ public:
             return nullptr;
         }
         if (collect(value)) writeObjects();
-        if (m_bytes.size() > propertyListMaximumLength)
+        if (m_length > propertyListMaximumLength)
             refuse("is larger than " + std::to_string(propertyListMaximumLength) + " bytes");
+        m_bytes.resize(m_length);
         if (m_refusal.empty()) return NSData::dataWithVector(std::move(m_bytes));
         refusal = m_refusal;
         return nullptr;
@@ -34,10 +35,13 @@ public:
 private:
     // Points into the value that is written, which does not change meanwhile.
     struct Item {
-        const id* value;        // null for a key
-        const std::string* key; // null for a value
+        const void* value; // an id, or the std::string of a key
         std::uint32_t firstChild;
-        std::uint8_t depth; // of the value if it is a container: the levels of containers down to it
+        std::uint8_t depth; // the levels of containers down to here, this one included if it is one
+        bool isKey;
+
+        const std::string& key() const { return *static_cast<const std::string*>(value); }
+        const id& object() const { return *static_cast<const id*>(value); }
     };
 
     bool refuse(std::string reason) {
@@ -58,15 +62,26 @@ private:
     void writeNumber(const NSNumber& number);
     void writeMarker(std::uint8_t kind, std::size_t count);
     void writeInteger(std::uint64_t value);
+    // The next `size` bytes, to be filled in.
+    std::uint8_t* room(std::size_t size) {
+        if (m_length + size > m_bytes.size()) m_bytes.resize(2 * (m_length + size));
+        m_length += size;
+        return m_bytes.data() + m_length - size;
+    }
     void append(std::uint64_t value, unsigned size) {
-        while (size-- > 0) m_bytes.push_back(static_cast<std::uint8_t>(value >> 8 * size));
+        std::uint8_t* const bytes = room(size);
+        for (unsigned i = 0; i < size; ++i) bytes[i] = static_cast<std::uint8_t>(value >> 8 * (size - 1 - i));
+    }
+    void appendBytes(const void* bytes, std::size_t size) {
+        if (size > 0) std::memcpy(room(size), bytes, size);
     }
 
     std::string m_refusal;
     std::vector<Item> m_items;
     std::size_t m_values = 0;
     unsigned m_referenceSize = 0;
-    std::vector<std::uint8_t> m_bytes;
+    std::vector<std::uint8_t> m_bytes; // of which m_length are in use
+    std::size_t m_length = 0;
 };
 
 bool BinaryWriter::addValue(const id& value, std::size_t depth) {
@@ -75,25 +90,25 @@ bool BinaryWriter::addValue(const id& value, std::size_t depth) {
     if (value.string() && !checkText(*value.string())) return false;
     if (++m_values > propertyListMaximumValues)
         return refuse("holds more than " + std::to_string(propertyListMaximumValues) + " values, or refers to itself");
-    m_items.push_back({&value, nullptr, 0, static_cast<std::uint8_t>(depth)});
+    m_items.push_back({&value, 0, static_cast<std::uint8_t>(depth), false});
     return true;
 }
 
 bool BinaryWriter::addKey(const std::string& key, std::size_t depth) {
     if (!checkText(key)) return false;
-    m_items.push_back({nullptr, &key, 0, static_cast<std::uint8_t>(depth)});
+    m_items.push_back({&key, 0, static_cast<std::uint8_t>(depth), true});
     return true;
 }
 
 bool BinaryWriter::collect(const id& value) {
     if (!addValue(value, 1)) return false;
     for (std::size_t index = 0; index < m_items.size(); ++index)
-        if (m_items[index].value && !collectChildren(index)) return false;
+        if (!m_items[index].isKey && !collectChildren(index)) return false;
     return true;
 }
 
 bool BinaryWriter::collectChildren(std::size_t index) {
-    const id& value = *m_items[index].value;
+    const id& value = m_items[index].object();
     m_items[index].firstChild = static_cast<std::uint32_t>(m_items.size());
     if (value.number() || value.string() || value.date() || value.objectPointer<NSData>()) return true;
     // A circle ends here as well.
@@ -106,6 +121,7 @@ bool BinaryWriter::collectChildren(std::size_t index) {
         return true;
     }
     if (const auto* const dictionary = value.objectPointer<NSMutableDictionary>()) {
+        if (dictionary->count() > m_items.size()) m_items.reserve(m_items.size() + 2 * dictionary->count());
         dictionary->enumerate([&](const std::string& key, const id&) { return addKey(key, depth); });
         dictionary->enumerate([&](const std::string&, const id& object) { return addValue(object, depth); });
         return m_refusal.empty();
@@ -115,18 +131,17 @@ bool BinaryWriter::collectChildren(std::size_t index) {
 
 void BinaryWriter::writeObjects() {
     m_referenceSize = width(m_items.size() - 1);
-    m_bytes.reserve(16 * (m_items.size() + 4)); // what short keys with numbers take
-    static constexpr std::string_view header = "bplist00";
-    m_bytes.assign(header.begin(), header.end());
+    m_bytes.resize(12 * (m_items.size() + 8)); // what short keys with numbers take
+    appendBytes("bplist00", 8);
 
     std::vector<std::uint32_t> offsets;
     offsets.reserve(m_items.size());
     for (const Item& item : m_items) {
-        offsets.push_back(static_cast<std::uint32_t>(m_bytes.size()));
+        offsets.push_back(static_cast<std::uint32_t>(m_length));
         writeItem(item);
-        if (m_bytes.size() > propertyListMaximumLength) return;
+        if (m_length > propertyListMaximumLength) return;
     }
-    const std::size_t table = m_bytes.size();
+    const std::size_t table = m_length;
     const unsigned offsetSize = width(table);
     for (const std::uint32_t offset : offsets) append(offset, offsetSize);
     append(0, 6);
@@ -138,8 +153,8 @@ void BinaryWriter::writeObjects() {
 }
 
 void BinaryWriter::writeItem(const Item& item) {
-    if (item.key) return writeText(*item.key);
-    const id& value = *item.value;
+    if (item.isKey) return writeText(item.key());
+    const id& value = item.object();
     if (value.number()) return writeNumber(*value.number());
     if (value.string()) return writeText(*value.string());
     if (value.date()) {
@@ -147,7 +162,7 @@ void BinaryWriter::writeItem(const Item& item) {
         append(std::bit_cast<std::uint64_t>(value.date()->timeIntervalSinceReferenceDate), 8);
     } else if (const auto* const data = value.objectPointer<NSData>()) {
         writeMarker(0x40, data->length());
-        m_bytes.insert(m_bytes.end(), data->bytes().begin(), data->bytes().end());
+        appendBytes(data->bytes().data(), data->length());
     } else if (const auto* const array = value.objectPointer<NSArray>()) {
         writeContainer(0xa0, array->count(), array->count(), item.firstChild);
     } else if (const auto* const dictionary = value.objectPointer<NSMutableDictionary>()) {
@@ -164,10 +179,11 @@ void BinaryWriter::writeContainer(std::uint8_t kind, std::size_t count, std::siz
 void BinaryWriter::writeText(const std::string& text) {
     if (isASCII(text)) {
         writeMarker(0x50, text.size());
-        m_bytes.insert(m_bytes.end(), text.begin(), text.end());
+        appendBytes(text.data(), text.size());
     } else {
-        writeMarker(0x60, utf16Length(text));
-        appendUTF16BigEndian(m_bytes, text);
+        const std::size_t units = utf16Length(text);
+        writeMarker(0x60, units);
+        writeUTF16BigEndian(room(2 * units), text);
     }
 }
 

@@ -81,10 +81,10 @@ std::size_t host::utf16Length(std::string_view text) {
     return units;
 }
 
-void host::appendUTF16BigEndian(std::vector<std::uint8_t>& bytes, std::string_view text) {
+void host::writeUTF16BigEndian(std::uint8_t* bytes, std::string_view text) {
     const auto append = [&](std::uint32_t unit) {
-        bytes.push_back(static_cast<std::uint8_t>(unit >> 8));
-        bytes.push_back(static_cast<std::uint8_t>(unit));
+        *bytes++ = static_cast<std::uint8_t>(unit >> 8);
+        *bytes++ = static_cast<std::uint8_t>(unit);
     };
     while (!text.empty()) {
         const auto [length, codePoint] = decode(text);

@@ -5,7 +5,6 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace host {
 
@@ -16,8 +15,8 @@ bool isUTF8(std::string_view text);
 
 // How many UTF-16 units well-formed UTF-8 takes.
 std::size_t utf16Length(std::string_view text);
-// `text` must be well-formed.
-void appendUTF16BigEndian(std::vector<std::uint8_t>& bytes, std::string_view text);
+// `text` must be well-formed; `bytes` takes two for each unit.
+void writeUTF16BigEndian(std::uint8_t* bytes, std::string_view text);
 
 // False when a surrogate lacks its other half or the length is odd.
 bool isUTF16BigEndian(std::span<const std::uint8_t> bytes);
