@@ -32,4 +32,5 @@ struct UIAccessibilityRange {
     double maximum = 0;
     double current = 0;
     double step = 0;
+    friend bool operator==(const UIAccessibilityRange&, const UIAccessibilityRange&) = default;
 };

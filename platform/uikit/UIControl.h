@@ -31,6 +31,24 @@ public:
     bool isHighlighted() const;
     virtual void setHighlighted(bool highlighted);
 
+    void touchesBegan_withEvent(const UITouchList& touches, UIEvent& event) override;
+    void touchesMoved_withEvent(const UITouchList& touches, UIEvent& event) override;
+    void touchesEnded_withEvent(const UITouchList& touches, UIEvent& event) override;
+    void touchesCancelled_withEvent(const UITouchList& touches, UIEvent& event) override;
+    bool accessibilityIsEnabled() const override;
+
 protected:
     UIControl();
+
+private:
+    struct Pair {
+        std::weak_ptr<NSObject> target;
+        SEL action;
+        unsigned events = 0;
+    };
+    bool has(const NSObject* target, SEL action, unsigned events) const;
+
+    std::vector<Pair> m_pairs; // in the order of addition
+    bool m_enabled = true;
+    bool m_highlighted = false;
 };

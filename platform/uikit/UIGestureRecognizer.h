@@ -12,7 +12,8 @@ enum UIGestureRecognizerState : int {
 };
 
 // Reads the touches of its view (and of the views in it) before they do, and tells its targets, which take the
-// recogniser. Of the recognisers of one touch the first to begin wins, and the views' own touches are cancelled.
+// recogniser. Of the recognisers of one touch the first to begin wins, the innermost view's being asked first; the
+// others fail, and the views' own touches are cancelled.
 class UIGestureRecognizer : public NSObject {
     NS_CLASS(UIGestureRecognizer)
 public:
@@ -35,4 +36,27 @@ public:
 
 protected:
     UIGestureRecognizer();
+
+    // The touches as they come, of the recogniser's view and the views in it. `touches` holds the ones that changed.
+    virtual void touchesBegan_withEvent(const UITouchList& touches, UIEvent& event);
+    virtual void touchesMoved_withEvent(const UITouchList& touches, UIEvent& event);
+    virtual void touchesEnded_withEvent(const UITouchList& touches, UIEvent& event);
+    virtual void touchesCancelled_withEvent(const UITouchList& touches, UIEvent& event);
+    // Asked once, when the gesture is about to begin; false lets it fail.
+    virtual bool shouldBegin() const;
+    // The touches are over: back to Possible.
+    virtual void reset();
+
+    // Tells the targets of every state but Possible and Failed. A gesture that another one forestalled fails instead
+    // of beginning.
+    void setState(UIGestureRecognizerState state);
+    // The touches that the gesture follows.
+    const UITouchList& touches() const;
+    void follow(const std::shared_ptr<UITouch>& touch);
+    void letGoOfTouches();
+
+private:
+    friend struct GestureInternals; // host/uikit/gesture_internals.h
+    struct State;
+    std::unique_ptr<State> m_gesture;
 };

@@ -13,6 +13,7 @@ public:
 
     std::shared_ptr<UILabel> init();
     std::shared_ptr<UILabel> initWithFrame(CGRect frame);
+    std::shared_ptr<UILabel> initWithCoder(const std::shared_ptr<NSCoder>& coder);
 
     // Empty while none was set.
     const std::string& text() const;
@@ -41,4 +42,15 @@ public:
 
 protected:
     UILabel();
+
+private:
+    void textChanged();
+
+    std::string m_text;
+    std::shared_ptr<NSAttributedString> m_attributedText;
+    std::shared_ptr<UIFont> m_font;
+    std::shared_ptr<UIColor> m_textColor;
+    NSTextAlignment m_textAlignment = NSTextAlignmentLeft;
+    int m_numberOfLines = 1;
+    bool m_enabled = true;
 };

@@ -17,6 +17,10 @@ public:
     virtual void touchesEnded_withEvent(const UITouchList& touches, UIEvent& event);
     virtual void touchesCancelled_withEvent(const UITouchList& touches, UIEvent& event);
 
+    // Escape, or the way back of assistive technology: takes away what is in front. By default the next responder is
+    // asked; false when nobody did anything.
+    virtual bool accessibilityPerformEscape();
+
 protected:
     UIResponder() = default;
 };

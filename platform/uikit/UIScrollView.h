@@ -27,6 +27,17 @@ public:
     // The offset has changed; called for every step.
     virtual void contentOffsetChanged();
 
+    void setFrame(CGRect frame) override;
+    void setBounds(CGRect bounds) override;
+    void didMoveToWindow() override;
+
 protected:
     UIScrollView();
+
+private:
+    void handleScrollPan(const std::shared_ptr<NSObject>& recognizer);
+
+    friend struct ScrollInternals; // host/uikit/scroll_internals.h
+    struct State;
+    std::unique_ptr<State> m_scroll;
 };

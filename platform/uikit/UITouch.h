@@ -23,7 +23,7 @@ class UITouch final : public NSObject {
     CGPoint previousLocationInView(const UIView* view) const;
 
 private:
-    friend class UIWindow;
+    friend class TouchDispatcher; // host/uikit
     UITouchPhase m_phase = UITouchPhase::Began;
     double m_timestamp = 0;
     unsigned m_tapCount = 0;
@@ -31,6 +31,7 @@ private:
     std::weak_ptr<UIView> m_view;
     CGPoint m_location; // window coordinates
     CGPoint m_previousLocation;
+    CGPoint m_firstLocation;
 };
 
 // All touches of the window at one moment.
@@ -40,7 +41,7 @@ class UIEvent final : public NSObject {
     const std::vector<std::shared_ptr<UITouch>>& allTouches() const { return m_touches; }
 
 private:
-    friend class UIWindow;
+    friend class TouchDispatcher; // host/uikit
     std::vector<std::shared_ptr<UITouch>> m_touches;
 };
 

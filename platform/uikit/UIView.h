@@ -151,9 +151,17 @@ public:
     virtual bool accessibilityStep(UIAccessibilityDirection direction, UIAccessibilityStep step);
     virtual bool accessibilitySetValue(double value);
     void setAccessibilityLabel(std::string label);
+    // While a modal view is in front, keys and assistive technology reach nothing outside it.
+    bool accessibilityViewIsModal() const;
+    void setAccessibilityViewIsModal(bool modal);
 
     void drawLayer_inContext(CALayer& layer, CGContextRef context) override;
 
 protected:
     UIView();
+
+private:
+    friend struct ViewInternals; // host/uikit/view_internals.h
+    struct State;
+    std::unique_ptr<State> m_view;
 };

@@ -23,6 +23,14 @@ public:
     // Wheel or touchpad: points to scroll by at a place.
     void scrolled(CGPoint location, CGPoint delta, double time);
 
+    // The view that keys act on; nil when there is none or it stands outside the window now.
     std::shared_ptr<UIView> focusedView() const;
     void setFocusedView(const std::shared_ptr<UIView>& view);
+
+private:
+    UIWindow();
+
+    friend struct WindowInternals; // host/uikit/window_internals.h
+    struct State;
+    std::unique_ptr<State> m_window;
 };

@@ -1,0 +1,89 @@
+#include "platform/uikit/UIWindow.h"
+
+#include "host/uikit/view_internals.h"
+#include "host/uikit/window_internals.h"
+#include "platform/uikit/UIScrollView.h"
+#include "platform/uikit/UIViewController.h"
+
+#include <utility>
+
+NS_CLASS_IMPLEMENTATION(UIWindow, UIView)
+
+UIWindow::UIWindow() : m_window(std::make_unique<State>(*this)) {}
+UIWindow::~UIWindow() = default;
+
+std::shared_ptr<UIWindow> UIWindow::initWithFrame(CGRect frame) {
+    if (!UIView::initWithFrame(frame)) return nullptr;
+    setBackgroundColor(UIColor::whiteColor());
+    return self(this);
+}
+
+const std::shared_ptr<UIViewController>& UIWindow::rootViewController() const { return m_window->rootViewController; }
+
+void UIWindow::setRootViewController(std::shared_ptr<UIViewController> controller) {
+    if (controller == m_window->rootViewController) return;
+    const auto keep = shared_from_this();
+    const auto former = std::exchange(m_window->rootViewController, controller);
+    if (former) former->beginAppearanceTransition_animated(/*isAppearing=*/false, /*animated=*/false);
+    if (controller) controller->beginAppearanceTransition_animated(/*isAppearing=*/true, /*animated=*/false);
+    if (former) {
+        former->view()->removeFromSuperview();
+        former->endAppearanceTransition();
+    }
+    if (!controller) return;
+    const auto view = controller->view();
+    view->setFrame(bounds());
+    view->setAutoresizingMask(UIViewAutoresizingFlexibleWidth | UIViewAutoresizingFlexibleHeight);
+    insertSubview_atIndex(view, 0);
+    controller->endAppearanceTransition();
+}
+
+void UIWindow::touchBegan(long identifier, CGPoint location, double time) {
+    WindowInternals::hideFocus(*this);
+    m_window->touches.began(identifier, location, time);
+}
+
+void UIWindow::touchMoved(long identifier, CGPoint location, double time) {
+    m_window->touches.moved(identifier, location, time);
+}
+
+void UIWindow::touchEnded(long identifier, CGPoint location, double time) {
+    m_window->touches.ended(identifier, location, time);
+}
+
+void UIWindow::touchCancelled(long identifier, double time) { m_window->touches.cancelled(identifier, time); }
+
+void UIWindow::scrolled(CGPoint location, CGPoint delta, double) {
+    for (auto view = hitTest_withEvent(location, nullptr); view; view = view->superview()) {
+        const auto scroll = std::dynamic_pointer_cast<UIScrollView>(view);
+        if (scroll && scroll->scrollBy(delta)) return;
+    }
+}
+
+std::shared_ptr<UIView> UIWindow::focusedView() const {
+    const auto view = m_window->focusedView.lock();
+    return view && view->isDescendantOfView(this) ? view : nullptr;
+}
+
+void UIWindow::setFocusedView(const std::shared_ptr<UIView>& view) {
+    m_window->focusedView = view;
+    WindowInternals::requestFrame(*this);
+}
+
+void WindowInternals::requestFrame(const UIWindow& window) {
+    if (const auto& request = state(window).requestFrame) request();
+}
+
+void WindowInternals::subtreeLeaves(UIWindow& window, UIView& subtree) {
+    state(window).touches.subtreeLeaves(subtree);
+    requestFrame(window);
+}
+
+void WindowInternals::focusByKeyboard(UIWindow& window, const std::shared_ptr<UIView>& view) {
+    state(window).focusIsShown = view != nullptr;
+    window.setFocusedView(view);
+}
+
+void WindowInternals::hideFocus(UIWindow& window) {
+    if (std::exchange(state(window).focusIsShown, false)) requestFrame(window);
+}

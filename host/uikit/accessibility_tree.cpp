@@ -1,0 +1,184 @@
+#include "host/uikit/accessibility_tree.h"
+
+#include "host/uikit/focus_order.h"
+#include "host/uikit/view_internals.h"
+#include "host/uikit/visible_rect.h"
+#include "host/uikit/window_internals.h"
+
+namespace host {
+
+namespace {
+
+// The texts in one of these are already its name or value.
+bool speaksForItsTexts(UIAccessibilityRole role) {
+    switch (role) {
+    case UIAccessibilityRole::Button:
+    case UIAccessibilityRole::Switch:
+    case UIAccessibilityRole::Slider:
+    case UIAccessibilityRole::ListItem:
+    case UIAccessibilityRole::Canvas:
+    case UIAccessibilityRole::ProgressIndicator:
+    case UIAccessibilityRole::Heading:
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool isPressable(UIAccessibilityRole role) {
+    return role == UIAccessibilityRole::Button || role == UIAccessibilityRole::Switch ||
+           role == UIAccessibilityRole::ListItem;
+}
+
+} // namespace
+
+AccessibilityTree::AccessibilityTree(const std::shared_ptr<UIWindow>& window) : m_window(window) { update(); }
+AccessibilityTree::~AccessibilityTree() = default;
+
+const AccessibilityNode* AccessibilityTree::node(AccessibilityIdentity identity) const {
+    const auto at = m_nodes.find(identity);
+    return at == m_nodes.end() ? nullptr : &at->second;
+}
+
+AccessibilityIdentity AccessibilityTree::identify(const std::shared_ptr<UIView>& view) {
+    static AccessibilityIdentity last = 0; // identities of several windows never meet
+    auto& identity = ViewInternals::state(*view).identity;
+    if (identity == 0) identity = ++last;
+    m_views[identity] = view;
+    return identity;
+}
+
+AccessibilityNode AccessibilityTree::describe(const UIView& view, AccessibilityIdentity identity) const {
+    const auto window = m_window.lock();
+    AccessibilityNode node;
+    node.identity = identity;
+    node.role = view.accessibilityRole();
+    node.name = view.accessibilityLabel();
+    node.value = view.accessibilityValue();
+    node.description = view.accessibilityHint();
+    node.extent = view.convertRect_toView(view.bounds(), nullptr);
+    node.isEnabled = view.accessibilityIsEnabled();
+    node.isFocusable = view.canBecomeFocused();
+    node.isFocused = window && window->focusedView().get() == &view;
+    node.isSelected = view.accessibilityIsSelected();
+    node.isOnScreen = !CGRectIsEmpty(visibleRectInWindow(view));
+    node.isOn = view.accessibilityIsOn();
+    node.range = view.accessibilityRange();
+    node.canPress = isPressable(node.role) && node.isEnabled;
+    return node;
+}
+
+void AccessibilityTree::add(const std::shared_ptr<UIView>& view, AccessibilityNode& parent, Nodes& nodes) {
+    if (!ViewInternals::isVisible(*view)) return;
+    const auto role = view->accessibilityRole();
+    if (role == UIAccessibilityRole::StaticText && speaksForItsTexts(parent.role)) return;
+    if (role == UIAccessibilityRole::None) {
+        for (const auto& subview : view->subviews()) add(subview, parent, nodes);
+        return;
+    }
+    AccessibilityNode node = describe(*view, identify(view));
+    node.parent = parent.identity;
+    parent.children.push_back(node.identity);
+    for (const auto& subview : view->subviews()) add(subview, node, nodes);
+    nodes[node.identity] = std::move(node);
+}
+
+void AccessibilityTree::update() {
+    const auto window = m_window.lock();
+    Nodes nodes;
+    std::erase_if(m_views, [](const auto& entry) { return entry.second.expired(); });
+    if (window) {
+        m_root = identify(window);
+        AccessibilityNode root = describe(*window, m_root);
+        root.role = UIAccessibilityRole::Window;
+        const auto scope = frontScope(*window);
+        if (scope == window)
+            for (const auto& subview : window->subviews()) add(subview, root, nodes);
+        else
+            add(scope, root, nodes);
+        nodes[m_root] = std::move(root);
+    }
+    nodes.swap(m_nodes);
+    if (m_listener) tell(nodes);
+}
+
+void AccessibilityTree::tell(const Nodes& before) const {
+    const Listener listener = m_listener; // it may replace itself
+    const Nodes now = m_nodes;
+    for (const auto& [identity, node] : before)
+        if (!now.contains(identity)) listener(identity, AccessibilityChange::Destroyed);
+    for (const auto& [identity, node] : now)
+        if (!before.contains(identity)) listener(identity, AccessibilityChange::Created);
+    for (const auto& [identity, node] : now) {
+        const auto at = before.find(identity);
+        const bool isNew = at == before.end();
+        const AccessibilityNode& old = isNew ? node : at->second;
+        if (node.children != old.children) listener(identity, AccessibilityChange::Children);
+        if (node.name != old.name) listener(identity, AccessibilityChange::Name);
+        if (node.value != old.value || node.isOn != old.isOn || node.range != old.range)
+            listener(identity, AccessibilityChange::Value);
+        if (node.isEnabled != old.isEnabled || node.isSelected != old.isSelected || node.isOnScreen != old.isOnScreen)
+            listener(identity, AccessibilityChange::State);
+        if (node.extent != old.extent) listener(identity, AccessibilityChange::Extent);
+        if (node.isFocused && (isNew || !old.isFocused)) listener(identity, AccessibilityChange::Focus);
+    }
+}
+
+AccessibilityIdentity AccessibilityTree::nodeAt(CGPoint point) const {
+    AccessibilityIdentity found = 0;
+    const AccessibilityNode* at = node(m_root);
+    if (at && !CGRectContainsPoint(at->extent, point)) at = nullptr;
+    while (at) {
+        found = at->identity;
+        const AccessibilityNode* inner = nullptr;
+        for (const auto child : at->children) // the last one is in front
+            if (const auto* each = node(child); each && each->isOnScreen && CGRectContainsPoint(each->extent, point))
+                inner = each;
+        at = inner;
+    }
+    return found;
+}
+
+AccessibilityIdentity AccessibilityTree::focusedNode() const {
+    for (const auto& [identity, node] : m_nodes)
+        if (node.isFocused) return identity;
+    return 0;
+}
+
+std::shared_ptr<UIView> AccessibilityTree::usableView(AccessibilityIdentity identity) const {
+    if (!m_nodes.contains(identity)) return nullptr;
+    const auto at = m_views.find(identity);
+    const auto view = at == m_views.end() ? nullptr : at->second.lock();
+    return view && view->window() && view->accessibilityIsEnabled() ? view : nullptr;
+}
+
+bool AccessibilityTree::press(AccessibilityIdentity identity) {
+    const auto view = usableView(identity);
+    return view && view->accessibilityActivate();
+}
+
+bool AccessibilityTree::step(AccessibilityIdentity identity, UIAccessibilityDirection direction,
+                             UIAccessibilityStep step) {
+    const auto view = usableView(identity);
+    return view && view->accessibilityStep(direction, step);
+}
+
+bool AccessibilityTree::setValue(AccessibilityIdentity identity, double value) {
+    const auto view = usableView(identity);
+    return view && view->accessibilitySetValue(value);
+}
+
+bool AccessibilityTree::focus(AccessibilityIdentity identity) {
+    const auto view = usableView(identity);
+    const auto window = m_window.lock();
+    if (!view || !window || !view->canBecomeFocused()) return false;
+    WindowInternals::focusByKeyboard(*window, view);
+    return true;
+}
+
+bool AccessibilityTree::escape(AccessibilityIdentity identity) {
+    const auto view = usableView(identity);
+    return view && view->accessibilityPerformEscape();
+}
+
+} // namespace host

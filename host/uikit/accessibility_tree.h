@@ -1,0 +1,97 @@
+#pragma once
+
+#include "platform/quartz/CGGeometry.h"
+#include "platform/uikit/UIAccessibility.h"
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+class UIView;
+class UIWindow;
+
+namespace host {
+
+using AccessibilityIdentity = std::uint64_t; // of a view, for as long as it lives; 0 is none
+
+// What assistive technology knows of one view.
+struct AccessibilityNode {
+    AccessibilityIdentity identity = 0;
+    AccessibilityIdentity parent = 0; // 0 at the root
+    std::vector<AccessibilityIdentity> children;
+    UIAccessibilityRole role = UIAccessibilityRole::None;
+    std::string name;
+    std::string value;
+    std::string description;
+    CGRect extent; // in the window's points
+    bool isEnabled = true;
+    bool isFocusable = false;
+    bool isFocused = false;
+    bool isSelected = false;
+    bool isOnScreen = true; // some of it can be seen
+    std::optional<bool> isOn;
+    std::optional<UIAccessibilityRange> range;
+    bool canPress = false;
+
+    friend bool operator==(const AccessibilityNode&, const AccessibilityNode&) = default;
+};
+
+enum class AccessibilityChange {
+    Created,
+    Destroyed,
+    Children,
+    Name,
+    Value, // also on or off, and the range
+    State, // enabled, selected, on screen
+    Extent,
+    Focus, // this node has it now
+};
+
+// The nodes of a window: one for each visible view with a role, and the window itself as the root. While a modal view
+// is in front, it alone is below the root. Main thread only.
+class AccessibilityTree {
+public:
+    explicit AccessibilityTree(const std::shared_ptr<UIWindow>& window);
+    ~AccessibilityTree();
+
+    AccessibilityIdentity root() const { return m_root; }
+    // As of the last update(); nullptr when there is none of that identity.
+    const AccessibilityNode* node(AccessibilityIdentity identity) const;
+    const std::map<AccessibilityIdentity, AccessibilityNode>& nodes() const { return m_nodes; }
+    // The innermost node at a place of the window; 0 outside.
+    AccessibilityIdentity nodeAt(CGPoint point) const;
+    AccessibilityIdentity focusedNode() const;
+
+    // Reads the views anew and tells of what has changed.
+    void update();
+    using Listener = std::function<void(AccessibilityIdentity, AccessibilityChange)>;
+    void setListener(Listener listener) { m_listener = std::move(listener); }
+
+    // What assistive technology may do. False when the view is gone, disabled or has no such action. They take effect
+    // at once; the nodes follow with the next update().
+    bool press(AccessibilityIdentity identity);
+    bool step(AccessibilityIdentity identity, UIAccessibilityDirection direction, UIAccessibilityStep step);
+    bool setValue(AccessibilityIdentity identity, double value);
+    bool focus(AccessibilityIdentity identity);
+    bool escape(AccessibilityIdentity identity);
+
+private:
+    using Nodes = std::map<AccessibilityIdentity, AccessibilityNode>;
+    AccessibilityIdentity identify(const std::shared_ptr<UIView>& view);
+    void add(const std::shared_ptr<UIView>& view, AccessibilityNode& parent, Nodes& nodes);
+    AccessibilityNode describe(const UIView& view, AccessibilityIdentity identity) const;
+    std::shared_ptr<UIView> usableView(AccessibilityIdentity identity) const;
+    void tell(const Nodes& before) const;
+
+    std::weak_ptr<UIWindow> m_window;
+    AccessibilityIdentity m_root = 0;
+    Nodes m_nodes;
+    std::map<AccessibilityIdentity, std::weak_ptr<UIView>> m_views;
+    Listener m_listener;
+};
+
+} // namespace host

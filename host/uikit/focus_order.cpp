@@ -1,0 +1,82 @@
+#include "host/uikit/focus_order.h"
+
+#include "host/uikit/view_internals.h"
+#include "platform/uikit/UIWindow.h"
+
+#include <algorithm>
+#include <ranges>
+
+namespace host {
+
+namespace {
+
+std::shared_ptr<UIView> frontModalView(const std::shared_ptr<UIView>& view) {
+    if (!ViewInternals::isVisible(*view)) return nullptr;
+    for (const auto& subview : view->subviews() | std::views::reverse)
+        if (auto modal = frontModalView(subview)) return modal;
+    return view->accessibilityViewIsModal() ? view : nullptr;
+}
+
+// Siblings whose vertical middles lie within each other's height stand in one line.
+bool readsBefore(const UIView& a, const UIView& b) {
+    const CGRect first = a.frame();
+    const CGRect second = b.frame();
+    const double middle = CGRectGetMidY(second);
+    const double otherMiddle = CGRectGetMidY(first);
+    const bool inOneLine = (middle > CGRectGetMinY(first) && middle < CGRectGetMaxY(first)) &&
+                           (otherMiddle > CGRectGetMinY(second) && otherMiddle < CGRectGetMaxY(second));
+    return inOneLine ? first.origin.x < second.origin.x : otherMiddle < middle;
+}
+
+// Insertion keeps equal views in the order of the tree, and does not mind that "in one line" is no strict order.
+std::vector<std::shared_ptr<UIView>> inReadingOrder(const std::vector<std::shared_ptr<UIView>>& views) {
+    std::vector<std::shared_ptr<UIView>> ordered;
+    for (const auto& view : views) {
+        auto at = ordered.end();
+        while (at != ordered.begin() && readsBefore(*view, **std::prev(at))) --at;
+        ordered.insert(at, view);
+    }
+    return ordered;
+}
+
+void collect(const std::shared_ptr<UIView>& view, std::vector<std::shared_ptr<UIView>>& found) {
+    if (!ViewInternals::isVisible(*view) || !view->isUserInteractionEnabled()) return;
+    if (view->canBecomeFocused()) {
+        found.push_back(view);
+        return;
+    }
+    for (const auto& subview : inReadingOrder(view->subviews())) collect(subview, found);
+}
+
+} // namespace
+
+std::shared_ptr<UIView> frontScope(const UIWindow& window) {
+    for (const auto& subview : window.subviews() | std::views::reverse)
+        if (auto modal = frontModalView(subview)) return modal;
+    return std::const_pointer_cast<UIView>(std::static_pointer_cast<const UIView>(window.shared_from_this()));
+}
+
+std::vector<std::shared_ptr<UIView>> focusableViews(const UIView& scope) {
+    std::vector<std::shared_ptr<UIView>> found;
+    for (const auto& subview : inReadingOrder(scope.subviews())) collect(subview, found);
+    return found;
+}
+
+std::shared_ptr<UIView> nextFocus(const UIWindow& window, bool forward) {
+    const auto scope = frontScope(window);
+    const auto focused = window.focusedView();
+    const bool isInScope = focused && focused->isDescendantOfView(scope.get());
+    if (isInScope)
+        for (auto container = focused->superview(); container; container = container->superview()) {
+            if (auto neighbour = container->focusNeighbour(*focused, forward)) return neighbour;
+            if (container == scope) break;
+        }
+    const auto views = focusableViews(*scope);
+    if (views.empty()) return nullptr;
+    const auto at = isInScope ? std::ranges::find(views, focused) : views.end();
+    if (at == views.end()) return forward ? views.front() : views.back();
+    if (forward) return std::next(at) == views.end() ? views.front() : *std::next(at);
+    return at == views.begin() ? views.back() : *std::prev(at);
+}
+
+} // namespace host

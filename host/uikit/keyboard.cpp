@@ -1,0 +1,180 @@
+#include "host/uikit/keyboard.h"
+
+#include "host/controllers/front_controller.h"
+#include "host/tables/front_table.h"
+#include "host/uikit/focus_order.h"
+#include "host/uikit/hid_keys.h"
+#include "host/uikit/view_internals.h"
+#include "host/uikit/window_internals.h"
+#include "platform/dispatch.h"
+#include "platform/uikit/UIKeyEvent.h"
+#include "platform/uikit/UIScrollView.h"
+#include "platform/uikit/UIViewController.h"
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+namespace host {
+
+namespace {
+
+void showInScrollViews(const UIView& view) {
+    for (auto above = view.superview(); above; above = above->superview())
+        if (const auto scroll = std::dynamic_pointer_cast<UIScrollView>(above))
+            scroll->scrollRectToVisible_animated(view.convertRect_toView(view.bounds(), scroll.get()),
+                                                 /*animated=*/false);
+}
+
+void moveFocus(UIWindow& window, bool forward) {
+    const auto next = nextFocus(window, forward);
+    if (!next) return;
+    WindowInternals::focusByKeyboard(window, next);
+    showInScrollViews(*next);
+}
+
+// nil when the focus is outside what keys may reach.
+std::shared_ptr<UIView> focusInScope(const UIWindow& window) {
+    const auto focused = window.focusedView();
+    return focused && focused->isDescendantOfView(frontScope(window).get()) ? focused : nullptr;
+}
+
+std::optional<UIAccessibilityDirection> direction(long key) {
+    switch (key) {
+    case hid::left:
+        return UIAccessibilityDirection::Left;
+    case hid::right:
+        return UIAccessibilityDirection::Right;
+    case hid::up:
+        return UIAccessibilityDirection::Up;
+    case hid::down:
+        return UIAccessibilityDirection::Down;
+    default:
+        return std::nullopt;
+    }
+}
+
+// True when the key was the focused slider's or canvas's.
+bool step(UIWindow& window, const UIKeyEvent& event) {
+    const auto focused = focusInScope(window);
+    const auto way = direction(event._keyCode());
+    if (!focused || !way) return false;
+    const auto role = focused->accessibilityRole();
+    if (role != UIAccessibilityRole::Slider && role != UIAccessibilityRole::Canvas) return false;
+    WindowInternals::focusByKeyboard(window, focused);
+    const bool large = event.modifiers() & UIKeyEvent::Shift;
+    focused->accessibilityStep(*way, large ? UIAccessibilityStep::Large : UIAccessibilityStep::Small);
+    return true;
+}
+
+std::shared_ptr<UIScrollView> firstScrollView(const std::shared_ptr<UIView>& view) {
+    if (!ViewInternals::isVisible(*view)) return nullptr;
+    if (auto scroll = std::dynamic_pointer_cast<UIScrollView>(view)) return scroll;
+    const auto& subviews = view->subviews();
+    for (auto at = subviews.rbegin(); at != subviews.rend(); ++at)
+        if (auto scroll = firstScrollView(*at)) return scroll;
+    return nullptr;
+}
+
+std::shared_ptr<UIScrollView> scrollViewForKeys(const UIWindow& window) {
+    for (std::shared_ptr<UIView> view = focusInScope(window); view; view = view->superview())
+        if (auto scroll = std::dynamic_pointer_cast<UIScrollView>(view)) return scroll;
+    return firstScrollView(frontScope(window));
+}
+
+void scroll(const UIWindow& window, long key) {
+    const auto view = scrollViewForKeys(window);
+    if (!view) return;
+    const UIEdgeInsets inset = view->contentInset();
+    const double page = (view->bounds().size.height - inset.top - inset.bottom) * 0.9;
+    const double top = -inset.top;
+    const double bottom = std::max(view->contentSize().height + inset.bottom - view->bounds().size.height, top);
+    double y = view->contentOffset().y;
+    switch (key) {
+    case hid::pageUp:
+        y -= page;
+        break;
+    case hid::pageDown:
+        y += page;
+        break;
+    case hid::home:
+        y = top;
+        break;
+    default:
+        y = bottom;
+        break;
+    }
+    view->setContentOffset_animated({view->contentOffset().x, std::max(top, std::min(y, bottom))}, /*animated=*/true);
+}
+
+void escape(UIWindow& window) {
+    std::shared_ptr<UIResponder> first = focusInScope(window);
+    const auto scope = frontScope(window);
+    if (!first && scope.get() != &window) first = scope;
+    if (!first) first = frontController(window);
+    if (first) first->accessibilityPerformEscape();
+}
+
+// A key that activates works when it is released, and only when it also went down here. The work waits for its turn on
+// the main queue: nothing of this key press may reach what the activation opens.
+void activationKey(UIWindow& window, const UIKeyEvent& event) {
+    auto& state = WindowInternals::state(window);
+    if (event.isKeyDown()) {
+        if (event.isRepeat()) return;
+        state.activationKey = event._keyCode();
+        state.activated = focusInScope(window);
+        return;
+    }
+    const bool wentDownHere = std::exchange(state.activationKey, 0) == event._keyCode();
+    const auto view = std::exchange(state.activated, {}).lock();
+    if (!wentDownHere || !view || view != focusInScope(window)) return;
+    WindowInternals::focusByKeyboard(window, view);
+    dispatch_async(dispatch_get_main_queue(), [weak = std::weak_ptr(view)] {
+        if (const auto still = weak.lock(); still && still->window() && still->accessibilityIsEnabled())
+            still->accessibilityActivate();
+    });
+}
+
+void keyDown(UIWindow& window, const UIKeyEvent& event) {
+    if (step(window, event)) return;
+    switch (event._keyCode()) {
+    case hid::tab:
+        return moveFocus(window, !(event.modifiers() & UIKeyEvent::Shift));
+    case hid::down:
+        return moveFocus(window, /*forward=*/true);
+    case hid::up:
+        return moveFocus(window, /*forward=*/false);
+    case hid::escape:
+        if (!event.isRepeat()) escape(window);
+        return;
+    case hid::pageUp:
+    case hid::pageDown:
+    case hid::home:
+    case hid::end:
+        return scroll(window, event._keyCode());
+    default:
+        return;
+    }
+}
+
+} // namespace
+
+void handleKey(UIWindow& window, const UIKeyEvent& event) {
+    const auto keep = window.shared_from_this();
+    if (frontTableWaits(window)) {
+        WindowInternals::state(window).activationKey = 0;
+        return;
+    }
+    const unsigned others = UIKeyEvent::Control | UIKeyEvent::Alt | UIKeyEvent::GUI;
+    if (event.isKeyDown() && (event.modifiers() & others)) return; // the desktop's own shortcuts
+    switch (event._keyCode()) {
+    case hid::enter:
+    case hid::keypadEnter:
+    case hid::space:
+        return activationKey(window, event);
+    default:
+        if (event.isKeyDown()) keyDown(window, event);
+    }
+}
+
+} // namespace host

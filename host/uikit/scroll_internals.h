@@ -1,0 +1,47 @@
+#pragma once
+
+#include "host/uikit/scroll_indicator.h"
+#include "host/uikit/scroll_motion.h"
+#include "platform/uikit/UIPanGestureRecognizer.h"
+#include "platform/uikit/UIScrollView.h"
+
+// A scroll view's own pan: begins where the finger moves more down or up than across and there is something to scroll.
+class UIScrollViewPanGestureRecognizer final : public UIPanGestureRecognizer {
+    NS_CLASS(UIScrollViewPanGestureRecognizer)
+public:
+    std::shared_ptr<UIScrollViewPanGestureRecognizer> initWithTarget_action(const std::shared_ptr<NSObject>& target,
+                                                                            SEL action);
+
+protected:
+    void touchesBegan_withEvent(const UITouchList& touches, UIEvent& event) override;
+    bool shouldBegin() const override;
+
+private:
+    bool m_catches = false; // this finger came down on moving content, and holds it
+};
+
+// What a scroll view keeps.
+struct UIScrollView::State {
+    CGSize contentSize;
+    UIEdgeInsets contentInset;
+    std::shared_ptr<UIScrollViewPanGestureRecognizer> pan;
+    host::ScrollIndicator indicator;
+    double grabbedOffset = 0; // where the content would stand without a rubber band when the drag began
+    bool dragging = false;
+    bool decelerating = false;
+    bool movesByItself = false; // an animated change of the offset runs
+};
+
+struct ScrollInternals {
+    static UIScrollView::State& state(UIScrollView& view) { return *view.m_scroll; }
+    static const UIScrollView::State& state(const UIScrollView& view) { return *view.m_scroll; }
+
+    static host::ScrollRange verticalRange(const UIScrollView& view);
+    static bool canScroll(const UIScrollView& view);
+    static void handlePan(UIScrollView& view);
+    // Ends every movement that runs by itself, where it stands.
+    static void stop(UIScrollView& view);
+    static void moveTo(UIScrollView& view, CGPoint offset);
+    // Back into the range after the content or the view has changed.
+    static void settle(UIScrollView& view);
+};

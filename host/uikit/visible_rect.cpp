@@ -1,0 +1,23 @@
+#include "host/uikit/visible_rect.h"
+
+#include "host/uikit/view_internals.h"
+
+namespace host {
+
+CGRect visibleRectInWindow(const UIView& view) {
+    CGRect rect = view.bounds();
+    const UIView* at = &view;
+    while (true) {
+        if (!ViewInternals::isVisible(*at)) return CGRectZero;
+        const UIView* const above = ViewInternals::state(*at).superview;
+        if (!above) break;
+        rect = at->convertRect_toView(rect, above);
+        if (above->clipsToBounds() || !ViewInternals::state(*above).superview)
+            rect = CGRectIntersection(rect, above->bounds());
+        if (CGRectIsEmpty(rect)) return CGRectZero;
+        at = above;
+    }
+    return rect;
+}
+
+} // namespace host

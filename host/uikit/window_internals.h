@@ -1,0 +1,38 @@
+#pragma once
+
+#include "host/uikit/touch_dispatcher.h"
+#include "platform/uikit/UIWindow.h"
+
+#include <functional>
+
+namespace host {
+class FrameSteps;
+}
+
+// What a window keeps; the kit's own classes reach it through WindowInternals.
+struct UIWindow::State {
+    explicit State(UIWindow& window) : touches(window) {}
+
+    TouchDispatcher touches;
+    std::shared_ptr<UIViewController> rootViewController;
+    std::weak_ptr<UIView> focusedView;
+    bool focusIsShown = false;              // the focus came by the keyboard
+    long activationKey = 0;                 // the key that went down and will activate when it is released; 0: none
+    std::weak_ptr<UIView> activated;        // what had the focus then
+    std::function<void()> requestFrame;     // the scene's; empty without one
+    host::FrameSteps* frameSteps = nullptr; // the scene's, non-owning; nil without one
+};
+
+struct WindowInternals {
+    static UIWindow::State& state(UIWindow& window) { return *window.m_window; }
+    static const UIWindow::State& state(const UIWindow& window) { return *window.m_window; }
+
+    // Something has changed that the next frame takes up.
+    static void requestFrame(const UIWindow& window);
+    // The view, with all below it, is about to leave the window's tree.
+    static void subtreeLeaves(UIWindow& window, UIView& subtree);
+    // Moves the focus by the keyboard: its ring shows.
+    static void focusByKeyboard(UIWindow& window, const std::shared_ptr<UIView>& view);
+    // The ring goes, the focus stays: a finger is at work.
+    static void hideFocus(UIWindow& window);
+};
