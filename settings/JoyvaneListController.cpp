@@ -1,5 +1,6 @@
 #include "settings/JoyvaneListController.h"
 
+#include "ledcolour/hex_colour.h"
 #include "platform/dispatch.h"
 #include "platform/foundation/NSNotificationCenter.h"
 #include "platform/runtime/method.h"
