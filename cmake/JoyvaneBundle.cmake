@@ -1,12 +1,13 @@
 # joyvane_bundle(<name> MANIFEST <Info.plist> [SOURCES <files...>] [OBJECTS_OF <static library>]
-#                [RESOURCES <files...>] [EXPORTS <list>])
+#                [RESOURCES <files...>] [EXPORTS <list>] [INSTALL_TO <folder>])
 # Makes lib/<name>.bundle/ in the build folder: the module (a file called <name>), the resources and the manifest, to
 # which the module's size and digest are added. Targets: <name>_module and <name>_bundle (all of it).
 # OBJECTS_OF takes every object of that library: nothing refers to a class that is only known by name, and an archive
 # member that nothing refers to would be left out, its registration with it.
 # The module exports the names in the file <list> (one a line, # for comments) and nothing else.
+# INSTALL_TO is the folder below the prefix in which an installation puts the bundle.
 function(joyvane_bundle name)
-  cmake_parse_arguments(ARG "" "MANIFEST;EXPORTS;OBJECTS_OF" "SOURCES;RESOURCES" ${ARGN})
+  cmake_parse_arguments(ARG "" "MANIFEST;EXPORTS;OBJECTS_OF;INSTALL_TO" "SOURCES;RESOURCES" ${ARGN})
   set(folder ${CMAKE_LIBRARY_OUTPUT_DIRECTORY}/${name}.bundle)
   set(module ${name}_module)
   if(ARG_OBJECTS_OF)
@@ -49,4 +50,17 @@ function(joyvane_bundle name)
     list(APPEND contents ${folder}/${resource})
   endforeach()
   add_custom_target(${name}_bundle ALL DEPENDS ${contents})
+
+  if(ARG_INSTALL_TO)
+    set(installed ${ARG_INSTALL_TO}/${name}.bundle)
+    install(TARGETS ${module} LIBRARY DESTINATION ${installed})
+    foreach(resource IN LISTS ARG_RESOURCES)
+      cmake_path(GET resource PARENT_PATH inside)
+      install(FILES ${resource} DESTINATION ${installed}/${inside})
+    endforeach()
+    # The manifest is sealed once more: stripping gives the module another size and digest.
+    set(target "\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${installed}")
+    install(CODE "execute_process(COMMAND_ERROR_IS_FATAL ANY COMMAND
+      \"${Python3_EXECUTABLE}\" \"${seal}\" \"${ARG_MANIFEST}\" \"${target}/${name}\" \"${target}/Info.plist\")")
+  endif()
 endfunction()

@@ -1,0 +1,94 @@
+"""What an installation puts below a prefix: complete, working from there, and writing nowhere else.
+
+installed_test.py BUILD CMAKE
+"""
+
+import hashlib
+import os
+import plistlib
+import re
+import subprocess
+import sys
+import tempfile
+import unittest
+import xml.etree.ElementTree
+
+BUILD, CMAKE = sys.argv[1:3]
+PACKAGING = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "packaging")
+
+
+class Installed(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.folder = tempfile.TemporaryDirectory()
+        cls.prefix = os.path.join(cls.folder.name, "prefix")
+        subprocess.run([CMAKE, "--install", BUILD, "--prefix", cls.prefix, "--strip"], check=True, capture_output=True)
+        cls.program = os.path.join(cls.prefix, "bin", "joyvane-settings")
+
+    @classmethod
+    def tearDownClass(cls):
+        cls.folder.cleanup()
+
+    def run_program(self, *arguments):
+        home = os.path.join(self.folder.name, "home")
+        os.makedirs(os.path.join(home, "run"), mode=0o700, exist_ok=True)
+        environment = {"PATH": os.environ["PATH"], "HOME": home, "XDG_RUNTIME_DIR": os.path.join(home, "run"),
+                       "LC_ALL": "C.UTF-8", "QT_QPA_PLATFORM": "offscreen"}
+        return subprocess.run([self.program, *arguments], env=environment, cwd=self.folder.name, capture_output=True,
+                              text=True, timeout=100)
+
+    def files(self, top):
+        return sorted(os.path.relpath(os.path.join(folder, name), top)
+                      for folder, _, names in os.walk(top) for name in names)
+
+    def test_everything_is_in_its_place(self):
+        for path in ("lib/joyvane/libjoyvane-platform.so.0", "lib/joyvane/Joyvane.bundle/Joyvane",
+                     "lib/joyvane/Joyvane.bundle/Joyvane.plist", "lib/joyvane/Joyvane.bundle/Info.plist",
+                     "share/applications/com.quorrel.joyvane.desktop", "share/man/man1/joyvane-settings.1",
+                     "share/icons/hicolor/scalable/apps/com.quorrel.joyvane.svg",
+                     "share/metainfo/com.quorrel.joyvane.metainfo.xml",
+                     "share/bash-completion/completions/joyvane-settings"):
+            with self.subTest(path=path):
+                self.assertTrue(os.path.isfile(os.path.join(self.prefix, path)))
+
+    def test_the_seal_is_that_of_the_stripped_module(self):
+        bundle = os.path.join(self.prefix, "lib", "joyvane", "Joyvane.bundle")
+        with open(os.path.join(bundle, "Info.plist"), "rb") as file:
+            manifest = plistlib.load(file)
+        with open(os.path.join(bundle, "Joyvane"), "rb") as file:
+            module = file.read()
+        self.assertEqual(manifest["JVNModuleSize"], len(module))
+        self.assertEqual(manifest["JVNModuleSHA256"], hashlib.sha256(module).hexdigest())
+
+    def test_the_program_runs_from_the_prefix(self):
+        result = self.run_program("--version")
+        self.assertEqual(result.returncode, 0, result.stderr)
+
+    def test_the_tour_finds_the_bundle_and_writes_only_where_it_may(self):
+        before = self.files(self.folder.name)
+        result = self.run_program("--simulate", "--tour", os.path.join(self.folder.name, "tour"))
+        self.assertEqual(result.returncode, 0, result.stdout + result.stderr)
+        self.assertTrue([name for name in self.files(os.path.join(self.folder.name, "tour")) if name.endswith(".png")])
+        new = set(self.files(self.folder.name)) - set(before)
+        allowed = ("tour/", "home/.local/share/", "home/.cache/", "home/run/")
+        self.assertEqual([path for path in sorted(new) if not path.startswith(allowed)], [])
+
+    def test_manual_and_completion_know_the_options_that_help_prints(self):
+        printed = set(re.findall(r"--[a-z]+", self.run_program("--help").stdout))
+        self.assertGreater(len(printed), 5)
+        for path in ("joyvane-settings.1", "joyvane-settings.bash"):
+            with open(os.path.join(PACKAGING, path), encoding="utf-8") as file:
+                known = set(re.findall(r"--[a-z]+", file.read().replace("\\-", "-")))
+            self.assertEqual(printed, known, path)
+
+    def test_data_for_software_centres_and_desktops_is_well_formed(self):
+        component = xml.etree.ElementTree.parse(
+            os.path.join(self.prefix, "share/metainfo/com.quorrel.joyvane.metainfo.xml")).getroot()
+        self.assertEqual(component.findtext("launchable"), "com.quorrel.joyvane.desktop")
+        self.assertRegex(component.find("releases/release").get("version"), r"^\d+\.\d+\.\d+$")
+        with open(os.path.join(self.prefix, "share/applications/com.quorrel.joyvane.desktop"), encoding="utf-8") as file:
+            self.assertIn("Icon=com.quorrel.joyvane\n", file.read())
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1], verbosity=2)
