@@ -1,5 +1,6 @@
 #include "platform/foundation/NSDictionary.h"
 
+#include <algorithm>
 #include <functional>
 #include <utility>
 
@@ -45,7 +46,7 @@ void NSMutableDictionary::setObject_forKey(id object, std::string_view key) {
     }
     // `key` may be a view of one of our own entries, which making room moves.
     Entry entry{std::string(key), std::move(object), hash};
-    if (2 * (m_entries.size() + 1) > m_slots.size()) rehash();
+    if (2 * (m_entries.size() + 1) > m_slots.size()) rehash(2 * (count() + 1));
     const std::size_t mask = m_slots.size() - 1;
     std::size_t at = hash & mask;
     while (m_slots[at]) at = (at + 1) & mask;
@@ -61,11 +62,16 @@ void NSMutableDictionary::removeObjectForKey(std::string_view key) {
     ++m_removed;
 }
 
-void NSMutableDictionary::rehash() {
+void NSMutableDictionary::reserve(std::size_t count) {
+    if (2 * count > m_slots.size()) rehash(count);
+    m_entries.reserve(count);
+}
+
+void NSMutableDictionary::rehash(std::size_t count) {
     std::erase_if(m_entries, [](const Entry& entry) { return !entry.object; });
     m_removed = 0;
     std::size_t size = 8;
-    while (size < 4 * (m_entries.size() + 1)) size *= 2;
+    while (size < 2 * std::max(count, m_entries.size())) size *= 2;
     m_slots.assign(size, 0);
     for (std::size_t index = 0; index < m_entries.size(); ++index) {
         std::size_t at = m_entries[index].hash & (size - 1);
@@ -87,7 +93,7 @@ std::vector<std::string> NSMutableDictionary::allKeys() const {
 std::shared_ptr<NSMutableDictionary> NSMutableDictionary::mutableCopy() const {
     const auto copy = dictionary();
     copy->m_entries = m_entries;
-    copy->rehash();
+    copy->rehash(count());
     return copy;
 }
 

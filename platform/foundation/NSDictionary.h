@@ -24,6 +24,8 @@ class NSMutableDictionary final : public NSObject {
     void setObject_forKey(id object, std::string_view key);
     void removeObjectForKey(std::string_view key);
     std::vector<std::string> allKeys() const;
+    // Makes room for so many keys at once.
+    void reserve(std::size_t count);
 
     // A shallow copy in the same order.
     std::shared_ptr<NSMutableDictionary> mutableCopy() const;
@@ -46,8 +48,8 @@ private:
     static constexpr std::size_t absent = static_cast<std::size_t>(-1);
 
     std::size_t indexOf(std::string_view key, std::size_t hash) const;
-    // Makes room for one more entry, dropping the removed ones.
-    void rehash();
+    // Drops the removed entries and gives the slots room for `count` in all.
+    void rehash(std::size_t count);
 
     std::vector<Entry> m_entries;
     std::size_t m_removed = 0;

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+namespace host {
+
+// White space may stand anywhere. Nothing when another character comes, the padding is not what the length asks for, or
+// bits are set that stand for no byte.
+std::optional<std::vector<std::uint8_t>> decodeBase64(std::string_view text);
+
+} // namespace host

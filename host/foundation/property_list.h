@@ -1,0 +1,41 @@
+#pragma once
+
+// Property lists in memory: strict reading of XML and binary (bplist00), writing of binary. Any thread.
+//
+// Read and written: dictionaries, arrays, strings, data, dates, booleans, reals of 4 and 8 bytes (bit for bit),
+// integers from -2^63 to 2^64-1. Refused: anything that is cut, out of bounds, ambiguous (a key that comes twice in a
+// dictionary) or that different readers read differently.
+
+#include "platform/foundation/NSData.h"
+#include "platform/foundation/NSPropertyListSerialization.h"
+#include "platform/foundation/id.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+
+namespace host {
+
+// What is larger is neither read nor written: everything written can be read back.
+inline constexpr std::size_t propertyListMaximumLength = 4u << 20;
+// The outermost value has depth 1.
+inline constexpr std::size_t propertyListMaximumDepth = 64;
+// Keys do not count. A value that a binary file refers to more than once counts each time.
+inline constexpr std::size_t propertyListMaximumValues = 100'000;
+
+// nil, and the reason in `refusal`, when the bytes are refused. `format` may be null.
+id readPropertyList(std::span<const std::uint8_t> bytes, NSPropertyListFormat* format, std::string& refusal);
+
+// nil, and the reason in `refusal`, for a value that is no property list or is beyond the bounds.
+std::shared_ptr<NSData> writeBinaryPropertyList(const id& value, std::string& refusal);
+
+// The file at a real path; nil and an error that names it when it cannot be read or is refused. The error's code is the
+// system's error number, or 0 for a refusal.
+id readPropertyListFile(const std::string& path, std::shared_ptr<NSError>* error);
+
+// What readPropertyList() chooses from.
+id readXMLPropertyList(std::span<const std::uint8_t> bytes, std::string& refusal);
+id readBinaryPropertyList(std::span<const std::uint8_t> bytes, std::string& refusal);
+
+} // namespace host
