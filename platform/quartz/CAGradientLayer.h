@@ -6,6 +6,8 @@
 // fractions of the bounds.
 class CAGradientLayer final : public CALayer {
     NS_CLASS(CAGradientLayer)
+public:
+    ~CAGradientLayer() override;
 
     std::shared_ptr<CAGradientLayer> init();
     std::shared_ptr<CAGradientLayer> initWithLayer(const std::shared_ptr<CALayer>& layer);
@@ -18,6 +20,8 @@ class CAGradientLayer final : public CALayer {
     void setEndPoint(CGPoint point);
 
 private:
+    CAGradientLayer();
+
     std::vector<CGColorRef> m_colors;
     CGPoint m_startPoint{0.5, 0};
     CGPoint m_endPoint{0.5, 1};

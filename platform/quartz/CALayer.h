@@ -10,6 +10,10 @@
 #include <vector>
 
 class CALayer;
+struct LayerInternals;
+namespace host {
+class LayerHost;
+}
 
 // Draws a layer's own content, between its background and its sublayers.
 class CALayerDelegate {
@@ -79,4 +83,15 @@ public:
     // Asks for a repaint of the layer.
     void setNeedsDisplay();
     void setNeedsDisplayInRect(CGRect rect);
+
+    // Set on the root layer by whoever shows the tree; non-owning, nullptr when it is shown no more.
+    void setHost(host::LayerHost* host);
+
+protected:
+    CALayer();
+
+private:
+    friend struct LayerInternals;
+    struct State;
+    std::unique_ptr<State> m_layer;
 };

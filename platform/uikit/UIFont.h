@@ -16,6 +16,8 @@ class UIFont final : public NSObject {
     double lineHeight() const;
 
 private:
+    static std::shared_ptr<UIFont> systemFont(double pointSize, bool bold);
+
     double m_pointSize = 17;
     bool m_bold = false;
 };

@@ -1,0 +1,198 @@
+#include "host/quartz/canvas.h"
+
+#include "host/quartz/painting.h"
+#include "host/quartz/snapping.h"
+
+#include <QImage>
+#include <QPainter>
+#include <QPainterPath>
+
+#include <array>
+#include <cmath>
+
+namespace host {
+
+namespace {
+
+PixelTarget targetOf(CGImage& image) {
+    return {image.pixels.data(), static_cast<int>(image.width), static_cast<int>(image.height),
+            static_cast<std::ptrdiff_t>(image.width * sizeof(std::uint32_t))};
+}
+
+// A stretch of pixels that an edge-to-edge range covers alike.
+struct Band {
+    int from = 0;
+    int to = 0;
+    double coverage = 1;
+};
+
+// The pixel cut by the near edge, the whole ones, the pixel cut by the far edge; some may be empty.
+std::array<Band, 3> bands(double from, double to) {
+    if (isOnPixelEdge(from)) from = std::round(from);
+    if (isOnPixelEdge(to)) to = std::round(to);
+    const int first = static_cast<int>(std::floor(from));
+    const int firstWhole = static_cast<int>(std::ceil(from));
+    const int lastWhole = static_cast<int>(std::floor(to));
+    const int last = static_cast<int>(std::ceil(to));
+    if (firstWhole > lastWhole) return {Band{first, last, to - from}, {}, {}};
+    return {Band{first, firstWhole, firstWhole - from}, Band{firstWhole, lastWhole, 1},
+            Band{lastWhole, last, to - lastWhole}};
+}
+
+} // namespace
+
+Canvas::Canvas(const PixelTarget& target) : m_target(target), m_clip{extent(), nullptr} {}
+
+Canvas::Canvas(std::shared_ptr<CGImage> image)
+    : m_target(targetOf(*image)), m_image(std::move(image)), m_clip{extent(), nullptr} {}
+
+Canvas::~Canvas() { endPainter(); }
+
+void Canvas::endPainter() {
+    m_painter.reset();
+    m_device.reset();
+    m_clipIsSet = false;
+}
+
+void Canvas::setClip(Clip clip) {
+    clip.rect = clip.rect.intersected(extent());
+    if (clip.rect == m_clip.rect && clip.shape == m_clip.shape) return;
+    m_clip = std::move(clip);
+    m_clipIsSet = false;
+}
+
+// False when there is nothing to draw in.
+bool Canvas::beginWriting() {
+    if (m_clip.rect.isEmpty()) return false;
+    if (!m_imageIsTaken) return true;
+    endPainter();
+    m_image = std::make_shared<CGImage>(*m_image);
+    m_target = targetOf(*m_image);
+    m_imageIsTaken = false;
+    return true;
+}
+
+void Canvas::fillPixels(const PixelRect& rect, const CGColor& color, double alpha) {
+    if (m_clip.shape) {
+        fillRect(rect.left, rect.top, rect.right, rect.bottom, color, alpha);
+        return;
+    }
+    const PixelRect visible = rect.intersected(m_clip.rect);
+    if (visible.isEmpty() || !beginWriting()) return;
+    SolidSource(color, alpha).paint(m_target, visible);
+}
+
+void Canvas::fillRect(double left, double top, double right, double bottom, const CGColor& color, double alpha) {
+    // Cutting first keeps huge values away from whole numbers; the comparisons turn away what is no number.
+    const PixelRect& clip = m_clip.rect;
+    if (!(left < right) || !(top < bottom)) return;
+    left = std::max<double>(left, clip.left);
+    top = std::max<double>(top, clip.top);
+    right = std::min<double>(right, clip.right);
+    bottom = std::min<double>(bottom, clip.bottom);
+    if (!(left < right) || !(top < bottom)) return;
+    if (m_clip.shape) {
+        if (QPainter* const painter = this->painter())
+            if (const auto brush = toolkitColor(color, alpha))
+                painter->fillRect(QRectF(QPointF(left, top), QPointF(right, bottom)), *brush);
+        return;
+    }
+    if (!beginWriting()) return;
+    const auto columns = bands(left, right);
+    for (const Band& row : bands(top, bottom))
+        for (const Band& column : columns)
+            if (row.from < row.to && column.from < column.to)
+                SolidSource(color, alpha * row.coverage * column.coverage)
+                    .paint(m_target, {column.from, row.from, column.to, row.to});
+}
+
+void Canvas::drawPixels(const std::uint32_t* pixels, int width, int height, int left, int top, double alpha) {
+    if (m_clip.shape) {
+        if (QPainter* const painter = this->painter()) {
+            const QImage image(reinterpret_cast<const uchar*>(pixels), width, height, width * 4,
+                               QImage::Format_ARGB32_Premultiplied);
+            painter->setOpacity(alpha);
+            painter->drawImage(QPoint(left, top), image);
+            painter->setOpacity(1);
+        }
+        return;
+    }
+    const PixelRect visible = PixelRect{left, top, left + width, top + height}.intersected(m_clip.rect);
+    if (visible.isEmpty() || !beginWriting()) return;
+    for (int y = visible.top; y < visible.bottom; ++y)
+        blendRow(m_target.row(y) + visible.left, pixels + std::ptrdiff_t{y - top} * width + (visible.left - left),
+                 static_cast<std::size_t>(visible.width()), alpha);
+}
+
+void Canvas::drawImage(const CGImage& image, const CGAffineTransform& t, double alpha) {
+    if (image.width == 0 || image.height == 0 || image.pixels.size() < image.width * image.height) return;
+    const auto width = static_cast<double>(image.width);
+    const auto height = static_cast<double>(image.height);
+    const bool pixelForPixel = t.b == 0 && t.c == 0 && std::abs(t.a - width) <= snappingAllowance &&
+                               std::abs(t.d - height) <= snappingAllowance && isOnPixelEdge(t.tx) &&
+                               isOnPixelEdge(t.ty) && std::abs(t.tx) < 1e6 && std::abs(t.ty) < 1e6;
+    if (pixelForPixel) {
+        drawPixels(image.pixels.data(), static_cast<int>(image.width), static_cast<int>(image.height),
+                   static_cast<int>(std::lround(t.tx)), static_cast<int>(std::lround(t.ty)), alpha);
+        return;
+    }
+    QPainter* const painter = this->painter();
+    if (!painter) return;
+    const QImage picture(reinterpret_cast<const uchar*>(image.pixels.data()), static_cast<int>(image.width),
+                         static_cast<int>(image.height), static_cast<qsizetype>(image.width * 4),
+                         QImage::Format_ARGB32_Premultiplied);
+    painter->setTransform(QTransform(t.a, t.b, t.c, t.d, t.tx, t.ty));
+    painter->setOpacity(std::clamp(alpha, 0.0, 1.0));
+    painter->drawImage(QRectF(0, 0, 1, 1), picture);
+    painter->setOpacity(1);
+    painter->resetTransform();
+}
+
+QPainter* Canvas::painter() {
+    if (!beginWriting()) return nullptr;
+    if (!m_painter) {
+        m_device = std::make_unique<QImage>(reinterpret_cast<uchar*>(m_target.pixels), m_target.width, m_target.height,
+                                            m_target.bytesPerLine, QImage::Format_ARGB32_Premultiplied);
+        m_painter = std::make_unique<QPainter>(m_device.get());
+        m_painter->setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
+        m_painter->setPen(Qt::NoPen);
+    }
+    if (!m_clipIsSet) {
+        const PixelRect& rect = m_clip.rect;
+        m_painter->resetTransform();
+        m_painter->setClipRect(rect.left, rect.top, rect.width(), rect.height());
+        if (m_clip.shape) m_painter->setClipPath(*m_clip.shape, Qt::IntersectClip);
+        m_clipIsSet = true;
+    }
+    return m_painter.get();
+}
+
+CGImageRef Canvas::takeImage() {
+    m_imageIsTaken = true;
+    return m_image;
+}
+
+QPainterPath painterPath(const CGPath& path) {
+    QPainterPath result;
+    result.setFillRule(Qt::WindingFill);
+    for (const CGPathElement& element : path.elements) {
+        const auto point = [&element](int i) { return QPointF(element.points[i].x, element.points[i].y); };
+        switch (element.kind) {
+        case CGPathElement::Kind::MoveTo:
+            result.moveTo(point(0));
+            break;
+        case CGPathElement::Kind::LineTo:
+            result.lineTo(point(0));
+            break;
+        case CGPathElement::Kind::CurveTo:
+            result.cubicTo(point(0), point(1), point(2));
+            break;
+        case CGPathElement::Kind::Close:
+            result.closeSubpath();
+            break;
+        }
+    }
+    return result;
+}
+
+} // namespace host

@@ -1,0 +1,68 @@
+#pragma once
+
+// Pixels to draw into, in device pixels: rectangles by plain loops, everything else by the toolkit's painter, which is
+// started only when it is needed. A canvas belongs to the thread that draws in it.
+
+#include "host/quartz/pixels.h"
+#include "platform/quartz/CGAffineTransform.h"
+#include "platform/quartz/CGImage.h"
+#include "platform/quartz/CGPath.h"
+
+#include <memory>
+#include <optional>
+
+class QImage;
+class QPainter;
+class QPainterPath;
+
+namespace host {
+
+QPainterPath painterPath(const CGPath& path);
+
+class Canvas {
+public:
+    // What is drawn is cut to `rect`, and to `shape` when there is one.
+    struct Clip {
+        PixelRect rect;
+        std::shared_ptr<const QPainterPath> shape;
+    };
+
+    explicit Canvas(const PixelTarget& target);
+    // Draws into the image's pixels; the image may be taken at any time, what is drawn later does not reach it.
+    explicit Canvas(std::shared_ptr<CGImage> image);
+    ~Canvas();
+    Canvas(const Canvas&) = delete;
+    Canvas& operator=(const Canvas&) = delete;
+
+    PixelRect extent() const { return {0, 0, m_target.width, m_target.height}; }
+    const Clip& clip() const { return m_clip; }
+    void setClip(Clip clip);
+
+    void fillPixels(const PixelRect& rect, const CGColor& color, double alpha = 1);
+    // Edges between pixels are anti-aliased.
+    void fillRect(double left, double top, double right, double bottom, const CGColor& color, double alpha = 1);
+    void drawPixels(const std::uint32_t* pixels, int width, int height, int left, int top, double alpha);
+    // `toPixels` places the unit square of the image.
+    void drawImage(const CGImage& image, const CGAffineTransform& toPixels, double alpha);
+
+    // Anti-aliasing, cut by the clip, without a transform, opaque. nullptr when there are no pixels. Whoever changes
+    // its state puts it back.
+    QPainter* painter();
+
+    // Canvas over an image only: what is drawn so far.
+    CGImageRef takeImage();
+
+private:
+    bool beginWriting();
+    void endPainter();
+
+    PixelTarget m_target;
+    std::shared_ptr<CGImage> m_image; // when the pixels are an image's
+    bool m_imageIsTaken = false;
+    Clip m_clip;
+    bool m_clipIsSet = false; // in the painter
+    std::unique_ptr<QImage> m_device;
+    std::unique_ptr<QPainter> m_painter;
+};
+
+} // namespace host

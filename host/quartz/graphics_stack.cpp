@@ -1,0 +1,76 @@
+#include "host/quartz/graphics_stack.h"
+
+#include "host/quartz/context.h"
+#include "host/quartz/snapping.h"
+#include "platform/uikit/UIImage.h"
+#include "platform/uikit/UIScreen.h"
+
+#include <cmath>
+#include <memory>
+#include <new>
+#include <optional>
+#include <vector>
+
+namespace {
+
+constexpr double longestEdge = 16384; // pixels
+
+// An image context has a canvas of its own.
+struct ImageContext {
+    ImageContext(std::shared_ptr<CGImage> image, double imageScale)
+        : canvas(std::move(image)), context(canvas, CGAffineTransformMakeScale(imageScale, imageScale)),
+          scale(imageScale) {}
+
+    host::Canvas canvas;
+    CGContext context;
+    double scale;
+};
+
+struct Entry {
+    CGContextRef context = nullptr;
+    std::unique_ptr<ImageContext> image; // nullptr: somebody else's context
+};
+
+thread_local std::vector<Entry> contexts;
+
+// An image without pixels when the size cannot have any.
+std::shared_ptr<CGImage> emptyImage(CGSize size, double scale, bool opaque) {
+    auto image = std::make_shared<CGImage>();
+    const double width = host::pixelEdgeAbove(size.width * scale);
+    const double height = host::pixelEdgeAbove(size.height * scale);
+    if (!(width >= 1 && width <= longestEdge && height >= 1 && height <= longestEdge)) return image;
+    try {
+        image->pixels.resize(static_cast<std::size_t>(width) * static_cast<std::size_t>(height),
+                             opaque ? 0xff000000U : 0);
+    } catch (const std::bad_alloc&) {
+        return image;
+    }
+    image->width = static_cast<std::size_t>(width);
+    image->height = static_cast<std::size_t>(height);
+    return image;
+}
+
+} // namespace
+
+host::CurrentContext::CurrentContext(CGContextRef context) { contexts.push_back({context, nullptr}); }
+host::CurrentContext::~CurrentContext() { contexts.pop_back(); }
+
+void UIGraphicsBeginImageContextWithOptions(CGSize size, bool opaque, double scale) {
+    if (!(scale > 0) || !std::isfinite(scale)) scale = UIScreen::mainScreen()->scale();
+    auto image = std::make_unique<ImageContext>(emptyImage(size, scale, opaque), scale);
+    const CGContextRef context = &image->context;
+    contexts.push_back({context, std::move(image)});
+}
+
+CGContextRef UIGraphicsGetCurrentContext() { return contexts.empty() ? nullptr : contexts.back().context; }
+
+std::shared_ptr<UIImage> UIGraphicsGetImageFromCurrentImageContext() {
+    if (contexts.empty() || !contexts.back().image) return nullptr;
+    ImageContext& context = *contexts.back().image;
+    if (context.canvas.extent().isEmpty()) return nullptr;
+    return UIImage::imageWithCGImage_scale(context.canvas.takeImage(), context.scale);
+}
+
+void UIGraphicsEndImageContext() {
+    if (!contexts.empty() && contexts.back().image) contexts.pop_back();
+}

@@ -1,0 +1,59 @@
+#pragma once
+
+// Where a layer's bounds stand in device pixels, and how they are filled.
+
+#include "host/quartz/canvas.h"
+#include "host/quartz/layer_values.h"
+
+#include <optional>
+
+class CAGradientLayer;
+
+namespace host {
+
+class LayerShape {
+public:
+    // `toPixels` from the layer's own coordinates. Nothing when the numbers make no place.
+    static std::optional<LayerShape> make(const LayerValues& values, const CGAffineTransform& toPixels);
+
+    // From the layer's own coordinates; for what stands in the layer.
+    const CGAffineTransform& toPixels() const { return m_toPixels; }
+    // The same, with an upright layer's corner moved to the nearest pixel's corner; for what the layer itself draws.
+    const CGAffineTransform& snappedToPixels() const { return m_snappedToPixels; }
+    // Every pixel that the shape may touch.
+    const PixelRect& extent() const { return m_extent; }
+    bool isPlainRect() const { return m_upright && m_radius <= 0; }
+    bool isUpright() const { return m_upright; }
+    // Upright shapes: edges in pixels.
+    double left() const { return m_left; }
+    double top() const { return m_top; }
+    double right() const { return m_right; }
+    double bottom() const { return m_bottom; }
+    double radius() const { return m_radius; } // in pixels
+    // A plain rectangle's pixels.
+    PixelRect pixels() const;
+
+    void fill(Canvas& canvas, const CGColor& color, double alpha) const;
+    // Inside the bounds; as wide as the whole pixels nearest to `width`, at least one.
+    void strokeInside(Canvas& canvas, const CGColor& color, double width, double alpha) const;
+    void fillGradient(Canvas& canvas, const CAGradientLayer& gradient, double alpha) const;
+    // The outline, shrunk by so many pixels.
+    QPainterPath outline(double inset = 0) const;
+
+private:
+    CGAffineTransform m_toPixels;
+    CGAffineTransform m_snappedToPixels;
+    CGRect m_bounds;
+    PixelRect m_extent;
+    bool m_upright = true;
+    double m_left = 0;
+    double m_top = 0;
+    double m_right = 0;
+    double m_bottom = 0;
+    double m_radius = 0;
+    double m_pixelsPerPoint = 1;
+
+    double borderPixels(double width) const;
+};
+
+} // namespace host

@@ -1,0 +1,10 @@
+#pragma once
+
+#include "platform/quartz/CGGeometry.h"
+
+namespace host {
+
+// What UIScreen tells from now on, on every thread. A scale that is no positive number counts as 1.
+void setMainScreen(CGSize points, double scale);
+
+} // namespace host
