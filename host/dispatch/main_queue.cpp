@@ -13,43 +13,46 @@ struct MainQueue {
     std::deque<std::function<void()>> blocks;
     std::uint64_t taken = 0; // how many blocks have ever left the front
     std::shared_ptr<std::function<void()>> wake;
+    bool asked = false; // the run loop has been woken and has not drained since
 
     static MainQueue& shared() {
         static auto* const queue = new MainQueue;
         return *queue;
     }
-};
 
-void call(const std::shared_ptr<std::function<void()>>& wake) {
-    if (wake && *wake) (*wake)();
-}
+    // Wakes the run loop if something waits and it does not know yet. The lock is given up: the waker may take others.
+    void wakeIfNeeded(std::unique_lock<std::mutex>& lock) {
+        if (blocks.empty() || asked || !wake) return;
+        asked = true;
+        const auto called = wake;
+        lock.unlock();
+        (*called)();
+    }
+};
 
 } // namespace
 
 void host::setWakeMainQueue(std::function<void()> wake) {
     auto& queue = MainQueue::shared();
-    auto shared = std::make_shared<std::function<void()>>(std::move(wake));
+    auto replaced = wake ? std::make_shared<std::function<void()>>(std::move(wake)) : nullptr;
     std::unique_lock lock(queue.mutex);
-    queue.wake.swap(shared);
-    const auto waiting = queue.blocks.empty() ? nullptr : queue.wake;
-    lock.unlock();
-    call(waiting);
+    queue.wake.swap(replaced);
+    queue.asked = false;
+    queue.wakeIfNeeded(lock);
 }
 
 void host::queueOnMain(std::function<void()> block) {
     auto& queue = MainQueue::shared();
     std::unique_lock lock(queue.mutex);
-    const bool wasEmpty = queue.blocks.empty();
     queue.blocks.push_back(std::move(block));
-    const auto wake = wasEmpty ? queue.wake : nullptr;
-    lock.unlock();
-    call(wake);
+    queue.wakeIfNeeded(lock);
 }
 
 std::size_t host::drainMainQueue() {
     auto& queue = MainQueue::shared();
     std::size_t ran = 0;
     std::unique_lock lock(queue.mutex);
+    queue.asked = false;
     // Blocks leave one by one: a drain within a block goes on where this one stands, so that the order holds.
     const std::uint64_t end = queue.taken + queue.blocks.size();
     while (queue.taken < end) {
@@ -62,9 +65,7 @@ std::size_t host::drainMainQueue() {
         block = nullptr; // what it holds dies before the next block runs
         lock.lock();
     }
-    const auto wake = queue.blocks.empty() ? nullptr : queue.wake;
-    lock.unlock();
-    call(wake);
+    queue.wakeIfNeeded(lock);
     return ran;
 }
 

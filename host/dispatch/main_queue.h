@@ -7,9 +7,9 @@
 
 namespace host {
 
-// `wake` is called, on whatever thread queues, when the queue stops being empty, and at the end of a drain that leaves
-// something behind; it asks the run loop to call drainMainQueue() soon, and must not call it itself. When something
-// waits already it is called at once. An empty function removes it.
+// `wake` is called when the first block is queued since the last drain, on whatever thread queues it, and asks the run
+// loop to call drainMainQueue() soon; it must not call it itself. When something waits already it is called at once. An
+// empty function removes it. What a drain leaves behind has been announced by then.
 void setWakeMainQueue(std::function<void()> wake);
 
 // Runs the blocks that are in the queue now, in order, and says how many it ran. What they queue waits for the next

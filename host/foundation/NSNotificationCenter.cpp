@@ -71,7 +71,8 @@ void NSNotificationCenter::postNotificationName_object(std::string_view name, co
         const std::lock_guard lock(m_state->mutex);
         for (const auto& registration : m_state->registrations) {
             if (registration->name != name) continue;
-            if (!registration->anySender && registration->sender.lock() != object) continue;
+            // A sender that has died is not the absent one.
+            if (!registration->anySender && (!object || registration->sender.lock() != object)) continue;
             if (auto observer = registration->observer.lock()) receivers.push_back({std::move(observer), registration});
         }
     }

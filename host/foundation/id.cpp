@@ -2,14 +2,18 @@
 
 #include "platform/foundation/NSString.h"
 
+#include <algorithm>
 #include <charconv>
+#include <string_view>
 
 namespace {
 
+std::string_view withoutLeadingBlanks(std::string_view string) {
+    return string.substr(std::min(string.find_first_not_of(" \t\n\v\f\r"), string.size()));
+}
+
 double realValue(std::string_view string) {
-    const auto start = string.find_first_not_of(" \t\n\v\f\r");
-    if (start == std::string_view::npos) return 0;
-    string.remove_prefix(start);
+    string = withoutLeadingBlanks(string);
     if (string.starts_with('+')) string.remove_prefix(1);
     // Words that stand for no finite number are no numbers here.
     const auto digit = string.find_first_of("0123456789.");
@@ -17,6 +21,16 @@ double realValue(std::string_view string) {
     double value = 0;
     std::from_chars(string.data(), string.data() + string.size(), value);
     return value;
+}
+
+bool truth(std::string_view string) {
+    string = withoutLeadingBlanks(string);
+    if (string.empty()) return false;
+    if (std::string_view("YyTt").find(string[0]) != std::string_view::npos) return true;
+    // A sign and zeros may stand before the digit that counts.
+    if (string[0] == '+' || string[0] == '-') string.remove_prefix(1);
+    const auto deciding = string.find_first_not_of('0');
+    return deciding != std::string_view::npos && string[deciding] >= '1' && string[deciding] <= '9';
 }
 
 } // namespace
@@ -40,15 +54,7 @@ float id::floatValue() const { return number() ? number()->floatValue() : static
 
 bool id::boolValue() const {
     if (number()) return number()->boolValue();
-    if (!string()) return false;
-    const auto start = string()->find_first_not_of(" \t\n\v\f\r");
-    if (start == std::string::npos) return false;
-    // A sign and zeros may stand before the digit that counts.
-    const auto deciding =
-        string()->find_first_not_of((*string())[start] == '-' || (*string())[start] == '+' ? "+-0" : "0", start);
-    if (deciding == std::string::npos) return false;
-    const char c = (*string())[deciding];
-    return (c >= '1' && c <= '9') || (deciding == start && (c == 'Y' || c == 'y' || c == 'T' || c == 't'));
+    return string() && truth(*string());
 }
 
 bool operator==(const id& a, const id& b) {
