@@ -1,5 +1,6 @@
 #include "host/dispatch/WorkerPool.h"
 
+#include "host/dispatch/shutdown.h"
 #include "platform/log.h"
 
 #include <algorithm>
@@ -30,10 +31,9 @@ private:
 
 host::WorkerPool& host::WorkerPool::shared() {
     static auto* const pool = [] {
-        auto* const made = new WorkerPool;
-        // No block starts once main() has returned, even in a program that does not shut the pool down itself.
-        std::atexit([] { shared().shutDown(std::chrono::milliseconds(0)); });
-        return made;
+        // Nothing runs once main() has returned, even in a program that does not end through finishProcess() itself.
+        ::on_exit([](int code, void*) { finishProcess(code); }, nullptr);
+        return new WorkerPool;
     }();
     return *pool;
 }

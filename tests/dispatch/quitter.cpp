@@ -4,8 +4,8 @@
 #include "platform/dispatch.h"
 
 #include <cstdio>
-#include <cstring>
 #include <semaphore>
+#include <string>
 #include <sys/socket.h>
 #include <sys/time.h>
 
@@ -31,7 +31,8 @@ void receiveForTwentySeconds(int descriptor) {
 int main(int argc, char** argv) {
     const auto global = dispatch_get_global_queue(DISPATCH_QUEUE_PRIORITY_DEFAULT, 0);
     int ends[2];
-    if (argc > 1 && std::strcmp(argv[1], "waiting") == 0) {
+    const std::string mode = argc > 1 ? argv[1] : "";
+    if (mode.starts_with("waiting")) {
         ::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends);
         dispatch_async(global, [&] { receiveForTwentySeconds(ends[0]); });
     } else {
@@ -39,5 +40,6 @@ int main(int argc, char** argv) {
     }
     started.acquire();
     std::puts("main ends");
+    if (mode == "waiting-at-exit") return 7;
     return host::finishProcess(7);
 }

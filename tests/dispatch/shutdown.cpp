@@ -34,6 +34,14 @@ TEST(Shutdown, ProcessEndsWhileAWorkerSitsInAReceiveOfTwentySeconds) {
     EXPECT_LT(ending.seconds, 5);
 }
 
+TEST(Shutdown, ProcessThatForgetsToShutDownEndsAsWell) {
+    const Ending ending = run("waiting-at-exit");
+
+    EXPECT_EQ(WEXITSTATUS(ending.status), 7);
+    EXPECT_EQ(ending.output, "main ends\n");
+    EXPECT_LT(ending.seconds, 5);
+}
+
 TEST(Shutdown, ProcessWithoutWaitingWorkersEndsInTheOrdinaryWay) {
     const Ending ending = run("idle");
 
