@@ -4,6 +4,8 @@
 #include "platform/uikit/UIScrollView.h"
 #include "platform/uikit/UITableViewCell.h"
 
+#include <memory>
+#include <string>
 #include <vector>
 
 class UITableView;
@@ -81,6 +83,20 @@ public:
     // What a tap on the row does: selects it and tells the delegate.
     void activateRow(const std::shared_ptr<NSIndexPath>& indexPath);
 
+    void layoutSubviews() override;
+    void subviewSizeChanged(UIView& subview) override;
+    void contentOffsetChanged() override;
+    void touchesBegan_withEvent(const UITouchList& touches, UIEvent& event) override;
+    void touchesMoved_withEvent(const UITouchList& touches, UIEvent& event) override;
+    void touchesEnded_withEvent(const UITouchList& touches, UIEvent& event) override;
+    void touchesCancelled_withEvent(const UITouchList& touches, UIEvent& event) override;
+    std::shared_ptr<UIView> focusNeighbour(const UIView& focused, bool forward) override;
+    UIAccessibilityRole accessibilityRole() const override;
+
 protected:
     UITableView();
+
+private:
+    struct State; // host/tables/table_state.h
+    std::unique_ptr<State> m_table;
 };

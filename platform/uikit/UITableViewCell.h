@@ -3,6 +3,9 @@
 #include "platform/uikit/UILabel.h"
 #include "platform/uikit/UIView.h"
 
+#include <memory>
+#include <string>
+
 enum UITableViewCellStyle : long { UITableViewCellStyleDefault = 0, UITableViewCellStyleValue1 = 1 };
 enum class UITableViewCellAccessoryType { None, DisclosureIndicator, Checkmark };
 enum class UITableViewCellSelectionStyle { None, Default };
@@ -36,6 +39,7 @@ public:
     virtual void prepareForReuse();
 
     void layoutSubviews() override;
+    void subviewSizeChanged(UIView& subview) override;
     bool canBecomeFocused() const override;
     UIAccessibilityRole accessibilityRole() const override;
     std::string accessibilityLabel() const override;
@@ -46,4 +50,9 @@ public:
 
 protected:
     UITableViewCell();
+
+private:
+    friend struct CellInternals; // host/tables/cell_internals.h
+    struct State;
+    std::unique_ptr<State> m_cell;
 };

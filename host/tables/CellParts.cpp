@@ -1,0 +1,84 @@
+#include "host/tables/CellParts.h"
+
+#include "host/tables/appearance.h"
+#include "platform/uikit/UIBezierPath.h"
+#include "platform/uikit/UIImage.h"
+
+#include <numbers>
+
+namespace host {
+
+using namespace appearance;
+
+NS_CLASS_IMPLEMENTATION(CellCard, UIView)
+NS_CLASS_IMPLEMENTATION(CellMark, UIView)
+NS_CLASS_IMPLEMENTATION(CellLabel, UILabel)
+
+CellCard::~CellCard() = default;
+CellMark::~CellMark() = default;
+CellLabel::~CellLabel() = default;
+
+std::shared_ptr<CellCard> CellCard::initWithColor(std::shared_ptr<UIColor> color, bool hasSeparator) {
+    if (!UIView::initWithFrame(CGRectZero)) return nullptr;
+    m_color = std::move(color);
+    m_hasSeparator = hasSeparator;
+    setUserInteractionEnabled(false);
+    return self(this);
+}
+
+void CellCard::setPlace(CellPlace place) {
+    if (m_place == place) return;
+    m_place = place;
+    setNeedsDisplay();
+}
+
+void CellCard::drawRect(CGRect) {
+    const CGRect area = bounds();
+    const unsigned corners = (m_place.isFirst ? UIRectCornerTopLeft | UIRectCornerTopRight : 0u) |
+                             (m_place.isLast ? UIRectCornerBottomLeft | UIRectCornerBottomRight : 0u);
+    const CGContextRef context = UIGraphicsGetCurrentContext();
+    if (m_place.isGrouped && corners != 0) {
+        m_color->setFill();
+        UIBezierPath::bezierPathWithRoundedRect_byRoundingCorners_cornerRadii(
+            area, corners, CGSizeMake(cardCornerRadius, cardCornerRadius))
+            ->fill();
+    } else {
+        CGContextSetFillColorWithColor(context, m_color->CGColor());
+        CGContextFillRect(context, area);
+    }
+    if (!m_hasSeparator || (m_place.isGrouped && m_place.isLast)) return;
+    CGContextSetFillColorWithColor(context, separatorColor()->CGColor());
+    CGContextFillRect(context, CGRectMake(sideMargin, area.size.height - hairline(), area.size.width - sideMargin,
+                                          hairline()));
+}
+
+std::shared_ptr<CellMark> CellMark::initWithType(UITableViewCellAccessoryType type) {
+    const bool isCheck = type == UITableViewCellAccessoryType::Checkmark;
+    if (!UIView::initWithFrame(isCheck ? CGRectMake(0, 0, 16, 14) : CGRectMake(0, 0, 8, 14))) return nullptr;
+    m_type = type;
+    setUserInteractionEnabled(false);
+    return self(this);
+}
+
+void CellMark::drawRect(CGRect) {
+    const auto path = UIBezierPath::bezierPath();
+    if (m_type == UITableViewCellAccessoryType::Checkmark) {
+        path->moveToPoint({1.5, 7.5});
+        path->addLineToPoint({5.75, 11.75});
+        path->addLineToPoint({14.5, 2.25});
+        tintColor()->setStroke();
+    } else {
+        path->moveToPoint({1, 1.5});
+        path->addLineToPoint({6.5, 7});
+        path->addLineToPoint({1, 12.5});
+        markColor()->setStroke();
+    }
+    path->setLineWidth(2);
+    path->stroke();
+}
+
+std::shared_ptr<CellLabel> CellLabel::initWithFrame(CGRect frame) {
+    return UILabel::initWithFrame(frame) ? self(this) : nullptr;
+}
+
+} // namespace host

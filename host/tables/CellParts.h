@@ -1,0 +1,57 @@
+#pragma once
+
+// The pieces that a table cell is made of.
+
+#include "host/tables/cell_internals.h"
+#include "platform/uikit/UILabel.h"
+
+namespace host {
+
+// The row's part of its card: filled, rounded at the ends of the card, with a separator towards the next row.
+class CellCard final : public UIView {
+    NS_CLASS(CellCard)
+public:
+    ~CellCard() override;
+
+    std::shared_ptr<CellCard> initWithColor(std::shared_ptr<UIColor> color, bool hasSeparator);
+    void setPlace(CellPlace place);
+    void drawRect(CGRect rect) override;
+
+private:
+    CellCard() = default;
+
+    CellPlace m_place;
+    std::shared_ptr<UIColor> m_color;
+    bool m_hasSeparator = false;
+};
+
+// A chevron or a check mark.
+class CellMark final : public UIView {
+    NS_CLASS(CellMark)
+public:
+    ~CellMark() override;
+
+    std::shared_ptr<CellMark> initWithType(UITableViewCellAccessoryType type);
+    UITableViewCellAccessoryType type() const { return m_type; }
+    void drawRect(CGRect rect) override;
+
+private:
+    CellMark() = default;
+
+    UITableViewCellAccessoryType m_type = UITableViewCellAccessoryType::None;
+};
+
+// A label whose text its cell tells to assistive technology, and which therefore is silent itself.
+class CellLabel final : public UILabel {
+    NS_CLASS(CellLabel)
+public:
+    ~CellLabel() override;
+
+    std::shared_ptr<CellLabel> initWithFrame(CGRect frame);
+    UIAccessibilityRole accessibilityRole() const override { return UIAccessibilityRole::None; }
+
+private:
+    CellLabel() = default;
+};
+
+} // namespace host

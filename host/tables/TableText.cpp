@@ -1,0 +1,27 @@
+#include "host/tables/TableText.h"
+
+#include "host/tables/appearance.h"
+
+namespace host {
+
+NS_CLASS_IMPLEMENTATION(TableText, UILabel)
+
+TableText::~TableText() = default;
+
+std::shared_ptr<TableText> TableText::initWithRole(UIAccessibilityRole role) {
+    if (!UILabel::initWithFrame(CGRectZero)) return nullptr;
+    m_role = role;
+    setFont(UIFont::systemFontOfSize(13));
+    setTextColor(appearance::secondaryTextColor());
+    setNumberOfLines(0);
+    return self(this);
+}
+
+double TableText::heightOf(const std::string& text, double width) {
+    if (!(width > 0)) return 0;
+    const auto label = alloc()->initWithRole(UIAccessibilityRole::StaticText);
+    label->setText(text);
+    return label->sizeThatFits(CGSizeMake(width, 1e6)).height;
+}
+
+} // namespace host

@@ -1,0 +1,220 @@
+#include "platform/uikit/UITableViewCell.h"
+
+#include "host/tables/CellParts.h"
+#include "host/tables/appearance.h"
+#include "host/tables/cell_internals.h"
+#include "platform/runtime/method.h"
+#include "platform/uikit/UITableView.h"
+
+#include <algorithm>
+#include <cmath>
+
+using namespace host::appearance;
+
+NS_CLASS_IMPLEMENTATION(UITableViewCell, UIView,
+                        method<&UITableViewCell::initWithStyle_reuseIdentifier>("initWithStyle:reuseIdentifier:"))
+
+struct UITableViewCell::State {
+    std::string reuseIdentifier;
+    std::shared_ptr<host::CellCard> card;
+    std::shared_ptr<host::CellCard> pressedCard; // over the card, seen while the row is pressed or selected
+    std::shared_ptr<UIView> contentView;
+    std::shared_ptr<UILabel> textLabel;
+    std::shared_ptr<UILabel> detailTextLabel;
+    std::shared_ptr<UIView> accessoryView;
+    std::shared_ptr<host::CellMark> mark; // nil without an accessory type
+    UITableViewCellSelectionStyle selectionStyle = UITableViewCellSelectionStyle::Default;
+    bool isSelected = false;
+    bool isHighlighted = false;
+    bool isLayingOut = false;
+    std::weak_ptr<UITableView> table;
+
+    void showPressed(bool animated) const {
+        const bool isPressed = selectionStyle != UITableViewCellSelectionStyle::None && (isSelected || isHighlighted);
+        const double alpha = isPressed ? 1 : 0;
+        if (pressedCard->alpha() == alpha) return;
+        const auto show = [this, alpha] { pressedCard->setAlpha(alpha); };
+        if (animated)
+            UIView::animateWithDuration_animations(0.25, show);
+        else
+            show();
+    }
+    // What stands at the right end, if anything.
+    std::shared_ptr<UIView> accessory() const { return accessoryView ? accessoryView : mark; }
+};
+
+UITableViewCell::UITableViewCell() : m_cell(std::make_unique<State>()) {}
+UITableViewCell::~UITableViewCell() = default;
+
+std::shared_ptr<UITableViewCell> UITableViewCell::initWithStyle_reuseIdentifier(long style,
+                                                                               const std::string& reuseIdentifier) {
+    if (!UIView::initWithFrame(CGRectMake(0, 0, 320, rowHeight))) return nullptr;
+    m_cell->reuseIdentifier = reuseIdentifier;
+    m_cell->card = host::CellCard::alloc()->initWithColor(cardColor(), /*hasSeparator=*/true);
+    m_cell->pressedCard = host::CellCard::alloc()->initWithColor(pressedColor(), /*hasSeparator=*/false);
+    m_cell->pressedCard->setAlpha(0);
+    m_cell->contentView = UIView::alloc()->initWithFrame(bounds());
+    m_cell->textLabel = host::CellLabel::alloc()->initWithFrame(CGRectZero);
+    m_cell->contentView->addSubview(m_cell->textLabel);
+    if (style == UITableViewCellStyleValue1) {
+        m_cell->detailTextLabel = host::CellLabel::alloc()->initWithFrame(CGRectZero);
+        m_cell->detailTextLabel->setTextColor(secondaryTextColor());
+        m_cell->detailTextLabel->setTextAlignment(NSTextAlignmentRight);
+        m_cell->contentView->addSubview(m_cell->detailTextLabel);
+    }
+    addSubview(m_cell->card);
+    addSubview(m_cell->pressedCard);
+    addSubview(m_cell->contentView);
+    return self(this);
+}
+
+const std::string& UITableViewCell::reuseIdentifier() const { return m_cell->reuseIdentifier; }
+const std::shared_ptr<UILabel>& UITableViewCell::textLabel() const { return m_cell->textLabel; }
+const std::shared_ptr<UILabel>& UITableViewCell::detailTextLabel() const { return m_cell->detailTextLabel; }
+const std::shared_ptr<UIView>& UITableViewCell::contentView() const { return m_cell->contentView; }
+const std::shared_ptr<UIView>& UITableViewCell::accessoryView() const { return m_cell->accessoryView; }
+
+void UITableViewCell::setAccessoryView(std::shared_ptr<UIView> view) {
+    if (view != m_cell->accessoryView) {
+        // Another cell may have taken it meanwhile.
+        if (m_cell->accessoryView && m_cell->accessoryView->superview().get() == this)
+            m_cell->accessoryView->removeFromSuperview();
+        m_cell->accessoryView = std::move(view);
+    }
+    if (m_cell->accessoryView && m_cell->accessoryView->superview().get() != this) addSubview(m_cell->accessoryView);
+    if (m_cell->mark) m_cell->mark->setHidden(m_cell->accessoryView != nullptr);
+    setNeedsLayout();
+}
+
+UITableViewCellAccessoryType UITableViewCell::accessoryType() const {
+    return m_cell->mark ? m_cell->mark->type() : UITableViewCellAccessoryType::None;
+}
+
+void UITableViewCell::setAccessoryType(UITableViewCellAccessoryType type) {
+    if (type == accessoryType()) return;
+    if (m_cell->mark) m_cell->mark->removeFromSuperview();
+    m_cell->mark = nullptr;
+    if (type != UITableViewCellAccessoryType::None) {
+        m_cell->mark = host::CellMark::alloc()->initWithType(type);
+        m_cell->mark->setHidden(m_cell->accessoryView != nullptr);
+        addSubview(m_cell->mark);
+    }
+    setNeedsLayout();
+}
+
+UITableViewCellSelectionStyle UITableViewCell::selectionStyle() const { return m_cell->selectionStyle; }
+
+void UITableViewCell::setSelectionStyle(UITableViewCellSelectionStyle style) {
+    m_cell->selectionStyle = style;
+    m_cell->showPressed(/*animated=*/false);
+}
+
+bool UITableViewCell::isSelected() const { return m_cell->isSelected; }
+
+void UITableViewCell::setSelected_animated(bool selected, bool animated) {
+    m_cell->isSelected = selected;
+    m_cell->showPressed(animated);
+}
+
+bool UITableViewCell::isHighlighted() const { return m_cell->isHighlighted; }
+
+void UITableViewCell::setHighlighted_animated(bool highlighted, bool animated) {
+    m_cell->isHighlighted = highlighted;
+    m_cell->showPressed(animated);
+}
+
+void UITableViewCell::prepareForReuse() {
+    setSelected_animated(false, /*animated=*/false);
+    setHighlighted_animated(false, /*animated=*/false);
+    setAlpha(1);
+}
+
+void UITableViewCell::layoutSubviews() {
+    m_cell->isLayingOut = true;
+    const CGSize size = bounds().size;
+    m_cell->card->setFrame(bounds());
+    m_cell->pressedCard->setFrame(bounds());
+    double right = size.width - sideMargin;
+    if (const auto accessory = m_cell->accessory()) {
+        const CGSize own = accessory->bounds().size;
+        accessory->setFrame(CGRectMake(roundToPixel(right - own.width), roundToPixel((size.height - own.height) / 2),
+                                       own.width, own.height));
+        right -= own.width + labelGap;
+    }
+    m_cell->contentView->setFrame(CGRectMake(0, 0, std::max(0.0, right), size.height));
+
+    const double room = std::max(0.0, right - sideMargin);
+    const auto naturalWidth = [](const UILabel& label) { return std::ceil(label.sizeThatFits({1e6, 1e6}).width); };
+    double detailWidth = 0;
+    if (m_cell->detailTextLabel && !m_cell->detailTextLabel->text().empty()) {
+        // The title goes first, but leaves the value a third of the row.
+        const double wanted = naturalWidth(*m_cell->detailTextLabel);
+        const double left = room - labelGap - naturalWidth(*m_cell->textLabel);
+        detailWidth = std::max(0.0, std::min(wanted, std::max(left, std::floor(room / 3))));
+        m_cell->detailTextLabel->setFrame(CGRectMake(right - detailWidth, 0, detailWidth, size.height));
+        detailWidth += labelGap;
+    }
+    m_cell->textLabel->setFrame(CGRectMake(sideMargin, 0, std::max(0.0, room - detailWidth), size.height));
+    m_cell->isLayingOut = false;
+}
+
+void UITableViewCell::subviewSizeChanged(UIView& subview) {
+    if (&subview == m_cell->accessoryView.get() && !m_cell->isLayingOut) setNeedsLayout();
+}
+
+bool UITableViewCell::canBecomeFocused() const {
+    return m_cell->selectionStyle != UITableViewCellSelectionStyle::None && isUserInteractionEnabled() &&
+           !m_cell->table.expired();
+}
+
+UIAccessibilityRole UITableViewCell::accessibilityRole() const { return UIAccessibilityRole::ListItem; }
+
+std::string UITableViewCell::accessibilityLabel() const {
+    const std::string given = UIView::accessibilityLabel();
+    return given.empty() ? m_cell->textLabel->text() : given;
+}
+
+std::string UITableViewCell::accessibilityValue() const {
+    if (m_cell->detailTextLabel) return m_cell->detailTextLabel->text();
+    if (!m_cell->accessoryView) return {};
+    if (const auto on = m_cell->accessoryView->accessibilityIsOn()) return *on ? "On" : "Off";
+    if (const auto* label = dynamic_cast<const UILabel*>(m_cell->accessoryView.get())) return label->text();
+    return m_cell->accessoryView->accessibilityLabel();
+}
+
+bool UITableViewCell::accessibilityIsEnabled() const {
+    return isUserInteractionEnabled() && m_cell->textLabel->isEnabled();
+}
+
+bool UITableViewCell::accessibilityIsSelected() const {
+    return m_cell->isSelected || accessoryType() == UITableViewCellAccessoryType::Checkmark;
+}
+
+bool UITableViewCell::accessibilityActivate() {
+    const auto table = m_cell->table.lock();
+    if (!table || !isUserInteractionEnabled()) return false;
+    const auto path = table->indexPathForCell(this);
+    if (!path) return false;
+    table->activateRow(path);
+    return true;
+}
+
+void CellInternals::setPlace(UITableViewCell& cell, host::CellPlace place) {
+    cell.m_cell->card->setPlace(place);
+    cell.m_cell->pressedCard->setPlace(place);
+}
+
+void CellInternals::setTable(UITableViewCell& cell, const std::shared_ptr<UITableView>& table) {
+    cell.m_cell->table = table;
+}
+
+void CellInternals::fadeContentIn(UITableViewCell& cell) {
+    const auto content = cell.m_cell->contentView;
+    const auto accessory = cell.m_cell->accessory();
+    content->setAlpha(0);
+    if (accessory) accessory->setAlpha(0);
+    UIView::animateWithDuration_animations(0.25, [&] {
+        content->setAlpha(1);
+        if (accessory) accessory->setAlpha(1);
+    });
+}

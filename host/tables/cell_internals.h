@@ -1,0 +1,27 @@
+#pragma once
+
+// What a table sets on its cells, and a cell asks of its table.
+
+#include "platform/uikit/UITableViewCell.h"
+
+class UITableView;
+
+namespace host {
+
+// Where in its card a row stands.
+struct CellPlace {
+    bool isGrouped = false;
+    bool isFirst = false; // rounded at the top
+    bool isLast = false;  // rounded at the bottom, no separator
+    friend bool operator==(CellPlace, CellPlace) = default;
+};
+
+} // namespace host
+
+struct CellInternals {
+    static void setPlace(UITableViewCell& cell, host::CellPlace place);
+    // Weak; nil for a cell in no table.
+    static void setTable(UITableViewCell& cell, const std::shared_ptr<UITableView>& table);
+    // The texts and the accessory come in softly; the card stays as it is.
+    static void fadeContentIn(UITableViewCell& cell);
+};

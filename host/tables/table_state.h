@@ -1,0 +1,101 @@
+#pragma once
+
+// What a table view keeps, and what it does with it, by aspect: table_rows.cpp (cells on screen), table_changes.cpp
+// (rows that come and go), table_selection.cpp (touches, selection, focus).
+
+#include "host/dispatch/run_loop_sources.h"
+#include "host/tables/TableGeometry.h"
+#include "platform/uikit/UITableView.h"
+
+#include <functional>
+#include <map>
+#include <optional>
+#include <unordered_map>
+#include <unordered_set>
+
+namespace host {
+
+// A view of the table's content, in reading order.
+struct TableItem {
+    enum class Kind { Header, Row, Footer };
+    long section = 0;
+    Kind kind = Kind::Row;
+    long row = 0;
+    friend auto operator<=>(const TableItem&, const TableItem&) = default;
+};
+
+inline TableItem itemFor(TableRow row) { return {row.section, TableItem::Kind::Row, row.row}; }
+
+} // namespace host
+
+struct UITableView::State {
+    explicit State(UITableView& owner) : table(owner) {}
+    ~State() { host::removeSource(pressTimer); }
+
+    // Rows.
+    void askForSections();
+    void layOut();
+    // Brings the cells on screen up to date with the data and the place; cheap when they are.
+    void update();
+    void showVisibleItems();
+    std::shared_ptr<UITableViewCell> cellAt(host::TableRow row) const; // nil when not on screen
+    std::optional<host::TableRow> rowOf(const UIView& view) const;     // of the cell that is or holds the view
+    std::shared_ptr<UITableViewCell> askForCell(host::TableRow row);
+    void showCell(host::TableRow row, const std::shared_ptr<UITableViewCell>& cell);
+    void recycle(const std::shared_ptr<UITableViewCell>& cell);
+    void recycleAll();
+    void clampOffset();
+    std::shared_ptr<UITableViewCell> dequeue(const std::string& identifier);
+
+    // Changes. `newRow` says where an old row stands afterwards, nothing when it has gone; `isNew` which rows came.
+    struct Change {
+        std::function<std::optional<host::TableRow>(host::TableRow)> newRow;
+        std::function<bool(host::TableRow)> isNew;
+        bool animated = false;
+    };
+    void apply(const Change& change);
+    // A cell on its way out: to where its row stands now, out of sight, or to nothing where it is.
+    struct LeavingCell {
+        std::shared_ptr<UITableViewCell> cell;
+        std::optional<CGRect> target;
+    };
+
+    // Selection.
+    bool canSelect(host::TableRow row) const;
+    void select(host::TableRow row, bool animated);
+    void deselect(bool animated);
+    void endPress(bool animated);
+    void showPress();
+
+    std::shared_ptr<UITableView> strong() const { return std::static_pointer_cast<UITableView>(table.shared_from_this()); }
+
+    UITableView& table;
+    std::weak_ptr<UITableViewDataSource> dataSource;
+    std::weak_ptr<UITableViewDelegate> delegate;
+    long style = UITableViewStylePlain;
+    std::shared_ptr<UIView> headerView;
+
+    host::TableGeometry geometry;
+    double laidOutWidth = -1;
+    bool isLoaded = false;
+    bool isShowing = false;
+    std::uint64_t generation = 0; // of the data; a data source may change it while it is asked
+    std::map<host::TableItem, std::shared_ptr<UIView>> items; // on screen
+    std::unordered_map<std::string, double> measured;         // heights of texts at the laid out width
+
+    std::unordered_map<std::string, Class> classes;
+    std::unordered_map<std::string, std::vector<std::shared_ptr<UITableViewCell>>> free; // only identifiers asked for
+
+    std::optional<host::TableRow> selected;
+    std::optional<host::TableRow> pressed; // under a finger
+    host::SourceToken pressTimer = 0;
+
+private:
+    void insertInOrder(const host::TableItem& item, const std::shared_ptr<UIView>& view);
+    void showTexts(long section, double top, double bottom);
+    void showText(const host::TableItem& item, const std::string& text, CGRect frame);
+    void removeItemsOutside(double top, double bottom);
+    void placeCell(host::TableRow row, UITableViewCell& cell);
+    void animateIn(const Change& change, const std::map<const UIView*, CGRect>& startFrames, double shift);
+    void animateOut(const std::vector<LeavingCell>& leaving);
+};
