@@ -31,8 +31,7 @@ FileLock::FileLock(int folder, const std::string& name, std::chrono::millisecond
             m_reason = "another process holds its lock";
             return;
         }
-        std::this_thread::sleep_for(
-            std::min(pause, std::chrono::ceil<std::chrono::microseconds>(deadline - now)));
+        std::this_thread::sleep_for(std::min(pause, std::chrono::ceil<std::chrono::microseconds>(deadline - now)));
         pause = std::min(pause * 2, std::chrono::microseconds(1000));
     }
 }

@@ -63,8 +63,8 @@ private:
 std::string folder() { return hostPath("/var/mobile/Library/Preferences"); }
 
 bool isDomain(const std::string& domain) {
-    return !domain.empty() && domain.size() <= 200 && domain.front() != '.' &&
-           domain.find('/') == std::string::npos && domain.find('\0') == std::string::npos;
+    return !domain.empty() && domain.size() <= 200 && domain.front() != '.' && domain.find('/') == std::string::npos &&
+           domain.find('\0') == std::string::npos;
 }
 
 bool isPropertyList(const id& value) {
@@ -104,8 +104,7 @@ void Store::tellReadFailure(const std::string& domain, const PreferencesFile& fi
     if (!file.reason.empty()) NSLog("reading the preferences %s: %s", domain.c_str(), file.reason.c_str());
 }
 
-bool Store::setValue(const std::string& domain, const std::string& key, const id& value,
-                     std::function<void()> later) {
+bool Store::setValue(const std::string& domain, const std::string& key, const id& value, std::function<void()> later) {
     std::uint64_t serial = 0;
     {
         const std::lock_guard lock(m_mutex);

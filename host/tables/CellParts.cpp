@@ -4,7 +4,8 @@
 #include "platform/uikit/UIBezierPath.h"
 #include "platform/uikit/UIImage.h"
 
-#include <numbers>
+#include <algorithm>
+#include <cmath>
 
 namespace host {
 
@@ -13,10 +14,12 @@ using namespace appearance;
 NS_CLASS_IMPLEMENTATION(CellCard, UIView)
 NS_CLASS_IMPLEMENTATION(CellMark, UIView)
 NS_CLASS_IMPLEMENTATION(CellLabel, UILabel)
+NS_CLASS_IMPLEMENTATION(CellContent, UIView)
 
 CellCard::~CellCard() = default;
 CellMark::~CellMark() = default;
 CellLabel::~CellLabel() = default;
+CellContent::~CellContent() = default;
 
 std::shared_ptr<CellCard> CellCard::initWithColor(std::shared_ptr<UIColor> color, bool hasSeparator) {
     if (!UIView::initWithFrame(CGRectZero)) return nullptr;
@@ -48,8 +51,8 @@ void CellCard::drawRect(CGRect) {
     }
     if (!m_hasSeparator || (m_place.isGrouped && m_place.isLast)) return;
     CGContextSetFillColorWithColor(context, separatorColor()->CGColor());
-    CGContextFillRect(context, CGRectMake(sideMargin, area.size.height - hairline(), area.size.width - sideMargin,
-                                          hairline()));
+    CGContextFillRect(context,
+                      CGRectMake(sideMargin, area.size.height - hairline(), area.size.width - sideMargin, hairline()));
 }
 
 std::shared_ptr<CellMark> CellMark::initWithType(UITableViewCellAccessoryType type) {
@@ -79,6 +82,34 @@ void CellMark::drawRect(CGRect) {
 
 std::shared_ptr<CellLabel> CellLabel::initWithFrame(CGRect frame) {
     return UILabel::initWithFrame(frame) ? self(this) : nullptr;
+}
+
+std::shared_ptr<CellContent> CellContent::initWithValue(bool hasValue) {
+    if (!UIView::initWithFrame(CGRectZero)) return nullptr;
+    m_title = CellLabel::alloc()->initWithFrame(CGRectZero);
+    addSubview(m_title);
+    if (hasValue) {
+        m_value = CellLabel::alloc()->initWithFrame(CGRectZero);
+        m_value->setTextColor(secondaryTextColor());
+        m_value->setTextAlignment(NSTextAlignmentRight);
+        addSubview(m_value);
+    }
+    return self(this);
+}
+
+void CellContent::layoutSubviews() {
+    const auto naturalWidth = [](const UILabel& label) { return std::ceil(label.sizeThatFits({1e6, 1e6}).width); };
+    const CGSize size = bounds().size;
+    const double room = std::max(0.0, size.width - sideMargin);
+    double titleWidth = room;
+    if (m_value && !m_value->text().empty()) {
+        // The title goes first, but leaves the value a third of the row.
+        const double left = room - labelGap - naturalWidth(*m_title);
+        const double width = std::max(0.0, std::min(naturalWidth(*m_value), std::max(left, std::floor(room / 3))));
+        m_value->setFrame(CGRectMake(size.width - width, 0, width, size.height));
+        titleWidth = std::max(0.0, room - width - labelGap);
+    }
+    m_title->setFrame(CGRectMake(sideMargin, 0, titleWidth, size.height));
 }
 
 } // namespace host

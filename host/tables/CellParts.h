@@ -54,4 +54,22 @@ private:
     CellLabel() = default;
 };
 
+// The labels of a row: the title at the left, the value, where there is one, at the right.
+class CellContent final : public UIView {
+    NS_CLASS(CellContent)
+public:
+    ~CellContent() override;
+
+    std::shared_ptr<CellContent> initWithValue(bool hasValue);
+    const std::shared_ptr<UILabel>& title() const { return m_title; }
+    const std::shared_ptr<UILabel>& value() const { return m_value; } // nil when there is none
+    void layoutSubviews() override;
+
+private:
+    CellContent() = default;
+
+    std::shared_ptr<UILabel> m_title;
+    std::shared_ptr<UILabel> m_value;
+};
+
 } // namespace host

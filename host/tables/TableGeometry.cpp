@@ -10,11 +10,11 @@ namespace {
 
 using namespace appearance;
 
-constexpr double topSpace = 20;         // above the first card without a header
-constexpr double sectionSpace = 24;     // between one section's last line and the next card
-constexpr double headerSpace = 7;       // between a header and its card
-constexpr double footerSpace = 7;       // between a card and its footer
-constexpr double bottomSpace = 28;      // below the last
+constexpr double topSpace = 20;     // above the first card without a header
+constexpr double sectionSpace = 24; // between one section's last line and the next card
+constexpr double headerSpace = 7;   // between a header and its card
+constexpr double footerSpace = 7;   // between a card and its footer
+constexpr double bottomSpace = 28;  // below the last
 constexpr double plainHeaderPadding = 6;
 
 // Whole numbers of four points stay whole pixels at quarter scales too, so that cards have crisp edges there.
@@ -84,8 +84,8 @@ CGRect TableGeometry::footerRect(long section) const {
 }
 
 std::pair<long, long> TableGeometry::sectionsIn(double top, double bottom) const {
-    const auto first = std::partition_point(m_places.begin(), m_places.end(),
-                                            [&](const Place& place) { return place.bottom <= top; });
+    const auto first =
+        std::partition_point(m_places.begin(), m_places.end(), [&](const Place& place) { return place.bottom <= top; });
     const auto last =
         std::partition_point(first, m_places.end(), [&](const Place& place) { return place.top < bottom; });
     return {first - m_places.begin(), last - m_places.begin()};

@@ -7,7 +7,6 @@
 #include "platform/uikit/UITableView.h"
 
 #include <algorithm>
-#include <cmath>
 
 using namespace host::appearance;
 
@@ -19,8 +18,7 @@ struct UITableViewCell::State {
     std::shared_ptr<host::CellCard> card;
     std::shared_ptr<host::CellCard> pressedCard; // over the card, seen while the row is pressed or selected
     std::shared_ptr<UIView> contentView;
-    std::shared_ptr<UILabel> textLabel;
-    std::shared_ptr<UILabel> detailTextLabel;
+    std::shared_ptr<host::CellContent> content; // the same view
     std::shared_ptr<UIView> accessoryView;
     std::shared_ptr<host::CellMark> mark; // nil without an accessory type
     UITableViewCellSelectionStyle selectionStyle = UITableViewCellSelectionStyle::Default;
@@ -47,21 +45,14 @@ UITableViewCell::UITableViewCell() : m_cell(std::make_unique<State>()) {}
 UITableViewCell::~UITableViewCell() = default;
 
 std::shared_ptr<UITableViewCell> UITableViewCell::initWithStyle_reuseIdentifier(long style,
-                                                                               const std::string& reuseIdentifier) {
+                                                                                const std::string& reuseIdentifier) {
     if (!UIView::initWithFrame(CGRectMake(0, 0, 320, rowHeight))) return nullptr;
     m_cell->reuseIdentifier = reuseIdentifier;
     m_cell->card = host::CellCard::alloc()->initWithColor(cardColor(), /*hasSeparator=*/true);
     m_cell->pressedCard = host::CellCard::alloc()->initWithColor(pressedColor(), /*hasSeparator=*/false);
     m_cell->pressedCard->setAlpha(0);
-    m_cell->contentView = UIView::alloc()->initWithFrame(bounds());
-    m_cell->textLabel = host::CellLabel::alloc()->initWithFrame(CGRectZero);
-    m_cell->contentView->addSubview(m_cell->textLabel);
-    if (style == UITableViewCellStyleValue1) {
-        m_cell->detailTextLabel = host::CellLabel::alloc()->initWithFrame(CGRectZero);
-        m_cell->detailTextLabel->setTextColor(secondaryTextColor());
-        m_cell->detailTextLabel->setTextAlignment(NSTextAlignmentRight);
-        m_cell->contentView->addSubview(m_cell->detailTextLabel);
-    }
+    m_cell->content = host::CellContent::alloc()->initWithValue(style == UITableViewCellStyleValue1);
+    m_cell->contentView = m_cell->content;
     addSubview(m_cell->card);
     addSubview(m_cell->pressedCard);
     addSubview(m_cell->contentView);
@@ -69,8 +60,8 @@ std::shared_ptr<UITableViewCell> UITableViewCell::initWithStyle_reuseIdentifier(
 }
 
 const std::string& UITableViewCell::reuseIdentifier() const { return m_cell->reuseIdentifier; }
-const std::shared_ptr<UILabel>& UITableViewCell::textLabel() const { return m_cell->textLabel; }
-const std::shared_ptr<UILabel>& UITableViewCell::detailTextLabel() const { return m_cell->detailTextLabel; }
+const std::shared_ptr<UILabel>& UITableViewCell::textLabel() const { return m_cell->content->title(); }
+const std::shared_ptr<UILabel>& UITableViewCell::detailTextLabel() const { return m_cell->content->value(); }
 const std::shared_ptr<UIView>& UITableViewCell::contentView() const { return m_cell->contentView; }
 const std::shared_ptr<UIView>& UITableViewCell::accessoryView() const { return m_cell->accessoryView; }
 
@@ -142,19 +133,6 @@ void UITableViewCell::layoutSubviews() {
         right -= own.width + labelGap;
     }
     m_cell->contentView->setFrame(CGRectMake(0, 0, std::max(0.0, right), size.height));
-
-    const double room = std::max(0.0, right - sideMargin);
-    const auto naturalWidth = [](const UILabel& label) { return std::ceil(label.sizeThatFits({1e6, 1e6}).width); };
-    double detailWidth = 0;
-    if (m_cell->detailTextLabel && !m_cell->detailTextLabel->text().empty()) {
-        // The title goes first, but leaves the value a third of the row.
-        const double wanted = naturalWidth(*m_cell->detailTextLabel);
-        const double left = room - labelGap - naturalWidth(*m_cell->textLabel);
-        detailWidth = std::max(0.0, std::min(wanted, std::max(left, std::floor(room / 3))));
-        m_cell->detailTextLabel->setFrame(CGRectMake(right - detailWidth, 0, detailWidth, size.height));
-        detailWidth += labelGap;
-    }
-    m_cell->textLabel->setFrame(CGRectMake(sideMargin, 0, std::max(0.0, room - detailWidth), size.height));
     m_cell->isLayingOut = false;
 }
 
@@ -171,20 +149,18 @@ UIAccessibilityRole UITableViewCell::accessibilityRole() const { return UIAccess
 
 std::string UITableViewCell::accessibilityLabel() const {
     const std::string given = UIView::accessibilityLabel();
-    return given.empty() ? m_cell->textLabel->text() : given;
+    return given.empty() ? textLabel()->text() : given;
 }
 
 std::string UITableViewCell::accessibilityValue() const {
-    if (m_cell->detailTextLabel) return m_cell->detailTextLabel->text();
+    if (detailTextLabel()) return detailTextLabel()->text();
     if (!m_cell->accessoryView) return {};
     if (const auto on = m_cell->accessoryView->accessibilityIsOn()) return *on ? "On" : "Off";
     if (const auto* label = dynamic_cast<const UILabel*>(m_cell->accessoryView.get())) return label->text();
     return m_cell->accessoryView->accessibilityLabel();
 }
 
-bool UITableViewCell::accessibilityIsEnabled() const {
-    return isUserInteractionEnabled() && m_cell->textLabel->isEnabled();
-}
+bool UITableViewCell::accessibilityIsEnabled() const { return isUserInteractionEnabled() && textLabel()->isEnabled(); }
 
 bool UITableViewCell::accessibilityIsSelected() const {
     return m_cell->isSelected || accessoryType() == UITableViewCellAccessoryType::Checkmark;

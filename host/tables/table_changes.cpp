@@ -12,7 +12,8 @@ constexpr double changeDuration = 0.3;
 
 } // namespace
 
-void UITableView::State::animateIn(const Change& change, const std::map<const UIView*, CGRect>& startFrames, double shift) {
+void UITableView::State::animateIn(const Change& change, const std::map<const UIView*, CGRect>& startFrames,
+                                   double shift) {
     showVisibleItems();
     const auto shown = items;
     for (const auto& [item, view] : shown) {

@@ -1,6 +1,6 @@
+#include "host/tables/TableText.h"
 #include "host/tables/appearance.h"
 #include "host/tables/cell_internals.h"
-#include "host/tables/TableText.h"
 #include "host/tables/table_state.h"
 #include "platform/log.h"
 
@@ -176,8 +176,8 @@ void UITableView::State::showText(const TableItem& item, const std::string& text
     if (const auto found = items.find(item); found != items.end())
         label = std::static_pointer_cast<TableText>(found->second);
     if (!label) {
-        label = TableText::alloc()->initWithRole(item.kind == TableItem::Kind::Header ? UIAccessibilityRole::Heading
-                                                                                     : UIAccessibilityRole::StaticText);
+        label = TableText::alloc()->initWithRole(
+            item.kind == TableItem::Kind::Header ? UIAccessibilityRole::Heading : UIAccessibilityRole::StaticText);
         insertInOrder(item, label);
     }
     if (label->text() != text) label->setText(text);

@@ -110,8 +110,7 @@ void UITableView::selectRowAtIndexPath_animated(const std::shared_ptr<NSIndexPat
 }
 
 void UITableView::deselectRowAtIndexPath_animated(const std::shared_ptr<NSIndexPath>& indexPath, bool animated) {
-    if (indexPath && m_table->selected == TableRow{indexPath->section(), indexPath->row()})
-        m_table->deselect(animated);
+    if (indexPath && m_table->selected == TableRow{indexPath->section(), indexPath->row()}) m_table->deselect(animated);
 }
 
 std::shared_ptr<NSIndexPath> UITableView::indexPathForSelectedRow() const {

@@ -67,7 +67,9 @@ struct UITableView::State {
     void endPress(bool animated);
     void showPress();
 
-    std::shared_ptr<UITableView> strong() const { return std::static_pointer_cast<UITableView>(table.shared_from_this()); }
+    std::shared_ptr<UITableView> strong() const {
+        return std::static_pointer_cast<UITableView>(table.shared_from_this());
+    }
 
     UITableView& table;
     std::weak_ptr<UITableViewDataSource> dataSource;

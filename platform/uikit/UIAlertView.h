@@ -2,6 +2,7 @@
 
 #include "platform/uikit/UIView.h"
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -36,7 +37,21 @@ public:
     void layoutSubviews() override;
     UIAccessibilityRole accessibilityRole() const override;
     std::string accessibilityLabel() const override;
+    // The cancel button.
+    bool accessibilityPerformEscape() override;
+    void touchesBegan_withEvent(const UITouchList& touches, UIEvent& event) override;
+    void touchesMoved_withEvent(const UITouchList& touches, UIEvent& event) override;
+    void touchesEnded_withEvent(const UITouchList& touches, UIEvent& event) override;
+    void touchesCancelled_withEvent(const UITouchList& touches, UIEvent& event) override;
+    // A button's action; takes the button.
+    void buttonTapped(const std::shared_ptr<UIView>& button);
 
 private:
     UIAlertView();
+    friend class AlertQueue; // host/alerts
+    void appearIn(UIWindow& window);
+    void layOutButtons(double top);
+
+    struct State; // host/alerts/alert_state.h
+    std::unique_ptr<State> m_alert;
 };

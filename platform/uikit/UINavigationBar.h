@@ -10,8 +10,13 @@ public:
     ~UINavigationBar() override;
 
     std::shared_ptr<UINavigationBar> initWithFrame(CGRect frame);
+    void layoutSubviews() override;
     UIAccessibilityRole accessibilityRole() const override;
+    std::string accessibilityLabel() const override;
 
 private:
     UINavigationBar();
+    friend struct NavigationBarInternals; // host/controllers/navigation_bar_internals.h
+    struct State;
+    std::unique_ptr<State> m_bar;
 };

@@ -3,6 +3,7 @@
 #include "platform/uikit/UINavigationBar.h"
 #include "platform/uikit/UIViewController.h"
 
+#include <memory>
 #include <vector>
 
 // A stack of screens under one bar; screens lie below the bar's lower edge in the picture, but their views reach from
@@ -28,7 +29,16 @@ public:
     void viewWillDisappear(bool animated) override;
     void viewDidDisappear(bool animated) override;
     void viewDidLayoutSubviews() override;
+    // Goes back; at the root it is somebody else's.
+    bool accessibilityPerformEscape() override;
+    // The back button's action.
+    void goBack();
 
 protected:
     UINavigationController();
+
+private:
+    friend struct NavigationInternals; // host/controllers/navigation_state.h
+    struct State;
+    std::unique_ptr<State> m_navigation;
 };

@@ -2,6 +2,7 @@
 
 #include "platform/uikit/UIView.h"
 
+#include <memory>
 #include <string>
 
 // A dark rounded panel with a spinner and a text of several lines, over a view that takes no touches meanwhile.
@@ -23,7 +24,14 @@ public:
     void layoutSubviews() override;
     UIAccessibilityRole accessibilityRole() const override;
     std::string accessibilityLabel() const override;
+    void didMoveToWindow() override;
+    void touchesBegan_withEvent(const UITouchList& touches, UIEvent& event) override;
+    void touchesMoved_withEvent(const UITouchList& touches, UIEvent& event) override;
+    void touchesEnded_withEvent(const UITouchList& touches, UIEvent& event) override;
+    void touchesCancelled_withEvent(const UITouchList& touches, UIEvent& event) override;
 
 private:
     UIProgressHUD();
+    struct State;
+    std::unique_ptr<State> m_hud;
 };

@@ -3,6 +3,7 @@
 #include "platform/uikit/UIView.h"
 
 #include <functional>
+#include <memory>
 #include <string>
 
 class UINavigationController;
@@ -54,4 +55,9 @@ public:
 
 protected:
     UIViewController();
+
+private:
+    friend struct ControllerInternals; // host/controllers/controller_internals.h
+    struct State;
+    std::unique_ptr<State> m_controller;
 };

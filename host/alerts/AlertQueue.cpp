@@ -1,0 +1,42 @@
+#include "host/alerts/AlertQueue.h"
+
+#include "host/alerts/alert_state.h"
+#include "platform/uikit/UIApplication.h"
+
+#include <algorithm>
+
+AlertQueue& AlertQueue::shared() {
+    static auto& queue = *new AlertQueue;
+    return queue;
+}
+
+bool AlertQueue::contains(const UIAlertView& alert) const {
+    return std::any_of(m_alerts.begin(), m_alerts.end(), [&](const auto& other) { return other.get() == &alert; });
+}
+
+void AlertQueue::add(const std::shared_ptr<UIAlertView>& alert) {
+    if (contains(*alert)) return;
+    // Its window is gone: nobody can answer it any more.
+    if (!m_alerts.empty() && m_alerts.front()->superview() && !m_alerts.front()->window()) m_alerts.pop_front();
+    m_alerts.push_back(alert);
+    showFirst();
+}
+
+void AlertQueue::remove(const std::shared_ptr<UIAlertView>& alert, long buttonIndex) {
+    const auto at = std::find(m_alerts.begin(), m_alerts.end(), alert);
+    if (at == m_alerts.end()) return;
+    m_alerts.erase(at);
+    const auto window = alert->window();
+    alert->removeFromSuperview();
+    if (window) window->setFocusedView(alert->m_alert->focusedBefore.lock());
+    if (const auto delegate = alert->m_alert->delegate.lock())
+        delegate->alertView_didDismissWithButtonIndex(*alert, buttonIndex);
+    showFirst();
+}
+
+void AlertQueue::showFirst() {
+    if (m_alerts.empty() || m_alerts.front()->superview()) return;
+    const auto window = UIApplication::sharedApplication()->keyWindow();
+    if (!window) return;
+    m_alerts.front()->appearIn(*window);
+}

@@ -1,0 +1,80 @@
+#include "host/controllers/TextButton.h"
+
+#include "host/tables/CellParts.h"
+#include "host/tables/appearance.h"
+#include "platform/uikit/UIBezierPath.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace host {
+
+using namespace appearance;
+
+NS_CLASS_IMPLEMENTATION(TextButton, UIControl)
+
+namespace {
+
+constexpr double chevronSpace = 18; // the chevron and its distance to the text
+constexpr double pressedAlpha = 0.35;
+
+} // namespace
+
+TextButton::~TextButton() = default;
+
+std::shared_ptr<TextButton> TextButton::initWithTitle_kind(std::string title, Kind kind) {
+    if (!UIControl::initWithFrame(CGRectZero)) return nullptr;
+    m_kind = kind;
+    m_label = CellLabel::alloc()->initWithFrame(CGRectZero);
+    m_label->setText(std::move(title));
+    m_label->setTextColor(tintColor());
+    m_label->setFont(kind == Kind::Bold ? UIFont::boldSystemFontOfSize(17) : UIFont::systemFontOfSize(17));
+    m_label->setTextAlignment(kind == Kind::Back ? NSTextAlignmentLeft : NSTextAlignmentCenter);
+    addSubview(m_label);
+    return self(this);
+}
+
+void TextButton::setHighlighted(bool highlighted) {
+    if (highlighted == isHighlighted()) return;
+    UIControl::setHighlighted(highlighted);
+    if (m_kind == Kind::Back)
+        setAlpha(highlighted ? pressedAlpha : 1);
+    else
+        setBackgroundColor(highlighted ? pressedColor() : nullptr);
+}
+
+CGSize TextButton::sizeThatFits(CGSize size) const {
+    const double space = m_kind == Kind::Back ? chevronSpace : 0;
+    return CGSizeMake(std::ceil(m_label->sizeThatFits({1e6, 1e6}).width) + space, size.height);
+}
+
+void TextButton::layoutSubviews() {
+    const CGSize size = bounds().size;
+    const double space = m_kind == Kind::Back ? chevronSpace : 0;
+    m_label->setFrame(CGRectMake(space, 0, std::max(0.0, size.width - space), size.height));
+}
+
+void TextButton::drawRect(CGRect) {
+    if (m_kind != Kind::Back) return;
+    const double middle = std::round(bounds().size.height / 2);
+    const auto path = UIBezierPath::bezierPath();
+    path->moveToPoint({10.5, middle - 8.5});
+    path->addLineToPoint({2, middle});
+    path->addLineToPoint({10.5, middle + 8.5});
+    path->setLineWidth(2.5);
+    tintColor()->setStroke();
+    path->stroke();
+}
+
+std::string TextButton::accessibilityLabel() const {
+    const std::string given = UIControl::accessibilityLabel();
+    return given.empty() ? m_label->text() : given;
+}
+
+bool TextButton::accessibilityActivate() {
+    if (!isEnabled()) return false;
+    sendActionsForControlEvents(UIControlEventTouchUpInside);
+    return true;
+}
+
+} // namespace host

@@ -1,0 +1,126 @@
+#include "platform/uikit/UINavigationBar.h"
+
+#include "host/controllers/TextButton.h"
+#include "host/controllers/navigation_bar_internals.h"
+#include "host/tables/appearance.h"
+#include "platform/uikit/UINavigationController.h"
+
+#include <algorithm>
+#include <cmath>
+
+using namespace host;
+using namespace host::appearance;
+
+NS_CLASS_IMPLEMENTATION(UINavigationBar, UIView)
+
+namespace {
+
+constexpr double changeDuration = 0.35;
+constexpr double backMargin = 8;
+constexpr double gap = 8;
+
+// Title and back button of one screen.
+class BarItem final : public UIView {
+    NS_CLASS(BarItem)
+public:
+    std::shared_ptr<BarItem> initWithItem(const NavigationBarInternals::Item& item) {
+        if (!UIView::initWithFrame(CGRectZero)) return nullptr;
+        m_title = UILabel::alloc()->initWithFrame(CGRectZero);
+        m_title->setText(item.title);
+        m_title->setFont(UIFont::boldSystemFontOfSize(17));
+        m_title->setTextAlignment(NSTextAlignmentCenter);
+        addSubview(m_title);
+        if (item.backTitle) {
+            m_back = TextButton::alloc()->initWithTitle_kind(item.backTitle->empty() ? "Back" : *item.backTitle,
+                                                             TextButton::Kind::Back);
+            m_back->setAccessibilityLabel(item.backTitle->empty() ? "Back" : "Back to " + *item.backTitle);
+            m_back->addTarget_action_forControlEvents(item.controller.lock(), "goBack", UIControlEventTouchUpInside);
+            addSubview(m_back);
+        }
+        return self(this);
+    }
+
+    const std::string& title() const { return m_title->text(); }
+
+    // The title stands in the middle of the bar, or as near to it as the back button lets it.
+    void layoutSubviews() override {
+        const CGSize size = bounds().size;
+        double left = sideMargin;
+        const double titleWidth = std::ceil(m_title->sizeThatFits({1e6, 1e6}).width);
+        if (m_back) {
+            // A long way back gives room to the title, but never more than it takes to tell what it is.
+            const double room = std::max(size.width * 0.3, size.width - titleWidth - backMargin - gap - sideMargin);
+            const double width = std::min({m_back->sizeThatFits(size).width, room, size.width / 2});
+            m_back->setFrame(CGRectMake(backMargin, 0, width, size.height));
+            left = backMargin + width + gap;
+        }
+        const double width = std::min(titleWidth, std::max(0.0, size.width - sideMargin - left));
+        const double centred = std::floor((size.width - width) / 2);
+        m_title->setFrame(CGRectMake(std::clamp(centred, left, std::max(left, size.width - sideMargin - width)), 0,
+                                     width, size.height));
+    }
+
+private:
+    BarItem() = default;
+
+    std::shared_ptr<UILabel> m_title;
+    std::shared_ptr<TextButton> m_back; // nil at the root
+};
+
+NS_CLASS_IMPLEMENTATION(BarItem, UIView)
+
+} // namespace
+
+struct UINavigationBar::State {
+    std::shared_ptr<UIView> line;
+    std::shared_ptr<BarItem> item;
+};
+
+UINavigationBar::UINavigationBar() : m_bar(std::make_unique<State>()) {}
+UINavigationBar::~UINavigationBar() = default;
+
+std::shared_ptr<UINavigationBar> UINavigationBar::initWithFrame(CGRect frame) {
+    if (!UIView::initWithFrame(frame)) return nullptr;
+    setBackgroundColor(barColor());
+    m_bar->line = UIView::alloc()->initWithFrame(CGRectZero);
+    m_bar->line->setBackgroundColor(separatorColor());
+    addSubview(m_bar->line);
+    return self(this);
+}
+
+void UINavigationBar::layoutSubviews() {
+    const CGSize size = bounds().size;
+    m_bar->line->setFrame(CGRectMake(0, size.height - hairline(), size.width, hairline()));
+    if (m_bar->item) m_bar->item->setFrame(bounds());
+}
+
+UIAccessibilityRole UINavigationBar::accessibilityRole() const { return UIAccessibilityRole::NavigationBar; }
+
+std::string UINavigationBar::accessibilityLabel() const { return m_bar->item ? m_bar->item->title() : std::string(); }
+
+void NavigationBarInternals::show(UINavigationBar& bar, const Item& item, Direction direction, bool animated) {
+    const auto former = bar.m_bar->item;
+    const auto coming = BarItem::alloc()->initWithItem(item);
+    bar.m_bar->item = coming;
+    coming->setFrame(bar.bounds());
+    bar.addSubview(coming);
+    if (!animated || !former) {
+        if (former) former->removeFromSuperview();
+        return;
+    }
+    const double way = bar.bounds().size.width * (direction == Direction::Forward ? 0.4 : -0.4);
+    const CGPoint middle = coming->center();
+    coming->layoutIfNeeded();
+    coming->setCenter({middle.x + way, middle.y});
+    coming->setAlpha(0);
+    former->setUserInteractionEnabled(false);
+    UIView::animateWithDuration_animations_completion(
+        changeDuration,
+        [&] {
+            coming->setCenter(middle);
+            coming->setAlpha(1);
+            former->setCenter({middle.x - way, middle.y});
+            former->setAlpha(0);
+        },
+        [former](bool) { former->removeFromSuperview(); });
+}

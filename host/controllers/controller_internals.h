@@ -1,0 +1,32 @@
+#pragma once
+
+#include "platform/uikit/UIViewController.h"
+
+#include <functional>
+#include <memory>
+
+// A movement from one screen to another. Its end comes once: when what moves has arrived, or earlier when something
+// else must begin.
+class ScreenTransition : public std::enable_shared_from_this<ScreenTransition> {
+public:
+    // Runs `changes` over `duration`, then `end`; at once when `duration` is 0. `end` keeps alive what it names.
+    static std::shared_ptr<ScreenTransition> start(double duration, const std::function<void()>& changes,
+                                                   std::function<void()> end);
+    void finish();
+    bool isRunning() const { return m_end != nullptr; }
+
+private:
+    std::function<void()> m_end;
+};
+
+struct ControllerInternals {
+    // Of a view that stands nowhere yet: the screen's, so that what is set up in `viewDidLoad` has a real size.
+    static CGRect initialFrame();
+    // Weakly; nil takes it out.
+    static void setParent(UIViewController& controller, const std::shared_ptr<UIViewController>& parent);
+    // Shown, or on the way to it.
+    static bool isAppearing(const UIViewController& controller);
+    static bool hasAppeared(const UIViewController& controller);
+    // What this very controller presents; `presentedViewController` asks the containers around it too.
+    static std::shared_ptr<UIViewController> ownPresented(const UIViewController& controller);
+};

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "host/controllers/controller_internals.h"
+
+#include <memory>
+#include <string>
+
+// What a screen keeps.
+struct UIViewController::State {
+    enum class Appearance { Disappeared, Appearing, Appeared, Disappearing };
+
+    std::shared_ptr<UIView> view; // nil until it is asked for
+    bool isLoading = false;
+    std::string title;
+    Appearance appearance = Appearance::Disappeared;
+    bool isAnimated = false; // the appearance call that is under way
+    std::weak_ptr<UIViewController> parent;
+    std::shared_ptr<UIViewController> presented;
+    std::weak_ptr<UIViewController> presenting;
+    std::shared_ptr<ScreenTransition> presentation; // the coming or going of `presented`
+};

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "platform/uikit/UINavigationBar.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+
+class UINavigationController;
+
+struct NavigationBarInternals {
+    struct Item {
+        std::string title;
+        std::optional<std::string> backTitle; // nothing: no back button
+        std::weak_ptr<UINavigationController> controller;
+    };
+    enum class Direction { Forward, Back };
+    static void show(UINavigationBar& bar, const Item& item, Direction direction, bool animated);
+};

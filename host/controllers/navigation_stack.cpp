@@ -1,0 +1,117 @@
+// Bringing what a navigation controller shows in line with its stack.
+
+#include "host/controllers/navigation_bar_internals.h"
+#include "host/controllers/navigation_state.h"
+#include "host/tables/appearance.h"
+#include "platform/uikit/UIScrollView.h"
+
+#include <algorithm>
+#include <optional>
+
+using namespace host;
+
+namespace {
+
+constexpr double slideDuration = 0.35;
+constexpr double parallax = 0.3; // how far the lower screen moves of the way that the upper one does
+
+// The scroll view that carries the screen, as a table does: itself, or the first view in it.
+std::shared_ptr<UIScrollView> carrier(const std::shared_ptr<UIView>& view) {
+    if (auto scroll = std::dynamic_pointer_cast<UIScrollView>(view)) return scroll;
+    return view->subviews().empty() ? nullptr : std::dynamic_pointer_cast<UIScrollView>(view->subviews().front());
+}
+
+} // namespace
+
+bool UINavigationController::State::contains(const UIViewController* screen) const {
+    return std::any_of(stack.begin(), stack.end(), [&](const auto& other) { return other.get() == screen; });
+}
+
+void UINavigationController::State::settle(bool animated) {
+    // Nothing is shown before the container itself is.
+    if (isSettling || !controller.isViewLoaded()) return;
+    const auto keepAlive = controller.shared_from_this();
+    isSettling = true;
+    while (!stack.empty() && shown != stack.back()) move(animated);
+    isSettling = false;
+}
+
+void UINavigationController::State::prepare(UIViewController& screen) const {
+    const auto& view = screen.view();
+    view->setAutoresizingMask(UIViewAutoresizingFlexibleWidth | UIViewAutoresizingFlexibleHeight);
+    view->setFrame(area->bounds());
+    if (const auto scroll = carrier(view)) {
+        UIEdgeInsets inset = scroll->contentInset();
+        inset.top = bar->bounds().size.height;
+        scroll->setContentInset(inset);
+    }
+}
+
+void UINavigationController::State::move(bool animated) {
+    if (transition) transition->finish();
+    const auto from = shown;
+    const auto to = stack.back();
+    // Ending the former movement may have changed the stack.
+    if (from == to) return;
+    const bool isForward = !from || contains(from.get());
+    const bool moves = animated && from && ControllerInternals::isAppearing(controller);
+    shown = to;
+    prepare(*to);
+    if (ControllerInternals::isAppearing(controller)) {
+        if (from) from->beginAppearanceTransition_animated(/*isAppearing=*/false, moves);
+        to->beginAppearanceTransition_animated(/*isAppearing=*/true, moves);
+    }
+    if (isForward)
+        area->addSubview(to->view());
+    else
+        area->insertSubview_atIndex(to->view(), 0);
+    showBar(isForward, moves);
+
+    const CGPoint center = to->view()->center();
+    const double width = area->bounds().size.width;
+    const auto shifted = [&](double fraction) { return CGPointMake(center.x + width * fraction, center.y); };
+    if (moves) {
+        to->view()->setCenter(shifted(isForward ? 1 : -parallax));
+        to->view()->layoutIfNeeded();
+        area->setUserInteractionEnabled(false);
+    }
+    const auto slide = [&] {
+        to->view()->setCenter(center);
+        if (from) from->view()->setCenter(shifted(isForward ? -parallax : 1));
+    };
+    const std::weak_ptr<UINavigationController> weak = self(&controller);
+    const auto running = ScreenTransition::start(moves ? slideDuration : 0, slide, [weak, from, to] {
+        const auto navigation = weak.lock();
+        if (navigation) {
+            navigation->m_navigation->transition = nullptr;
+            navigation->m_navigation->area->setUserInteractionEnabled(true);
+            if (from && !navigation->m_navigation->contains(from.get())) ControllerInternals::setParent(*from, nullptr);
+        }
+        if (from) {
+            from->view()->removeFromSuperview();
+            from->endAppearanceTransition();
+        }
+        // While the container is still on its way, its own arrival brings the call.
+        if (!navigation || ControllerInternals::hasAppeared(*navigation)) to->endAppearanceTransition();
+    });
+    if (running->isRunning()) transition = running;
+}
+
+void UINavigationController::State::showBar(bool isForward, bool animated) {
+    if (stack.empty() || !bar) return;
+    std::optional<std::string> back;
+    if (stack.size() > 1) back = stack[stack.size() - 2]->title();
+    const auto direction =
+        isForward ? NavigationBarInternals::Direction::Forward : NavigationBarInternals::Direction::Back;
+    NavigationBarInternals::show(*bar, {stack.back()->title(), back, self(&controller)}, direction, animated);
+}
+
+void UINavigationController::State::layOut() {
+    const CGRect bounds = controller.view()->bounds();
+    if (area->frame() != bounds) {
+        // Screens on the move know only the old size.
+        if (transition) transition->finish();
+        area->setFrame(bounds);
+    }
+    bar->setFrame(CGRectMake(0, 0, bounds.size.width, appearance::barHeight));
+}

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "host/controllers/controller_internals.h"
+#include "platform/uikit/UINavigationController.h"
+
+// What a navigation controller keeps. The stack changes at once; what is shown is then brought in line with it.
+struct UINavigationController::State {
+    explicit State(UINavigationController& owner) : controller(owner) {}
+
+    // Moves from what is shown to the top of the stack, again and again should a screen push or pop meanwhile.
+    void settle(bool animated);
+    void showBar(bool isForward, bool animated);
+    void layOut();
+    bool contains(const UIViewController* screen) const;
+
+    UINavigationController& controller;
+    std::vector<std::shared_ptr<UIViewController>> stack;
+    std::shared_ptr<UIViewController> shown; // may have left the stack already
+    std::shared_ptr<UINavigationBar> bar;
+    std::shared_ptr<UIView> area; // in which the screens' views stand, below the bar in depth
+    std::shared_ptr<ScreenTransition> transition;
+    bool isSettling = false;
+
+private:
+    void move(bool animated);
+    void prepare(UIViewController& screen) const;
+};
+
+struct NavigationInternals {
+    static void titleChanged(UINavigationController& controller);
+};
