@@ -87,6 +87,7 @@ void UIScrollView::setContentOffset_animated(CGPoint offset, bool animated) {
     m_scroll->movesByItself = true;
     const CGPoint from = contentOffset();
     start(*this, [this, from, offset](double seconds) {
+        if (!m_scroll->movesByItself) return false;
         const double part = std::clamp(seconds / animatedSeconds, 0.0, 1.0);
         const double eased = part * part * (3 - 2 * part);
         if (part >= 1) m_scroll->movesByItself = false;
@@ -127,6 +128,7 @@ void ScrollInternals::handlePan(UIScrollView& view) {
         }
         state.decelerating = true;
         start(view, [&view, motion, x](double seconds) {
+            if (!ScrollInternals::state(view).decelerating) return false; // stopped while out of the window
             const bool goesOn = seconds < motion.duration();
             if (!goesOn) ScrollInternals::state(view).decelerating = false;
             moveTo(view, {x, motion.offsetAt(seconds)});

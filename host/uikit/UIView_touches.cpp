@@ -13,15 +13,25 @@ constexpr double leastVisibleAlpha = 0.01;
 
 CGPoint middle(CGRect rect) { return {CGRectGetMidX(rect), CGRectGetMidY(rect)}; }
 
+// A view that is not transformed only shifts points; the way over its centre would round them.
+std::optional<CGPoint> exactShift(const UIView& view) {
+    if (view.transform() != CGAffineTransformIdentity) return std::nullopt;
+    const CGPoint inside = view.bounds().origin;
+    const CGPoint outside = view.frame().origin;
+    return CGPoint{outside.x - inside.x, outside.y - inside.y};
+}
+
 } // namespace
 
 CGPoint ViewInternals::toSuperview(const UIView& view, CGPoint point) {
+    if (const auto shift = exactShift(view)) return {point.x + shift->x, point.y + shift->y};
     const CGPoint anchor = middle(view.bounds());
     const CGPoint turned = CGPointApplyAffineTransform({point.x - anchor.x, point.y - anchor.y}, view.transform());
     return {turned.x + view.center().x, turned.y + view.center().y};
 }
 
 CGPoint ViewInternals::fromSuperview(const UIView& view, CGPoint point) {
+    if (const auto shift = exactShift(view)) return {point.x - shift->x, point.y - shift->y};
     const CGPoint anchor = middle(view.bounds());
     const CGPoint turned = CGPointApplyAffineTransform({point.x - view.center().x, point.y - view.center().y},
                                                        CGAffineTransformInvert(view.transform()));

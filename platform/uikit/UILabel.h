@@ -3,6 +3,10 @@
 #include "platform/uikit/NSAttributedString.h"
 #include "platform/uikit/UIView.h"
 
+namespace host {
+struct TextRun;
+}
+
 enum NSTextAlignment : int { NSTextAlignmentLeft = 0, NSTextAlignmentCenter = 1, NSTextAlignmentRight = 2 };
 
 // Text, centred vertically in its bounds. A single line is cut with an ellipsis; several lines wrap at words.
@@ -45,6 +49,7 @@ protected:
 
 private:
     void textChanged();
+    std::vector<host::TextRun> runs() const;
 
     std::string m_text;
     std::shared_ptr<NSAttributedString> m_attributedText;

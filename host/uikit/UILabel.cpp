@@ -1,0 +1,130 @@
+#include "platform/uikit/UILabel.h"
+
+#include "host/quartz/text.h"
+#include "platform/uikit/UIImage.h"
+
+#include <limits>
+
+NS_CLASS_IMPLEMENTATION(UILabel, UIView)
+
+namespace {
+
+constexpr double unlimited = std::numeric_limits<double>::infinity();
+constexpr double disabledAlpha = 0.4;
+
+host::TextAlignment hostAlignment(NSTextAlignment alignment) {
+    switch (alignment) {
+    case NSTextAlignmentCenter:
+        return host::TextAlignment::Center;
+    case NSTextAlignmentRight:
+        return host::TextAlignment::Right;
+    case NSTextAlignmentLeft:
+        break;
+    }
+    return host::TextAlignment::Left;
+}
+
+} // namespace
+
+UILabel::UILabel() : m_font(UIFont::systemFontOfSize(17)), m_textColor(UIColor::blackColor()) {}
+UILabel::~UILabel() = default;
+
+std::shared_ptr<UILabel> UILabel::init() { return initWithFrame(CGRectZero); }
+
+std::shared_ptr<UILabel> UILabel::initWithFrame(CGRect frame) {
+    if (!UIView::initWithFrame(frame)) return nullptr;
+    setUserInteractionEnabled(false);
+    return self(this);
+}
+
+std::shared_ptr<UILabel> UILabel::initWithCoder(const std::shared_ptr<NSCoder>& coder) {
+    if (!UIView::initWithCoder(coder)) return nullptr;
+    setUserInteractionEnabled(false);
+    return self(this);
+}
+
+const std::string& UILabel::text() const { return m_text; }
+
+void UILabel::setText(std::string text) {
+    if (!m_attributedText && text == m_text) return;
+    m_attributedText = nullptr;
+    m_text = std::move(text);
+    textChanged();
+}
+
+const std::shared_ptr<NSAttributedString>& UILabel::attributedText() const { return m_attributedText; }
+
+void UILabel::setAttributedText(std::shared_ptr<NSAttributedString> text) {
+    m_text = text ? text->string() : std::string();
+    m_attributedText = std::move(text);
+    textChanged();
+}
+
+const std::shared_ptr<UIFont>& UILabel::font() const { return m_font; }
+
+void UILabel::setFont(std::shared_ptr<UIFont> font) {
+    if (font == m_font) return;
+    m_font = font ? std::move(font) : UIFont::systemFontOfSize(17);
+    textChanged();
+}
+
+const std::shared_ptr<UIColor>& UILabel::textColor() const { return m_textColor; }
+
+void UILabel::setTextColor(std::shared_ptr<UIColor> color) {
+    if (color == m_textColor) return;
+    m_textColor = color ? std::move(color) : UIColor::blackColor();
+    setNeedsDisplay();
+}
+
+NSTextAlignment UILabel::textAlignment() const { return m_textAlignment; }
+
+void UILabel::setTextAlignment(NSTextAlignment alignment) {
+    if (std::exchange(m_textAlignment, alignment) != alignment) setNeedsDisplay();
+}
+
+int UILabel::numberOfLines() const { return m_numberOfLines; }
+
+void UILabel::setNumberOfLines(int lines) {
+    if (std::exchange(m_numberOfLines, lines) != lines) textChanged();
+}
+
+bool UILabel::isEnabled() const { return m_enabled; }
+
+void UILabel::setEnabled(bool enabled) {
+    if (std::exchange(m_enabled, enabled) != enabled) setNeedsDisplay();
+}
+
+void UILabel::textChanged() {
+    setNeedsDisplay();
+    invalidateIntrinsicContentSize();
+}
+
+std::vector<host::TextRun> UILabel::runs() const {
+    const auto& color = m_textColor->CGColor();
+    return m_attributedText ? host::textRuns(*m_attributedText, m_font, color) : host::textRuns(m_text, m_font, color);
+}
+
+CGSize UILabel::sizeThatFits(CGSize size) const {
+    // One line is never wrapped: it wants all of its width.
+    const double width = m_numberOfLines != 1 && size.width > 0 ? size.width : unlimited;
+    return host::measureText(runs(), width, m_numberOfLines).size;
+}
+
+CGSize UILabel::intrinsicContentSize() const { return sizeThatFits(bounds().size); }
+
+void UILabel::drawRect(CGRect rect) {
+    const CGContextRef context = UIGraphicsGetCurrentContext();
+    CGContextSaveGState(context);
+    if (!m_enabled) CGContextSetAlpha(context, disabledAlpha);
+    host::drawText(context, runs(), rect, hostAlignment(m_textAlignment), m_numberOfLines);
+    CGContextRestoreGState(context);
+}
+
+UIAccessibilityRole UILabel::accessibilityRole() const {
+    return m_text.empty() ? UIAccessibilityRole::None : UIAccessibilityRole::StaticText;
+}
+
+std::string UILabel::accessibilityLabel() const {
+    const std::string given = UIView::accessibilityLabel();
+    return given.empty() ? m_text : given;
+}

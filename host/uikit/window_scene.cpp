@@ -1,0 +1,104 @@
+#include "host/uikit/window_scene.h"
+
+#include "host/quartz/animation.h"
+#include "host/quartz/screen.h"
+#include "host/uikit/accessibility_tree.h"
+#include "host/uikit/damage.h"
+#include "host/uikit/focus_ring.h"
+#include "host/uikit/view_internals.h"
+#include "host/uikit/window_internals.h"
+#include "platform/foundation/time.h"
+#include "platform/uikit/UIApplication.h"
+
+namespace host {
+
+WindowScene::WindowScene(CGSize points, double scale) : m_scale(scale) {
+    setMainScreen(points, scale);
+    m_window = UIWindow::alloc()->initWithFrame({{0, 0}, points});
+    m_window->layer()->setHost(this);
+    auto& state = WindowInternals::state(*m_window);
+    state.requestFrame = [this] { requestFrame(); };
+    state.frameSteps = &m_steps;
+    UIApplication::sharedApplication()->setKeyWindow(m_window);
+    layerNeedsRepaint(m_window->bounds());
+}
+
+WindowScene::~WindowScene() {
+    // Others may hold the window; it is not shown any more.
+    auto& state = WindowInternals::state(*m_window);
+    state.requestFrame = nullptr;
+    state.frameSteps = nullptr;
+    m_window->layer()->setHost(nullptr);
+    m_window->setRootViewController(nullptr);
+}
+
+CGSize WindowScene::size() const { return m_window->bounds().size; }
+
+void WindowScene::resize(CGSize points, double scale) {
+    m_scale = scale;
+    setMainScreen(points, scale);
+    m_window->setFrame({{0, 0}, points});
+    layerNeedsRepaint(m_window->bounds());
+}
+
+void WindowScene::setNeedsFrame(std::function<void()> callback) {
+    m_needsFrame = std::move(callback);
+    if (m_frameRequested && m_needsFrame) m_needsFrame();
+}
+
+void WindowScene::requestFrame() {
+    if (std::exchange(m_frameRequested, true)) return;
+    if (m_needsFrame) m_needsFrame();
+}
+
+void WindowScene::layerNeedsRepaint(CGRect rect) {
+    addDamage(m_damage, rect, m_window->bounds());
+    requestFrame();
+}
+
+void WindowScene::animationsStarted() {
+    m_animates = true;
+    requestFrame();
+}
+
+void WindowScene::layOut() { m_window->layoutIfNeeded(); }
+
+std::vector<CGRect> WindowScene::prepareFrame() {
+    // What asks for a frame from here on is taken up in this one.
+    m_frameRequested = true;
+    m_frameTime = platform::CACurrentMediaTime();
+    m_steps.run(m_frameTime);
+    m_animates = advanceAnimations(m_frameTime);
+    layOut();
+    placeFocusRing();
+    if (m_accessibility) m_accessibility->update();
+    m_frameRequested = false;
+    return std::exchange(m_damage, {});
+}
+
+void WindowScene::paint(const PixelTarget& target, std::span<const CGRect> damage) {
+    renderLayerTree(*m_window->layer(), target, m_scale, damage);
+}
+
+AccessibilityTree& WindowScene::accessibility() {
+    if (!m_accessibility) m_accessibility = std::make_unique<AccessibilityTree>(m_window);
+    return *m_accessibility;
+}
+
+void WindowScene::placeFocusRing() {
+    const auto focused = m_window->focusedView();
+    const bool isShown = focused && WindowInternals::state(*m_window).focusIsShown;
+    const CGRect ring = isShown ? focusRingRect(*focused) : CGRectNull;
+    if (CGRectIsNull(ring)) {
+        if (m_focusRing) m_focusRing->removeFromSuperlayer();
+        return;
+    }
+    if (!m_focusRing) m_focusRing = makeFocusRing();
+    CALayer& root = *m_window->layer();
+    if (root.sublayers().empty() || root.sublayers().back() != m_focusRing) root.addSublayer(m_focusRing);
+    if (m_focusRing->frame() != ring) m_focusRing->setFrame(ring);
+    const double radius = focusRingRadius(*focused);
+    if (m_focusRing->cornerRadius() != radius) m_focusRing->setCornerRadius(radius);
+}
+
+} // namespace host

@@ -1,0 +1,153 @@
+#include "host/testing/snapshot.h"
+#include "host/uikit/damage.h"
+#include "tests/uikit/scene_test.h"
+
+#include <cstdlib>
+#include <filesystem>
+
+namespace {
+
+class Scenes : public SceneTest {
+protected:
+    std::uint32_t pixel(std::size_t x, std::size_t y) {
+        const auto image = host::snapshot(scene);
+        return image->pixels[y * image->width + x];
+    }
+};
+
+std::string written(const std::vector<CGRect>& rects) {
+    std::string text;
+    for (const CGRect& rect : rects) text += (text.empty() ? "" : " + ") + ::written(rect);
+    return text;
+}
+
+} // namespace
+
+TEST_F(Scenes, FrameIsAskedForOnceAndDamageIsWhatChanged) {
+    const auto view = add({{10, 20}, {30, 40}});
+    view->setBackgroundColor(UIColor::redColor());
+    EXPECT_FALSE(scene.prepareFrame().empty());
+    EXPECT_EQ(written(scene.prepareFrame()), "");
+    int asked = 0;
+    scene.setNeedsFrame([&] { ++asked; });
+    EXPECT_EQ(asked, 0);
+
+    view->setBackgroundColor(UIColor::blueColor());
+    view->setNeedsDisplay();
+    view->setNeedsLayout();
+
+    EXPECT_EQ(asked, 1);
+    EXPECT_EQ(written(scene.prepareFrame()), "10,20 30x40");
+    EXPECT_EQ(written(scene.prepareFrame()), "");
+    view->setBackgroundColor(UIColor::redColor());
+    EXPECT_EQ(asked, 2);
+}
+
+TEST_F(Scenes, DamageStaysShortAndJoinsWhatIsCheaperInOne) {
+    const CGRect bounds{{0, 0}, {320, 480}};
+    std::vector<CGRect> damage;
+    host::addDamage(damage, {{0, 0}, {10, 10}}, bounds);
+    host::addDamage(damage, {{5, 0}, {10, 10}}, bounds);
+    EXPECT_EQ(written(damage), "0,0 15x10");
+    host::addDamage(damage, {{300, 400}, {100, 100}}, bounds);
+    EXPECT_EQ(written(damage), "0,0 15x10 + 300,400 20x80");
+    host::addDamage(damage, {{500, 0}, {10, 10}}, bounds);
+    EXPECT_EQ(damage.size(), 2u);
+
+    for (int i = 0; i < 100; ++i) host::addDamage(damage, {{i * 3.0, i * 4.0}, {1, 1}}, bounds);
+    EXPECT_LE(damage.size(), 16u);
+}
+
+TEST_F(Scenes, SnapshotShowsTheWindowAtItsScale) {
+    scene.resize({100, 50}, 2);
+    EXPECT_EQ(UIScreen::mainScreen()->scale(), 2);
+    const auto view = add({{10, 10}, {5, 5}});
+    view->setBackgroundColor(UIColor::colorWithRed_green_blue_alpha(1, 0, 0, 1));
+
+    const auto image = host::snapshot(scene);
+
+    EXPECT_EQ(image->width, 200u);
+    EXPECT_EQ(image->height, 100u);
+    EXPECT_EQ(pixel(20, 20), 0xffff0000u);
+    EXPECT_EQ(pixel(29, 29), 0xffff0000u);
+    EXPECT_EQ(pixel(30, 30), 0xffffffffu);
+    EXPECT_EQ(pixel(19, 20), 0xffffffffu);
+}
+
+TEST_F(Scenes, ResizeReachesTheViews) {
+    const auto view = add({{0, 0}, {320, 480}});
+    view->setAutoresizingMask(UIViewAutoresizingFlexibleWidth | UIViewAutoresizingFlexibleHeight);
+
+    scene.resize({375, 667}, 1);
+
+    EXPECT_EQ(view->frame(), CGRectMake(0, 0, 375, 667));
+    EXPECT_EQ(written(scene.prepareFrame()), "0,0 375x667");
+}
+
+TEST_F(Scenes, WindowMayOutliveItsScene) {
+    std::shared_ptr<UIWindow> window;
+    {
+        host::WindowScene other({50, 50}, 1);
+        window = other.window();
+    }
+    window->setNeedsLayout();
+    window->setBackgroundColor(UIColor::redColor());
+    window->touchBegan(1, {10, 10}, 0);
+    window->touchEnded(1, {10, 10}, 0);
+    SUCCEED();
+}
+
+TEST_F(Scenes, HalfWayThroughAnAnimationHalfIsDrawn) {
+    const auto view = add({{0, 0}, {10, 10}});
+    view->setBackgroundColor(UIColor::blackColor());
+    scene.prepareFrame();
+
+    UIView::animateWithDuration_animations(1, [&] { view->setFrame({{100, 0}, {10, 10}}); });
+    EXPECT_EQ(view->frame().origin.x, 100);
+    scene.prepareFrame();
+    EXPECT_EQ(pixel(5, 5), 0xff000000u);
+    clock.advance(0.5);
+
+    EXPECT_EQ(pixel(5, 5), 0xffffffffu);
+    EXPECT_EQ(pixel(55, 5), 0xff000000u);
+    EXPECT_EQ(pixel(105, 5), 0xffffffffu);
+    clock.advance(0.6);
+    EXPECT_EQ(pixel(105, 5), 0xff000000u);
+    EXPECT_FALSE(scene.isAnimating());
+}
+
+TEST_F(Scenes, PicturesAreComparedWithATolerance) {
+    CGImage a{2, 1, {0xff101010, 0xff202020}};
+    CGImage b = a;
+    b.pixels[1] = 0xff202320;
+    EXPECT_TRUE(host::comparePictures(a, a).isSame);
+
+    const auto exact = host::comparePictures(a, b);
+    EXPECT_FALSE(exact.isSame);
+    EXPECT_EQ(exact.pixels, 1u);
+    EXPECT_EQ(exact.most, 3);
+    EXPECT_EQ(exact.picture->pixels[1], 0xffff0000u);
+    EXPECT_TRUE(host::comparePictures(a, b, {.channel = 3}).isSame);
+    EXPECT_TRUE(host::comparePictures(a, b, {.share = 0.5}).isSame);
+    EXPECT_FALSE(host::comparePictures(a, {1, 1, {0xff101010}}, {.channel = 255, .share = 1}).isSame);
+}
+
+TEST_F(Scenes, GoldenPicturesAreMadeAnewOnDemandAndMissedOtherwise) {
+    namespace fs = std::filesystem;
+    std::string pattern = (fs::temp_directory_path() / "golden-XXXXXX").string();
+    const std::string folder = mkdtemp(pattern.data());
+    const auto image = host::snapshot(scene);
+    unsetenv("JOYVANE_UPDATE_GOLDEN");
+    EXPECT_NE(host::compareWithGolden(image, folder, "white", folder + "/failed"), "");
+
+    setenv("JOYVANE_UPDATE_GOLDEN", "1", 1);
+    EXPECT_EQ(host::compareWithGolden(image, folder, "white", folder + "/failed"), "");
+    unsetenv("JOYVANE_UPDATE_GOLDEN");
+    EXPECT_EQ(host::compareWithGolden(image, folder, "white", folder + "/failed"), "");
+
+    scene.window()->setBackgroundColor(UIColor::redColor());
+    EXPECT_NE(host::compareWithGolden(host::snapshot(scene), folder, "white", folder + "/failed"), "");
+    EXPECT_TRUE(fs::exists(folder + "/failed/white.actual.png"));
+    EXPECT_TRUE(fs::exists(folder + "/failed/white.difference.png"));
+    fs::remove_all(folder);
+}
