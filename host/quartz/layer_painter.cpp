@@ -23,11 +23,29 @@ public:
     void paint(CALayer& layer, const CGAffineTransform& toPixels);
 
 private:
-    void paintParts(CALayer& layer, const LayerShape& shape, double opacity);
-    void paintSublayers(CALayer& layer, const LayerShape& shape);
+    void paintWhole(CALayer& layer, const LayerShape& shape, double opacity);
+    void paintContent(CALayer& layer, const LayerShape& shape, double opacity);
+    void paintRounded(CALayer& layer, const LayerShape& shape);
+    void paintMasked(CALayer& layer, const LayerShape& shape);
     void paintApart(CALayer& layer, const LayerShape& shape, double opacity);
+    void paintSublayers(CALayer& layer, const LayerShape& shape);
 
     Canvas& m_canvas;
+};
+
+// Transparent pixels that stand for a place on the canvas.
+struct ApartCanvas {
+    explicit ApartCanvas(const PixelRect& where)
+        : place(where), pixels(static_cast<std::size_t>(where.width()) * static_cast<std::size_t>(where.height())),
+          canvas({pixels.data(), where.width(), where.height(), where.width() * std::ptrdiff_t{4}}) {}
+
+    CGAffineTransform moved(const CGAffineTransform& toPixels) const {
+        return CGAffineTransformConcat(toPixels, CGAffineTransformMakeTranslation(-place.left, -place.top));
+    }
+
+    PixelRect place;
+    std::vector<std::uint32_t> pixels;
+    Canvas canvas;
 };
 
 // The clip back as it was.
@@ -46,6 +64,13 @@ private:
 bool paints(const CGColorRef& color) { return color && color->alpha > 0; }
 bool hasBorder(const LayerValues& values) { return values.borderWidth > 0 && paints(values.borderColor); }
 
+// Half a border's width, where the border hides the fill's edge: else the fill would shine through the border's soft
+// rim at round corners.
+double insetUnderBorder(const LayerShape& shape, const LayerValues& values) {
+    const bool hides = hasBorder(values) && values.borderColor->alpha >= 1 && !shape.isPlainRect();
+    return hides ? shape.borderPixels(values.borderWidth) / 2 : 0;
+}
+
 // True when parts of the layer may lie over one another, so that opacity must be applied to all of them at once.
 bool needsGroup(const CALayer& layer) {
     const auto& state = LayerInternals::state(layer);
@@ -56,7 +81,7 @@ bool needsGroup(const CALayer& layer) {
     return parts > 1;
 }
 
-bool isInsideRoundedCorners(const LayerShape& shape, const PixelRect& rect) {
+bool isClearOfCorners(const LayerShape& shape, const PixelRect& rect) {
     const double r = shape.radius();
     const bool clearOfSides = rect.left >= shape.left() + r && rect.right <= shape.right() - r;
     const bool clearOfEnds = rect.top >= shape.top() + r && rect.bottom <= shape.bottom() - r;
@@ -92,28 +117,35 @@ void LayerPainter::paint(CALayer& layer, const CGAffineTransform& toPixels) {
     if (!isSeen && (layer.masksToBounds() || layer.sublayers().empty())) return;
     if (values.opacity < 1 && needsGroup(layer))
         paintApart(layer, *shape, values.opacity);
-    else if (layer.masksToBounds() && shape->radius() > 0 && !layer.sublayers().empty() &&
-             !isInsideRoundedCorners(*shape, m_canvas.clip().rect.intersected(shape->extent())))
-        paintApart(layer, *shape, values.opacity);
     else
-        paintParts(layer, *shape, std::min(values.opacity, 1.0));
+        paintWhole(layer, *shape, std::min(values.opacity, 1.0));
 }
 
 // `opacity` is 1 for layers with more than one part.
-void LayerPainter::paintParts(CALayer& layer, const LayerShape& shape, double opacity) {
+void LayerPainter::paintWhole(CALayer& layer, const LayerShape& shape, double opacity) {
+    const auto& values = LayerInternals::shown(layer);
+    if (layer.masksToBounds() && shape.radius() > 0 && !layer.sublayers().empty())
+        paintRounded(layer, shape);
+    else
+        paintContent(layer, shape, opacity);
+    if (hasBorder(values) && !shape.extent().intersected(m_canvas.clip().rect).isEmpty())
+        shape.strokeInside(m_canvas, *values.borderColor, values.borderWidth, opacity);
+}
+
+// All but the border.
+void LayerPainter::paintContent(CALayer& layer, const LayerShape& shape, double opacity) {
     auto& state = LayerInternals::state(layer);
     const auto& values = LayerInternals::shown(layer);
     const PixelRect seen = shape.extent().intersected(m_canvas.clip().rect);
     if (!seen.isEmpty()) {
-        if (paints(values.backgroundColor)) shape.fill(m_canvas, *values.backgroundColor, opacity);
-        if (state.gradient) shape.fillGradient(m_canvas, *state.gradient, opacity);
+        const double inset = insetUnderBorder(shape, values);
+        if (paints(values.backgroundColor)) shape.fill(m_canvas, *values.backgroundColor, opacity, inset);
+        if (state.gradient) shape.fillGradient(m_canvas, *state.gradient, opacity, inset);
         if (state.contents) {
             const CGRect& bounds = values.bounds;
-            m_canvas.drawImage(
-                *state.contents,
-                CGAffineTransformConcat({bounds.size.width, 0, 0, bounds.size.height, bounds.origin.x, bounds.origin.y},
-                                        shape.snappedToPixels()),
-                opacity);
+            const CGAffineTransform placed{bounds.size.width, 0, 0, bounds.size.height, bounds.origin.x,
+                                           bounds.origin.y};
+            m_canvas.drawImage(*state.contents, CGAffineTransformConcat(placed, shape.snappedToPixels()), opacity);
         }
         if (state.delegate) {
             const ClipScope clip(m_canvas);
@@ -123,8 +155,51 @@ void LayerPainter::paintParts(CALayer& layer, const LayerShape& shape, double op
         }
     }
     paintSublayers(layer, shape);
-    if (!seen.isEmpty() && hasBorder(values))
-        shape.strokeInside(m_canvas, *values.borderColor, values.borderWidth, opacity);
+}
+
+// Only the strips that hold the corners take the way round through pixels of their own.
+void LayerPainter::paintRounded(CALayer& layer, const LayerShape& shape) {
+    const ClipScope clip(m_canvas);
+    const auto outer = m_canvas.clip();
+    const PixelRect seen = outer.rect.intersected(shape.extent());
+    const int corner = static_cast<int>(std::ceil(shape.radius())) + 1;
+    int top = std::clamp(shape.extent().top + corner, seen.top, std::max(seen.top, seen.bottom));
+    int bottom = std::clamp(shape.extent().bottom - corner, top, std::max(top, seen.bottom));
+    if (!shape.isUpright()) top = bottom = seen.bottom;
+    for (const PixelRect& strip :
+         {PixelRect{seen.left, seen.top, seen.right, top}, PixelRect{seen.left, top, seen.right, bottom},
+          PixelRect{seen.left, bottom, seen.right, seen.bottom}}) {
+        if (strip.isEmpty()) continue;
+        m_canvas.setClip({strip, outer.shape});
+        if (isClearOfCorners(shape, strip))
+            paintContent(layer, shape, 1);
+        else
+            paintMasked(layer, shape);
+    }
+}
+
+void LayerPainter::paintMasked(CALayer& layer, const LayerShape& shape) {
+    const auto& values = LayerInternals::shown(layer);
+    ApartCanvas apart(m_canvas.clip().rect);
+    if (const auto moved = LayerShape::make(values, apart.moved(shape.toPixels())))
+        LayerPainter(apart.canvas).paintContent(layer, moved->withSquareCorners(), 1);
+    QPainter* const painter = m_canvas.painter();
+    if (!painter) return;
+    const QImage image(reinterpret_cast<const uchar*>(apart.pixels.data()), apart.place.width(), apart.place.height(),
+                       apart.place.width() * 4, QImage::Format_ARGB32_Premultiplied);
+    QBrush brush(image);
+    brush.setTransform(QTransform::fromTranslate(apart.place.left, apart.place.top));
+    painter->fillPath(shape.outline(insetUnderBorder(shape, values)), brush);
+}
+
+// Into pixels of its own first: opacity then holds for all of it at once.
+void LayerPainter::paintApart(CALayer& layer, const LayerShape& shape, double opacity) {
+    const PixelRect seen = treeExtent(layer, shape).intersected(m_canvas.clip().rect);
+    if (seen.isEmpty()) return;
+    ApartCanvas apart(seen);
+    if (const auto moved = LayerShape::make(LayerInternals::shown(layer), apart.moved(shape.toPixels())))
+        LayerPainter(apart.canvas).paintWhole(layer, *moved, 1);
+    m_canvas.drawPixels(apart.pixels.data(), seen.width(), seen.height(), seen.left, seen.top, opacity);
 }
 
 void LayerPainter::paintSublayers(CALayer& layer, const LayerShape& shape) {
@@ -144,32 +219,6 @@ void LayerPainter::paintSublayers(CALayer& layer, const LayerShape& shape) {
     }
     // A delegate may change the tree while it draws; what it takes out is still drawn in this frame.
     for (const auto& sublayer : std::vector(sublayers)) paint(*sublayer, shape.toPixels());
-}
-
-// Into pixels of its own first: opacity and rounded corners then hold for all of it at once.
-void LayerPainter::paintApart(CALayer& layer, const LayerShape& shape, double opacity) {
-    const PixelRect seen = treeExtent(layer, shape).intersected(m_canvas.clip().rect);
-    if (seen.isEmpty()) return;
-    std::vector<std::uint32_t> pixels(static_cast<std::size_t>(seen.width()) * static_cast<std::size_t>(seen.height()));
-    Canvas apart({pixels.data(), seen.width(), seen.height(), seen.width() * std::ptrdiff_t{4}});
-    const auto& values = LayerInternals::shown(layer);
-    const CGAffineTransform moved =
-        CGAffineTransformConcat(shape.toPixels(), CGAffineTransformMakeTranslation(-seen.left, -seen.top));
-    if (const auto movedShape = LayerShape::make(values, moved)) LayerPainter(apart).paintParts(layer, *movedShape, 1);
-    const bool rounded = layer.masksToBounds() && shape.radius() > 0;
-    if (!rounded) {
-        m_canvas.drawPixels(pixels.data(), seen.width(), seen.height(), seen.left, seen.top, opacity);
-        return;
-    }
-    QPainter* const painter = m_canvas.painter();
-    if (!painter) return;
-    const QImage image(reinterpret_cast<const uchar*>(pixels.data()), seen.width(), seen.height(), seen.width() * 4,
-                       QImage::Format_ARGB32_Premultiplied);
-    QBrush brush(image);
-    brush.setTransform(QTransform::fromTranslate(seen.left, seen.top));
-    painter->setOpacity(std::min(opacity, 1.0));
-    painter->fillPath(shape.outline(), brush);
-    painter->setOpacity(1);
 }
 
 } // namespace

@@ -71,7 +71,8 @@ std::optional<LayerShape> LayerShape::make(const LayerValues& values, const CGAf
 }
 
 PixelRect LayerShape::pixels() const {
-    return {wholePixel(m_left), wholePixel(m_top), wholePixel(m_right), wholePixel(m_bottom)};
+    return {wholePixel(std::floor(m_left)), wholePixel(std::floor(m_top)), wholePixel(std::ceil(m_right)),
+            wholePixel(std::ceil(m_bottom))};
 }
 
 QPainterPath LayerShape::outline(double inset) const {
@@ -95,14 +96,20 @@ QPainterPath LayerShape::outline(double inset) const {
     return toolkitTransform(m_toPixels).map(path);
 }
 
-void LayerShape::fill(Canvas& canvas, const CGColor& color, double alpha) const {
+void LayerShape::fill(Canvas& canvas, const CGColor& color, double alpha, double inset) const {
     if (isPlainRect()) {
         canvas.fillPixels(pixels(), color, alpha);
         return;
     }
     const auto ink = toolkitColor(color, alpha);
     if (!ink) return;
-    if (QPainter* const painter = canvas.painter()) painter->fillPath(outline(), *ink);
+    if (QPainter* const painter = canvas.painter()) painter->fillPath(outline(inset), *ink);
+}
+
+LayerShape LayerShape::withSquareCorners() const {
+    LayerShape square = *this;
+    square.m_radius = 0;
+    return square;
 }
 
 double LayerShape::borderPixels(double width) const {
@@ -134,7 +141,7 @@ void LayerShape::strokeInside(Canvas& canvas, const CGColor& color, double width
     painter->fillPath(ring, *ink);
 }
 
-void LayerShape::fillGradient(Canvas& canvas, const CAGradientLayer& layer, double alpha) const {
+void LayerShape::fillGradient(Canvas& canvas, const CAGradientLayer& layer, double alpha, double inset) const {
     const auto& colors = layer.colors();
     if (colors.empty() || m_extent.isEmpty()) return;
     const auto place = [this](CGPoint fraction) {
@@ -149,7 +156,7 @@ void LayerShape::fillGradient(Canvas& canvas, const CAGradientLayer& layer, doub
         const auto ink = colors[i] ? toolkitColor(*colors[i], alpha) : std::nullopt;
         gradient.setColorAt(at, ink ? *ink : QColor(Qt::transparent));
     }
-    if (QPainter* const painter = canvas.painter()) painter->fillPath(outline(), gradient);
+    if (QPainter* const painter = canvas.painter()) painter->fillPath(outline(isPlainRect() ? 0 : inset), gradient);
 }
 
 } // namespace host

@@ -30,13 +30,18 @@ public:
     double right() const { return m_right; }
     double bottom() const { return m_bottom; }
     double radius() const { return m_radius; } // in pixels
-    // A plain rectangle's pixels.
+    // A plain rectangle's pixels; those that hold all of any other upright shape.
     PixelRect pixels() const;
 
-    void fill(Canvas& canvas, const CGColor& color, double alpha) const;
-    // Inside the bounds; as wide as the whole pixels nearest to `width`, at least one.
+    LayerShape withSquareCorners() const;
+    // A border's width: the whole pixels nearest to it, at least one.
+    double borderPixels(double width) const;
+
+    // Shrunk by so many pixels, unless it is a plain rectangle.
+    void fill(Canvas& canvas, const CGColor& color, double alpha, double inset) const;
+    // Inside the bounds.
     void strokeInside(Canvas& canvas, const CGColor& color, double width, double alpha) const;
-    void fillGradient(Canvas& canvas, const CAGradientLayer& gradient, double alpha) const;
+    void fillGradient(Canvas& canvas, const CAGradientLayer& gradient, double alpha, double inset) const;
     // The outline, shrunk by so many pixels.
     QPainterPath outline(double inset = 0) const;
 
@@ -52,8 +57,6 @@ private:
     double m_bottom = 0;
     double m_radius = 0;
     double m_pixelsPerPoint = 1;
-
-    double borderPixels(double width) const;
 };
 
 } // namespace host
