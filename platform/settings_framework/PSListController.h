@@ -5,7 +5,9 @@
 #include "platform/uikit/UITableView.h"
 #include "platform/uikit/UIViewController.h"
 
+#include <memory>
 #include <optional>
+#include <string>
 
 // A settings page: a grouped table made from a list of rows. Main thread only, but for `readPreferenceValue`.
 //
@@ -59,6 +61,7 @@ public:
     std::shared_ptr<UITableView> table() const;
     void loadView() override;
     void viewWillAppear(bool animated) override;
+    void viewDidLayoutSubviews() override;
 
     long numberOfSectionsInTableView(UITableView& tableView) override;
     long tableView_numberOfRowsInSection(UITableView& tableView, long section) override;
@@ -68,8 +71,14 @@ public:
     std::string tableView_titleForFooterInSection(UITableView& tableView, long section) override;
     void tableView_didSelectRowAtIndexPath(UITableView& tableView,
                                            const std::shared_ptr<NSIndexPath>& indexPath) override;
+    bool tableView_shouldHighlightRowAtIndexPath(UITableView& tableView,
+                                                 const std::shared_ptr<NSIndexPath>& indexPath) override;
 
 protected:
     PSListController();
     std::optional<PSSpecifierList> _specifiers;
+
+private:
+    struct State; // host/settings_framework/list_state.h
+    std::unique_ptr<State> m_list;
 };

@@ -20,7 +20,8 @@ class PSSpecifier final : public NSObject {
 public:
     static constexpr bool diesOnMainThread = true;
 
-    // The target is weak. `set` takes the value and the row, `get` the row.
+    // The target is weak. `set` takes the value and the row, `get` the row. A link list brings its own screen, so that
+    // `detail` and `edit` stay unused.
     static std::shared_ptr<PSSpecifier>
     preferenceSpecifierNamed_target_set_get_detail_cell_edit(std::string name, const std::shared_ptr<NSObject>& target,
                                                              SEL set, SEL get, Class detail, PSCellType cell,

@@ -1,0 +1,117 @@
+#include "platform/settings_framework/PSListController.h"
+
+#include "host/controllers/controller_internals.h"
+#include "host/preferences/preferences_store.h"
+#include "host/settings_framework/bundle.h"
+#include "host/settings_framework/cell_factory.h"
+#include "host/settings_framework/list_state.h"
+#include "host/settings_framework/specifier_resource.h"
+#include "host/tables/appearance.h"
+#include "platform/log.h"
+#include "platform/notify.h"
+#include "platform/runtime/method.h"
+#include "platform/uikit/UIWindow.h"
+
+NS_CLASS_IMPLEMENTATION(PSListController, UIViewController,
+                        method<&PSListController::readPreferenceValue>("readPreferenceValue:"),
+                        method<&PSListController::setPreferenceValue_specifier>("setPreferenceValue:specifier:"))
+
+PSListController::PSListController() : m_list(std::make_unique<State>()) {}
+PSListController::~PSListController() = default;
+
+std::shared_ptr<PSListController> PSListController::init() { return UIViewController::init() ? self(this) : nullptr; }
+
+const PSSpecifierList& PSListController::specifiers() {
+    if (!_specifiers) _specifiers.emplace();
+    return *_specifiers;
+}
+
+PSSpecifierList PSListController::loadSpecifiersFromPlistName_target(const std::string& name,
+                                                                     const std::shared_ptr<NSObject>& target) {
+    if (name.empty() || name.find('/') != std::string::npos || host::resourceFolder().empty()) {
+        NSLog("reading the rows of \"%s\": %s", name.c_str(),
+              host::resourceFolder().empty() ? "no bundle is loaded" : "that is no resource's name");
+        return {};
+    }
+    auto resource = host::readSpecifierResource(host::resourceFolder() + "/" + name + ".plist", target);
+    if (!resource) return {};
+    if (title().empty()) setTitle(resource->title);
+    return std::move(resource->specifiers);
+}
+
+void PSListController::reloadSpecifiers() {
+    const auto window = m_list->table ? m_list->table->window() : nullptr;
+    const auto focused = window ? std::dynamic_pointer_cast<PSTableCell>(window->focusedView()) : nullptr;
+    const std::string focusedRow = focused && focused->specifier() ? focused->specifier()->identifier() : std::string();
+
+    _specifiers.reset();
+    specifiers();
+    if (!m_list->table) return;
+    if (!m_list->offsetBeforeReload) m_list->offsetBeforeReload = m_list->table->contentOffset();
+    m_list->table->reloadData();
+    view()->setNeedsLayout();
+    // The rows are other objects now; the keyboard stays where the user was.
+    const auto row = focusedRow.empty() ? nullptr : specifierForID(focusedRow);
+    if (const auto path = row ? m_list->pathOf(row.get()) : nullptr)
+        if (const auto cell = m_list->table->cellForRowAtIndexPath(path)) window->setFocusedView(cell);
+}
+
+void PSListController::reloadSpecifier(const std::shared_ptr<PSSpecifier>& specifier) {
+    if (!specifier) return;
+    if (specifier->cellType() != PSCellType::Group) return host::refreshCell(specifier);
+    if (m_list->table && containsSpecifier(specifier)) m_list->table->reloadData();
+}
+
+void PSListController::reloadSpecifierID(const std::string& identifier) { reloadSpecifier(specifierForID(identifier)); }
+
+id PSListController::readPreferenceValue(const std::shared_ptr<PSSpecifier>& specifier) {
+    if (!specifier) return {};
+    const id domain = specifier->propertyForKey("defaults");
+    const id key = specifier->propertyForKey("key");
+    return domain.string() && key.string() ? host::preferenceValue(*domain.string(), *key.string()) : id();
+}
+
+void PSListController::setPreferenceValue_specifier(const id& value, const std::shared_ptr<PSSpecifier>& specifier) {
+    if (!specifier) return;
+    const id domain = specifier->propertyForKey("defaults");
+    const id key = specifier->propertyForKey("key");
+    if (!domain.string() || !key.string()) return;
+    const id notification = specifier->propertyForKey("PostNotification");
+    const auto announce = [name = notification.string() ? *notification.string() : std::string()] {
+        if (!name.empty()) notify_post(name.c_str());
+    };
+    // Who listens reads the file: a value that gets there later is announced again.
+    host::setPreferenceValue(*domain.string(), *key.string(), value, announce);
+    announce();
+}
+
+std::shared_ptr<UITableView> PSListController::table() const { return m_list->table; }
+
+void PSListController::loadView() {
+    // The table stands in a plain view, so that an overlay over the page does not scroll away with the rows.
+    const auto container = UIView::alloc()->initWithFrame(ControllerInternals::initialFrame());
+    container->setBackgroundColor(host::appearance::pageColor());
+    m_list->table = UITableView::alloc()->initWithFrame_style(container->bounds(), UITableViewStyleGrouped);
+    m_list->table->setAutoresizingMask(UIViewAutoresizingFlexibleWidth | UIViewAutoresizingFlexibleHeight);
+    const auto me = self(this);
+    m_list->table->setDataSource(me);
+    m_list->table->setDelegate(me);
+    container->addSubview(m_list->table);
+    setView(container);
+}
+
+void PSListController::viewWillAppear(bool animated) {
+    UIViewController::viewWillAppear(animated);
+    const auto table = m_list->table;
+    if (table) table->deselectRowAtIndexPath_animated(table->indexPathForSelectedRow(), animated);
+}
+
+void PSListController::viewDidLayoutSubviews() {
+    UIViewController::viewDidLayoutSubviews();
+    const auto offset = std::exchange(m_list->offsetBeforeReload, std::nullopt);
+    const auto& table = m_list->table;
+    if (!offset || *offset == table->contentOffset() || table->isDragging()) return;
+    table->setContentOffset(*offset);
+    // Brings it back into what there is to scroll.
+    table->setContentSize(table->contentSize());
+}

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <string>
+
+namespace host {
+
+// The real path of the folder in which settings pages find their resources: the loaded bundle's. Set by the application
+// before it makes the page; empty until then. Main thread only.
+void setResourceFolder(std::string realPath);
+const std::string& resourceFolder();
+
+} // namespace host

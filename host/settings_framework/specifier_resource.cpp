@@ -1,0 +1,99 @@
+#include "host/settings_framework/specifier_resource.h"
+
+#include "host/foundation/files.h"
+#include "platform/foundation/NSArray.h"
+#include "platform/foundation/NSPropertyListSerialization.h"
+#include "platform/log.h"
+
+#include <array>
+#include <utility>
+
+namespace host {
+namespace {
+
+constexpr std::size_t largest = 4u << 20;
+constexpr std::size_t mostItems = 10'000;
+
+constexpr std::array<std::pair<const char*, PSCellType>, 5> kinds{{{"PSGroupCell", PSCellType::Group},
+                                                                   {"PSLinkListCell", PSCellType::LinkList},
+                                                                   {"PSSwitchCell", PSCellType::Switch},
+                                                                   {"PSButtonCell", PSCellType::Button},
+                                                                   {"PSStaticTextCell", PSCellType::StaticText}}};
+
+// Those that the framework itself reads must be of the kind it reads.
+constexpr std::array stringProperties{"id", "key", "defaults", "PostNotification", "cellClass", "footerText"};
+
+std::optional<PSCellType> kindNamed(const id& name) {
+    for (const auto& [known, kind] : kinds)
+        if (name.string() && *name.string() == known) return kind;
+    return std::nullopt;
+}
+
+bool isStringOrAbsent(const NSDictionary& item, const char* key) {
+    return !item.objectForKey(key) || item.objectForKey(key).string();
+}
+
+// Why the item is not one; empty when it is.
+std::string faultOf(const NSDictionary& item) {
+    if (!kindNamed(item.objectForKey("cell"))) return "its \"cell\" is no known kind";
+    for (const char* key : {"label", "action"})
+        if (!isStringOrAbsent(item, key)) return std::string("its \"") + key + "\" is no string";
+    for (const char* key : stringProperties)
+        if (!isStringOrAbsent(item, key)) return std::string("its \"") + key + "\" is no string";
+    if (kindNamed(item.objectForKey("cell")) != PSCellType::LinkList) return {};
+    const auto* values = item.objectForKey("validValues").objectPointer<NSArray>();
+    const auto* titles = item.objectForKey("validTitles").objectPointer<NSArray>();
+    if (!values || !titles || values->count() != titles->count())
+        return "it has not as many \"validTitles\" as \"validValues\"";
+    for (const id& title : *titles)
+        if (!title.string()) return "one of its \"validTitles\" is no string";
+    return {};
+}
+
+std::shared_ptr<PSSpecifier> makeRow(const NSDictionary& item, const std::shared_ptr<NSObject>& target) {
+    const auto text = [&](const char* key) {
+        const auto* string = item.objectForKey(key).string();
+        return string ? *string : std::string();
+    };
+    const bool isBound = bool(item.objectForKey("key"));
+    auto row = PSSpecifier::preferenceSpecifierNamed_target_set_get_detail_cell_edit(
+        text("label"), target, isBound ? SEL("setPreferenceValue:specifier:") : SEL(),
+        isBound ? SEL("readPreferenceValue:") : SEL(), nullptr, *kindNamed(item.objectForKey("cell")), nullptr);
+    if (const std::string action = text("action"); !action.empty()) row->setButtonAction(action);
+    item.enumerate([&](const std::string& key, const id& value) {
+        if (key != "cell" && key != "label" && key != "action") row->setProperty_forKey(value, key);
+        return true;
+    });
+    return row;
+}
+
+} // namespace
+
+std::optional<SpecifierResource> readSpecifierResource(const std::string& realPath,
+                                                       const std::shared_ptr<NSObject>& target) {
+    const auto refuse = [&](const std::string& reason) {
+        NSLog("reading the rows of %s: %s", realPath.c_str(), reason.c_str());
+        return std::nullopt;
+    };
+    std::shared_ptr<NSError> error;
+    const auto data = readFile(realPath, largest, &error);
+    if (!data) return refuse(error ? error->localizedDescription() : "it cannot be read");
+    const id root = NSPropertyListSerialization::propertyListWithData_options_format_error(*data, 0, nullptr, &error);
+    const auto* dictionary = root.objectPointer<NSDictionary>();
+    if (!root && error) return refuse(error->localizedDescription());
+    const auto* items = dictionary ? dictionary->objectForKey("items").objectPointer<NSArray>() : nullptr;
+    if (!items) return refuse("it is no dictionary with \"items\"");
+    if (items->count() > mostItems) return refuse("it has more than 10,000 items");
+
+    SpecifierResource resource;
+    if (const auto* title = dictionary->objectForKey("title").string()) resource.title = *title;
+    for (std::size_t i = 0; i < items->count(); ++i) {
+        const auto* item = items->objectAtIndex(i).objectPointer<NSDictionary>();
+        const std::string fault = item ? faultOf(*item) : "it is no dictionary";
+        if (!fault.empty()) return refuse("item " + std::to_string(i) + ": " + fault);
+        resource.specifiers.push_back(makeRow(*item, target));
+    }
+    return resource;
+}
+
+} // namespace host

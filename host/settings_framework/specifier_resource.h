@@ -1,0 +1,22 @@
+#pragma once
+
+#include "platform/settings_framework/PSSpecifier.h"
+
+#include <optional>
+#include <string>
+
+namespace host {
+
+struct SpecifierResource {
+    std::string title; // of the page; empty when it names none
+    PSSpecifierList specifiers;
+};
+
+// The rows that a resource file describes: a dictionary with "items", each a dictionary with "cell" (the name of a cell
+// kind), "label", "action" and the row's properties. A row with a "key" is bound to the target's
+// `setPreferenceValue:specifier:` and `readPreferenceValue:`. All or nothing: on the first thing that is not as it
+// should be the reason is logged and nothing comes back.
+std::optional<SpecifierResource> readSpecifierResource(const std::string& realPath,
+                                                       const std::shared_ptr<NSObject>& target);
+
+} // namespace host
