@@ -19,7 +19,7 @@ constexpr double disabledAlpha = 0.5;
 // The knob's shadow: a few faint discs.
 constexpr struct Shadow {
     double spread, drop, alpha;
-} shadows[] = {{1.5, 3, 0.03}, {1, 2.5, 0.04}, {0.5, 1.5, 0.05}, {0.5, 0, 0.04}};
+} shadows[] = {{1.5, 2, 0.025}, {1, 1.5, 0.04}, {0.5, 1, 0.05}, {0.5, 0, 0.04}};
 
 std::shared_ptr<CALayer> capsule(const std::shared_ptr<UIColor>& color) {
     const auto layer = CALayer::layer();
@@ -44,6 +44,7 @@ std::shared_ptr<UISwitch> UISwitch::init() { return initWithFrame(CGRectZero); }
 
 std::shared_ptr<UISwitch> UISwitch::initWithFrame(CGRect frame) {
     if (!UIControl::initWithFrame({frame.origin, size})) return nullptr;
+    layer()->setCornerRadius(size.height / 2); // the outline that a focus ring follows
     m_track = capsule(grey());
     setCapsuleFrame(*m_track, {{0, 0}, size});
     layer()->addSublayer(m_track);

@@ -5,6 +5,7 @@
 #include "platform/uikit/UIScrollView.h"
 #include "platform/uikit/UIViewController.h"
 
+#include <ranges>
 #include <utility>
 
 NS_CLASS_IMPLEMENTATION(UIWindow, UIView)
@@ -61,12 +62,21 @@ void UIWindow::scrolled(CGPoint location, CGPoint delta, double) {
 }
 
 std::shared_ptr<UIView> UIWindow::focusedView() const {
-    const auto view = m_window->focusedView.lock();
-    return view && view->isDescendantOfView(this) ? view : nullptr;
+    // A screen that was covered gets the focus back where it was.
+    for (const auto& weak : m_window->focused | std::views::reverse)
+        if (auto view = weak.lock(); view && view->isDescendantOfView(this)) return view;
+    return nullptr;
 }
 
 void UIWindow::setFocusedView(const std::shared_ptr<UIView>& view) {
-    m_window->focusedView = view;
+    constexpr std::size_t mostRemembered = 16;
+    auto& focused = m_window->focused;
+    std::erase_if(focused, [&](const auto& weak) { return weak.expired() || weak.lock() == view; });
+    if (!view)
+        focused.clear();
+    else
+        focused.push_back(view);
+    if (focused.size() > mostRemembered) focused.erase(focused.begin());
     WindowInternals::requestFrame(*this);
 }
 
@@ -82,6 +92,14 @@ void WindowInternals::subtreeLeaves(UIWindow& window, UIView& subtree) {
 void WindowInternals::focusByKeyboard(UIWindow& window, const std::shared_ptr<UIView>& view) {
     state(window).focusIsShown = view != nullptr;
     window.setFocusedView(view);
+}
+
+void WindowInternals::forgetFocus(UIWindow& window, const UIView& subtree) {
+    std::erase_if(state(window).focused, [&](const auto& weak) {
+        const auto view = weak.lock();
+        return !view || view->isDescendantOfView(&subtree);
+    });
+    requestFrame(window);
 }
 
 void WindowInternals::hideFocus(UIWindow& window) {

@@ -12,7 +12,10 @@ namespace host {
 namespace {
 
 constexpr double thickness = 2;
-constexpr double gap = 2; // between a small view and its ring
+constexpr double gap = 2;                 // between a small view and its ring
+constexpr double widestRingOutside = 120; // wider views have neighbours, or fill a panel: their ring stands inside
+
+bool ringStandsInside(const UIView& view) { return view.bounds().size.width > widestRingOutside; }
 
 } // namespace
 
@@ -26,22 +29,19 @@ std::shared_ptr<CALayer> makeFocusRing() {
 CGRect focusRingRect(const UIView& view) {
     const CGRect visible = visibleRectInWindow(view);
     if (CGRectIsEmpty(visible)) return CGRectNull;
-    const auto window = view.window();
-    CGRect ring = CGRectInset(view.convertRect_toView(view.bounds(), nullptr), -gap - thickness, -gap - thickness);
-    // Round a row, or a view at the edge, the ring stands inside.
-    const CGRect room = window ? window->bounds() : ring;
-    const double left = std::max(ring.origin.x, room.origin.x);
-    const double right = std::min(CGRectGetMaxX(ring), CGRectGetMaxX(room));
-    const double slack = 2 * (gap + thickness);
-    const double top = std::max(ring.origin.y, visible.origin.y - slack);
-    const double bottom = std::min(CGRectGetMaxY(ring), CGRectGetMaxY(visible) + slack);
-    ring = {{std::floor(left), std::floor(top)},
-            {std::ceil(right) - std::floor(left), std::ceil(bottom) - std::floor(top)}};
-    return ring;
+    const CGRect whole = view.convertRect_toView(view.bounds(), nullptr);
+    const double outset = ringStandsInside(view) ? 0 : gap + thickness;
+    // Beside what is scrolled or clipped away there is no ring either.
+    CGRect ring = CGRectIntersection(CGRectInset(whole, -outset, -outset), CGRectInset(visible, -outset, -outset));
+    if (const auto window = view.window()) ring = CGRectIntersection(ring, window->bounds());
+    if (CGRectIsEmpty(ring)) return CGRectNull;
+    const CGPoint corner{std::floor(ring.origin.x), std::floor(ring.origin.y)};
+    return {corner, {std::ceil(CGRectGetMaxX(ring)) - corner.x, std::ceil(CGRectGetMaxY(ring)) - corner.y}};
 }
 
 double focusRingRadius(const UIView& view) {
     const double own = view.layer()->cornerRadius();
+    if (ringStandsInside(view)) return own > 0 ? own : 8;
     return own > 0 ? own + gap + thickness : 6;
 }
 

@@ -19,11 +19,13 @@ namespace host {
 
 namespace {
 
+constexpr double roomAround = 12; // points of the neighbours that show above and below the focus
+
 void showInScrollViews(const UIView& view) {
     for (auto above = view.superview(); above; above = above->superview())
         if (const auto scroll = std::dynamic_pointer_cast<UIScrollView>(above))
-            scroll->scrollRectToVisible_animated(view.convertRect_toView(view.bounds(), scroll.get()),
-                                                 /*animated=*/false);
+            scroll->scrollRectToVisible_animated(
+                CGRectInset(view.convertRect_toView(view.bounds(), scroll.get()), 0, -roomAround), /*animated=*/false);
 }
 
 void moveFocus(UIWindow& window, bool forward) {

@@ -15,12 +15,12 @@ struct UIWindow::State {
 
     TouchDispatcher touches;
     std::shared_ptr<UIViewController> rootViewController;
-    std::weak_ptr<UIView> focusedView;
-    bool focusIsShown = false;              // the focus came by the keyboard
-    long activationKey = 0;                 // the key that went down and will activate when it is released; 0: none
-    std::weak_ptr<UIView> activated;        // what had the focus then
-    std::function<void()> requestFrame;     // the scene's; empty without one
-    host::FrameSteps* frameSteps = nullptr; // the scene's, non-owning; nil without one
+    std::vector<std::weak_ptr<UIView>> focused; // the last one has the focus now, or when it is back in the window
+    bool focusIsShown = false;                  // the focus came by the keyboard
+    long activationKey = 0;                     // the key that went down and will activate when it is released; 0: none
+    std::weak_ptr<UIView> activated;            // what had the focus then
+    std::function<void()> requestFrame;         // the scene's; empty without one
+    host::FrameSteps* frameSteps = nullptr;     // the scene's, non-owning; nil without one
 };
 
 struct WindowInternals {
@@ -35,4 +35,6 @@ struct WindowInternals {
     static void focusByKeyboard(UIWindow& window, const std::shared_ptr<UIView>& view);
     // The ring goes, the focus stays: a finger is at work.
     static void hideFocus(UIWindow& window);
+    // Neither the view nor one in it has the focus any more, or gets it back.
+    static void forgetFocus(UIWindow& window, const UIView& subtree);
 };

@@ -23,7 +23,8 @@ public:
     // Wheel or touchpad: points to scroll by at a place.
     void scrolled(CGPoint location, CGPoint delta, double time);
 
-    // The view that keys act on; nil when there is none or it stands outside the window now.
+    // The view that keys act on; nil when there is none. When it leaves the window, the one before it in the window has
+    // the focus again; setting nil forgets them all.
     std::shared_ptr<UIView> focusedView() const;
     void setFocusedView(const std::shared_ptr<UIView>& view);
 

@@ -3,6 +3,7 @@
 #include "host/uikit/focus_order.h"
 #include "host/uikit/hid_keys.h"
 #include "host/uikit/url_opener.h"
+#include "host/uikit/window_internals.h"
 #include "platform/foundation/NSNotificationCenter.h"
 #include "tests/uikit/scene_test.h"
 
@@ -187,9 +188,9 @@ TEST_F(Keyboard, ModalViewConfinesTheFocus) {
     EXPECT_EQ(focused(), inside);
 
     modal->removeFromSuperview();
-    EXPECT_EQ(focused(), nullptr);
-    touches.key(hid::tab);
     EXPECT_EQ(focused(), below);
+    touches.key(hid::enter);
+    EXPECT_EQ(below->log, "activated ");
 }
 
 TEST_F(Keyboard, EscapeGoesUpFromTheFocusAndToTheModalViewFirst) {
@@ -230,7 +231,7 @@ TEST_F(Keyboard, FocusedViewIsScrolledIntoView) {
     touches.key(hid::tab);
 
     EXPECT_EQ(focused(), far);
-    EXPECT_EQ(scroll->contentOffset().y, 1044 - 480);
+    EXPECT_EQ(scroll->contentOffset().y, 1044 + 12 - 480);
 }
 
 TEST_F(Keyboard, PageAndEndKeysScroll) {
@@ -311,4 +312,32 @@ TEST_F(Keyboard, AddressesGoToWhoeverOpensThem) {
 
     host::setURLOpener(nullptr);
     EXPECT_FALSE(UIApplication::sharedApplication()->openURL("https://quorrel.example/x"));
+}
+
+TEST_F(Keyboard, ScreenThatComesBackHasItsFocusAgain) {
+    const auto below = add({{0, 0}, {320, 480}});
+    const auto row = add<KeyView>({{0, 0}, {320, 44}}, below);
+    touches.key(hid::tab);
+    below->removeFromSuperview();
+    const auto above = add<KeyView>({{0, 0}, {320, 44}});
+    EXPECT_EQ(focused(), nullptr);
+    touches.key(hid::tab);
+    EXPECT_EQ(focused(), above);
+
+    above->removeFromSuperview();
+    scene.window()->addSubview(below);
+
+    EXPECT_EQ(focused(), row);
+    scene.window()->setFocusedView(nullptr);
+    EXPECT_EQ(focused(), nullptr);
+}
+
+TEST_F(Keyboard, ForgottenFocusDoesNotComeBack) {
+    const auto cell = add({{0, 0}, {320, 44}});
+    const auto inner = add<KeyView>({{0, 0}, {51, 31}}, cell);
+    scene.window()->setFocusedView(inner);
+
+    WindowInternals::forgetFocus(*scene.window(), *cell);
+
+    EXPECT_EQ(focused(), nullptr);
 }
