@@ -51,6 +51,7 @@ public:
     std::vector<std::string> domainsWithKeptValues();
 
 private:
+    class KeptChanges;
     void waitForLockElsewhere(const std::string& domain);
     void waitOnWorker(const std::string& domain, std::chrono::steady_clock::time_point deadline);
     void tellReadFailure(const std::string& domain, const PreferencesFile& file);
@@ -68,8 +69,9 @@ bool isDomain(const std::string& domain) {
 }
 
 bool isPropertyList(const id& value) {
+    std::shared_ptr<NSError> reason;
     return !value || NSPropertyListSerialization::dataWithPropertyList_format_options_error(
-                         value, NSPropertyListBinaryFormat_v1_0, 0, nullptr);
+                         value, NSPropertyListBinaryFormat_v1_0, 0, &reason);
 }
 
 PreferencesFile readFile(const std::string& domain) {
@@ -117,32 +119,46 @@ bool Store::setValue(const std::string& domain, const std::string& key, const id
     return outcome == Outcome::Stored;
 }
 
+// The kept values of one domain on their way into its file.
+class Store::KeptChanges final : public PreferencesChanges {
+public:
+    KeptChanges(Store& store, const std::string& domain) : m_store(store), m_domain(domain) {}
+
+    std::vector<std::pair<std::string, id>> take() override {
+        const std::lock_guard lock(m_store.m_mutex);
+        m_taken = m_store.m_domains[m_domain].kept;
+        std::vector<std::pair<std::string, id>> changes;
+        for (const auto& kept : m_taken) changes.emplace_back(kept.key, kept.value);
+        return changes;
+    }
+    void stored() override {
+        const std::lock_guard lock(m_store.m_mutex);
+        // A key that was set again meanwhile waits for its own turn.
+        std::erase_if(m_store.m_domains[m_domain].kept, [&](const KeptValue& kept) {
+            return std::any_of(m_taken.begin(), m_taken.end(),
+                               [&](const KeptValue& written) { return written.serial == kept.serial; });
+        });
+    }
+    void tellExcept(std::uint64_t own) const {
+        for (const auto& written : m_taken)
+            if (written.serial != own && written.storedLater) written.storedLater();
+    }
+
+private:
+    Store& m_store;
+    const std::string& m_domain;
+    std::vector<KeptValue> m_taken;
+};
+
 Outcome Store::storeKept(const std::string& domain, std::chrono::milliseconds patience, Caller caller,
                          std::uint64_t own) {
-    std::vector<KeptValue> writing;
-    {
-        const std::lock_guard lock(m_mutex);
-        writing = m_domains[domain].kept;
-    }
-    // Another thread has stored it with its own.
-    if (writing.empty()) return Outcome::Stored;
-    std::vector<std::pair<std::string, id>> changes;
-    for (const auto& kept : writing) changes.emplace_back(kept.key, kept.value);
+    KeptChanges changes(*this, domain);
     const auto result = changePreferencesFile(folder(), domain, changes, patience);
     if (!result.reason.empty() && !(result.isBusy && caller == Caller::Worker))
         NSLog("writing the preferences %s: %s%s", domain.c_str(), result.reason.c_str(),
               result.isStored ? "" : "; the value is kept for this session");
     if (!result.isStored) return result.isBusy ? Outcome::Busy : Outcome::Failed;
-
-    {
-        const std::lock_guard lock(m_mutex);
-        std::erase_if(m_domains[domain].kept, [&](const KeptValue& kept) {
-            return std::any_of(writing.begin(), writing.end(),
-                               [&](const KeptValue& written) { return written.serial == kept.serial; });
-        });
-    }
-    for (const auto& written : writing)
-        if (written.serial != own && written.storedLater) written.storedLater();
+    changes.tellExcept(own);
     return Outcome::Stored;
 }
 

@@ -195,15 +195,19 @@ bool Writer::moveAside(const PreferencesFile& file) {
 void setPreferencesWriteProbe(std::function<int(PreferencesWriteStep)> function) { probe() = std::move(function); }
 
 PreferencesWriteResult changePreferencesFile(const std::string& folder, const std::string& domain,
-                                             const std::vector<std::pair<std::string, id>>& changes,
-                                             std::chrono::milliseconds patience) {
+                                             PreferencesChanges& changes, std::chrono::milliseconds patience) {
     std::error_code error;
     std::filesystem::create_directories(folder, error);
     const Descriptor descriptor(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!descriptor) return {false, false, "its folder: " + (error ? error.message() : strerror(errno))};
     const FileLock lock(descriptor.get(), ".lock." + domain, patience);
     if (!lock.isHeld()) return {false, lock.isBusy(), lock.reason()};
-    return Writer(descriptor.get(), folder, domain).change(changes);
+    const auto taken = changes.take();
+    // Another thread has stored them with its own.
+    if (taken.empty()) return {true, false, {}};
+    auto result = Writer(descriptor.get(), folder, domain).change(taken);
+    if (result.isStored) changes.stored();
+    return result;
 }
 
 } // namespace host

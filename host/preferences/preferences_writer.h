@@ -18,10 +18,19 @@ struct PreferencesWriteResult {
     std::string reason;  // why not, or what was remarkable about it; else empty
 };
 
-// Real paths. A nil value removes its key. Waits for the lock at most `patience`. A file that cannot be read as a
-// dictionary is moved aside first ("<domain>.damaged-<n>"), byte for byte; what is no file at all is left alone.
+// What to change is asked for when the lock is held, so that of two writers the later one never brings an older value.
+class PreferencesChanges {
+public:
+    virtual ~PreferencesChanges() = default;
+    // A nil value removes its key.
+    virtual std::vector<std::pair<std::string, id>> take() = 0;
+    // They are in the file; the lock is held still.
+    virtual void stored() = 0;
+};
+
+// Real paths. Waits for the lock at most `patience`. A file that cannot be read as a dictionary is moved aside first
+// ("<domain>.damaged-<n>"), byte for byte; what is no file at all is left alone.
 PreferencesWriteResult changePreferencesFile(const std::string& folder, const std::string& domain,
-                                             const std::vector<std::pair<std::string, id>>& changes,
-                                             std::chrono::milliseconds patience);
+                                             PreferencesChanges& changes, std::chrono::milliseconds patience);
 
 } // namespace host

@@ -1,0 +1,48 @@
+#include "tests/preferences/child.h"
+#include "tests/preferences/fixture.h"
+
+#include <gmock/gmock.h>
+
+using ::testing::ElementsAre;
+
+namespace {
+
+using ManyWriters = PreferencesTest;
+
+TEST_F(ManyWriters, EightProcessesWithTwoHundredWritesEachLoseNoKey) {
+    constexpr int processes = 8;
+    constexpr int keys = 200;
+    std::vector<std::unique_ptr<Child>> children;
+    for (int i = 0; i < processes; ++i)
+        children.push_back(std::make_unique<Child>(std::vector<std::string>{
+            WRITER_PROGRAM, root(), "write", domain(), "process-" + std::to_string(i) + "-", std::to_string(keys)}));
+
+    for (auto& child : children) EXPECT_EQ(child->wait(), 0);
+
+    const auto values = stored();
+    ASSERT_TRUE(values);
+    EXPECT_EQ(values->count(), std::size_t(processes * keys));
+    for (int process = 0; process < processes; ++process)
+        for (int key = 0; key < keys; ++key)
+            EXPECT_EQ(
+                values->objectForKey("process-" + std::to_string(process) + "-" + std::to_string(key)).integerValue(),
+                key);
+    EXPECT_THAT(namesLikeTheFile(), ElementsAre(domain() + ".plist"));
+}
+
+TEST_F(ManyWriters, ReaderSeesAWholeFileAtEveryInstant) {
+    host::setPreferenceValue(domain(), "always", "there");
+    Child writer({WRITER_PROGRAM, root(), "write", domain(), "key-", "100"});
+
+    int reads = 0;
+    for (auto values = stored();; values = stored(), ++reads) {
+        ASSERT_TRUE(values);
+        ASSERT_EQ(values->objectForKey("always"), id("there"));
+        if (values->objectForKey("key-99")) break;
+    }
+
+    EXPECT_EQ(writer.wait(), 0);
+    EXPECT_GT(reads, 10);
+}
+
+} // namespace

@@ -1,0 +1,51 @@
+// What another process does to the preferences of a root:
+//   preferences_writer ROOT write DOMAIN PREFIX COUNT    writes PREFIX0 to PREFIX<COUNT-1>, one key at a time
+//   preferences_writer ROOT die DOMAIN KEY STEP          writes KEY and is killed right after the step of that number
+//   preferences_writer ROOT hold DOMAIN                  takes the lock, says "held", and keeps it until it is killed
+//   preferences_writer ROOT set DOMAIN KEY VALUE
+
+#include "host/foundation/Descriptor.h"
+#include "host/foundation/root.h"
+#include "host/preferences/FileLock.h"
+#include "host/preferences/preferences_store.h"
+#include "host/preferences/write_steps.h"
+
+#include <csignal>
+#include <cstdio>
+#include <fcntl.h>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+using namespace host;
+
+int main(int count, char** values) {
+    const std::vector<std::string> arguments(values + 1, values + count);
+    if (arguments.size() < 3) return 2;
+    setRoot(arguments[0]);
+    const std::string& command = arguments[1];
+    const std::string& domain = arguments[2];
+    if (command == "write") {
+        for (int i = 0; i < std::stoi(arguments.at(4)); ++i)
+            setPreferenceValue(domain, arguments.at(3) + std::to_string(i), NSNumber::numberWithInteger(i));
+        return storeKeptPreferences(std::chrono::seconds(10)) ? 0 : 1;
+    }
+    if (command == "die") {
+        const int last = std::stoi(arguments.at(4));
+        setPreferencesWriteProbe([last](PreferencesWriteStep done) {
+            if (static_cast<int>(done) == last) raise(SIGKILL);
+            return 0;
+        });
+        return setPreferenceValue(domain, arguments.at(3), "written") ? 0 : 1;
+    }
+    if (command == "hold") {
+        const Descriptor folder(
+            open(hostPath("/var/mobile/Library/Preferences").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        const FileLock lock(folder.get(), ".lock." + domain, std::chrono::seconds(5));
+        std::puts(lock.isHeld() ? "held" : "not held");
+        std::fflush(stdout);
+        for (;;) pause();
+    }
+    if (command == "set") return setPreferenceValue(domain, arguments.at(3), arguments.at(4)) ? 0 : 1;
+    return 2;
+}
