@@ -5,9 +5,9 @@
 #include <QFontMetricsF>
 #include <QGuiApplication>
 #include <QImage>
-#include <QRawFont>
 
 #include <cmath>
+#include <memory>
 
 namespace host {
 
@@ -15,19 +15,12 @@ namespace {
 
 struct SystemFont {
     QStringList families;
-    FontMetrics metrics[2]; // regular, bold
     double dotsPerInch = 96;
 };
 
 // Has every letter and nearly every key symbol; its fixed-pitch face has the rest.
-const QString dependableFamily = QStringLiteral("DejaVu Sans");
-const QString symbolFamily = QStringLiteral("DejaVu Sans Mono");
-
-// The desktop's own font may be named vaguely ("Sans"); what counts is the face it stands for.
-QString desktopFamily() {
-    const QFontInfo face(QGuiApplication::font());
-    return face.fixedPitch() ? QString() : face.family();
-}
+const char* const dependableFamily = "DejaVu Sans";
+const char* const symbolFamily = "DejaVu Sans Mono";
 
 QFont makeFont(const SystemFont& system, bool bold) {
     QFont font;
@@ -38,29 +31,40 @@ QFont makeFont(const SystemFont& system, bool bold) {
     return font;
 }
 
+// nullptr when there is no font at all.
 std::unique_ptr<SystemFont> chooseSystemFont() {
-    if (!qGuiApp || QFontDatabase::families().isEmpty()) return nullptr;
+    const QFont desktop = QGuiApplication::font();
+    const QFontInfo face(desktop);
+    if (face.family().isEmpty()) return nullptr;
     auto system = std::make_unique<SystemFont>();
-    if (const QString family = desktopFamily(); !family.isEmpty()) system->families << family;
-    for (const QString& family : {dependableFamily, symbolFamily})
-        if (!system->families.contains(family)) system->families << family;
+    const auto add = [&families = system->families](const QString& family) {
+        if (!families.contains(family)) families << family;
+    };
+    // A vague name ("Sans Serif") may stand for any face, a mathematical one with serifs too: then rather the one we
+    // know, when it is there.
+    const bool isNamed = face.family() == desktop.family() && !face.fixedPitch();
+    if (isNamed) add(face.family());
+    add(dependableFamily);
+    add(symbolFamily);
+    add(face.family());
     system->dotsPerInch = QImage(1, 1, QImage::Format_ARGB32_Premultiplied).logicalDpiY();
-    constexpr int size = 200; // large enough for the rounding not to count
-    for (const bool bold : {false, true}) {
-        QFont font = makeFont(*system, bold);
-        font.setPixelSize(size);
-        font.setHintingPreference(QFont::PreferNoHinting);
-        const QFontMetricsF metrics(font);
-        system->metrics[bold] = {metrics.ascent() / size, metrics.descent() / size};
-    }
     return system;
 }
 
-// nullptr while there is none; never destroyed.
+// nullptr while there is none. Chosen once; never destroyed.
 const SystemFont* systemFont() {
     if (!qGuiApp) return nullptr;
     static const SystemFont* const chosen = chooseSystemFont().release();
     return chosen;
+}
+
+FontMetrics measureSystemFont(const SystemFont& system, bool bold) {
+    constexpr int size = 200; // large enough for the rounding not to count
+    QFont font = makeFont(system, bold);
+    font.setPixelSize(size);
+    font.setHintingPreference(QFont::PreferNoHinting);
+    const QFontMetricsF metrics(font);
+    return {metrics.ascent() / size, metrics.descent() / size};
 }
 
 } // namespace
@@ -69,7 +73,11 @@ bool fontsAreThere() { return systemFont() != nullptr; }
 
 FontMetrics metricsOfSystemFont(bool bold) {
     const SystemFont* const system = systemFont();
-    return system ? system->metrics[bold] : FontMetrics{0.93, 0.24};
+    if (!system) return {0.93, 0.24};
+    static const FontMetrics regular = measureSystemFont(*system, /*bold*/ false);
+    if (!bold) return regular;
+    static const FontMetrics heavy = measureSystemFont(*system, /*bold*/ true);
+    return heavy;
 }
 
 QFont toolkitFont(const UIFont& font, double scale) {
