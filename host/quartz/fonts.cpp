@@ -4,8 +4,8 @@
 #include <QFontInfo>
 #include <QFontMetricsF>
 #include <QGuiApplication>
-#include <QImage>
 
+#include <algorithm>
 #include <cmath>
 #include <memory>
 
@@ -15,7 +15,6 @@ namespace {
 
 struct SystemFont {
     QStringList families;
-    double dotsPerInch = 96;
 };
 
 // Has every letter and nearly every key symbol; its fixed-pitch face has the rest.
@@ -47,7 +46,6 @@ std::unique_ptr<SystemFont> chooseSystemFont() {
     add(dependableFamily);
     add(symbolFamily);
     add(face.family());
-    system->dotsPerInch = QImage(1, 1, QImage::Format_ARGB32_Premultiplied).logicalDpiY();
     return system;
 }
 
@@ -84,11 +82,8 @@ QFont toolkitFont(const UIFont& font, double scale) {
     const SystemFont* const system = systemFont();
     if (!system) return {};
     QFont result = makeFont(*system, font.isBold());
-    const double pixels = font.pointSize() * scale;
-    if (pixels == std::round(pixels))
-        result.setPixelSize(static_cast<int>(pixels));
-    else
-        result.setPointSizeF(pixels * 72 / system->dotsPerInch);
+    // The toolkit knows whole pixels only, and would round a finer size by itself.
+    result.setPixelSize(std::max(1, static_cast<int>(std::lround(font.pointSize() * scale))));
     // Fine pixels need no help; on coarse ones the letters' heights go to whole pixels, their widths stay true.
     result.setHintingPreference(scale < 1.75 ? QFont::PreferVerticalHinting : QFont::PreferNoHinting);
     return result;

@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <QStringList>
+
 namespace {
 
 TEST(WithoutAFontCache, TextIsDrawn) {

@@ -23,6 +23,8 @@ std::shared_ptr<UIImage> takeAndEnd() {
     return image;
 }
 
+std::vector<std::uint32_t> pixelsAndEnd() { return takeAndEnd()->CGImage()->pixels; }
+
 TEST(ImageContext, ScaleZeroIsTheScreens) {
     const test::ScreenScale scale(2);
     UIGraphicsBeginImageContextWithOptions({10, 10}, /*opaque*/ false, 0);
@@ -43,7 +45,7 @@ TEST(ImageContext, PartOfAPixelTakesAWholeOne) {
 TEST(ImageContext, StartsTransparentOrOpaquelyBlack) {
     for (const bool opaque : {false, true}) {
         UIGraphicsBeginImageContextWithOptions({2, 2}, opaque, 1);
-        for (const auto pixel : takeAndEnd()->CGImage()->pixels) EXPECT_EQ(pixel, opaque ? test::black : 0U);
+        for (const auto pixel : pixelsAndEnd()) EXPECT_EQ(pixel, opaque ? test::black : 0U);
     }
 }
 
@@ -174,7 +176,7 @@ TEST(ImageContext, TilesLeaveNoSeamAtFractionalScales) {
         CGContextSetGrayFillColor(context, 0, 1);
         for (int j = 0; j < 4; ++j)
             for (int i = 0; i < 4; ++i) CGContextFillRect(context, CGRectMake(i * 16, j * 16, 16, 16));
-        for (const auto pixel : takeAndEnd()->CGImage()->pixels) ASSERT_EQ(pixel, test::black) << scale;
+        for (const auto pixel : pixelsAndEnd()) ASSERT_EQ(pixel, test::black) << scale;
     }
 }
 
@@ -217,13 +219,13 @@ TEST(ImageContext, ColourOrRectangleThatIsNoNumberPaintsNothing) {
     CGContextFillRect(context, {{0, 0}, {4, 4}});
     CGContextSetFillColorWithColor(context, UIColor::patternColor()->CGColor());
     CGContextFillRect(context, {{0, 0}, {4, 4}});
-    for (const auto pixel : takeAndEnd()->CGImage()->pixels) EXPECT_EQ(pixel, 0U);
+    for (const auto pixel : pixelsAndEnd()) EXPECT_EQ(pixel, 0U);
 }
 
 TEST(ImageContext, InfiniteRectangleFillsAll) {
     UIGraphicsBeginImageContextWithOptions({3, 3}, /*opaque*/ false, 1);
     CGContextFillRect(UIGraphicsGetCurrentContext(), {{-1e300, -1e300}, {infinity, 2e300}});
-    for (const auto pixel : takeAndEnd()->CGImage()->pixels) EXPECT_EQ(pixel, test::black);
+    for (const auto pixel : pixelsAndEnd()) EXPECT_EQ(pixel, test::black);
 }
 
 TEST(ImageContext, ComponentsBeyondOneAreCut) {
@@ -245,7 +247,7 @@ TEST(ImageContext, AlphaFillsInAnyOrderNeverOverflow) {
         CGContextFillRect(context, {{0, 0}, {8, 8}});
         exact.over(r, g, b, a);
     }
-    for (const auto pixel : takeAndEnd()->CGImage()->pixels) {
+    for (const auto pixel : pixelsAndEnd()) {
         EXPECT_NEAR(redOf(pixel), exact.red * 255, 2);
         EXPECT_NEAR(greenOf(pixel), exact.green * 255, 2);
         EXPECT_NEAR(blueOf(pixel), exact.blue * 255, 2);

@@ -51,7 +51,8 @@ TEST(Path, WithoutAreaOrWithNegativeSizeFillsNothing) {
     for (const CGRect rect : {CGRect{{0, 0}, {0, 10}}, CGRect{{0, 0}, {10, -8}}}) {
         const auto path = UIBezierPath::bezierPathWithRoundedRect_byRoundingCorners_cornerRadii(rect, 3, {4, 4});
         path->closePath();
-        for (const auto pixel : filled(*path, 1)->pixels) ASSERT_EQ(pixel, 0U);
+        const auto image = filled(*path, 1);
+        for (const auto pixel : image->pixels) ASSERT_EQ(pixel, 0U);
     }
 }
 

@@ -92,7 +92,7 @@ TEST(TextLayout, LinesBeyondTheMostAreCutIntoTheLast) {
 }
 
 TEST(TextLayout, SecondParagraphIsCutFromASingleLine) {
-    const auto layout = laidOut("first\nsecond", 1000, 1);
+    const auto layout = laidOut("alpha\nbeta", 1000, 1);
     ASSERT_EQ(layout->lines.size(), 1U);
     EXPECT_EQ(glyphCount(layout->lines[0]), 6U);
 }
