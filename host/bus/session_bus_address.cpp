@@ -17,7 +17,6 @@ using namespace host;
 using Clock = std::chrono::steady_clock;
 
 constexpr const char* addressVariable = "DBUS_SESSION_BUS_ADDRESS";
-constexpr const char* nobodysAddress = "unix:path=/nonexistent/session-bus";
 
 std::string environment(const char* name) {
     const char* const value = std::getenv(name);
@@ -205,7 +204,7 @@ BusState host::settleSessionBus(std::chrono::milliseconds patience) {
     address = environment(addressVariable);
     if (address.empty()) address = addressInRuntimeFolder();
     const BusState state = probeBus(address, patience);
-    setenv(addressVariable, state == BusState::Answers ? address.c_str() : nobodysAddress, 1);
+    setenv(addressVariable, state == BusState::Answers ? address.c_str() : nobodysBusAddress, 1);
     return state;
 }
 

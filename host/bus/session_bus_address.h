@@ -15,6 +15,9 @@ enum class BusState { Answers, Silent, Absent };
 // Only UNIX sockets are asked; a network address counts as answering, one that would start a program as absent.
 BusState probeBus(std::string_view addresses, std::chrono::milliseconds patience);
 
+// An address at which nobody ever listens.
+inline constexpr const char* nobodysBusAddress = "unix:path=/nonexistent/session-bus";
+
 // Before the toolkit starts, and before there are threads: finds the session's bus (the environment's, else the one in
 // the run-time folder) and probes it. Where none answers, the environment gets an address that nothing listens at, so
 // that every connection fails at once.
