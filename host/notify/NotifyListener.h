@@ -1,0 +1,29 @@
+#pragma once
+
+#include "host/bus/SessionBus.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace host {
+
+// Hears a notification while it lives, whoever posts it: another program over the session bus, or this process, with or
+// without a bus. Main thread; what this process posts is heard in the order of posting, later than notify_post returns.
+class NotifyListener {
+public:
+    NotifyListener(const std::string& name, std::function<void()> heard);
+    ~NotifyListener();
+    NotifyListener(const NotifyListener&) = delete;
+    NotifyListener& operator=(const NotifyListener&) = delete;
+
+private:
+    std::shared_ptr<std::function<void()>> m_heard; // shared with a delivery that is under way
+    std::string m_name;
+    SessionBus::Token m_signal = 0;
+};
+
+// Delivers to the listeners of this process. Main thread.
+void deliverNotification(const std::string& name);
+
+} // namespace host
