@@ -13,7 +13,7 @@ class NSTask final : public NSObject {
     NS_CLASS(NSTask)
 
     // Starts and returns at once. A tool that cannot be started gives a task whose identifier stays 0, and a logged
-    // reason.
+    // reason. Main thread.
     static std::shared_ptr<NSTask> launchedTaskWithLaunchPath_arguments(const std::string& path,
                                                                         const std::vector<std::string>& arguments);
 

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace host {
+
+// The name under which a child finds the folder that stands for the phone's file system.
+inline constexpr const char* rootVariable = "JOYVANE_ROOT";
+
+// "NAME=value" for each variable that a child gets: this process's environment, with JOYVANE_ROOT set to the root
+// (absent without one) and DBUS_SESSION_BUS_ADDRESS to the session's bus.
+std::vector<std::string> childEnvironment();
+
+} // namespace host

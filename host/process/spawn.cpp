@@ -1,0 +1,108 @@
+#include "host/process/spawn.h"
+
+#include "host/process/process_faults.h"
+
+#include <cerrno>
+#include <csignal>
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/pidfd.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr int firstOfOurs = 3; // the descriptor after the standard three
+
+std::vector<char*> pointers(const std::vector<std::string>& strings) {
+    std::vector<char*> result;
+    for (const auto& string : strings) result.push_back(const_cast<char*>(string.c_str()));
+    result.push_back(nullptr);
+    return result;
+}
+
+struct Program {
+    const char* path;
+    char* const* arguments;
+    char* const* environment;
+};
+
+// In the child, where only calls that are safe in a signal handler may be made.
+[[noreturn]] void becomeProgram(const Program& program, int report) {
+    for (int signal = 1; signal < NSIG; ++signal) ::signal(signal, SIG_DFL);
+    if (::dup3(report, firstOfOurs, O_CLOEXEC) < 0 && errno == EINVAL) ::fcntl(firstOfOurs, F_SETFD, FD_CLOEXEC);
+    ::close_range(firstOfOurs + 1, ~0u, 0);
+    ::sigset_t none;
+    ::sigemptyset(&none);
+    ::sigprocmask(SIG_SETMASK, &none, nullptr);
+    if (::chdir("/") == 0) ::execve(program.path, program.arguments, program.environment);
+    const int error = errno;
+    [[maybe_unused]] const auto written = ::write(firstOfOurs, &error, sizeof error);
+    ::_exit(127);
+}
+
+void reap(::pid_t child) {
+    while (::waitpid(child, nullptr, 0) < 0 && errno == EINTR) {
+    }
+}
+
+host::SpawnedChild failed(int error) {
+    host::SpawnedChild child;
+    child.error = error;
+    return child;
+}
+
+} // namespace
+
+int host::loadingResult(const Descriptor& loading) {
+    int error = 0;
+    return ::read(loading.get(), &error, sizeof error) == sizeof error ? error : 0;
+}
+
+host::SpawnedChild host::spawn(const std::string& realPath, const std::vector<std::string>& arguments,
+                               const std::vector<std::string>& environment, std::chrono::milliseconds patience) {
+    std::vector<std::string> named{realPath};
+    named.insert(named.end(), arguments.begin(), arguments.end());
+    const auto argumentPointers = pointers(named);
+    const auto environmentPointers = pointers(environment);
+    const Program program{realPath.c_str(), argumentPointers.data(), environmentPointers.data()};
+
+    int ends[2];
+    if (::pipe2(ends, O_CLOEXEC) != 0) return failed(errno);
+    Descriptor loading(ends[0]);
+    Descriptor report(ends[1]);
+
+    // No handler of ours may run in the child before it has given them up.
+    ::sigset_t all;
+    ::sigset_t before;
+    ::sigfillset(&all);
+    ::pthread_sigmask(SIG_SETMASK, &all, &before);
+    const int fault = takeForkFault();
+    const ::pid_t identifier = fault ? -1 : ::fork();
+    const int forkError = fault ? fault : errno;
+    if (identifier == 0) becomeProgram(program, report.get());
+    ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    if (identifier < 0) return failed(forkError);
+    report.reset();
+
+    SpawnedChild child;
+    child.identifier = identifier;
+    child.process.reset(::pidfd_open(identifier, 0));
+    if (!child.process) {
+        const int error = errno;
+        ::kill(identifier, SIGKILL);
+        reap(identifier);
+        return failed(error);
+    }
+    // Loading from a slow disk may take long, and the child is not waited for then.
+    ::pollfd wait{loading.get(), POLLIN, 0};
+    if (::poll(&wait, 1, static_cast<int>(patience.count())) <= 0) {
+        child.loading = std::move(loading);
+        return child;
+    }
+    if (const int error = loadingResult(loading)) {
+        reap(identifier); // it is ending, with nothing left to do
+        return failed(error);
+    }
+    return child;
+}

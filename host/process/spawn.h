@@ -1,0 +1,30 @@
+#pragma once
+
+#include "host/foundation/Descriptor.h"
+
+#include <chrono>
+#include <string>
+#include <sys/types.h>
+#include <vector>
+
+namespace host {
+
+struct SpawnedChild {
+    ::pid_t identifier = 0; // 0: it could not be started, and there is no child
+    int error = 0;          // why not
+    Descriptor process;     // readable when the child has ended
+    // Open while the program is still being loaded: readable with an error number when that fails, at its end when the
+    // program runs. None when the program runs already.
+    Descriptor loading;
+};
+
+// Starts the program at a real path with the arguments that follow its name: default signal dispositions, an empty
+// mask, the folder "/", no descriptor but the standard three. Waits for the program to be loaded no longer than
+// `patience`.
+SpawnedChild spawn(const std::string& realPath, const std::vector<std::string>& arguments,
+                   const std::vector<std::string>& environment, std::chrono::milliseconds patience);
+
+// What `loading` says once it is readable: the error number, or 0.
+int loadingResult(const Descriptor& loading);
+
+} // namespace host
