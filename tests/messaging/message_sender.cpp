@@ -1,0 +1,60 @@
+#include "host/messaging/message_sender.h"
+
+#include "platform/messaging_center.h"
+#include "tests/messaging/receiver.h"
+#include "tests/support/bus_session.h"
+#include "tests/support/logged_lines.h"
+
+#include <gtest/gtest.h>
+#include <optional>
+
+namespace {
+
+constexpr auto name = "com.quorrel.jvn.bootstrap";
+
+std::shared_ptr<NSDictionary> state(int value) {
+    const auto dictionary = NSDictionary::dictionary();
+    dictionary->setObject_forKey(NSNumber::numberWithInt(value), "JVNDiscoveryState");
+    return dictionary;
+}
+
+class MessageSender : public ::testing::Test, protected testing_support::BusSession {
+protected:
+    testing_support::LoggedLines m_log;
+};
+
+TEST_F(MessageSender, MessagesReachTheCenterInTheOrderOfSending) {
+    const auto receiver = MessageReceiver::alloc();
+    const auto center = CPDistributedMessagingCenter::centerNamed(name);
+    center->registerForMessageName_target_selector("JVNDiscoveryUpdate", receiver, "handle:userInfo:");
+    center->runServerOnCurrentThread();
+    bool delivered = false;
+
+    host::sendMessage(name, "JVNDiscoveryUpdate", state(4));
+    host::sendMessage(name, "JVNDiscoveryUpdate", nullptr);
+    host::sendMessage(name, "JVNDiscoveryUpdate", state(2), [&](bool taken) { delivered = taken; });
+
+    ASSERT_TRUE(runUntil([&] { return delivered; }));
+    EXPECT_EQ((std::vector<std::string>{"JVNDiscoveryUpdate 4", "JVNDiscoveryUpdate nothing", "JVNDiscoveryUpdate 2"}),
+              receiver->received);
+}
+
+TEST_F(MessageSender, WithoutACenterTheMessageIsNotDeliveredAndTheReasonLogged) {
+    std::optional<bool> delivered;
+    host::sendMessage(name, "JVNDiscoveryUpdate", state(4), [&](bool taken) { delivered = taken; });
+
+    ASSERT_TRUE(runUntil([&] { return delivered.has_value(); }));
+    EXPECT_FALSE(*delivered);
+    EXPECT_EQ(1u, m_log.count("message JVNDiscoveryUpdate to com.quorrel.jvn.bootstrap: "));
+}
+
+TEST_F(MessageSender, WithoutABusTheMessageIsNotDelivered) {
+    bus.kill();
+    std::optional<bool> delivered;
+    host::sendMessage(name, "JVNDiscoveryUpdate", state(4), [&](bool taken) { delivered = taken; });
+
+    ASSERT_TRUE(runUntil([&] { return delivered.has_value(); }));
+    EXPECT_FALSE(*delivered);
+}
+
+} // namespace

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "tests/support/temporary_folder.h"
+
+#include <string>
+#include <sys/types.h>
+
+namespace testing_support {
+
+// A session bus of the test's own: a dbus-daemon that listens in a temporary folder, always at the same address. While
+// this object lives the environment's DBUS_SESSION_BUS_ADDRESS names it.
+class PrivateBus {
+public:
+    enum class Start { Now, Later };
+
+    explicit PrivateBus(Start start = Start::Now);
+    ~PrivateBus();
+    PrivateBus(const PrivateBus&) = delete;
+    PrivateBus& operator=(const PrivateBus&) = delete;
+
+    const std::string& address() const { return m_address; }
+    std::string socketFile() const { return m_folder.file("bus"); }
+    bool isRunning() const { return m_process > 0; }
+
+    // Returns when the bus takes connections.
+    void start();
+    // At once, as a crash does: its socket's file stays behind.
+    void kill();
+    // A bus that is stopped takes connections and never answers.
+    void stop() const;
+    void resume() const;
+
+private:
+    TemporaryFolder m_folder;
+    std::string m_address;
+    std::string m_addressBefore;
+    bool m_hadAddress = false;
+    ::pid_t m_process = 0;
+};
+
+} // namespace testing_support
