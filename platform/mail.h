@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/uikit/UIScrollView.h"
 #include "platform/uikit/UIViewController.h"
 
 #include <string>
@@ -34,7 +35,18 @@ public:
     void setMessageBody_isHTML(std::string body, bool isHTML);
 
     void loadView() override;
+    void viewDidLayoutSubviews() override;
 
 private:
     MFMailComposeViewController();
+    void cancelTapped();
+    void sendTapped();
+    void finish(MFMailComposeResult result, const std::shared_ptr<NSError>& error);
+
+    std::weak_ptr<MFMailComposeViewControllerDelegate> m_delegate;
+    std::string m_body;
+    bool m_bodyIsHTML = false;
+    bool m_finished = false;
+    std::shared_ptr<UIView> m_bar;
+    std::shared_ptr<UIScrollView> m_message;
 };

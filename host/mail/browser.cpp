@@ -1,0 +1,26 @@
+#include "host/mail/browser.h"
+
+#include "host/mail/default_application.h"
+#include "host/uikit/url_opener.h"
+#include "platform/log.h"
+
+namespace host {
+
+bool openInBrowser(const std::string& url) {
+    const bool secure = url.starts_with("https://");
+    if (!secure && !url.starts_with("http://")) {
+        NSLog("%s is not opened: no web address", url.c_str());
+        return false;
+    }
+    auto browser = defaultApplication(secure ? "x-scheme-handler/https" : "x-scheme-handler/http");
+    if (!browser) browser = defaultApplication("text/html");
+    if (!browser) {
+        NSLog("%s is not opened: the desktop names no browser", url.c_str());
+        return false;
+    }
+    return openWithApplication(*browser, url);
+}
+
+void installBrowser() { setURLOpener(openInBrowser); }
+
+} // namespace host
