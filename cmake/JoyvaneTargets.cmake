@@ -97,11 +97,13 @@ endfunction()
 # address sanitizer), check (only in the release build).
 function(joyvane_test name)
   cmake_parse_arguments(ARG "SERIAL" "TIMEOUT" "SOURCES;LIBRARIES;LABELS;ENVIRONMENT" ${ARGN})
+  # A program that this build does not run is a target all the same, so that what is said of it needs no condition.
   joyvane_test_wanted(wanted ${ARG_LABELS})
+  set(exclude "")
   if(NOT wanted)
-    return()
+    set(exclude EXCLUDE_FROM_ALL)
   endif()
-  add_executable(${name} ${ARG_SOURCES})
+  add_executable(${name} ${exclude} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE joyvane_flags joyvane_test_main joyvane_platform ${ARG_LIBRARIES})
   # The logic's own crc32 must not stand in for the compression library's function of that name.
   target_link_options(${name} PRIVATE -Wl,--exclude-libs,libjoyvane_logic.a)

@@ -7,6 +7,7 @@
 
 #include <memory>
 #include <optional>
+#include <utility>
 
 class NSOperationQueue;
 class UIImage;
@@ -47,9 +48,11 @@ public:
     std::optional<NSNumber> tileSize() const { return m_tileSize; }
     void setTileSize(std::optional<NSNumber> tileSize);
 
-    // nil until drawn. Any thread.
+    // nil until drawn. A field that is set before is shown as it is. Any thread.
     std::shared_ptr<CALayer> colorMapLayer() const { return m_colorMapLayer.load(); }
+    void setColorMapLayer(std::shared_ptr<CALayer> layer) { m_colorMapLayer = std::move(layer); }
     std::shared_ptr<CALayer> colorMapBackgroundLayer() const { return m_colorMapBackgroundLayer.load(); }
+    void setColorMapBackgroundLayer(std::shared_ptr<CALayer> layer) { m_colorMapBackgroundLayer = std::move(layer); }
     const std::shared_ptr<CALayer>& lineLayer() const { return m_lineLayer; }
     const std::shared_ptr<ZKColorCursor>& colorCursor() const { return m_colorCursor; }
 

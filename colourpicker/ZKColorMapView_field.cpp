@@ -50,8 +50,8 @@ void ZKColorMapView::createColorMapLayer() {
 
     CATransaction::begin();
     CATransaction::setDisableActions(true);
-    m_colorMapLayer = makeImageLayer(layer(), colorMap);
-    m_colorMapBackgroundLayer = makeImageLayer(layer(), background);
+    setColorMapLayer(makeImageLayer(layer(), colorMap));
+    setColorMapBackgroundLayer(makeImageLayer(layer(), background));
     CATransaction::commit();
 }
 

@@ -78,8 +78,7 @@ void UITableView::State::showVisibleItems() {
         if (generation == before) showTexts(section, top, bottom);
     }
     isShowing = false;
-    if (generation != before) return table.setNeedsLayout();
-    regainFocus();
+    if (generation != before) table.setNeedsLayout();
 }
 
 void UITableView::State::removeItemsOutside(double top, double bottom) {
@@ -97,13 +96,10 @@ void UITableView::State::removeItemsOutside(double top, double bottom) {
         }
         const auto view = item->second;
         item = items.erase(item);
-        if (!isCell) {
+        if (isCell)
+            recycle(std::static_pointer_cast<UITableViewCell>(view));
+        else
             view->removeFromSuperview();
-            continue;
-        }
-        const auto cell = std::static_pointer_cast<UITableViewCell>(view);
-        loseFocus(row, *cell);
-        recycle(cell);
     }
 }
 
@@ -196,15 +192,11 @@ void UITableView::State::recycle(const std::shared_ptr<UITableViewCell>& cell) {
 
 void UITableView::State::recycleAll() {
     ++generation;
-    for (const auto& [item, view] : std::exchange(items, {})) {
-        if (item.kind != TableItem::Kind::Row) {
+    for (const auto& [item, view] : std::exchange(items, {}))
+        if (item.kind == TableItem::Kind::Row)
+            recycle(std::static_pointer_cast<UITableViewCell>(view));
+        else
             view->removeFromSuperview();
-            continue;
-        }
-        const auto cell = std::static_pointer_cast<UITableViewCell>(view);
-        loseFocus({item.section, item.row}, *cell);
-        recycle(cell);
-    }
 }
 
 void UITableView::State::clampOffset() {
@@ -219,7 +211,6 @@ std::shared_ptr<UITableViewCell> UITableView::State::dequeue(const std::string& 
     if (!pool.empty()) {
         auto cell = std::move(pool.back());
         pool.pop_back();
-        forgetFocus(*cell);
         cell->prepareForReuse();
         return cell;
     }

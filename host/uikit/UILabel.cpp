@@ -4,7 +4,6 @@
 #include "platform/uikit/UIImage.h"
 
 #include <limits>
-#include <utility>
 
 NS_CLASS_IMPLEMENTATION(UILabel, UIView)
 

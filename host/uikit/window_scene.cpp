@@ -10,8 +10,6 @@
 #include "platform/foundation/time.h"
 #include "platform/uikit/UIApplication.h"
 
-#include <utility>
-
 namespace host {
 
 WindowScene::WindowScene(CGSize points, double scale) : m_scale(scale) {

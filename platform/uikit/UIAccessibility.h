@@ -25,6 +25,7 @@ enum class UIAccessibilityRole {
 
 // How far a keyboard or assistive step goes.
 enum class UIAccessibilityStep { Small, Large };
+// On a slider up is always more and down less; left and right move its knob, whichever end is more.
 enum class UIAccessibilityDirection { Left, Right, Up, Down };
 
 struct UIAccessibilityRange {

@@ -1,0 +1,56 @@
+// A brightness change makes colours and nothing else. Counts every allocation of the process, so it is a program alone.
+
+#include "colourpicker/ZKColorMapView.h"
+#include "tests/colourpicker/picker_scene.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <new>
+
+namespace {
+std::atomic<long> allocations = 0;
+}
+
+void* operator new(std::size_t size) {
+    ++allocations;
+    if (void* const block = std::malloc(size ? size : 1)) return block;
+    throw std::bad_alloc();
+}
+void operator delete(void* block) noexcept { std::free(block); }
+void operator delete(void* block, std::size_t) noexcept { std::free(block); }
+
+namespace {
+
+template <class Change> long allocationsOf(const Change& change) {
+    const long before = allocations;
+    change();
+    return allocations - before;
+}
+
+} // namespace
+
+TEST(BrightnessAllocations, NewBrightnessOfTheMapTakesNone) {
+    PickerScene window;
+    const auto map = ZKColorMapView::colorMapWithFrame_saturationUpperLimit(CGRectZero, 0.9);
+    map->setTileSize(NSNumber::numberWithInt(16));
+    window.show(map, {{0, 0}, {320, 352}});
+    ASSERT_TRUE(window.waitForField(*map));
+    map->setBrightness(0.9); // the first damage of a frame makes the list of damages
+
+    for (int i = 0; i < 10; ++i) EXPECT_EQ(allocationsOf([&] { map->setBrightness(i * 0.1); }), 0) << i;
+}
+
+TEST(BrightnessAllocations, NewColourOfTheMapTakesNone) {
+    PickerScene window;
+    const auto map = ZKColorMapView::colorMapWithFrame_saturationUpperLimit(CGRectZero, 0.9);
+    map->setTileSize(NSNumber::numberWithInt(16));
+    window.show(map, {{0, 0}, {320, 352}});
+    ASSERT_TRUE(window.waitForField(*map));
+    const auto color = hsb(0.5, 1, 0.9);
+    const auto dimmer = hsb(0.5, 1, 0.8);
+    map->setColor(color);
+
+    EXPECT_EQ(allocationsOf([&] { map->setColor(dimmer); }), 0);
+}

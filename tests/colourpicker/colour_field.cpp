@@ -1,0 +1,128 @@
+#include "colourpicker/TileGrid.h"
+#include "colourpicker/ZKColorMapView.h"
+#include "host/quartz/screen.h"
+#include "platform/uikit/UIImage.h"
+#include "reference_tables.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+namespace {
+
+// A pixel as the arithmetic has it, premultiplied, from 0 to 1.
+struct Exact {
+    double red = 0;
+    double green = 0;
+    double blue = 0;
+    double alpha = 0;
+
+    void paint(double r, double g, double b, double cover) {
+        red = r * cover + red * (1 - cover);
+        green = g * cover + green * (1 - cover);
+        blue = b * cover + blue * (1 - cover);
+        alpha = cover + alpha * (1 - cover);
+    }
+};
+
+double overlap(double from, double to, double low, double high) {
+    return std::max(0.0, std::min(to, high) - std::max(from, low));
+}
+
+// How much of each pixel of a line a stripe covers.
+std::vector<double> covers(std::size_t pixels, double from, double to) {
+    std::vector<double> result(pixels);
+    for (std::size_t i = 0; i < pixels; ++i)
+        result[i] = overlap(from, to, static_cast<double>(i), static_cast<double>(i + 1));
+    return result;
+}
+
+int worstDifference(const CGImage& image, const ReferenceField& field, double scale) {
+    std::vector<Exact> exact(image.width * image.height);
+    const double t = field.tile * scale;
+    const auto pure = [&](int column) {
+        // The tile in the top row has the pure hue; the table has it at three quarters of the brightness.
+        const auto* const tile = std::ranges::find_if(referenceTiles, [&](const ReferenceTile& at) {
+            return &referenceFields[at.field] == &field && at.column == column && at.row == 0;
+        });
+        return Exact{tile->red / 0.75, tile->green / 0.75, tile->blue / 0.75, 1};
+    };
+    const auto down = covers(image.height, 0, field.rows * t);
+    for (int i = 0; i < field.columns; ++i) {
+        const Exact color = pure(i);
+        const auto across = covers(image.width, i * t, (i + 1) * t);
+        for (std::size_t y = 0; y < image.height; ++y)
+            for (std::size_t x = 0; x < image.width; ++x)
+                if (across[x] > 0)
+                    exact[y * image.width + x].paint(color.red, color.green, color.blue, across[x] * down[y]);
+    }
+    const auto across = covers(image.width, 0, field.columns * t);
+    for (int j = 0; j < field.rows; ++j) {
+        const double white = field.limit * j / (field.rows - 1);
+        const auto rowCovers = covers(image.height, j * t, (j + 1) * t);
+        for (std::size_t y = 0; y < image.height; ++y)
+            for (std::size_t x = 0; x < image.width; ++x)
+                if (rowCovers[y] > 0) exact[y * image.width + x].paint(1, 1, 1, white * rowCovers[y] * across[x]);
+    }
+
+    double worst = 0;
+    for (std::size_t at = 0; at < exact.size(); ++at) {
+        const double channels[] = {exact[at].blue, exact[at].green, exact[at].red, exact[at].alpha};
+        for (int channel = 0; channel < 4; ++channel) {
+            const double shown = image.pixels[at] >> (8 * channel) & 0xff;
+            worst = std::max(worst, std::abs(shown - channels[channel] * 255));
+        }
+    }
+    return static_cast<int>(std::ceil(worst - 1e-9));
+}
+
+class ColorField : public ::testing::TestWithParam<int> {
+protected:
+    ColorField() { host::setMainScreen({375, 667}, GetParam()); }
+    ~ColorField() override { host::setMainScreen({375, 667}, 1); }
+};
+
+} // namespace
+
+// A pixel that tiles share is painted several times, and rounded each time.
+TEST_P(ColorField, EveryPixelOfFiveFieldsIsWithinOneStepOfExactBlending) {
+    for (const ReferenceField& field : referenceFields) {
+        const auto image = ZKColorMapView::colorMapImageWithSize_tileSize_saturationUpperLimit(
+            {field.width, field.height}, field.tile, field.limit);
+        ASSERT_TRUE(image);
+        EXPECT_EQ(image->size(), (CGSize{field.columns * field.tile, field.rows * field.tile}));
+        const double tile = field.tile * GetParam();
+        const int steps = tile == std::trunc(tile) ? 1 : 2;
+        EXPECT_LE(worstDifference(*image->CGImage(), field, GetParam()), steps) << field.width << " x " << field.height;
+    }
+}
+
+TEST_P(ColorField, TilesMeetWithoutSeams) {
+    const auto image = ZKColorMapView::colorMapImageWithSize_tileSize_saturationUpperLimit({320, 352}, 16, 0.9f);
+    const CGImage& pixels = *image->CGImage();
+    const std::size_t tile = 16u * GetParam();
+    for (std::size_t y = 0; y < pixels.height; ++y) {
+        for (std::size_t x = 0; x < pixels.width; ++x) {
+            const std::size_t corner = y / tile * tile * pixels.width + x / tile * tile;
+            ASSERT_EQ(pixels.pixels[y * pixels.width + x], pixels.pixels[corner]) << x << ", " << y;
+        }
+    }
+}
+
+TEST_P(ColorField, BackgroundOfWholeTilesIsBlackAllOver) {
+    const auto image = ZKColorMapView::backgroundImageWithSize_tileSize({330, 359}, 16);
+    ASSERT_TRUE(image);
+    EXPECT_EQ(image->size(), (CGSize{320, 352}));
+    EXPECT_EQ(image->CGImage()->width, 320u * GetParam());
+    for (const std::uint32_t pixel : image->CGImage()->pixels) ASSERT_EQ(pixel, 0xff000000);
+}
+
+TEST_P(ColorField, WithoutWholeTilesThereIsNoPicture) {
+    EXPECT_FALSE(ZKColorMapView::colorMapImageWithSize_tileSize_saturationUpperLimit({10, 352}, 16, 0.9));
+    EXPECT_FALSE(ZKColorMapView::backgroundImageWithSize_tileSize({320, 10}, 16));
+    EXPECT_FALSE(ZKColorMapView::backgroundImageWithSize_tileSize({320, 352}, 0));
+}
+
+INSTANTIATE_TEST_SUITE_P(AtScale, ColorField, ::testing::Values(1, 2, 3));
