@@ -1,0 +1,88 @@
+#include "tests/process/process_test.h"
+#include "tests/support/descriptors.h"
+
+#include <csignal>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+class EndedChildren : public ProcessTest {};
+
+TEST_F(EndedChildren, AToolThatEndsIsReapedAndKeepsItsIdentifier) {
+    const auto task = launch({"exit", "3"});
+    const int identifier = task->processIdentifier();
+    ASSERT_NE(0, identifier);
+
+    EXPECT_TRUE(goes(*task));
+
+    EXPECT_EQ(identifier, task->processIdentifier());
+}
+
+TEST_F(EndedChildren, ASignalReachesARunningToolAndNotAnEndedOne) {
+    const auto task = launch({"wait"});
+    EXPECT_EQ(0, platform::kill(task->processIdentifier(), 0));
+
+    EXPECT_EQ(0, platform::kill(task->processIdentifier(), SIGINT_NUMBER));
+    ASSERT_TRUE(goes(*task));
+
+    EXPECT_EQ(-1, platform::kill(task->processIdentifier(), SIGINT_NUMBER));
+}
+
+TEST_F(EndedChildren, NobodyElseGetsASignal) {
+    const ::pid_t stranger = ::fork();
+    if (stranger == 0)
+        for (;;) ::pause();
+
+    EXPECT_EQ(-1, platform::kill(stranger, SIGINT_NUMBER));
+    EXPECT_EQ(-1, platform::kill(0, SIGINT_NUMBER));
+    EXPECT_EQ(-1, platform::kill(-1, SIGINT_NUMBER));
+    EXPECT_EQ(-1, platform::kill(::getpid(), SIGINT_NUMBER));
+
+    EXPECT_EQ(0, ::waitpid(stranger, nullptr, WNOHANG)); // it lives
+    ::kill(stranger, SIGKILL);
+    ::waitpid(stranger, nullptr, 0);
+}
+
+TEST_F(EndedChildren, TheToolOutlivesItsTask) {
+    auto task = launch({"wait"});
+    const int identifier = task->processIdentifier();
+    task.reset();
+    m_loop.runReady();
+
+    EXPECT_FALSE(isGone(identifier));
+
+    platform::kill(identifier, SIGKILL);
+    EXPECT_TRUE(m_loop.runUntil([&] { return isGone(identifier); }));
+}
+
+TEST_F(EndedChildren, AToolThatIsStoppedIsStillOurs) {
+    const auto task = launch({"wait"});
+    platform::kill(task->processIdentifier(), SIGSTOP);
+    m_loop.runUntil([] { return false; }, 0.05);
+
+    EXPECT_EQ(0, platform::kill(task->processIdentifier(), 0));
+
+    platform::kill(task->processIdentifier(), SIGKILL);
+    EXPECT_TRUE(goes(*task));
+}
+
+TEST_F(EndedChildren, AHundredLaunchesLeaveNoDescriptorNoThreadAndNoZombie) {
+    ASSERT_TRUE(goes(*launch({"exit", "0"})));
+    const auto descriptors = testing_support::openDescriptors();
+    const auto threads = testing_support::runningThreads();
+
+    std::vector<std::shared_ptr<NSTask>> tasks;
+    for (int i = 0; i < 100; ++i) {
+        tasks.push_back(launch({i % 2 ? "wait" : "exit", "0"}));
+        ASSERT_NE(0, tasks.back()->processIdentifier());
+        platform::kill(tasks.back()->processIdentifier(), SIGINT_NUMBER);
+    }
+    for (const auto& task : tasks) EXPECT_TRUE(goes(*task));
+
+    EXPECT_EQ(descriptors, testing_support::openDescriptors());
+    EXPECT_EQ(threads, testing_support::runningThreads());
+    EXPECT_EQ(-1, ::waitpid(-1, nullptr, WNOHANG));
+}
+
+} // namespace

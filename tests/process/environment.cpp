@@ -1,0 +1,36 @@
+#include "host/process/child_environment.h"
+
+#include "tests/process/process_test.h"
+
+#include <cstdlib>
+
+namespace {
+
+class ChildEnvironment : public ProcessTest {};
+
+TEST_F(ChildEnvironment, AChildFindsTheRootAndTheBus) {
+    ::setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/somewhere/bus", 1);
+    ::setenv("JOYVANE_TEST_VARIABLE", "kept", 1);
+
+    const auto lines = report();
+
+    EXPECT_EQ((std::vector<std::string>{"environment JOYVANE_ROOT=" + m_folder.path()}),
+              beginning(lines, "environment JOYVANE_ROOT="));
+    EXPECT_EQ((std::vector<std::string>{"environment DBUS_SESSION_BUS_ADDRESS=unix:path=/somewhere/bus"}),
+              beginning(lines, "environment DBUS_SESSION_BUS_ADDRESS="));
+    EXPECT_EQ(1u, beginning(lines, "environment JOYVANE_TEST_VARIABLE=kept").size());
+    ::unsetenv("JOYVANE_TEST_VARIABLE");
+    ::unsetenv("DBUS_SESSION_BUS_ADDRESS");
+}
+
+TEST_F(ChildEnvironment, ARootOfOursReplacesAnInheritedOne) {
+    ::setenv("JOYVANE_ROOT", "/inherited", 1);
+
+    EXPECT_EQ((std::vector<std::string>{"environment JOYVANE_ROOT=" + m_folder.path()}),
+              beginning(report(), "environment JOYVANE_ROOT="));
+    host::setRoot("");
+    for (const auto& entry : host::childEnvironment()) EXPECT_FALSE(entry.starts_with("JOYVANE_ROOT=")) << entry;
+    ::unsetenv("JOYVANE_ROOT");
+}
+
+} // namespace
