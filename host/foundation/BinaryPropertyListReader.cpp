@@ -15,6 +15,8 @@ using Bytes = std::span<const std::uint8_t>;
 
 constexpr std::size_t headerLength = 8;
 constexpr std::size_t trailerLength = 32;
+// The reasons below spell the bounds out.
+static_assert(propertyListMaximumValues == 100'000 && propertyListMaximumDepth == 64);
 // Every value may have a key of its own.
 constexpr std::size_t mostObjects = 2 * propertyListMaximumValues;
 // Of all texts and data, each counted as often as it is referred to.

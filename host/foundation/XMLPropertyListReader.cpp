@@ -5,6 +5,7 @@
 #include "platform/foundation/NSArray.h"
 #include "platform/foundation/NSDictionary.h"
 
+#include <algorithm>
 #include <expat.h>
 #include <optional>
 #include <string_view>
@@ -15,6 +16,8 @@ namespace {
 using namespace host;
 using namespace std::literals;
 
+constexpr const char* tooManyValues = "holds more than 100000 values";
+static_assert(propertyListMaximumValues == 100'000);
 constexpr const char* blanks = " \t\r\n";
 
 enum class Element { Plist, Dict, Array, Key, String, Integer, Real, Date, Data, True, False };
@@ -105,9 +108,9 @@ private:
     std::string m_refusal;
     bool m_inPlist = false;
     std::vector<Container> m_open;
+    std::size_t m_count = 0;
     std::optional<Element> m_scalar; // whose text is being collected
     std::string m_text;
-    std::size_t m_count = 0;
     id m_value;
 };
 
@@ -134,9 +137,7 @@ void XMLReader::start(const char* name, const char** attributes) {
 void XMLReader::startValue(Element element) {
     if (m_open.empty() ? bool(m_value) : m_open.back().dictionary && !m_open.back().key)
         return refuse(m_open.empty() ? "holds more than one value" : "has a value without a key");
-    if (++m_count > propertyListMaximumValues)
-        return refuse("holds more than " + std::to_string(propertyListMaximumValues) + " values");
-
+    if (++m_count > propertyListMaximumValues) return refuse(tooManyValues);
     if (element != Element::Dict && element != Element::Array) {
         m_scalar = element;
         return;
@@ -219,6 +220,24 @@ void XMLReader::add(id value) {
     container.key.reset();
 }
 
+// How many values a well-formed document holds, by its tags alone: far quicker than building what is refused in the
+// end.
+std::size_t countValues(std::string_view text) {
+    std::size_t count = 0;
+    const auto skipTo = [&](std::string_view end) { text.remove_prefix(std::min(text.find(end), text.size())); };
+    for (skipTo("<"); text.size() > 1; skipTo("<")) {
+        if (text.starts_with("<!--"))
+            skipTo("-->");
+        else if (text.starts_with("<![CDATA["))
+            skipTo("]]>");
+        else if (text[1] != '/' && text[1] != '!' && text[1] != '?' && !text.starts_with("<key") &&
+                 !text.starts_with("<plist"))
+            ++count;
+        text.remove_prefix(std::min<std::size_t>(text.size(), 1));
+    }
+    return count;
+}
+
 } // namespace
 
 id host::readXMLPropertyList(std::span<const std::uint8_t> bytes, std::string& refusal) {
@@ -231,6 +250,10 @@ id host::readXMLPropertyList(std::span<const std::uint8_t> bytes, std::string& r
     }
     if (!isUTF8(text)) {
         refusal = "is not UTF-8";
+        return nullptr;
+    }
+    if (countValues(text) > propertyListMaximumValues) {
+        refusal = tooManyValues;
         return nullptr;
     }
     return XMLReader().read(text, refusal);

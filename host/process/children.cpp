@@ -1,11 +1,11 @@
 #include "host/process/children.h"
 
 #include "host/dispatch/run_loop_sources.h"
+#include "host/process/pidfd.h"
 
 #include <cerrno>
 #include <map>
 #include <mutex>
-#include <sys/pidfd.h>
 #include <sys/wait.h>
 
 namespace {

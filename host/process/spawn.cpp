@@ -1,12 +1,12 @@
 #include "host/process/spawn.h"
 
+#include "host/process/pidfd.h"
 #include "host/process/process_faults.h"
 
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
 #include <poll.h>
-#include <sys/pidfd.h>
 #include <sys/wait.h>
 #include <unistd.h>
 

@@ -86,30 +86,49 @@ std::shared_ptr<CellLabel> CellLabel::initWithFrame(CGRect frame) {
 
 std::shared_ptr<CellContent> CellContent::initWithValue(bool hasValue) {
     if (!UIView::initWithFrame(CGRectZero)) return nullptr;
-    m_title = CellLabel::alloc()->initWithFrame(CGRectZero);
-    addSubview(m_title);
+    m_title.label = CellLabel::alloc()->initWithFrame(CGRectZero);
+    addSubview(m_title.label);
     if (hasValue) {
-        m_value = CellLabel::alloc()->initWithFrame(CGRectZero);
-        m_value->setTextColor(secondaryTextColor());
-        m_value->setTextAlignment(NSTextAlignmentRight);
-        addSubview(m_value);
+        m_value.label = CellLabel::alloc()->initWithFrame(CGRectZero);
+        m_value.label->setTextColor(secondaryTextColor());
+        m_value.label->setTextAlignment(NSTextAlignmentRight);
+        addSubview(m_value.label);
     }
     return self(this);
 }
 
+double CellContent::Text::width() const { return std::ceil(label->sizeThatFits({1e6, 1e6}).width); }
+
+void CellContent::Text::setScale(double scale) {
+    // A font that is not the one shown here was given by somebody since.
+    if (label->font() != shown) given = label->font();
+    const double size = std::floor(given->pointSize() * scale * 2) / 2;
+    shown = scale >= 1 ? given : given->isBold() ? UIFont::boldSystemFontOfSize(size) : UIFont::systemFontOfSize(size);
+    if (label->font() != shown) label->setFont(shown);
+}
+
 void CellContent::layoutSubviews() {
-    const auto naturalWidth = [](const UILabel& label) { return std::ceil(label.sizeThatFits({1e6, 1e6}).width); };
+    constexpr double leastScale = 0.8;
     const CGSize size = bounds().size;
     const double room = std::max(0.0, size.width - sideMargin);
+    const double gap = m_value.isEmpty() ? 0 : labelGap;
+    const auto setScale = [&](double scale) {
+        m_title.setScale(scale);
+        if (m_value.label) m_value.setScale(scale);
+    };
+    setScale(1);
+    const double wanted = m_title.width() + (m_value.isEmpty() ? 0 : m_value.width());
+    if (wanted + gap > room) setScale(std::max(leastScale, (room - gap) / wanted));
+
     double titleWidth = room;
-    if (m_value && !m_value->text().empty()) {
+    if (!m_value.isEmpty()) {
         // The title goes first, but leaves the value a third of the row.
-        const double left = room - labelGap - naturalWidth(*m_title);
-        const double width = std::max(0.0, std::min(naturalWidth(*m_value), std::max(left, std::floor(room / 3))));
-        m_value->setFrame(CGRectMake(size.width - width, 0, width, size.height));
-        titleWidth = std::max(0.0, room - width - labelGap);
+        const double left = room - gap - m_title.width();
+        const double width = std::max(0.0, std::min(m_value.width(), std::max(left, std::floor(room / 3))));
+        m_value.label->setFrame(CGRectMake(size.width - width, 0, width, size.height));
+        titleWidth = std::max(0.0, room - width - gap);
     }
-    m_title->setFrame(CGRectMake(sideMargin, 0, titleWidth, size.height));
+    m_title.label->setFrame(CGRectMake(sideMargin, 0, titleWidth, size.height));
 }
 
 } // namespace host

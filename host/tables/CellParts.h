@@ -54,22 +54,33 @@ private:
     CellLabel() = default;
 };
 
-// The labels of a row: the title at the left, the value, where there is one, at the right.
+// The labels of a row: the title at the left, the value, where there is one, at the right. Text that finds no room is
+// set smaller, down to four fifths, before it is cut.
 class CellContent final : public UIView {
     NS_CLASS(CellContent)
 public:
     ~CellContent() override;
 
     std::shared_ptr<CellContent> initWithValue(bool hasValue);
-    const std::shared_ptr<UILabel>& title() const { return m_title; }
-    const std::shared_ptr<UILabel>& value() const { return m_value; } // nil when there is none
+    const std::shared_ptr<UILabel>& title() const { return m_title.label; }
+    const std::shared_ptr<UILabel>& value() const { return m_value.label; } // nil when there is none
     void layoutSubviews() override;
 
 private:
+    // A label and the font that it was given, whatever it is shown in.
+    struct Text {
+        std::shared_ptr<UILabel> label;
+        std::shared_ptr<UIFont> given;
+        std::shared_ptr<UIFont> shown;
+
+        bool isEmpty() const { return !label || label->text().empty(); }
+        double width() const;
+        void setScale(double scale);
+    };
     CellContent() = default;
 
-    std::shared_ptr<UILabel> m_title;
-    std::shared_ptr<UILabel> m_value;
+    Text m_title;
+    Text m_value;
 };
 
 } // namespace host

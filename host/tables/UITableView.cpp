@@ -84,11 +84,15 @@ void UITableView::reloadRowsAtIndexPaths_withRowAnimation(const NSIndexPathList&
         const auto cell = m_table->askForCell(row);
         if (m_table->generation != before) return;
         // The old one is free for reuse only now, so that the new one is another.
-        if (cell != old) m_table->recycle(old);
+        if (cell != old) {
+            m_table->loseFocus(row, *old);
+            m_table->recycle(old);
+        }
         m_table->showCell(row, cell);
         cell->setNeedsLayout();
         if (animation == UITableViewRowAnimationFade) CellInternals::fadeContentIn(*cell);
     }
+    m_table->regainFocus();
 }
 
 void UITableView::insertRowsAtIndexPaths_withRowAnimation(const NSIndexPathList& indexPaths, long animation) {

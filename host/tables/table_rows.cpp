@@ -78,7 +78,8 @@ void UITableView::State::showVisibleItems() {
         if (generation == before) showTexts(section, top, bottom);
     }
     isShowing = false;
-    if (generation != before) table.setNeedsLayout();
+    if (generation != before) return table.setNeedsLayout();
+    regainFocus();
 }
 
 void UITableView::State::removeItemsOutside(double top, double bottom) {
@@ -96,10 +97,13 @@ void UITableView::State::removeItemsOutside(double top, double bottom) {
         }
         const auto view = item->second;
         item = items.erase(item);
-        if (isCell)
-            recycle(std::static_pointer_cast<UITableViewCell>(view));
-        else
+        if (!isCell) {
             view->removeFromSuperview();
+            continue;
+        }
+        const auto cell = std::static_pointer_cast<UITableViewCell>(view);
+        loseFocus(row, *cell);
+        recycle(cell);
     }
 }
 
@@ -192,11 +196,15 @@ void UITableView::State::recycle(const std::shared_ptr<UITableViewCell>& cell) {
 
 void UITableView::State::recycleAll() {
     ++generation;
-    for (const auto& [item, view] : std::exchange(items, {}))
-        if (item.kind == TableItem::Kind::Row)
-            recycle(std::static_pointer_cast<UITableViewCell>(view));
-        else
+    for (const auto& [item, view] : std::exchange(items, {})) {
+        if (item.kind != TableItem::Kind::Row) {
             view->removeFromSuperview();
+            continue;
+        }
+        const auto cell = std::static_pointer_cast<UITableViewCell>(view);
+        loseFocus({item.section, item.row}, *cell);
+        recycle(cell);
+    }
 }
 
 void UITableView::State::clampOffset() {
@@ -211,6 +219,7 @@ std::shared_ptr<UITableViewCell> UITableView::State::dequeue(const std::string& 
     if (!pool.empty()) {
         auto cell = std::move(pool.back());
         pool.pop_back();
+        forgetFocus(*cell);
         cell->prepareForReuse();
         return cell;
     }

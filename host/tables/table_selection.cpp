@@ -1,3 +1,4 @@
+#include "host/tables/table_focus.h"
 #include "host/tables/table_state.h"
 #include "platform/uikit/UITouch.h"
 
@@ -14,14 +15,6 @@ constexpr int mostRowsLookedAt = 1000;
 
 std::shared_ptr<NSIndexPath> pathOf(TableRow row) {
     return NSIndexPath::indexPathForRow_inSection(row.row, row.section);
-}
-
-std::shared_ptr<UIView> firstFocusable(const std::shared_ptr<UIView>& view) {
-    if (view->isHidden() || !view->isUserInteractionEnabled()) return nullptr;
-    if (view->canBecomeFocused()) return view;
-    for (const auto& subview : view->subviews())
-        if (auto found = firstFocusable(subview)) return found;
-    return nullptr;
 }
 
 } // namespace

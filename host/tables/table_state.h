@@ -1,7 +1,8 @@
 #pragma once
 
 // What a table view keeps, and what it does with it, by aspect: table_rows.cpp (cells on screen), table_changes.cpp
-// (rows that come and go), table_selection.cpp (touches, selection, focus).
+// (rows that come and go), table_selection.cpp (touches, selection, focus),
+// table_focus.cpp (focus that outlives cells).
 
 #include "host/dispatch/run_loop_sources.h"
 #include "host/tables/TableGeometry.h"
@@ -65,6 +66,11 @@ struct UITableView::State {
     void select(host::TableRow row, bool animated);
     void deselect(bool animated);
     void endPress(bool animated);
+
+    // Focus (table_focus.cpp). It stays with a row that is reloaded, or scrolled away and back.
+    void loseFocus(host::TableRow row, const UITableViewCell& cell); // the cell will stand for the row no more
+    void forgetFocus(const UITableViewCell& cell);                   // it is given to another row
+    void regainFocus();
     void showPress();
 
     std::shared_ptr<UITableView> strong() const {
@@ -91,6 +97,13 @@ struct UITableView::State {
     std::optional<host::TableRow> selected;
     std::optional<host::TableRow> pressed; // under a finger
     host::SourceToken pressTimer = 0;
+
+    struct LostFocus {
+        host::TableRow row;
+        std::weak_ptr<UIView> view;    // what had it, until its cell is given to another row
+        std::weak_ptr<UIView> instead; // what has had it since
+    };
+    std::optional<LostFocus> lostFocus;
 
 private:
     void insertInOrder(const host::TableItem& item, const std::shared_ptr<UIView>& view);

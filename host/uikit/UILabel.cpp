@@ -4,6 +4,7 @@
 #include "platform/uikit/UIImage.h"
 
 #include <limits>
+#include <utility>
 
 NS_CLASS_IMPLEMENTATION(UILabel, UIView)
 

@@ -1,5 +1,6 @@
 #include "platform/uikit/UIWindow.h"
 
+#include "host/uikit/focus_order.h"
 #include "host/uikit/view_internals.h"
 #include "host/uikit/window_internals.h"
 #include "platform/uikit/UIScrollView.h"
@@ -69,14 +70,14 @@ std::shared_ptr<UIView> UIWindow::focusedView() const {
 }
 
 void UIWindow::setFocusedView(const std::shared_ptr<UIView>& view) {
-    constexpr std::size_t mostRemembered = 16;
+    // The focus moves within what is in front; screens behind it, or away, keep theirs for when they come back.
+    const auto front = host::frontScope(*this);
     auto& focused = m_window->focused;
-    std::erase_if(focused, [&](const auto& weak) { return weak.expired() || weak.lock() == view; });
-    if (!view)
-        focused.clear();
-    else
-        focused.push_back(view);
-    if (focused.size() > mostRemembered) focused.erase(focused.begin());
+    std::erase_if(focused, [&](const auto& weak) {
+        const auto other = weak.lock();
+        return !view || !other || other == view || other->isDescendantOfView(front.get());
+    });
+    if (view) focused.push_back(view);
     WindowInternals::requestFrame(*this);
 }
 

@@ -29,6 +29,7 @@ void showInScrollViews(const UIView& view) {
 }
 
 void moveFocus(UIWindow& window, bool forward) {
+    window.layoutIfNeeded(); // rows that were reloaded since the last frame are to be found
     const auto next = nextFocus(window, forward);
     if (!next) return;
     WindowInternals::focusByKeyboard(window, next);

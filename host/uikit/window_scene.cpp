@@ -10,6 +10,8 @@
 #include "platform/foundation/time.h"
 #include "platform/uikit/UIApplication.h"
 
+#include <utility>
+
 namespace host {
 
 WindowScene::WindowScene(CGSize points, double scale) : m_scale(scale) {

@@ -6,8 +6,8 @@
 #include <memory>
 
 // Runs operations one at a time and in order, on a worker thread that it holds only while there is something to run.
-// While it is suspended none starts. Each operation is released on the worker right after its run. Releasing a suspended
-// queue drops what waits in it; what waits in another still runs. Any thread.
+// While it is suspended none starts. Each operation is released on the worker right after its run. Releasing a
+// suspended queue drops what waits in it; what waits in another still runs. Any thread.
 class NSOperationQueue final : public NSObject {
     NS_CLASS(NSOperationQueue)
 

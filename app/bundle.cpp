@@ -1,0 +1,112 @@
+#include "app/bundle.h"
+
+#include "host/foundation/files.h"
+#include "platform/foundation/NSPropertyListSerialization.h"
+#include "platform/uikit/UIViewController.h"
+
+#include <filesystem>
+#include <system_error>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::size_t maximumManifestLength = 1 << 20;
+
+std::string refusal(const std::string& subject, const std::string& reason) {
+    return "bundle refused: " + subject + " " + reason;
+}
+
+// The manifest's string under a key; empty when there is none.
+std::string text(const NSDictionary& manifest, const char* key) {
+    const auto* const string = manifest.objectForKey(key).string();
+    return string ? *string : std::string();
+}
+
+bool isHexDigest(const std::string& text) {
+    return text.size() == 64 && text.find_first_not_of("0123456789abcdef") == std::string::npos;
+}
+
+// A real path, not one under the root. nil when it cannot be read; the reason has been logged.
+std::shared_ptr<NSDictionary> readManifest(const std::string& path) {
+    std::shared_ptr<NSError> error;
+    const auto data = host::readFile(path, maximumManifestLength, &error);
+    return data ? NSPropertyListSerialization::propertyListWithData_options_format_error(*data, 0, nullptr, &error)
+                      .object<NSDictionary>()
+                : nullptr;
+}
+
+// Empty, or what the manifest lacks.
+std::string missingEntry(const NSDictionary& manifest) {
+    for (const char* const key : {"CFBundleExecutable", "NSPrincipalClass"})
+        if (text(manifest, key).empty()) return key;
+    const auto* const size = manifest.objectForKey("JVNModuleSize").number();
+    if (!size || size->integerValue() <= 0) return "JVNModuleSize";
+    return isHexDigest(text(manifest, "JVNModuleSHA256")) ? "" : "JVNModuleSHA256";
+}
+
+} // namespace
+
+app::Bundle app::readBundle(const std::string& folder, std::string& problem) {
+    Bundle bundle;
+    bundle.folder = folder;
+    std::error_code error;
+    if (!fs::is_directory(folder, error)) {
+        problem = refusal(folder, fs::exists(folder, error) ? "is no folder" : "is missing");
+        return bundle;
+    }
+    const std::string manifestPath = folder + "/Info.plist";
+    if (!fs::exists(manifestPath, error)) {
+        problem = refusal(manifestPath, "is missing");
+        return bundle;
+    }
+    bundle.manifest = readManifest(manifestPath);
+    if (!bundle.manifest) {
+        problem = refusal(manifestPath, "cannot be read as a manifest");
+        return bundle;
+    }
+    if (const auto missing = missingEntry(*bundle.manifest); !missing.empty()) {
+        problem = refusal(manifestPath, "is no manifest of ours: it has no valid " + missing);
+        return bundle;
+    }
+    const std::string module = text(*bundle.manifest, "CFBundleExecutable");
+    if (module == "." || module == ".." || module.find('/') != std::string::npos) {
+        problem = refusal(manifestPath, "names a module outside the bundle");
+        return bundle;
+    }
+    bundle.name = text(*bundle.manifest, "CFBundleName");
+    if (bundle.name.empty()) bundle.name = module;
+    bundle.principalClass = text(*bundle.manifest, "NSPrincipalClass");
+    bundle.modulePath = folder + "/" + module;
+    bundle.seal = {bundle.manifest->objectForKey("JVNModuleSize").number()->unsignedLongLongValue(),
+                   text(*bundle.manifest, "JVNModuleSHA256")};
+    return bundle;
+}
+
+Class app::loadPrincipalClass(const Bundle& bundle, std::string& problem) {
+    if (const auto reason = host::loadModule(bundle.modulePath); !reason.empty()) {
+        problem = refusal(bundle.modulePath, "cannot be loaded: " + reason);
+        return nullptr;
+    }
+    const Class found = objc_getClass(bundle.principalClass);
+    if (!found || !class_isSubclassOf(found, UIViewController::classObject())) {
+        problem = refusal(bundle.modulePath, "is no module of ours: it has no screen called " + bundle.principalClass);
+        return nullptr;
+    }
+    return found;
+}
+
+std::shared_ptr<UIViewController> app::makePage(Class principalClass) {
+    const auto instance = class_createInstance(principalClass);
+    return instance ? objc_msgSend(*instance, "init", {}).object<UIViewController>() : nullptr;
+}
+
+std::string app::defaultBundleFolder(const std::string& name) {
+    std::error_code error;
+    const fs::path programs = fs::read_symlink("/proc/self/exe", error).parent_path();
+    const fs::path places[] = {programs.parent_path() / "lib" / name, programs.parent_path() / "lib/joyvane" / name,
+                               programs / name};
+    for (const auto& place : places)
+        if (fs::exists(place, error)) return place.string();
+    return places[0].string();
+}

@@ -1,0 +1,38 @@
+#pragma once
+
+// A settings bundle: a folder with a manifest (Info.plist), a module and resources.
+
+#include "host/modules/module_file.h"
+#include "platform/foundation/NSDictionary.h"
+
+#include <memory>
+#include <string>
+
+class UIViewController;
+
+namespace app {
+
+struct Bundle {
+    std::string folder;
+    std::string name;           // for people
+    std::string principalClass; // of which the page is made
+    std::string modulePath;
+    host::ModuleSeal seal;
+    std::shared_ptr<NSDictionary> manifest; // all of it
+};
+
+// The manifest of the bundle in a folder. On failure `problem` is the sentence to print; nothing of the bundle has run.
+Bundle readBundle(const std::string& folder, std::string& problem);
+
+// Loads the module, whose seal has been checked, and finds the principal class, which must be a screen. On failure nil,
+// and `problem` is the sentence to print. The module stays for the rest of the process's life.
+Class loadPrincipalClass(const Bundle& bundle, std::string& problem);
+
+// A new screen of the class, set up; nil when it declines.
+std::shared_ptr<UIViewController> makePage(Class principalClass);
+
+// Beside the program that runs: ../lib/NAME, ../lib/joyvane/NAME of its folder, then NAME in it. The first one that is
+// there, else the first.
+std::string defaultBundleFolder(const std::string& name);
+
+} // namespace app

@@ -1,0 +1,21 @@
+#include "app/application.h"
+#include "app/options.h"
+#include "host/dispatch/shutdown.h"
+
+#include <cstdio>
+#include <span>
+
+int main(int argumentCount, char** arguments) {
+    std::span<const char* const> words(arguments, static_cast<std::size_t>(argumentCount));
+    if (!words.empty()) words = words.subspan(1);
+    const auto [options, problem] = app::parseOptions(words);
+    if (!problem.empty()) {
+        std::fprintf(stderr, "joyvane-settings: %s; --help lists what there is\n", problem.c_str());
+        return app::ExitUsage;
+    }
+    if (options.showHelp || options.showVersion) {
+        const std::string text = options.showHelp ? app::helpText() : "joyvane-settings " JOYVANE_VERSION "\n";
+        return std::fputs(text.c_str(), stdout) >= 0 && std::fflush(stdout) == 0 ? app::ExitSuccess : app::ExitFailure;
+    }
+    return host::finishProcess(app::runApplication(options));
+}

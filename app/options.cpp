@@ -1,0 +1,130 @@
+#include "app/options.h"
+
+#include <charconv>
+#include <cmath>
+#include <string_view>
+
+namespace {
+
+using app::Options;
+
+// The whole text as a number; nothing when it is none.
+std::optional<double> number(std::string_view text) {
+    double value = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error != std::errc() || end != text.data() + text.size() || !std::isfinite(value)) return {};
+    return value;
+}
+
+std::optional<double> numberBetween(double least, std::string_view text, double most) {
+    const auto value = number(text);
+    return value && *value >= least && *value <= most ? value : std::nullopt;
+}
+
+std::string setSize(Options& options, std::string_view text) {
+    const auto cross = text.find('x');
+    if (cross != std::string_view::npos) {
+        const auto width = numberBetween(64, text.substr(0, cross), 16384);
+        const auto height = numberBetween(64, text.substr(cross + 1), 16384);
+        if (width && height) {
+            options.size = {*width, *height};
+            return {};
+        }
+    }
+    return "is no size; it takes WIDTHxHEIGHT in points, each from 64 to 16384, as in 375x667";
+}
+
+std::string setScale(Options& options, std::string_view text) {
+    const auto scale = numberBetween(0.5, text, 8);
+    if (!scale) return "is no scale; it takes a number from 0.5 to 8";
+    options.scale = *scale;
+    return {};
+}
+
+std::string setFolder(std::string& folder, std::string_view text) {
+    if (text.empty()) return "is no folder";
+    folder = text;
+    return {};
+}
+
+// Empty, or what is wrong with the value, as the rest of a sentence.
+using SetValue = std::string (*)(Options& options, std::string_view value);
+using SetFlag = void (*)(Options& options);
+
+struct Option {
+    std::string_view name;
+    SetValue value; // null: the option takes none
+    SetFlag flag;
+};
+
+constexpr Option known[] = {
+    {"--root", [](Options& o, std::string_view text) { return setFolder(o.root, text); }, nullptr},
+    {"--bundle", [](Options& o, std::string_view text) { return setFolder(o.bundle, text); }, nullptr},
+    {"--tour", [](Options& o, std::string_view text) { return setFolder(o.tour, text); }, nullptr},
+    {"--size", setSize, nullptr},
+    {"--scale", setScale, nullptr},
+    {"--simulate", nullptr, [](Options& o) { o.simulate = true; }},
+    {"--help", nullptr, [](Options& o) { o.showHelp = true; }},
+    {"-h", nullptr, [](Options& o) { o.showHelp = true; }},
+    {"--version", nullptr, [](Options& o) { o.showVersion = true; }},
+};
+
+const Option* find(std::string_view name) {
+    for (const Option& option : known)
+        if (option.name == name) return &option;
+    return nullptr;
+}
+
+} // namespace
+
+app::ParsedOptions app::parseOptions(std::span<const char* const> arguments) {
+    ParsedOptions result;
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        const std::string_view argument = arguments[i];
+        const auto equals = argument.starts_with("--") ? argument.find('=') : std::string_view::npos;
+        const std::string name(argument.substr(0, equals));
+        const Option* const option = find(name);
+        if (!option) {
+            result.problem = name.starts_with('-') ? "unknown option " + name : "unexpected argument \"" + name + "\"";
+            return result;
+        }
+        std::optional<std::string_view> value;
+        if (equals != std::string_view::npos) value = argument.substr(equals + 1);
+        if (!option->value) {
+            if (value)
+                result.problem = name + " takes no value";
+            else
+                option->flag(result.options);
+        } else {
+            if (!value && i + 1 < arguments.size()) value = arguments[++i];
+            if (!value)
+                result.problem = name + " needs a value";
+            else if (auto wrong = option->value(result.options, *value); !wrong.empty())
+                result.problem = name + ": \"" + std::string(*value) + "\" " + wrong;
+        }
+        if (!result.problem.empty()) return result;
+    }
+    return result;
+}
+
+std::string app::helpText() {
+    return R"(Usage: joyvane-settings [OPTION]...
+Shows the settings page of a game-controller add-on.
+
+  --root DIR       the folder that stands for the phone's file system
+                   (default: joyvane in the user's data folder)
+  --bundle DIR     the settings bundle to show
+                   (default: Joyvane.bundle beside this program)
+  --simulate       start a stand-in for the add-on's daemon, and put a stand-in
+                   for its discovery tool in place
+  --size WxH       the window's size in points (default: 375x667)
+  --scale S        pixels a point (default: the screen's)
+  --tour DIR       show nothing; walk through the page by touches and keys, and
+                   write a picture a step and a log into DIR
+  --help, -h       print this and end
+  --version        print the version and end
+
+Exit codes: 0 all went well; 1 something failed, as was said; 2 there is no
+display; 3 the command line was not understood; 4 the bundle was refused.
+)";
+}

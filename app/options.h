@@ -1,0 +1,43 @@
+#pragma once
+
+// The command line of joyvane-settings.
+
+#include <optional>
+#include <span>
+#include <string>
+
+#include "platform/quartz/CGGeometry.h"
+
+namespace app {
+
+enum ExitCode : int {
+    ExitSuccess = 0,
+    ExitFailure = 1,
+    ExitNoDisplay = 2,
+    ExitUsage = 3,
+    ExitBundleRefused = 4,
+};
+
+struct Options {
+    std::string root;      // empty: the user's data folder
+    std::string bundle;    // empty: looked for beside the program
+    std::string tour;      // empty: no tour
+    CGSize size{375, 667}; // points
+    double scale = 0;      // 0: the screen's
+    bool simulate = false;
+    bool showHelp = false;
+    bool showVersion = false;
+};
+
+struct ParsedOptions {
+    Options options;
+    std::string problem; // empty when all went well; else one sentence
+};
+
+// `arguments` without the program's name. An option's value may follow as the next argument or after "=".
+ParsedOptions parseOptions(std::span<const char* const> arguments);
+
+// What --help prints.
+std::string helpText();
+
+} // namespace app

@@ -1,0 +1,45 @@
+#include "app/settings_page.h"
+
+#include "app/failure_banner.h"
+#include "host/controllers/front_controller.h"
+#include "host/notify/NotifyListener.h"
+#include "platform/foundation/NSArray.h"
+#include "platform/uikit/UINavigationController.h"
+
+app::SettingsPage::SettingsPage(const Bundle& bundle, Class principalClass, CGSize points, double scale)
+    : m_name(bundle.name), m_scene(points, scale) {
+    const auto page = makePage(principalClass);
+    if (!page) return;
+    listenForFailures(*bundle.manifest);
+    m_navigation = UINavigationController::alloc()->initWithRootViewController(page);
+    m_scene.window()->setRootViewController(m_navigation);
+}
+
+app::SettingsPage::~SettingsPage() { close(); }
+
+// The manifest says of which notifications a user has to hear, and in what words; the page itself stays silent.
+void app::SettingsPage::listenForFailures(const NSDictionary& manifest) {
+    const auto* const failure = manifest.objectForKey("JVNFailureNotification").string();
+    const auto* const text = manifest.objectForKey("JVNFailureText").string();
+    if (!failure || !text) return;
+    m_banner = FailureBanner::alloc()->initWithText(*text);
+    m_listeners.push_back(
+        std::make_unique<host::NotifyListener>(*failure, [this] { m_banner->showInWindow(m_scene.window()); }));
+    const auto recoveries = manifest.objectForKey("JVNRecoveryNotifications").object<NSArray>();
+    if (!recoveries) return;
+    for (const id& name : *recoveries)
+        if (name.string())
+            m_listeners.push_back(std::make_unique<host::NotifyListener>(*name.string(), [this] { m_banner->hide(); }));
+}
+
+std::string app::SettingsPage::title() const {
+    const auto front = host::frontController(*m_scene.window());
+    const std::string title = front ? front->title() : std::string();
+    return title.empty() ? m_name : title;
+}
+
+void app::SettingsPage::close() {
+    m_listeners.clear();
+    m_scene.window()->setRootViewController(nullptr);
+    m_navigation.reset();
+}

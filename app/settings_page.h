@@ -1,0 +1,49 @@
+#pragma once
+
+// A bundle's page in a scene: what a window shows, and what the tour walks through.
+
+#include "app/bundle.h"
+#include "host/uikit/window_scene.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+class UINavigationController;
+
+namespace host {
+class NotifyListener;
+}
+
+namespace app {
+
+class FailureBanner;
+
+class SettingsPage {
+public:
+    // The page stands in the scene's window when this returns; `isShown()` is false if the class declined to make it.
+    SettingsPage(const Bundle& bundle, Class principalClass, CGSize points, double scale);
+    ~SettingsPage();
+    SettingsPage(const SettingsPage&) = delete;
+    SettingsPage& operator=(const SettingsPage&) = delete;
+
+    bool isShown() const { return m_navigation != nullptr; }
+    host::WindowScene& scene() { return m_scene; }
+    const std::shared_ptr<UINavigationController>& navigation() const { return m_navigation; }
+    // The front screen's, else the bundle's.
+    std::string title() const;
+
+    // The screens get their disappearing calls and are let go.
+    void close();
+
+private:
+    void listenForFailures(const NSDictionary& manifest);
+
+    std::string m_name;
+    host::WindowScene m_scene;
+    std::shared_ptr<UINavigationController> m_navigation;
+    std::shared_ptr<FailureBanner> m_banner;
+    std::vector<std::unique_ptr<host::NotifyListener>> m_listeners;
+};
+
+} // namespace app

@@ -1,0 +1,98 @@
+#include "app/simulation.h"
+
+#include "app/bundle.h"
+#include "app/line_process.h"
+#include "host/foundation/root.h"
+#include "platform/foundation/NSDictionary.h"
+
+#include <filesystem>
+#include <system_error>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr double readyPatience = 3; // seconds
+
+// Empty when there is no such program.
+std::string standInPath(const std::string& name) {
+    std::error_code error;
+    const fs::path programs = fs::read_symlink("/proc/self/exe", error).parent_path();
+    for (const auto& place : {programs / name, programs.parent_path() / "lib/joyvane" / name})
+        if (access(place.c_str(), X_OK) == 0) return place.string();
+    return {};
+}
+
+} // namespace
+
+struct app::Simulation::State {
+    std::string daemonName;
+    std::unique_ptr<LineProcess> daemon;
+    std::vector<std::string> placed; // real paths of what we have put there
+    std::function<void(const std::string&)> listener;
+};
+
+app::Simulation::Simulation() : m_state(std::make_unique<State>()) {}
+
+app::Simulation::~Simulation() {
+    stopDaemon();
+    std::error_code error;
+    for (const auto& path : m_state->placed) fs::remove(path, error);
+}
+
+bool app::Simulation::start(const Bundle& bundle, std::string& problem) {
+    if (const auto* const name = bundle.manifest->objectForKey("JVNStandInDaemon").string()) {
+        m_state->daemonName = *name;
+        startDaemon(problem);
+    }
+    const auto tools = bundle.manifest->objectForKey("JVNStandInTools").object<NSDictionary>();
+    if (!tools || !problem.empty()) return problem.empty();
+    tools->enumerate([&](const std::string& logicalPath, const id& name) {
+        const std::string program = name.string() ? standInPath(*name.string()) : std::string();
+        const fs::path place(host::hostPath(logicalPath));
+        std::error_code error;
+        if (program.empty()) {
+            problem = "simulate: there is no stand-in for " + logicalPath;
+        } else {
+            fs::create_directories(place.parent_path(), error);
+            // What an earlier process has left behind is replaced; a tool of the user's own stays.
+            if (fs::is_symlink(place)) fs::remove(place, error);
+            if (!fs::exists(place)) {
+                fs::create_symlink(program, place, error);
+                if (!error) m_state->placed.push_back(place.string());
+            }
+            if (error) problem = "simulate: " + place.string() + ": " + error.message();
+        }
+        return problem.empty();
+    });
+    return problem.empty();
+}
+
+void app::Simulation::setListener(std::function<void(const std::string& line)> listener) {
+    m_state->listener = std::move(listener);
+}
+
+void app::Simulation::say(const std::string& line, std::string& problem) {
+    if (!m_state->daemon || !m_state->daemon->write(line)) problem = "the stand-in does not listen";
+}
+
+void app::Simulation::stopDaemon() { m_state->daemon.reset(); }
+
+// Ready when it says so: the page asks it as soon as it is shown.
+void app::Simulation::startDaemon(std::string& problem) {
+    if (m_state->daemon || m_state->daemonName.empty()) return;
+    const std::string program = standInPath(m_state->daemonName);
+    if (program.empty()) {
+        problem = "simulate: there is no " + m_state->daemonName + " beside this program";
+        return;
+    }
+    m_state->daemon =
+        LineProcess::start(program, {"--root", host::root()}, [state = m_state.get()](const std::string& line) {
+            if (state->listener) state->listener(state->daemonName + ": " + line);
+        });
+    if (m_state->daemon && m_state->daemon->waitForLine("ready", readyPatience)) return;
+    m_state->daemon.reset();
+    problem = "simulate: " + program + " did not start";
+}

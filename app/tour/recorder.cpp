@@ -1,0 +1,73 @@
+#include "app/tour/recorder.h"
+
+#include "app/tour/describe.h"
+#include "host/foundation/root.h"
+#include "host/notify/NotifyListener.h"
+#include "platform/foundation/NSDictionary.h"
+#include "platform/foundation/time.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <sys/inotify.h>
+#include <unistd.h>
+
+struct app::Recorder::WatchedFile {
+    std::string logicalPath;
+    std::shared_ptr<NSDictionary> contents; // as noted last; nil when there were none
+    host::Descriptor watch;
+    host::SourceToken source = 0;
+    ~WatchedFile() { host::removeSource(source); }
+};
+
+app::Recorder::Recorder(const std::string& path)
+    : m_file(std::fopen(path.c_str(), "we")), m_start(platform::CACurrentMediaTime()) {}
+
+app::Recorder::~Recorder() {
+    m_listeners.clear();
+    m_watched.clear();
+    if (m_file) std::fclose(m_file);
+}
+
+void app::Recorder::note(const std::string& line) {
+    m_lines.push_back(line);
+    if (!m_file) return;
+    std::fprintf(m_file, "%8.3f  %s\n", platform::CACurrentMediaTime() - m_start, line.c_str());
+    std::fflush(m_file);
+}
+
+int app::Recorder::count(const std::string& text) const {
+    return static_cast<int>(std::count_if(
+        m_lines.begin(), m_lines.end(), [&](const std::string& line) { return line.find(text) != std::string::npos; }));
+}
+
+void app::Recorder::watchNotification(const std::string& name) {
+    m_listeners.push_back(std::make_unique<host::NotifyListener>(name, [this, name] { note("notification " + name); }));
+}
+
+// The folder is watched: the file is replaced, not written.
+void app::Recorder::watchPropertyList(const std::string& logicalPath) {
+    auto file = std::make_unique<WatchedFile>();
+    file->logicalPath = logicalPath;
+    const std::filesystem::path path(host::hostPath(logicalPath));
+    std::error_code error;
+    std::filesystem::create_directories(path.parent_path(), error);
+    file->watch.reset(inotify_init1(IN_CLOEXEC | IN_NONBLOCK));
+    if (!file->watch ||
+        inotify_add_watch(file->watch.get(), path.parent_path().c_str(), IN_CLOSE_WRITE | IN_MOVED_TO | IN_DELETE) < 0)
+        return note("file " + logicalPath + " cannot be watched");
+    file->contents = NSDictionary::dictionaryWithContentsOfFile(logicalPath);
+    file->source = host::addReadableSource(file->watch.get(), [this, watched = file.get()] { fileChanged(*watched); });
+    m_watched.push_back(std::move(file));
+}
+
+void app::Recorder::fileChanged(WatchedFile& file) {
+    alignas(inotify_event) char events[4096];
+    while (read(file.watch.get(), events, sizeof events) > 0) {
+    }
+    const auto now = std::filesystem::exists(host::hostPath(file.logicalPath))
+                         ? NSDictionary::dictionaryWithContentsOfFile(file.logicalPath)
+                         : nullptr;
+    for (const auto& change : describeChanges(file.contents.get(), now.get()))
+        note("file " + file.logicalPath + ": " + change);
+    file.contents = now;
+}

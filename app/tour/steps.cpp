@@ -1,0 +1,250 @@
+#include "app/tour/steps.h"
+
+#include "app/simulation.h"
+#include "app/tour/key_names.h"
+#include "app/tour/recorder.h"
+#include "app/tour/stage.h"
+#include "platform/foundation/NSString.h"
+
+#include <algorithm>
+#include <cctype>
+#include <charconv>
+#include <optional>
+#include <span>
+
+namespace {
+
+using namespace app;
+using Words = std::span<const std::string>; // what follows the verb
+
+constexpr double patience = 10; // seconds
+constexpr double dragSeconds = 0.5;
+
+std::string quoted(const NodeQuery& query) { return query.role + " \"" + query.name + '"'; }
+
+std::optional<double> number(const std::string& word) {
+    double value = 0;
+    const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), value);
+    if (error != std::errc() || end != word.data() + word.size()) return {};
+    return value;
+}
+
+// All of the words as numbers, or none of them.
+std::vector<double> numbers(Words words) {
+    std::vector<double> values;
+    for (const auto& word : words)
+        if (const auto value = number(word))
+            values.push_back(*value);
+        else
+            return {};
+    return values;
+}
+
+std::string wait(Tour& tour, const std::string& what, const std::function<bool()>& done) {
+    if (tour.stage.waitUntil(done, patience)) return {};
+    return "waited " + NSStringWithFormat("%g", patience) + " s in vain for " + what;
+}
+
+// The node, where it can be touched; `problem` when it cannot be had.
+std::optional<CGRect> extentOf(const NodeQuery& query, Tour& tour, std::string& problem) {
+    if (!roleNamed(query.role)) {
+        problem = "there is no role " + query.role;
+        return {};
+    }
+    problem = wait(tour, quoted(query), [&] { return tour.stage.find(query) != nullptr; });
+    if (!problem.empty()) return {};
+    tour.stage.settle();
+    if (!tour.stage.reveal(query)) {
+        problem = quoted(query) + " cannot be scrolled into view";
+        return {};
+    }
+    tour.stage.settle();
+    const auto* const node = tour.stage.find(query);
+    if (!node) {
+        problem = quoted(query) + " has gone";
+        return {};
+    }
+    return node->extent;
+}
+
+CGPoint placeIn(CGRect rect, double fx, double fy) {
+    return {rect.origin.x + rect.size.width * fx, rect.origin.y + rect.size.height * fy};
+}
+
+std::string tap(Words words, Tour& tour) {
+    CGPoint place{0.5, 0.5};
+    if (words.size() == 5 && words[2] == "at") {
+        const auto fractions = numbers(words.subspan(3));
+        if (fractions.empty()) return "takes fractions after \"at\"";
+        place = {fractions[0], fractions[1]};
+    } else if (words.size() != 2) {
+        return "takes a role and a name, and maybe a place";
+    }
+    std::string problem;
+    const auto extent = extentOf({words[0], words[1]}, tour, problem);
+    if (!extent) return problem;
+    tour.stage.tap(placeIn(*extent, place.x, place.y));
+    tour.stage.settle();
+    return {};
+}
+
+std::string drag(Words words, Tour& tour) {
+    if (words.size() != 7 || words[4] != "to") return "takes a role, a name and two places";
+    const auto from = numbers(words.subspan(2, 2));
+    const auto to = numbers(words.subspan(5, 2));
+    if (from.empty() || to.empty()) return "takes places as fractions";
+    std::string problem;
+    const auto extent = extentOf({words[0], words[1]}, tour, problem);
+    if (!extent) return problem;
+    tour.stage.drag(placeIn(*extent, from[0], from[1]), placeIn(*extent, to[0], to[1]), dragSeconds);
+    tour.stage.settle();
+    return {};
+}
+
+std::string scroll(Words words, Tour& tour) {
+    const auto points = numbers(words);
+    if (points.size() != 1) return "takes a number of points";
+    const CGSize window = tour.stage.size();
+    tour.stage.scroll({window.width / 2, window.height / 2}, points[0]);
+    tour.stage.settle();
+    return {};
+}
+
+std::string key(Words words, Tour& tour) {
+    const long usage = words.size() == 1 ? keyNamed(words[0]) : 0;
+    if (usage == 0) return "takes the name of a key";
+    tour.stage.key(usage, 0);
+    tour.stage.settle();
+    return {};
+}
+
+std::string step(Words words, Tour& tour) {
+    using Direction = UIAccessibilityDirection;
+    static constexpr std::pair<const char*, Direction> directions[] = {
+        {"left", Direction::Left}, {"right", Direction::Right}, {"up", Direction::Up}, {"down", Direction::Down}};
+    const bool isLarge = words.size() == 4 && words[3] == "large";
+    const auto* const direction =
+        words.size() == 3 || isLarge
+            ? std::find_if(std::begin(directions), std::end(directions), [&](auto& d) { return words[2] == d.first; })
+            : std::end(directions);
+    if (direction == std::end(directions)) return "takes a role, a name and a direction";
+    const auto size = isLarge ? UIAccessibilityStep::Large : UIAccessibilityStep::Small;
+    if (!tour.stage.step({words[0], words[1]}, direction->second, size))
+        return quoted({words[0], words[1]}) + " does not move";
+    tour.stage.settle();
+    return {};
+}
+
+std::string waitForSomething(Words words, Tour& tour) {
+    auto& stage = tour.stage;
+    if (words.size() == 2 && words[0] != "noted") {
+        const NodeQuery query{words[0], words[1]};
+        return wait(tour, quoted(query), [&] { return stage.find(query) != nullptr; });
+    }
+    if (words.size() == 3 && words[0] == "gone") {
+        const NodeQuery query{words[1], words[2]};
+        return wait(tour, quoted(query) + " to go", [&] { return stage.find(query) == nullptr; });
+    }
+    if (words.size() == 4 && words[0] == "value") {
+        const NodeQuery query{words[1], words[2]};
+        return wait(tour, quoted(query) + " to have the value \"" + words[3] + '"', [&] {
+            const auto* const node = stage.find(query);
+            return node && node->value.starts_with(words[3]);
+        });
+    }
+    if ((words.size() == 2 || words.size() == 3) && words[0] == "noted") {
+        const double times = words.size() == 3 ? number(words[2]).value_or(0) : 1;
+        if (times < 1) return "takes a number of times";
+        return wait(tour, "\"" + words[1] + "\" in the log", [&] { return tour.recorder.count(words[1]) >= times; });
+    }
+    return "takes a role and a name, or \"gone\", \"value\" or \"noted\"";
+}
+
+std::string picture(Words words, Tour& tour) {
+    if (words.size() != 1) return "takes a name";
+    tour.stage.settle();
+    return takePicture(words[0], tour) ? "" : "the picture cannot be written";
+}
+
+std::string say(Words words, Tour& tour) {
+    if (words.size() != 1) return "takes a text";
+    tour.recorder.note("== " + words[0]);
+    return {};
+}
+
+std::string watch(Words words, Tour& tour) {
+    if (words.size() == 2 && words[0] == "notification")
+        tour.recorder.watchNotification(words[1]);
+    else if (words.size() == 2 && words[0] == "file")
+        tour.recorder.watchPropertyList(words[1]);
+    else
+        return "takes \"notification\" or \"file\", and its name";
+    return {};
+}
+
+std::string simulator(Words words, Tour& tour) {
+    if (words.empty()) return "takes what is to be said";
+    std::string problem;
+    if (words.size() == 1 && words[0] == "stop") {
+        tour.simulation.stopDaemon();
+    } else if (words.size() == 1 && words[0] == "start") {
+        tour.simulation.startDaemon(problem);
+    } else {
+        std::string line;
+        for (const auto& word : words) line += (line.empty() ? "" : " ") + word;
+        tour.simulation.say(line, problem);
+    }
+    return problem;
+}
+
+std::string size(Words words, Tour& tour) {
+    const auto values = numbers(words);
+    if (values.size() != 3 || *std::min_element(values.begin(), values.end()) <= 0)
+        return "takes three numbers above 0";
+    tour.stage.resize({values[0], values[1]}, values[2]);
+    tour.stage.settle();
+    return {};
+}
+
+struct Verb {
+    std::string_view name;
+    std::string (*perform)(Words words, Tour& tour);
+};
+
+constexpr Verb verbs[] = {{"tap", tap},         {"drag", drag},
+                          {"scroll", scroll},   {"key", key},
+                          {"step", step},       {"wait", waitForSomething},
+                          {"picture", picture}, {"say", say},
+                          {"watch", watch},     {"simulator", simulator},
+                          {"size", size}};
+
+std::string asText(const ScriptLine& line) {
+    std::string text;
+    for (const auto& word : line.words) {
+        if (!text.empty()) text += ' ';
+        text += word.find(' ') == std::string::npos ? word : '"' + word + '"';
+    }
+    return text;
+}
+
+} // namespace
+
+std::string app::perform(const ScriptLine& line, Tour& tour) {
+    const auto& word = line.words.front();
+    for (const Verb& verb : verbs) {
+        if (verb.name != word) continue;
+        if (word != "say") tour.recorder.note("> " + asText(line));
+        const auto problem = verb.perform(Words(line.words).subspan(1), tour);
+        return problem.empty() ? problem : word + ": " + problem;
+    }
+    return "there is no step called " + word;
+}
+
+bool app::takePicture(const std::string& name, Tour& tour) {
+    std::string file = NSStringWithFormat("%03d-", ++tour.pictures);
+    for (const char c : name) file += std::isalnum(static_cast<unsigned char>(c)) ? c : '-';
+    file += ".png";
+    const bool isWritten = tour.stage.writePicture(tour.folder + "/" + file);
+    if (isWritten) tour.recorder.note("picture " + file);
+    return isWritten;
+}

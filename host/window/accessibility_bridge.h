@@ -1,0 +1,53 @@
+#pragma once
+
+// Between a window's accessibility tree and the toolkit.
+
+#include "host/uikit/accessibility_tree.h"
+
+#include <QRect>
+
+#include <functional>
+#include <map>
+
+class QAccessibleInterface;
+class QWindow;
+
+namespace host {
+
+class AccessibleNode;
+
+// Made when assistive technology first asks for a window. Nodes are made as they are asked for.
+class AccessibilityBridge {
+public:
+    // Both non-owning. `refresh` brings the tree up to date if it may not be.
+    AccessibilityBridge(QWindow& window, AccessibilityTree& tree, std::function<void()> refresh);
+    ~AccessibilityBridge();
+    AccessibilityBridge(const AccessibilityBridge&) = delete;
+    AccessibilityBridge& operator=(const AccessibilityBridge&) = delete;
+
+    // The root's node is owned by the toolkit as the window's own; call once.
+    QAccessibleInterface* makeRoot();
+    // nullptr when there is no such node.
+    QAccessibleInterface* interfaceOf(AccessibilityIdentity identity);
+    void forget(AccessibilityIdentity identity) { m_interfaces.erase(identity); }
+
+    QWindow& window() const { return m_window; }
+    // Up to date.
+    AccessibilityTree& tree() const;
+    // Device pixels of the screen, in the toolkit's units.
+    QRect onScreen(CGRect points) const;
+    CGPoint fromScreen(QPoint position) const;
+    // Points of the scene in one unit of the toolkit.
+    std::function<double()> pointsPerUnit;
+
+private:
+    void changed(AccessibilityIdentity identity, AccessibilityChange change);
+    void tellState(AccessibleNode& node, const AccessibilityNode& now);
+
+    QWindow& m_window;
+    AccessibilityTree& m_tree;
+    std::function<void()> m_refresh;
+    std::map<AccessibilityIdentity, AccessibleNode*> m_interfaces;
+};
+
+} // namespace host

@@ -1,0 +1,255 @@
+#include "host/window/accessible_node.h"
+
+#include "host/window/accessibility_bridge.h"
+
+#include <QGuiApplication>
+#include <QWindow>
+
+namespace {
+
+using Role = UIAccessibilityRole;
+
+QAccessible::Role toolkitRole(Role role) {
+    switch (role) {
+    case Role::Window:
+        return QAccessible::Window;
+    case Role::Group:
+        return QAccessible::Grouping;
+    case Role::StaticText:
+        return QAccessible::StaticText;
+    case Role::Heading:
+        return QAccessible::Heading;
+    case Role::Button:
+        return QAccessible::Button;
+    case Role::Switch:
+        return QAccessible::CheckBox;
+    case Role::Slider:
+        return QAccessible::Slider;
+    case Role::List:
+        return QAccessible::List;
+    case Role::ListItem:
+        return QAccessible::ListItem;
+    case Role::Image:
+        return QAccessible::Graphic;
+    case Role::Alert:
+        return QAccessible::AlertMessage;
+    case Role::ProgressIndicator:
+        return QAccessible::ProgressBar;
+    case Role::NavigationBar:
+        return QAccessible::ToolBar;
+    case Role::Canvas:
+        return QAccessible::Canvas;
+    case Role::None:
+        break;
+    }
+    return QAccessible::NoRole;
+}
+
+struct StepAction {
+    const char* name;
+    UIAccessibilityDirection direction;
+    UIAccessibilityStep step;
+};
+
+constexpr StepAction canvasActions[] = {
+    {"Left", UIAccessibilityDirection::Left, UIAccessibilityStep::Small},
+    {"Right", UIAccessibilityDirection::Right, UIAccessibilityStep::Small},
+    {"Up", UIAccessibilityDirection::Up, UIAccessibilityStep::Small},
+    {"Down", UIAccessibilityDirection::Down, UIAccessibilityStep::Small},
+    {"Far Left", UIAccessibilityDirection::Left, UIAccessibilityStep::Large},
+    {"Far Right", UIAccessibilityDirection::Right, UIAccessibilityStep::Large},
+    {"Far Up", UIAccessibilityDirection::Up, UIAccessibilityStep::Large},
+    {"Far Down", UIAccessibilityDirection::Down, UIAccessibilityStep::Large},
+};
+
+} // namespace
+
+host::AccessibleNode::AccessibleNode(AccessibilityBridge& bridge, AccessibilityIdentity identity)
+    : m_bridge(&bridge), m_identity(identity) {
+    rememberParent();
+}
+
+host::AccessibleNode::~AccessibleNode() {
+    if (m_bridge) m_bridge->forget(m_identity);
+}
+
+void host::AccessibleNode::rememberParent() {
+    if (const auto* const found = node()) m_parent = found->parent;
+}
+
+void host::AccessibleNode::announceDeparture() {
+    m_isLeaving = true;
+    QAccessibleEvent event(this, QAccessible::ObjectDestroyed);
+    QAccessible::updateAccessibility(&event);
+    m_isLeaving = false;
+}
+
+const host::AccessibilityNode* host::AccessibleNode::node() const {
+    return m_bridge ? m_bridge->tree().node(m_identity) : nullptr;
+}
+
+bool host::AccessibleNode::isValid() const { return m_isLeaving || node(); }
+
+QObject* host::AccessibleNode::object() const {
+    return m_bridge && m_bridge->tree().root() == m_identity ? &m_bridge->window() : nullptr;
+}
+
+QWindow* host::AccessibleNode::window() const { return m_bridge ? &m_bridge->window() : nullptr; }
+
+void* host::AccessibleNode::interface_cast(QAccessible::InterfaceType type) {
+    const auto* const found = node();
+    if (!found) return nullptr;
+    if (type == QAccessible::ActionInterface && !actionNames().isEmpty())
+        return static_cast<QAccessibleActionInterface*>(this);
+    if (type == QAccessible::ValueInterface && found->range) return static_cast<QAccessibleValueInterface*>(this);
+    return nullptr;
+}
+
+QAccessibleInterface* host::AccessibleNode::parent() const {
+    if (!m_bridge) return nullptr;
+    if (m_identity == m_bridge->tree().root()) return QAccessible::queryAccessibleInterface(qApp);
+    const auto* const found = node();
+    return m_bridge->interfaceOf(found ? found->parent : m_parent);
+}
+
+QAccessibleInterface* host::AccessibleNode::child(int index) const {
+    const auto* const found = node();
+    if (!found || index < 0 || static_cast<std::size_t>(index) >= found->children.size()) return nullptr;
+    return m_bridge->interfaceOf(found->children[static_cast<std::size_t>(index)]);
+}
+
+int host::AccessibleNode::childCount() const {
+    const auto* const found = node();
+    return found ? static_cast<int>(found->children.size()) : 0;
+}
+
+int host::AccessibleNode::indexOfChild(const QAccessibleInterface* child) const {
+    const auto* const other = dynamic_cast<const AccessibleNode*>(child);
+    const auto* const found = node();
+    if (!other || !found) return -1;
+    const auto at = std::find(found->children.begin(), found->children.end(), other->m_identity);
+    return at == found->children.end() ? -1 : static_cast<int>(at - found->children.begin());
+}
+
+QAccessibleInterface* host::AccessibleNode::childAt(int x, int y) const {
+    if (!node()) return nullptr;
+    auto& tree = m_bridge->tree();
+    // The innermost one there, if it is in here.
+    const auto innermost = tree.nodeAt(m_bridge->fromScreen({x, y}));
+    for (const auto* at = tree.node(innermost); at && at->identity != m_identity; at = tree.node(at->parent))
+        if (at->parent == m_identity) return m_bridge->interfaceOf(innermost);
+    return nullptr;
+}
+
+QAccessibleInterface* host::AccessibleNode::focusChild() const {
+    return node() ? m_bridge->interfaceOf(m_bridge->tree().focusedNode()) : nullptr;
+}
+
+// The bus has no text beside a number for a value, so the text comes as the description, before the hint.
+QString host::AccessibleNode::text(QAccessible::Text kind) const {
+    const auto* const found = node();
+    if (!found) return {};
+    switch (kind) {
+    case QAccessible::Name:
+        return object() && found->name.empty() ? m_bridge->window().title() : QString::fromStdString(found->name);
+    case QAccessible::Value:
+        return QString::fromStdString(found->value);
+    case QAccessible::Description: {
+        const bool hasBoth = !found->value.empty() && !found->description.empty();
+        return QString::fromStdString(found->value + (hasBoth ? ". " : "") + found->description);
+    }
+    default:
+        return {};
+    }
+}
+
+QRect host::AccessibleNode::rect() const {
+    const auto* const found = node();
+    return found ? m_bridge->onScreen(found->extent) : QRect();
+}
+
+QAccessible::Role host::AccessibleNode::role() const {
+    const auto* const found = node();
+    return found ? toolkitRole(found->role) : QAccessible::NoRole;
+}
+
+QAccessible::State host::AccessibleNode::state() const {
+    QAccessible::State state;
+    const auto* const found = node();
+    if (!found) {
+        state.invalid = true;
+        return state;
+    }
+    const bool windowIsActive = m_bridge->window().isActive();
+    state.disabled = !found->isEnabled;
+    state.focusable = found->isFocusable;
+    state.focused = found->isFocused && windowIsActive;
+    state.selectable = found->role == Role::ListItem;
+    state.selected = found->isSelected;
+    state.offscreen = !found->isOnScreen;
+    state.modal = found->role == Role::Alert;
+    state.readOnly = found->role == Role::StaticText || found->role == Role::Heading;
+    if (found->isOn) {
+        state.checkable = true;
+        state.checked = *found->isOn;
+    }
+    if (found->role == Role::Window) {
+        state.active = windowIsActive;
+        state.movable = true;
+        state.sizeable = true;
+    }
+    return state;
+}
+
+QStringList host::AccessibleNode::actionNames() const {
+    QStringList names;
+    const auto* const found = node();
+    if (!found) return names;
+    if (found->canPress) names << (found->isOn ? toggleAction() : pressAction());
+    if (found->isEnabled && found->role == Role::Slider) names << increaseAction() << decreaseAction();
+    if (found->isEnabled && found->role == Role::Canvas)
+        for (const auto& action : canvasActions) names << QString::fromLatin1(action.name);
+    if (found->isFocusable) names << setFocusAction();
+    return names;
+}
+
+void host::AccessibleNode::doAction(const QString& name) {
+    if (!m_bridge) return;
+    auto& tree = m_bridge->tree();
+    using Direction = UIAccessibilityDirection;
+    if (name == pressAction() || name == toggleAction())
+        tree.press(m_identity);
+    else if (name == setFocusAction())
+        tree.focus(m_identity);
+    else if (name == increaseAction())
+        tree.step(m_identity, Direction::Right, UIAccessibilityStep::Small);
+    else if (name == decreaseAction())
+        tree.step(m_identity, Direction::Left, UIAccessibilityStep::Small);
+    else
+        for (const auto& action : canvasActions)
+            if (name == QLatin1String(action.name)) tree.step(m_identity, action.direction, action.step);
+}
+
+QVariant host::AccessibleNode::currentValue() const {
+    const auto* const found = node();
+    return found && found->range ? found->range->current : QVariant();
+}
+
+void host::AccessibleNode::setCurrentValue(const QVariant& value) {
+    if (m_bridge) m_bridge->tree().setValue(m_identity, value.toDouble());
+}
+
+QVariant host::AccessibleNode::maximumValue() const {
+    const auto* const found = node();
+    return found && found->range ? found->range->maximum : QVariant();
+}
+
+QVariant host::AccessibleNode::minimumValue() const {
+    const auto* const found = node();
+    return found && found->range ? found->range->minimum : QVariant();
+}
+
+QVariant host::AccessibleNode::minimumStepSize() const {
+    const auto* const found = node();
+    return found && found->range ? found->range->step : QVariant();
+}

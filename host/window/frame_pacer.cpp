@@ -1,0 +1,31 @@
+#include "host/window/frame_pacer.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+
+namespace {
+
+double now() { return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count(); }
+
+} // namespace
+
+host::FramePacer::FramePacer(std::function<void()> frameIsDue) : m_frameIsDue(std::move(frameIsDue)) {
+    m_timer.setSingleShot(true);
+    m_timer.setTimerType(Qt::PreciseTimer);
+    QObject::connect(&m_timer, &QTimer::timeout, [this] { m_frameIsDue(); });
+}
+
+void host::FramePacer::request() {
+    if (m_timer.isActive()) return;
+    const double wait = m_lastFrame + m_interval - now();
+    m_timer.start(static_cast<int>(std::lround(std::clamp(wait, 0.0, m_interval) * 1000)));
+}
+
+void host::FramePacer::cancel() { m_timer.stop(); }
+
+void host::FramePacer::frameBegins() { m_lastFrame = now(); }
+
+void host::FramePacer::setRefreshRate(double hertz) {
+    m_interval = 1 / std::clamp(std::isfinite(hertz) ? hertz : 60.0, 20.0, 360.0);
+}

@@ -1,0 +1,33 @@
+#pragma once
+
+// From the window system's key events to the phone's.
+
+#include <memory>
+#include <set>
+
+class UIKeyEvent;
+
+namespace host {
+
+struct RawKeyEvent {
+    unsigned scanCode = 0; // the window system's: the kernel's number of the key plus 8
+    bool isDown = true;
+    bool isAutoRepeat = false; // the window system says so
+    unsigned modifiers = 0;    // UIKeyEvent's
+};
+
+class KeyTranslator {
+public:
+    // nil for what is no key of the usage page, for keys that went down while another window had the keyboard, and for
+    // what no key did: a held key comes as pairs of release and press, of which the release is dropped and the press is
+    // marked as a repeat.
+    std::shared_ptr<UIKeyEvent> translate(const RawKeyEvent& event);
+
+    // The keyboard is somebody else's now: releases that follow are not ours to hear.
+    void forgetHeldKeys() { m_held.clear(); }
+
+private:
+    std::set<long> m_held; // usages
+};
+
+} // namespace host

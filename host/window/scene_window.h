@@ -1,0 +1,48 @@
+#pragma once
+
+// A window of the desktop that shows a scene and feeds it touches and keys.
+
+#include "platform/quartz/CGGeometry.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace host {
+
+class WindowScene;
+
+struct SceneWindowOptions {
+    CGSize size{375, 667};        // points
+    CGSize minimumSize{320, 480}; // points
+    double scale = 0;             // pixels a point; 0: the screen's
+};
+
+// Main thread only, with a Toolkit that has a display. The mouse's main button is a finger; a window that is minimised
+// or hidden posts UIApplicationDidEnterBackgroundNotification. Paints what has changed, when something has.
+class SceneWindow {
+public:
+    // The window system is asked for the window at once, so that it can work on it while the scene is being made.
+    explicit SceneWindow(const SceneWindowOptions& options);
+    ~SceneWindow();
+    SceneWindow(const SceneWindow&) = delete;
+    SceneWindow& operator=(const SceneWindow&) = delete;
+
+    CGSize size() const; // points, as they are now
+    double scale() const;
+
+    // Non-owning: the scene outlives the window.
+    void setScene(WindowScene& scene);
+    // Asked now, and after each frame.
+    void setTitleSource(std::function<std::string()> title);
+    // The user wants the window gone; it stays until it is destroyed.
+    void setCloseHandler(std::function<void()> closed);
+    // Runs each time something was painted, with the seconds since the frame was begun.
+    void setFrameHandler(std::function<void(double seconds)> painted);
+
+private:
+    struct State;
+    std::unique_ptr<State> m_state;
+};
+
+} // namespace host

@@ -1,0 +1,198 @@
+#include "host/window/surface_window.h"
+
+#include "host/uikit/application.h"
+#include "host/uikit/window_scene.h"
+#include "host/window/accessibility_bridge.h"
+#include "platform/foundation/time.h"
+
+#include <QGuiApplication>
+#include <QPainter>
+#include <QScreen>
+
+namespace {
+
+QRegion region(std::span<const CGRect> pixels, double pixelRatio) {
+    QRegion result;
+    for (const CGRect& rect : pixels) {
+        const QPoint topLeft(static_cast<int>(std::floor(CGRectGetMinX(rect) / pixelRatio)),
+                             static_cast<int>(std::floor(CGRectGetMinY(rect) / pixelRatio)));
+        const QPoint bottomRight(static_cast<int>(std::ceil(CGRectGetMaxX(rect) / pixelRatio)) - 1,
+                                 static_cast<int>(std::ceil(CGRectGetMaxY(rect) / pixelRatio)) - 1);
+        result += QRect(topLeft, bottomRight);
+    }
+    return result;
+}
+
+bool holdsPixelsAsWeDo(const QImage& image) {
+    return image.format() == QImage::Format_RGB32 || image.format() == QImage::Format_ARGB32_Premultiplied;
+}
+
+host::PixelTarget target(QImage& image) {
+    return {reinterpret_cast<std::uint32_t*>(image.bits()), image.width(), image.height(),
+            static_cast<int>(image.bytesPerLine())};
+}
+
+} // namespace
+
+host::SurfaceWindow::SurfaceWindow(const SceneWindowOptions& options)
+    : m_fixedScale(options.scale), m_store(this), m_pacer([this] { frameIsDue(); }) {
+    setSurfaceType(QSurface::RasterSurface);
+    const double unit = scale() / devicePixelRatio();
+    const auto toolkitSize = [unit](CGSize points) {
+        return QSize(static_cast<int>(std::lround(points.width * unit)),
+                     static_cast<int>(std::lround(points.height * unit)));
+    };
+    setMinimumSize(toolkitSize(options.minimumSize).boundedTo(toolkitSize(options.size)));
+    resize(toolkitSize(options.size));
+    show();
+}
+
+host::SurfaceWindow::~SurfaceWindow() {
+    // Going away is not going to the background.
+    m_isInForeground = false;
+    if (m_scene) m_scene->setNeedsFrame(nullptr);
+}
+
+double host::SurfaceWindow::scale() const { return m_fixedScale > 0 ? m_fixedScale : devicePixelRatio(); }
+
+CGSize host::SurfaceWindow::sizeInPoints() const {
+    const double unit = scale() / devicePixelRatio();
+    return {width() / unit, height() / unit};
+}
+
+void host::SurfaceWindow::setScene(WindowScene& scene) {
+    m_scene = &scene;
+    m_surfaceIsWhole = false;
+    scene.setNeedsFrame([this] { wantFrame(); });
+    wantFrame();
+}
+
+void host::SurfaceWindow::wantFrame() {
+    m_frameIsWanted = true;
+    if (m_scene && isExposed()) m_pacer.request();
+}
+
+void host::SurfaceWindow::frameIsDue() {
+    if (!m_scene || !isExposed()) return;
+    const double start = platform::CACurrentMediaTime();
+    m_pacer.frameBegins();
+    m_frameIsWanted = false;
+    fitScene();
+    auto damage = m_scene->prepareFrame();
+    if (!m_surfaceIsWhole) damage = {{{0, 0}, m_sceneSize}};
+    if (!damage.empty()) {
+        paint(damage);
+        if (framePainted) framePainted(platform::CACurrentMediaTime() - start);
+    }
+    refreshTitle();
+    if (m_scene->isAnimating()) m_pacer.request();
+}
+
+// The surface follows the window's size, the scene the surface's.
+void host::SurfaceWindow::fitScene() {
+    if (m_store.size() != size()) {
+        m_store.resize(size());
+        m_surfaceIsWhole = false;
+    }
+    const CGSize points = sizeInPoints();
+    if (points == m_sceneSize && scale() == m_sceneScale) return;
+    m_sceneSize = points;
+    m_sceneScale = scale();
+    m_surfaceIsWhole = false;
+    m_scene->resize(m_sceneSize, m_sceneScale);
+    if (screen()) m_pacer.setRefreshRate(screen()->refreshRate());
+}
+
+CGRect host::SurfaceWindow::alignedToPixels(CGRect points) const {
+    const double left = std::floor(CGRectGetMinX(points) * m_sceneScale);
+    const double top = std::floor(CGRectGetMinY(points) * m_sceneScale);
+    const double right = std::ceil(CGRectGetMaxX(points) * m_sceneScale);
+    const double bottom = std::ceil(CGRectGetMaxY(points) * m_sceneScale);
+    return {{left, top}, {right - left, bottom - top}};
+}
+
+void host::SurfaceWindow::paint(std::span<const CGRect> damage) {
+    std::vector<CGRect> pixels;
+    for (const CGRect& rect : damage) pixels.push_back(alignedToPixels(rect));
+    const QRegion changed = region(pixels, devicePixelRatio()) & QRect(QPoint(), size());
+    if (changed.isEmpty()) return;
+
+    // The surface may hand out cleared pixels, whole ones: all of them have to be painted.
+    for (CGRect& rect : pixels)
+        rect = {{rect.origin.x / m_sceneScale, rect.origin.y / m_sceneScale},
+                {rect.size.width / m_sceneScale, rect.size.height / m_sceneScale}};
+    m_store.beginPaint(changed);
+    paintSurface(pixels);
+    m_store.endPaint();
+    m_store.flush(changed);
+    m_surfaceIsWhole = true;
+}
+
+void host::SurfaceWindow::paintSurface(std::span<const CGRect> damage) {
+    auto* const surface = m_store.paintDevice();
+    if (!surface) return;
+    if (surface->devType() == QInternal::Image)
+        if (auto* const image = static_cast<QImage*>(surface); holdsPixelsAsWeDo(*image)) {
+            m_scene->paint(target(*image), damage);
+            return;
+        }
+
+    const QSize pixelSize(surface->width(), surface->height());
+    const CGRect all{{0, 0}, m_sceneSize};
+    if (m_picture.size() != pixelSize) {
+        m_picture = QImage(pixelSize, QImage::Format_RGB32);
+        m_picture.setDevicePixelRatio(surface->devicePixelRatio());
+        damage = {&all, 1};
+    }
+    m_scene->paint(target(m_picture), damage);
+    QPainter painter(surface);
+    painter.drawImage(QPointF(), m_picture);
+}
+
+bool host::SurfaceWindow::event(QEvent* event) {
+    switch (event->type()) {
+    case QEvent::Close:
+        event->ignore();
+        if (closed) closed();
+        return true;
+    case QEvent::WindowStateChange:
+    case QEvent::Hide:
+        noteVisibility();
+        break;
+    default:
+        break;
+    }
+    return QWindow::event(event);
+}
+
+void host::SurfaceWindow::exposeEvent(QExposeEvent*) {
+    noteVisibility();
+    if (!isExposed()) return m_pacer.cancel();
+    // What was covered is still in the surface, unless the window has changed meanwhile.
+    if (m_surfaceIsWhole && m_store.size() == size())
+        m_store.flush(QRect(QPoint(), size()));
+    else
+        frameIsDue();
+    if (m_frameIsWanted) wantFrame();
+}
+
+void host::SurfaceWindow::resizeEvent(QResizeEvent*) { wantFrame(); }
+
+void host::SurfaceWindow::noteVisibility() {
+    const bool isInForeground = isExposed() && isVisible() && !(windowStates() & Qt::WindowMinimized);
+    if (isInForeground == m_isInForeground) return;
+    m_isInForeground = isInForeground;
+    if (isInForeground) return;
+    cancelTouches();
+    applicationDidEnterBackground();
+}
+
+void host::SurfaceWindow::setTitleSource(std::function<std::string()> source) {
+    m_titleSource = std::move(source);
+    refreshTitle();
+}
+
+void host::SurfaceWindow::refreshTitle() {
+    if (!m_titleSource) return;
+    if (const auto text = QString::fromStdString(m_titleSource()); text != title()) setTitle(text);
+}

@@ -1,0 +1,110 @@
+// Where the toolkit's mouse, touch, wheel and key events become ours.
+
+#include "host/uikit/application.h"
+#include "host/uikit/window_scene.h"
+#include "host/window/surface_window.h"
+#include "platform/foundation/time.h"
+#include "platform/uikit/UIKeyEvent.h"
+
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QTouchEvent>
+#include <QWheelEvent>
+
+namespace {
+
+constexpr long mouse = 0;                 // the mouse's touch; fingers follow
+constexpr double pointsPerWheelStep = 53; // a step of the wheel scrolls by about a row
+constexpr double wheelUnitsPerStep = 120; // eighths of a degree, 15 degrees a step
+
+unsigned modifiers(Qt::KeyboardModifiers keys) {
+    unsigned result = 0;
+    if (keys & Qt::ShiftModifier) result |= UIKeyEvent::Shift;
+    if (keys & Qt::ControlModifier) result |= UIKeyEvent::Control;
+    if (keys & Qt::AltModifier) result |= UIKeyEvent::Alt;
+    if (keys & Qt::MetaModifier) result |= UIKeyEvent::GUI;
+    return result;
+}
+
+} // namespace
+
+CGPoint host::SurfaceWindow::toPoints(QPointF position) const {
+    const double unit = scale() / devicePixelRatio();
+    return {position.x() / unit, position.y() / unit};
+}
+
+void host::SurfaceWindow::touchBegins(long identifier, CGPoint location) {
+    if (!m_scene || !m_touches.insert(identifier).second) return;
+    m_scene->window()->touchBegan(identifier, location, platform::CACurrentMediaTime());
+}
+
+void host::SurfaceWindow::touchMoves(long identifier, CGPoint location) {
+    if (m_scene && m_touches.contains(identifier))
+        m_scene->window()->touchMoved(identifier, location, platform::CACurrentMediaTime());
+}
+
+void host::SurfaceWindow::touchEnds(long identifier, CGPoint location) {
+    if (m_scene && m_touches.erase(identifier) != 0)
+        m_scene->window()->touchEnded(identifier, location, platform::CACurrentMediaTime());
+}
+
+void host::SurfaceWindow::cancelTouches() {
+    for (const long identifier : std::exchange(m_touches, {}))
+        m_scene->window()->touchCancelled(identifier, platform::CACurrentMediaTime());
+}
+
+void host::SurfaceWindow::mousePressEvent(QMouseEvent* event) {
+    if (event->button() == Qt::LeftButton) touchBegins(mouse, toPoints(event->position()));
+}
+
+void host::SurfaceWindow::mouseMoveEvent(QMouseEvent* event) { touchMoves(mouse, toPoints(event->position())); }
+
+void host::SurfaceWindow::mouseReleaseEvent(QMouseEvent* event) {
+    if (event->button() == Qt::LeftButton) touchEnds(mouse, toPoints(event->position()));
+}
+
+// Accepted, so that no mouse events are made of it.
+void host::SurfaceWindow::touchEvent(QTouchEvent* event) {
+    event->accept();
+    if (event->type() == QEvent::TouchCancel) return cancelTouches();
+    for (const auto& finger : event->points()) {
+        const long identifier = mouse + 1 + finger.id();
+        const CGPoint location = toPoints(finger.position());
+        switch (finger.state()) {
+        case QEventPoint::Pressed:
+            touchBegins(identifier, location);
+            break;
+        case QEventPoint::Updated:
+            touchMoves(identifier, location);
+            break;
+        case QEventPoint::Released:
+            touchEnds(identifier, location);
+            break;
+        default:
+            break;
+        }
+    }
+}
+
+void host::SurfaceWindow::wheelEvent(QWheelEvent* event) {
+    if (!m_scene) return;
+    // A touchpad tells pixels, a wheel tells its angle; both point where the content shall go.
+    CGPoint delta = toPoints(event->pixelDelta());
+    if (event->pixelDelta().isNull())
+        delta = {event->angleDelta().x() / wheelUnitsPerStep * pointsPerWheelStep,
+                 event->angleDelta().y() / wheelUnitsPerStep * pointsPerWheelStep};
+    if (delta == CGPoint{}) return;
+    m_scene->window()->scrolled(toPoints(event->position()), {-delta.x, -delta.y}, platform::CACurrentMediaTime());
+}
+
+void host::SurfaceWindow::keyPressEvent(QKeyEvent* event) { deliverKey(*event, /*isDown=*/true); }
+
+void host::SurfaceWindow::keyReleaseEvent(QKeyEvent* event) { deliverKey(*event, /*isDown=*/false); }
+
+void host::SurfaceWindow::deliverKey(const QKeyEvent& event, bool isDown) {
+    if (const auto key =
+            m_keys.translate({event.nativeScanCode(), isDown, event.isAutoRepeat(), modifiers(event.modifiers())}))
+        sendKeyEvent(key);
+}
+
+void host::SurfaceWindow::focusOutEvent(QFocusEvent*) { m_keys.forgetHeldKeys(); }

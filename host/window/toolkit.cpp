@@ -1,0 +1,146 @@
+#include "host/window/toolkit.h"
+
+#include "host/window/event_loop.h"
+#include "platform/log.h"
+
+#include <QGuiApplication>
+
+#include <csignal>
+#include <cstdlib>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace {
+
+void (*noDisplayHandler)(const std::string& reason) = nullptr;
+bool isStarting = false;
+
+// Filled by messages of the window system's plugins while the toolkit starts: why there is no display.
+std::string& startProblem() {
+    static auto* const problem = new std::string;
+    return *problem;
+}
+
+void logMessage(QtMsgType type, const QMessageLogContext& context, const QString& message) {
+    // The toolkit's own road ends in abort().
+    if (type == QtFatalMsg && isStarting && noDisplayHandler) {
+        auto& problem = startProblem();
+        noDisplayHandler(problem.empty() ? "no window system is there" : problem);
+    }
+    const bool isInteresting = type == QtWarningMsg || type == QtCriticalMsg || type == QtFatalMsg;
+    if (!isInteresting) return;
+    const bool isOfPlatform = context.category && std::string_view(context.category).starts_with("qt.qpa");
+    if (isStarting && noDisplayHandler && isOfPlatform) {
+        if (startProblem().empty()) startProblem() = message.toStdString();
+        return;
+    }
+    NSLog("toolkit: %s", message.toUtf8().constData());
+}
+
+int signalPipe[2] = {-1, -1};
+
+void noteSignal(int number) {
+    const int savedError = errno;
+    const char byte = static_cast<char>(number);
+    (void)!write(signalPipe[1], &byte, 1);
+    errno = savedError;
+}
+
+bool somethingNamesADisplay() {
+    for (const char* const name : {"WAYLAND_DISPLAY", "WAYLAND_SOCKET", "DISPLAY", "QT_QPA_PLATFORM"})
+        if (const char* const value = std::getenv(name); value && *value) return true;
+    return false;
+}
+
+} // namespace
+
+struct host::Toolkit::State {
+    int argumentCount = 1;
+    std::string name;
+    std::string platformOption = "-platform";
+    std::string platform = "offscreen";
+    char* arguments[4] = {};
+    std::unique_ptr<QGuiApplication> application;
+    std::unique_ptr<EventLoop> loop;
+    SourceToken signalSource = 0;
+    int exitCode = 0;
+    bool hasQuit = false;
+};
+
+host::Toolkit::Toolkit(const ToolkitOptions& options) : m_state(std::make_unique<State>()) {
+    auto& state = *m_state;
+    state.name = options.name;
+    state.arguments[0] = state.name.data();
+    if (!options.needsDisplay) {
+        state.arguments[1] = state.platformOption.data();
+        state.arguments[2] = state.platform.data();
+        state.argumentCount = 3;
+    } else if (options.noDisplay && !somethingNamesADisplay()) {
+        options.noDisplay("neither DISPLAY nor WAYLAND_DISPLAY names one");
+    }
+
+    // A send to a peer that has hung up reports an error and is no reason to die.
+    std::signal(SIGPIPE, SIG_IGN);
+    noDisplayHandler = options.needsDisplay ? options.noDisplay : nullptr;
+    isStarting = true;
+    qInstallMessageHandler(logMessage);
+    QGuiApplication::setDesktopFileName(QString::fromStdString(options.desktopEntry));
+    QGuiApplication::setQuitOnLastWindowClosed(false);
+    state.application = std::make_unique<QGuiApplication>(state.argumentCount, state.arguments);
+    isStarting = false;
+    state.loop = std::make_unique<EventLoop>();
+}
+
+host::Toolkit::~Toolkit() {
+    if (m_state->signalSource != 0) {
+        removeSource(m_state->signalSource);
+        for (const int number : {SIGTERM, SIGINT, SIGHUP}) std::signal(number, SIG_IGN);
+        for (int& end : signalPipe) end = (close(end), -1);
+    }
+    m_state->loop.reset();
+    m_state->application.reset();
+    qInstallMessageHandler(nullptr);
+}
+
+int host::Toolkit::run() {
+    if (!m_state->hasQuit) QGuiApplication::exec();
+    m_state->hasQuit = false;
+    return m_state->exitCode;
+}
+
+bool host::Toolkit::runUntil(const std::function<bool()>& done, double seconds) {
+    QTimer patience;
+    patience.setSingleShot(true);
+    patience.start(static_cast<int>(seconds * 1000));
+    while (!done()) {
+        if (m_state->hasQuit || !patience.isActive()) return false;
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
+    return true;
+}
+
+void host::Toolkit::quit(int code) {
+    m_state->exitCode = code;
+    m_state->hasQuit = true;
+    QGuiApplication::exit(code);
+}
+
+// A handler and a pipe, and not a blocked signal and a descriptor for it: the block would be inherited by children.
+void host::Toolkit::onTermination(std::function<void()> terminated) {
+    if (pipe2(signalPipe, O_CLOEXEC | O_NONBLOCK) != 0) return;
+    m_state->signalSource = addReadableSource(signalPipe[0], [run = std::move(terminated)]() mutable {
+        char bytes[16];
+        while (read(signalPipe[0], bytes, sizeof bytes) > 0) {
+        }
+        if (const auto first = std::exchange(run, nullptr)) first();
+    });
+    for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
+        struct sigaction action {};
+        sigaction(number, nullptr, &action);
+        if (number != SIGTERM && action.sa_handler == SIG_IGN) continue;
+        action = {};
+        action.sa_handler = noteSignal;
+        action.sa_flags = SA_RESTART;
+        sigaction(number, &action, nullptr);
+    }
+}

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "host/dispatch/run_loop_sources.h"
+#include "host/foundation/Descriptor.h"
+#include "host/testing/poll_loop.h"
+
+#include <functional>
+#include <string>
+
+namespace simulator {
+
+// What both stand-ins are at bottom: a plain run loop that ends on a signal or with the program that started it.
+class Program {
+public:
+    Program();
+    ~Program();
+    Program(const Program&) = delete;
+    Program& operator=(const Program&) = delete;
+
+    // SIGINT, SIGTERM and SIGHUP come here, with their number, instead of ending the process. By default they end
+    // run().
+    void setSignalled(std::function<void(int)> signalled) { m_signalled = std::move(signalled); }
+    // Ends run() when the parent ends. A process whose parent has ended already ends at once.
+    void endWithParent();
+    // Each line of the standard input; when a pipe on it ends, so does run().
+    void readLines(std::function<void(const std::string&)> line);
+
+    // Until end(); gives the exit code.
+    int run();
+    void end(int code);
+    // Lets the run loop go on until `done` holds.
+    bool runUntil(const std::function<bool()>& done, double seconds) { return m_loop.runUntil(done, seconds); }
+
+private:
+    void signalArrived();
+    void inputArrived();
+
+    host::PollLoop m_loop;
+    host::Descriptor m_signals;
+    host::Descriptor m_parent;
+    host::SourceToken m_signalSource = 0;
+    host::SourceToken m_parentSource = 0;
+    host::SourceToken m_inputSource = 0;
+    std::function<void(int)> m_signalled;
+    std::function<void(const std::string&)> m_line;
+    std::string m_partialLine;
+    bool m_ended = false;
+    int m_code = 0;
+};
+
+} // namespace simulator
