@@ -32,6 +32,9 @@ CGPoint CGPointApplyAffineTransform(CGPoint point, CGAffineTransform t) {
 CGRect CGRectApplyAffineTransform(CGRect rect, CGAffineTransform t) {
     if (CGRectIsNull(rect)) return rect;
     if (t.a == 1 && t.b == 0 && t.c == 0 && t.d == 1) return CGRectOffset(rect, t.tx, t.ty);
+    if (t.b == 0 && t.c == 0 && t.a > 0 && t.d > 0)
+        return {{t.a * rect.origin.x + t.tx, t.d * rect.origin.y + t.ty},
+                {t.a * rect.size.width, t.d * rect.size.height}};
     const CGPoint corners[] = {
         CGPointApplyAffineTransform({CGRectGetMinX(rect), CGRectGetMinY(rect)}, t),
         CGPointApplyAffineTransform({CGRectGetMaxX(rect), CGRectGetMinY(rect)}, t),

@@ -97,6 +97,11 @@ void Canvas::fillRect(double left, double top, double right, double bottom, cons
                 painter->fillRect(QRectF(QPointF(left, top), QPointF(right, bottom)), *brush);
         return;
     }
+    if (isOnPixelEdge(left) && isOnPixelEdge(top) && isOnPixelEdge(right) && isOnPixelEdge(bottom)) {
+        const auto edge = [](double value) { return static_cast<int>(std::lround(value)); };
+        fillPixels({edge(left), edge(top), edge(right), edge(bottom)}, color, alpha);
+        return;
+    }
     if (!beginWriting()) return;
     const auto columns = bands(left, right);
     for (const Band& row : bands(top, bottom))
