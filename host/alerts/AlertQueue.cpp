@@ -17,7 +17,8 @@ bool AlertQueue::contains(const UIAlertView& alert) const {
 void AlertQueue::add(const std::shared_ptr<UIAlertView>& alert) {
     if (contains(*alert)) return;
     // Its window is gone: nobody can answer it any more.
-    if (!m_alerts.empty() && m_alerts.front()->superview() && !m_alerts.front()->window()) m_alerts.pop_front();
+    while (!m_alerts.empty() && m_alerts.front()->m_alert->hasAppeared && !m_alerts.front()->window())
+        m_alerts.pop_front();
     m_alerts.push_back(alert);
     showFirst();
 }
@@ -26,6 +27,8 @@ void AlertQueue::remove(const std::shared_ptr<UIAlertView>& alert, long buttonIn
     const auto at = std::find(m_alerts.begin(), m_alerts.end(), alert);
     if (at == m_alerts.end()) return;
     m_alerts.erase(at);
+    // It may be shown again.
+    alert->m_alert->hasAppeared = false;
     const auto window = alert->window();
     alert->removeFromSuperview();
     if (window) window->setFocusedView(alert->m_alert->focusedBefore.lock());
@@ -35,7 +38,7 @@ void AlertQueue::remove(const std::shared_ptr<UIAlertView>& alert, long buttonIn
 }
 
 void AlertQueue::showFirst() {
-    if (m_alerts.empty() || m_alerts.front()->superview()) return;
+    if (m_alerts.empty() || m_alerts.front()->m_alert->hasAppeared) return;
     const auto window = UIApplication::sharedApplication()->keyWindow();
     if (!window) return;
     m_alerts.front()->appearIn(*window);

@@ -91,6 +91,7 @@ bool UIAlertView::isVisible() const { return window() != nullptr && !m_alert->is
 void UIAlertView::show() { AlertQueue::shared().add(self(this)); }
 
 void UIAlertView::appearIn(UIWindow& window) {
+    m_alert->hasAppeared = true;
     m_alert->focusedBefore = window.focusedView();
     setFrame(window.bounds());
     window.addSubview(self(this));

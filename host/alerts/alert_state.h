@@ -19,6 +19,7 @@ struct UIAlertView::State {
     std::vector<std::shared_ptr<UIView>> lines; // above and between the buttons
 
     std::weak_ptr<UIView> focusedBefore;
+    bool hasAppeared = false;
     bool isDismissing = false;
 
     bool hasButtonsSideBySide() const { return buttons.size() == 2; }

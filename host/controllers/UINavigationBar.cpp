@@ -29,7 +29,6 @@ public:
         m_title->setText(item.title);
         m_title->setFont(UIFont::boldSystemFontOfSize(17));
         m_title->setTextAlignment(NSTextAlignmentCenter);
-        addSubview(m_title);
         if (item.backTitle) {
             m_back = TextButton::alloc()->initWithTitle_kind(item.backTitle->empty() ? "Back" : *item.backTitle,
                                                              TextButton::Kind::Back);
@@ -37,6 +36,7 @@ public:
             m_back->addTarget_action_forControlEvents(item.controller.lock(), "goBack", UIControlEventTouchUpInside);
             addSubview(m_back);
         }
+        addSubview(m_title);
         return self(this);
     }
 
@@ -120,7 +120,8 @@ void NavigationBarInternals::show(UINavigationBar& bar, const Item& item, Direct
             coming->setCenter(middle);
             coming->setAlpha(1);
             former->setCenter({middle.x - way, middle.y});
-            former->setAlpha(0);
         },
         [former](bool) { former->removeFromSuperview(); });
+    // Sooner than the other comes: the texts must not be read through each other.
+    UIView::animateWithDuration_animations(changeDuration / 3, [&] { former->setAlpha(0); });
 }

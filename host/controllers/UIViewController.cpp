@@ -118,8 +118,8 @@ bool ControllerInternals::isAppearing(const UIViewController& controller) {
     return appearance == Appearing || appearance == Appeared;
 }
 
-bool ControllerInternals::hasAppeared(const UIViewController& controller) {
-    return controller.m_controller->appearance == UIViewController::State::Appearance::Appeared;
+bool ControllerInternals::isArriving(const UIViewController& controller) {
+    return controller.m_controller->appearance == UIViewController::State::Appearance::Appearing;
 }
 
 std::shared_ptr<UIViewController> ControllerInternals::ownPresented(const UIViewController& controller) {

@@ -26,7 +26,8 @@ struct ControllerInternals {
     static void setParent(UIViewController& controller, const std::shared_ptr<UIViewController>& parent);
     // Shown, or on the way to it.
     static bool isAppearing(const UIViewController& controller);
-    static bool hasAppeared(const UIViewController& controller);
+    // On the way, but not there yet.
+    static bool isArriving(const UIViewController& controller);
     // What this very controller presents; `presentedViewController` asks the containers around it too.
     static std::shared_ptr<UIViewController> ownPresented(const UIViewController& controller);
 };

@@ -28,11 +28,12 @@ bool UINavigationController::State::contains(const UIViewController* screen) con
 }
 
 void UINavigationController::State::settle(bool animated) {
+    isAnimated = animated;
     // Nothing is shown before the container itself is.
     if (isSettling || !controller.isViewLoaded()) return;
     const auto keepAlive = controller.shared_from_this();
     isSettling = true;
-    while (!stack.empty() && shown != stack.back()) move(animated);
+    while (!stack.empty() && shown != stack.back()) move();
     isSettling = false;
 }
 
@@ -47,14 +48,14 @@ void UINavigationController::State::prepare(UIViewController& screen) const {
     }
 }
 
-void UINavigationController::State::move(bool animated) {
+void UINavigationController::State::move() {
     if (transition) transition->finish();
     const auto from = shown;
     const auto to = stack.back();
     // Ending the former movement may have changed the stack.
     if (from == to) return;
     const bool isForward = !from || contains(from.get());
-    const bool moves = animated && from && ControllerInternals::isAppearing(controller);
+    const bool moves = isAnimated && from && ControllerInternals::isAppearing(controller);
     shown = to;
     prepare(*to);
     if (ControllerInternals::isAppearing(controller)) {
@@ -92,7 +93,7 @@ void UINavigationController::State::move(bool animated) {
             from->endAppearanceTransition();
         }
         // While the container is still on its way, its own arrival brings the call.
-        if (!navigation || ControllerInternals::hasAppeared(*navigation)) to->endAppearanceTransition();
+        if (!navigation || !ControllerInternals::isArriving(*navigation)) to->endAppearanceTransition();
     });
     if (running->isRunning()) transition = running;
 }

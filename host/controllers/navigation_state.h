@@ -20,9 +20,10 @@ struct UINavigationController::State {
     std::shared_ptr<UIView> area; // in which the screens' views stand, below the bar in depth
     std::shared_ptr<ScreenTransition> transition;
     bool isSettling = false;
+    bool isAnimated = false; // the last wish
 
 private:
-    void move(bool animated);
+    void move();
     void prepare(UIViewController& screen) const;
 };
 

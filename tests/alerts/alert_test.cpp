@@ -1,0 +1,3 @@
+#include "tests/alerts/alert_test.h"
+
+NS_CLASS_IMPLEMENTATION(AlertListener, NSObject)

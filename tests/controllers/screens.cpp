@@ -1,0 +1,3 @@
+#include "tests/controllers/screens.h"
+
+NS_CLASS_IMPLEMENTATION(LoggedScreen, UIViewController)
