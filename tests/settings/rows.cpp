@@ -30,8 +30,9 @@ TEST_F(Rows, OfADualShock4FollowThePairRow) {
 TEST_F(Rows, OfADualShock4ThatIsConnectedByHandPutTheConnectRowBehindTheMode) {
     show(1, 1);
 
-    EXPECT_EQ(rows(), head + "Connect Controller | Pair Controller | [DualShock 4] | Ambient LED Color | "
-                             "Choose LED Color" +
+    EXPECT_EQ(rows(), head +
+                          "Connect Controller | Pair Controller | [DualShock 4] | Ambient LED Color | "
+                          "Choose LED Color" +
                           tail);
 }
 
@@ -204,9 +205,10 @@ TEST_F(Rows, ForcingTheExtendedProfileWarnsAndStaysWritten) {
 
     ASSERT_TRUE(app.tapSwitch("Force Extended Gamepad"));
 
-    EXPECT_EQ(app.alert(),
-              "Important!\nYour controller is missing some buttons the extended gamepad requires. By forcing this profile "
-              "you may have poor gaming experience. Please turn this off unless you know what this means.");
+    EXPECT_EQ(
+        app.alert(),
+        "Important!\nYour controller is missing some buttons the extended gamepad requires. By forcing this profile "
+        "you may have poor gaming experience. Please turn this off unless you know what this means.");
     EXPECT_EQ(app.preference("JVNForceExtendedGamepad"), yes);
     ASSERT_TRUE(app.dismissAlert());
 

@@ -19,6 +19,9 @@ SettingsHost::SettingsHost(CGSize size, double scale) : m_scene(size, scale), m_
 }
 
 SettingsHost::~SettingsHost() {
+    // A test that failed may leave an alert up; it would stand before the next test's page.
+    while (dismissAlert()) {
+    }
     close();
     host::setResourceFolder({});
     host::setRoot({});

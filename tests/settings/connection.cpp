@@ -1,0 +1,342 @@
+// Connecting, disconnecting and asking, over a real socket: what the daemon gets, what the flag and the row become.
+
+#include "host/dispatch/main_queue.h"
+#include "host/notify/NotifyListener.h"
+#include "host/socket/socket_faults.h"
+#include "platform/foundation/NSData.h"
+#include "tests/settings/page_test.h"
+#include "tests/support/descriptors.h"
+#include "tests/support/heartbeat.h"
+#include "tests/support/logged_lines.h"
+
+#include <cerrno>
+
+namespace {
+
+using testing_support::Bytes;
+using testing_support::DaemonPeer;
+using testing_support::hex;
+using testing_support::ScriptedDaemon;
+
+Bytes reply(std::uint8_t command, std::uint8_t state) { return {command, 0, 0, 0, state, 0, 0, 0, 0, 0, 0, 0}; }
+
+// Answers each request by its command: a query with `query`, a connect with `connect` (nothing where empty).
+ScriptedDaemon::Script answering(Bytes query, Bytes connect) {
+    return [=](DaemonPeer& peer) {
+        const Bytes head = peer.read(12);
+        if (head.size() < 12) return;
+        if (head[0] == 5) {
+            peer.write(query);
+            if (query.size() < 12) return;
+        } else if (head[0] == 1) {
+            peer.read(8);
+            peer.write(connect);
+        }
+        peer.readToEnd();
+    };
+}
+
+class Connection : public PageTest {
+protected:
+    Connection()
+        : m_failed("com.quorrel.jvnfailure", [this] { ++failures; }),
+          m_initialised("com.quorrel.jvninitbt", [this] { ++initialisations; }) {}
+
+    void start(ScriptedDaemon::Script script) {
+        daemon.reset(); // its socket goes before the next one's comes
+        daemon = std::make_unique<ScriptedDaemon>(app.root(), std::move(script));
+    }
+    // Shows the page over a daemon and lets the first query end.
+    void showSettled(long type, bool paired, long mode = 1) {
+        show(type, mode, {{"PS4BluetoothAddress", paired ? id(NSData::dataWithBytes(address)) : id()}});
+        ASSERT_TRUE(daemon->waitForConnections(1));
+        ASSERT_TRUE(app.waitUntil([&] { return rowIsEnabled(); }));
+    }
+    bool rowIsEnabled() {
+        const auto cell = page->connectSpecifier()->propertyForKey("cellObject").object<PSTableCell>();
+        return !cell || (cell->isUserInteractionEnabled() && cell->textLabel()->isEnabled());
+    }
+    // Taps the row and lets the exchange end; gives what the daemon got.
+    std::string exchange() {
+        const std::size_t before = daemon->connectionCount();
+        EXPECT_TRUE(app.tap(page->connectSpecifier()->name()));
+        EXPECT_TRUE(app.waitUntil([&] { return daemon->connectionCount() > before && rowIsEnabled(); }));
+        const auto connections = daemon->connections();
+        return connections.size() > before ? hex(connections[before]) : "";
+    }
+
+    static constexpr std::uint8_t address[6] = {0x11, 0x22, 0x33, 0x44, 0x55, 0x66};
+    const std::string connectFrame = "01 00 00 00 01 00 00 00 00 00 00 00 11 22 33 44 55 66 00 00";
+    int failures = 0;
+    int initialisations = 0;
+    std::unique_ptr<ScriptedDaemon> daemon;
+    testing_support::LoggedLines log;
+
+private:
+    host::NotifyListener m_failed;
+    host::NotifyListener m_initialised;
+};
+
+TEST_F(Connection, QueryOnAppearanceSendsTwelveBytesAndClearsTheFlagWithoutAReply) {
+    start(answering({}, {}));
+    page = JoyvaneListController::alloc()->init();
+    page->setControllerConnected(true);
+    app.writePreferences(testing_support::dictionary({{"connection_mode", NSNumber::numberWithInteger(1)}}));
+    app.open(page);
+
+    ASSERT_TRUE(daemon->waitForConnections(1));
+    EXPECT_TRUE(app.waitUntil([&] { return !page->controllerConnected(); }));
+    EXPECT_TRUE(app.waitUntil([&] { return page->connectSpecifier()->name() == "Connect Controller"; }));
+    EXPECT_EQ(hex(daemon->connections()[0]), "05 00 00 00 00 00 00 00 00 00 00 00");
+    EXPECT_EQ(failures, 0);
+}
+
+TEST_F(Connection, QueryWithStateSevenLeavesTheFlagAsItWas) {
+    for (const bool before : {false, true}) {
+        start(answering(reply(0, 7), {}));
+        page = JoyvaneListController::alloc()->init();
+        page->setControllerConnected(before);
+        app.open(page);
+        ASSERT_TRUE(daemon->waitForConnections(1));
+        ASSERT_TRUE(app.waitUntil([&] { return rowIsEnabled() && host::mainQueueIsEmpty(); }));
+        EXPECT_EQ(page->controllerConnected(), before);
+        app.close();
+    }
+}
+
+TEST_F(Connection, QueryWithAnyOtherStateSetsTheFlag) {
+    for (const std::uint8_t state : {std::uint8_t(0), std::uint8_t(1), std::uint8_t(8), std::uint8_t(255)}) {
+        start(answering(reply(0, state), {}));
+        show(1, 1);
+        EXPECT_TRUE(app.waitUntil([&] { return page->connectSpecifier()->name() == "Disconnect Controller"; }))
+            << int(state);
+        app.close();
+    }
+}
+
+TEST_F(Connection, QueryIsMadeForEveryTypeAndMode) {
+    start(answering(reply(0, 7), {}));
+    show(6, 0);
+
+    EXPECT_TRUE(daemon->waitForConnections(1));
+}
+
+TEST_F(Connection, WithoutADaemonEachAppearancePostsTheFailureAndShowsNothing) {
+    show(1, 1);
+
+    EXPECT_TRUE(app.waitUntil([&] { return failures == 1; }));
+    EXPECT_EQ(app.alert(), std::nullopt);
+    EXPECT_TRUE(rowIsEnabled());
+    EXPECT_FALSE(page->controllerConnected());
+}
+
+TEST_F(Connection, AQueryWhoseTimeoutCannotBeSetLeavesTheRowDisabled) {
+    start(answering(reply(0, 0), {}));
+    showSettled(1, true);
+    page->setControllerConnected(false);
+
+    host::failSocketCalls(host::SocketCall::SetOption, 1, EINVAL);
+    page->queryControllerConnected();
+    ASSERT_TRUE(daemon->waitForConnections(2));
+    app.settle();
+
+    EXPECT_FALSE(rowIsEnabled());
+    EXPECT_EQ(hex(daemon->connections()[1]), "");
+    EXPECT_FALSE(page->controllerConnected());
+    host::clearSocketFaults();
+    page->viewWillAppear(false);
+    EXPECT_TRUE(app.waitUntil([&] { return rowIsEnabled(); }));
+}
+
+TEST_F(Connection, AConnectThatIsAcceptedSendsTheColourOnTheSameConnection) {
+    start(answering(reply(0, 7), reply(8, 0)));
+    showSettled(1, true);
+
+    EXPECT_EQ(exchange(), connectFrame + " 04 00 00 00 01 00 00 00 00 00 00 00 00 4e fd 00");
+
+    EXPECT_TRUE(page->controllerConnected());
+    EXPECT_TRUE(app.find("Disconnect Controller"));
+    EXPECT_EQ(initialisations, 1);
+}
+
+TEST_F(Connection, AnAcceptedConnectSendsTheStoredColour) {
+    start(answering(reply(0, 7), reply(8, 0)));
+    show(1, 1, {{"PS4BluetoothAddress", NSData::dataWithBytes(address)}, {"JVNLEDColorKey", "ff7f01"}});
+    ASSERT_TRUE(app.waitUntil([&] { return daemon->connectionCount() == 1 && rowIsEnabled(); }));
+
+    EXPECT_EQ(exchange(), connectFrame + " 04 00 00 00 01 00 00 00 00 00 00 00 ff 7f 01 00");
+}
+
+TEST_F(Connection, AConnectOfAnotherTypeSendsNoColour) {
+    start(answering(reply(0, 7), reply(8, 0)));
+    showSettled(2, true);
+
+    EXPECT_EQ(exchange(), "01 00 00 00 02 00 00 00 00 00 00 00 11 22 33 44 55 66 00 00");
+    EXPECT_TRUE(page->controllerConnected());
+}
+
+TEST_F(Connection, AConnectThatIsRefusedEndsTheSessionAndLeavesTheFlag) {
+    start(answering(reply(0, 7), {9, 0, 0, 0, 1, 2, 3, 4, 5, 6, 7, 8}));
+    showSettled(1, true);
+
+    EXPECT_EQ(exchange(), connectFrame + " 06 00 00 00 01 02 03 04 05 06 07 08");
+    EXPECT_FALSE(page->controllerConnected());
+    EXPECT_TRUE(app.find("Connect Controller"));
+}
+
+TEST_F(Connection, AReplyThatOnlyBeginsLikeAnAcceptanceIsNone) {
+    for (std::size_t size = 0; size < 12; ++size) {
+        Bytes cut = reply(8, 0);
+        cut.resize(size);
+        start([=](DaemonPeer& peer) {
+            const Bytes head = peer.read(12);
+            if (head.size() == 12 && head[0] == 1) {
+                peer.read(8);
+                peer.write(cut);
+            }
+        });
+        showSettled(1, true);
+        exchange();
+        EXPECT_FALSE(page->controllerConnected()) << size << " bytes";
+        app.close();
+    }
+}
+
+TEST_F(Connection, DisconnectingSendsDisconnectAndEndSessionAndReadsNothing) {
+    start(answering(reply(0, 0), {}));
+    show(1, 1, {{"PS4BluetoothAddress", NSData::dataWithBytes(address)}});
+    ASSERT_TRUE(app.waitUntil([&] { return page->connectSpecifier()->name() == "Disconnect Controller"; }));
+    daemon->setScript([](DaemonPeer& peer) { peer.readToEnd(); });
+
+    EXPECT_EQ(exchange(), "00 00 00 00 01 00 00 00 00 00 00 00 06 00 00 00 01 00 00 00 00 00 00 00");
+    EXPECT_FALSE(page->controllerConnected());
+    EXPECT_TRUE(app.find("Connect Controller"));
+    EXPECT_EQ(initialisations, 0);
+}
+
+TEST_F(Connection, WithoutAnAddressTheUserIsToldToPairAndNothingIsSent) {
+    start(answering(reply(0, 7), {}));
+    showSettled(1, false);
+
+    ASSERT_TRUE(app.tap("Connect Controller"));
+
+    EXPECT_EQ(app.alert(), "No controller!\nYou need to pair your controller first.");
+    EXPECT_TRUE(rowIsEnabled());
+    ASSERT_TRUE(daemon->waitForConnections(2));
+    EXPECT_EQ(hex(daemon->connections()[1]), "");
+}
+
+TEST_F(Connection, AnAddressOfAnotherLengthOrKindIsNone) {
+    const id wrong[] = {id(NSData::dataWithBytes(std::span(address).first(5))), id("abcdef"),
+                        id(NSNumber::numberWithInteger(6)), id(NSData::dataWithVector(Bytes(7, 1)))};
+    for (const auto& value : wrong) {
+        start(answering(reply(0, 7), {}));
+        show(1, 1, {{"PS4BluetoothAddress", value}});
+        ASSERT_TRUE(app.waitUntil([&] { return daemon->connectionCount() == 1 && rowIsEnabled(); }));
+        ASSERT_TRUE(app.tap("Connect Controller"));
+        EXPECT_TRUE(app.alert());
+        ASSERT_TRUE(app.dismissAlert());
+        app.close();
+    }
+}
+
+TEST_F(Connection, APS3ControllerNeedsNoAddressAndSendsNone) {
+    start(answering(reply(0, 7), reply(8, 0)));
+    showSettled(0, true);
+
+    EXPECT_EQ(exchange(), "01 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00");
+    EXPECT_TRUE(page->controllerConnected());
+}
+
+TEST_F(Connection, ATapWithoutADaemonPostsTheFailureAndNeverDisablesTheRow) {
+    show(1, 1, {{"PS4BluetoothAddress", NSData::dataWithBytes(address)}});
+    ASSERT_TRUE(app.waitUntil([&] { return failures == 1; }));
+
+    ASSERT_TRUE(app.tap("Connect Controller"));
+
+    EXPECT_TRUE(rowIsEnabled());
+    EXPECT_TRUE(app.waitUntil([&] { return failures == 2; }));
+    EXPECT_EQ(app.alert(), std::nullopt);
+}
+
+TEST_F(Connection, WithoutADaemonAMissingAddressIsNotSpokenOf) {
+    show(1, 1);
+    ASSERT_TRUE(app.tap("Connect Controller"));
+    EXPECT_EQ(app.alert(), std::nullopt);
+}
+
+TEST_F(Connection, TheRowIsDisabledWhileAnExchangeRunsAndTheMainThreadIsNeverLate) {
+    start([](DaemonPeer& peer) {
+        const Bytes head = peer.read(12);
+        if (head.size() == 12 && head[0] == 5) return;
+        peer.waitForRelease();
+    });
+    showSettled(1, true);
+    ASSERT_TRUE(app.tap("Connect Controller"));
+    testing_support::Heartbeat heartbeat;
+
+    ASSERT_TRUE(app.waitUntil([&] { return heartbeat.beats() > 40; }));
+    EXPECT_FALSE(rowIsEnabled());
+    EXPECT_FALSE(
+        page->connectSpecifier()->propertyForKey("cellObject").object<PSTableCell>()->textLabel()->isEnabled());
+    EXPECT_LT(heartbeat.longestMilliseconds(), 100);
+
+    daemon->release();
+    EXPECT_TRUE(app.waitUntil([&] { return rowIsEnabled(); }));
+}
+
+TEST_F(Connection, ADisabledRowTakesNoTap) {
+    start([](DaemonPeer& peer) {
+        const Bytes head = peer.read(12);
+        if (head.size() == 12 && head[0] == 5) return;
+        peer.waitForRelease();
+    });
+    showSettled(1, true);
+    ASSERT_TRUE(app.tap("Connect Controller"));
+    app.tap("Connect Controller");
+    app.tap("Connect Controller");
+
+    daemon->release();
+    ASSERT_TRUE(app.waitUntil([&] { return rowIsEnabled(); }));
+    EXPECT_EQ(daemon->connectionCount(), 2u) << "the query and one exchange";
+}
+
+TEST_F(Connection, LeavingAndFreeingThePageDuringAnExchangeEnablesTheCellAgain) {
+    start([](DaemonPeer& peer) {
+        const Bytes head = peer.read(12);
+        if (head.size() == 12 && head[0] == 5) return;
+        peer.waitForRelease();
+        peer.write({8, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0});
+        peer.readToEnd();
+    });
+    showSettled(1, true);
+    ASSERT_TRUE(app.tap("Connect Controller"));
+    const auto cell = page->connectSpecifier()->propertyForKey("cellObject").object<PSTableCell>();
+    const std::weak_ptr<JoyvaneListController> weak = page;
+    page = nullptr;
+    app.close();
+    ASSERT_TRUE(app.waitUntil([&] { return weak.expired(); }));
+
+    daemon->release();
+
+    EXPECT_TRUE(app.waitUntil([&] { return cell->isUserInteractionEnabled(); }));
+    ASSERT_TRUE(daemon->waitForConnections(2));
+    EXPECT_EQ(hex(daemon->connections()[1]), connectFrame) << "without a page there is no colour to send";
+}
+
+TEST_F(Connection, AThousandExchangesLeaveNoDescriptorAndNoThread) {
+    start(answering(reply(0, 7), reply(8, 0)));
+    showSettled(1, true);
+    const auto descriptors = testing_support::openDescriptors();
+    const auto threads = testing_support::runningThreads();
+
+    for (std::size_t i = 0; i < 1000; ++i) {
+        page->connectController(page->connectSpecifier());
+        ASSERT_TRUE(app.waitUntil([&] { return daemon->connectionCount() == i + 2 && rowIsEnabled(); }));
+    }
+
+    EXPECT_EQ(testing_support::openDescriptors(), descriptors);
+    EXPECT_LE(testing_support::runningThreads(), threads + 1);
+}
+
+} // namespace

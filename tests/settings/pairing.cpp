@@ -1,0 +1,307 @@
+// Pairing over a real bus with a real child, and restarting the daemons over a real socket.
+
+#include "host/messaging/message_sender.h"
+#include "platform/foundation/NSNotificationCenter.h"
+#include "tests/settings/page_test.h"
+#include "tests/support/bus_peer.h"
+#include "tests/support/descriptors.h"
+#include "tests/support/logged_lines.h"
+#include "tests/support/private_bus.h"
+
+#include "host/bus/SessionBus.h"
+
+#include <sys/stat.h>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+namespace {
+
+using testing_support::ScriptedDaemon;
+
+constexpr const char* server = "com.quorrel.jvn.bootstrap";
+const std::string activating = "Activating Bluetooth...\nIf this takes too long, activate BTstack in its preferences.";
+
+class Pairing : public PageTest {
+protected:
+    ~Pairing() override {
+        app.close();
+        page = nullptr;
+        host::SessionBus::shared().close();
+    }
+
+    // A discovery tool that notes its start and the interrupt, and lives until then.
+    void installTool(const std::string& body = "trap 'echo interrupted >>\"$0.log\"; exit 0' INT\n"
+                                               "echo \"started $# $$\" >>\"$0.log\"\n"
+                                               "while :; do read -t 1 line <> \"$0.fifo\"; done\n") {
+        const std::filesystem::path tool = app.root() + "/usr/bin/jvndiscovery";
+        std::filesystem::create_directories(tool.parent_path());
+        std::ofstream(tool) << "#!/bin/bash\n" << body;
+        std::filesystem::permissions(tool, std::filesystem::perms::owner_all);
+        ::mkfifo((tool.string() + ".fifo").c_str(), 0600);
+    }
+    std::string toolLog() const {
+        std::ifstream file(app.root() + "/usr/bin/jvndiscovery.log");
+        std::stringstream text;
+        text << file.rdbuf();
+        return text.str();
+    }
+    std::size_t count(const std::string& what) const {
+        const std::string log = toolLog();
+        std::size_t found = 0;
+        for (auto at = log.find(what); at != std::string::npos; at = log.find(what, at + 1)) ++found;
+        return found;
+    }
+    void showWithServer(long type) {
+        show(type);
+        ASSERT_TRUE(page->discoveryMessagingCenter());
+        ASSERT_TRUE(app.waitUntil([&] { return peer.nameHasOwner(server); }));
+    }
+    void startPairing(long type) {
+        installTool();
+        showWithServer(type);
+        ASSERT_TRUE(app.tap("Pair Controller"));
+        ASSERT_TRUE(app.waitUntil([&] { return count("started") == 1; }));
+    }
+    // As the tool does; returns when the page has taken it and what it queued has run.
+    void report(int state) {
+        bool delivered = false;
+        host::sendMessage(server, "JVNDiscoveryUpdate",
+                          testing_support::dictionary({{"JVNDiscoveryState", NSNumber::numberWithInt(state)}}),
+                          [&](bool taken) { delivered = taken; });
+        ASSERT_TRUE(app.waitUntil([&] { return delivered; }));
+        app.settle();
+    }
+    std::string overlay() const { return page->hud()->isShown() ? page->hud()->text() : "hidden"; }
+
+    testing_support::PrivateBus bus;
+    testing_support::BusPeer peer{bus.address()};
+    testing_support::LoggedLines log;
+};
+
+TEST_F(Pairing, StartsTheToolWithoutArgumentsAndShowsTheOverlay) {
+    startPairing(1);
+
+    EXPECT_EQ(overlay(), activating);
+    EXPECT_EQ(toolLog(), "started 0 " + std::to_string(page->discoveryTask()->processIdentifier()) + "\n");
+}
+
+TEST_F(Pairing, EachTypeHasItsSearchingText) {
+    const std::pair<long, std::string> texts[] = {
+        {1, "Searching...\nPress both the Share and PS buttons until your PS4 controller blinks."},
+        {2, "Searching..\nPress the red SYNC button on the back of your controller."},
+        {3, "Searching...\nHold the X and the HOME buttons until the SEARCH light blinks."},
+        {4, "Searching...\nHold the X and the HOME buttons until the SEARCH light blinks."},
+        {5, "Searching...\nHold the X and the HOME buttons until the SEARCH light blinks."}};
+    for (const auto& [type, text] : texts) {
+        std::filesystem::remove(app.root() + "/usr/bin/jvndiscovery.log");
+        startPairing(type);
+        report(4);
+        EXPECT_EQ(overlay(), "Starting Search...\nPrepare your controller.");
+        report(0);
+        EXPECT_EQ(overlay(), text) << type;
+        app.close();
+    }
+}
+
+TEST_F(Pairing, SearchingWithAnotherTypeLeavesTheText) {
+    for (const long type : {0, 6, 7}) {
+        showWithServer(type);
+        page->pairPS4Controller();
+        report(0);
+        EXPECT_EQ(overlay(), activating) << type;
+        report(4);
+        EXPECT_EQ(overlay(), "Starting Search...\nPrepare your controller.") << type;
+        app.close();
+    }
+}
+
+TEST_F(Pairing, SuccessInterruptsTheToolShowsTheAlertAndHidesTheOverlay) {
+    startPairing(1);
+
+    report(2);
+
+    EXPECT_EQ(app.alert(), "Joyvane\nSuccess!\nController paired, you can go into a game now and press PS when prompted "
+                           "to do so (turn it off now if it keeps blinking).");
+    EXPECT_EQ(overlay(), "hidden");
+    EXPECT_TRUE(app.waitUntil([&] { return count("interrupted") == 1; }));
+    EXPECT_TRUE(app.dismissAlert());
+}
+
+TEST_F(Pairing, SuccessNamesTheButtonOfTheType) {
+    const std::pair<long, std::string> names[] = {{0, "(null)"},   {1, "PS"},       {2, "SYNC"},
+                                                  {3, "X + HOME"}, {4, "X + HOME"}, {5, "X + HOME"},
+                                                  {6, "(null)"},   {7, "(null)"}};
+    for (const auto& [type, name] : names) {
+        showWithServer(type);
+        report(2);
+        EXPECT_EQ(app.alert(), "Joyvane\nSuccess!\nController paired, you can go into a game now and press " + name +
+                                   " when prompted to do so (turn it off now if it keeps blinking).");
+        app.dismissAlert();
+        app.close();
+    }
+}
+
+TEST_F(Pairing, InactiveBluetoothEndsTheSearchWithItsAlert) {
+    startPairing(3);
+
+    report(3);
+
+    EXPECT_EQ(app.alert(), "Joyvane\nBTstack was not activated! Please try going to BTstack preferences and activate it.");
+    EXPECT_EQ(overlay(), "hidden");
+    EXPECT_TRUE(app.waitUntil([&] { return count("interrupted") == 1; }));
+}
+
+TEST_F(Pairing, OtherStatesChangeNothing) {
+    startPairing(1);
+    for (const int state : {1, 5, 6, 100, -1, -2147483647}) {
+        report(state);
+        EXPECT_EQ(overlay(), activating) << state;
+        EXPECT_EQ(app.alert(), std::nullopt) << state;
+    }
+    EXPECT_EQ(count("interrupted"), 0u);
+}
+
+TEST_F(Pairing, AReportWithoutAStateOrWithoutADictionaryIsSearching) {
+    const std::string searching =
+        "Searching..\nPress the red SYNC button on the back of your controller.";
+    startPairing(2);
+    host::sendMessage(server, "JVNDiscoveryUpdate", testing_support::dictionary({{"Other", "x"}}));
+    EXPECT_TRUE(app.waitUntil([&] { return overlay() == searching; }));
+    page->hud()->setText("");
+    host::sendMessage(server, "JVNDiscoveryUpdate", nullptr);
+    EXPECT_TRUE(app.waitUntil([&] { return overlay() == searching; }));
+}
+
+TEST_F(Pairing, StateAndTypeAreThoseOfTheArrival) {
+    showWithServer(1);
+    page->handlePairingMessage_userInfo("JVNDiscoveryUpdate",
+                                        testing_support::dictionary({{"JVNDiscoveryState", NSNumber::numberWithInt(2)}}));
+    EXPECT_EQ(app.scene().window()->subviews().size(), 1u) << "nothing is shown inside the server's own dispatch";
+    app.writePreferences(testing_support::dictionary({{"controller_type", NSNumber::numberWithInteger(2)}}));
+
+    const auto alert = app.alert();
+    ASSERT_TRUE(alert);
+    EXPECT_NE(alert->find("press PS when"), std::string::npos);
+}
+
+TEST_F(Pairing, ASecondTapInterruptsTheFirstToolBeforeTheSecondStarts) {
+    startPairing(1);
+    const int first = page->discoveryTask()->processIdentifier();
+
+    page->pairController();
+
+    EXPECT_NE(page->discoveryTask()->processIdentifier(), first);
+    ASSERT_TRUE(app.waitUntil([&] { return count("started") == 2 && count("interrupted") == 1; }));
+    EXPECT_EQ(overlay(), activating);
+}
+
+TEST_F(Pairing, TheBackgroundInterruptsTheToolAndHidesTheOverlay) {
+    startPairing(1);
+
+    NSNotificationCenter::defaultCenter()->postNotificationName_object(UIApplicationDidEnterBackgroundNotification,
+                                                                       nullptr);
+
+    EXPECT_EQ(overlay(), "hidden");
+    EXPECT_TRUE(app.waitUntil([&] { return count("interrupted") == 1; }));
+}
+
+TEST_F(Pairing, LeavingThePageStopsTheServerAndTheToolAndKeepsTheOverlay) {
+    startPairing(1);
+
+    app.navigation()->pushViewController_animated(UIViewController::alloc()->init(), false);
+
+    EXPECT_FALSE(page->discoveryMessagingCenter());
+    EXPECT_TRUE(app.waitUntil([&] { return count("interrupted") == 1 && !peer.nameHasOwner(server); }));
+    EXPECT_EQ(overlay(), activating);
+    app.goBack();
+    EXPECT_TRUE(app.waitUntil([&] { return peer.nameHasOwner(server); }));
+    EXPECT_EQ(overlay(), activating);
+}
+
+TEST_F(Pairing, FreeingThePageInterruptsTheTool) {
+    startPairing(1);
+    page->viewDidAppear(false);
+    std::weak_ptr<JoyvaneListController> weak = page;
+
+    page = nullptr;
+    app.close();
+
+    EXPECT_TRUE(app.waitUntil([&] { return weak.expired() && count("interrupted") == 1; }));
+}
+
+TEST_F(Pairing, AToolThatIsMissingLeavesTheOverlayAndThePage) {
+    showWithServer(1);
+
+    ASSERT_TRUE(app.tap("Pair Controller"));
+
+    EXPECT_EQ(overlay(), activating);
+    ASSERT_TRUE(page->discoveryTask());
+    EXPECT_EQ(page->discoveryTask()->processIdentifier(), 0);
+    page->killDiscoveryTask();
+    EXPECT_EQ(overlay(), "hidden");
+}
+
+TEST_F(Pairing, AHundredPairingsLeaveNoDescriptorAndNoZombie) {
+    installTool("exit 0\n");
+    showWithServer(1);
+    page->pairController();
+    app.waitUntil([&] { return platform::kill(page->discoveryTask()->processIdentifier(), 0) == -1; });
+    const auto descriptors = testing_support::openDescriptors();
+
+    for (int i = 0; i < 100; ++i) {
+        page->pairController();
+        ASSERT_NE(page->discoveryTask()->processIdentifier(), 0);
+        ASSERT_TRUE(
+            app.waitUntil([&] { return platform::kill(page->discoveryTask()->processIdentifier(), 0) == -1; }));
+    }
+
+    EXPECT_EQ(testing_support::openDescriptors(), descriptors);
+}
+
+TEST_F(Pairing, TheServersNameComesBackWithTheBus) {
+    showWithServer(1);
+
+    bus.kill();
+    app.settle();
+    bus.start();
+
+    const testing_support::BusPeer again(bus.address());
+    EXPECT_TRUE(app.waitUntil([&] { return again.nameHasOwner(server); }, 2));
+}
+
+TEST_F(Pairing, WithoutABusThePageStillWorks) {
+    bus.kill();
+    installTool();
+    show(1);
+    ASSERT_TRUE(app.tap("Pair Controller"));
+    EXPECT_EQ(overlay(), activating);
+    EXPECT_TRUE(app.waitUntil([&] { return count("started") == 1; }));
+}
+
+class Restarting : public PageTest {};
+
+TEST_F(Restarting, SendsTwentyBytesAndShowsNothing) {
+    ScriptedDaemon daemon(app.root());
+    show(1);
+    ASSERT_TRUE(daemon.waitForConnections(1));
+
+    ASSERT_TRUE(app.tap("Restart Daemons"));
+
+    ASSERT_TRUE(daemon.waitForConnections(2));
+    EXPECT_EQ(testing_support::hex(daemon.connections()[1]),
+              "03 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00");
+    EXPECT_EQ(app.alert(), std::nullopt);
+}
+
+TEST_F(Restarting, WithoutADaemonShowsTheAlert) {
+    const testing_support::LoggedLines quiet;
+    show(1);
+
+    ASSERT_TRUE(app.tap("Restart Daemons"));
+
+    EXPECT_EQ(app.alert(), "Important!\nA critical error has occurred! Please reboot your device in order to continue "
+                           "using Joyvane.");
+}
+
+} // namespace

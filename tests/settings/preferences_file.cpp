@@ -1,0 +1,59 @@
+#include "settings/preferences_file.h"
+#include "host/foundation/root.h"
+#include "tests/support/temporary_folder.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+namespace {
+
+class AtomicWrite : public testing::Test {
+protected:
+    void SetUp() override { host::setRoot(m_root.path()); }
+    void TearDown() override { host::setRoot({}); }
+    void put(const std::string& name) {
+        const std::filesystem::path folder = m_root.path() + "/var/mobile/Library/Preferences";
+        std::filesystem::create_directories(folder);
+        std::ofstream(folder / name) << "x";
+    }
+
+private:
+    testing_support::TemporaryFolder m_root;
+};
+
+TEST_F(AtomicWrite, IsOverWhereThereIsNoFolder) { EXPECT_FALSE(JVNPreferencesFileStillInAtomicWrite()); }
+
+TEST_F(AtomicWrite, IsOverWhereTheFolderIsEmptyOrHoldsOthers) {
+    put("com.quorrel.other.plist");
+    EXPECT_FALSE(JVNPreferencesFileStillInAtomicWrite());
+}
+
+TEST_F(AtomicWrite, IsOverWhereOnlyTheFileIsThere) {
+    put("com.quorrel.joyvane.plist");
+    EXPECT_FALSE(JVNPreferencesFileStillInAtomicWrite());
+}
+
+TEST_F(AtomicWrite, RunsWhileATemporaryStandsBesideTheFile) {
+    put("com.quorrel.joyvane.plist");
+    put("com.quorrel.joyvane.plist.a1b2c3");
+    EXPECT_TRUE(JVNPreferencesFileStillInAtomicWrite());
+    put("com.quorrel.joyvane.plist2");
+    EXPECT_TRUE(JVNPreferencesFileStillInAtomicWrite());
+}
+
+TEST_F(AtomicWrite, OneTemporaryAloneIsNoReplacement) {
+    put("com.quorrel.joyvane.plist.a1b2c3");
+    EXPECT_FALSE(JVNPreferencesFileStillInAtomicWrite());
+}
+
+TEST_F(AtomicWrite, TakesNoNameThatOnlyHoldsTheFilesName) {
+    put("com.quorrel.joyvane.plist");
+    put(".com.quorrel.joyvane.plist");
+    put("x-com.quorrel.joyvane.plist");
+    put("com.quorrel.joyvane.plis");
+    EXPECT_FALSE(JVNPreferencesFileStillInAtomicWrite());
+}
+
+} // namespace
