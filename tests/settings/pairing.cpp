@@ -10,10 +10,10 @@
 
 #include "host/bus/SessionBus.h"
 
-#include <sys/stat.h>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
+#include <sys/stat.h>
 
 namespace {
 
@@ -47,9 +47,9 @@ protected:
         return text.str();
     }
     std::size_t count(const std::string& what) const {
-        const std::string log = toolLog();
+        const std::string lines = toolLog();
         std::size_t found = 0;
-        for (auto at = log.find(what); at != std::string::npos; at = log.find(what, at + 1)) ++found;
+        for (auto at = lines.find(what); at != std::string::npos; at = lines.find(what, at + 1)) ++found;
         return found;
     }
     void showWithServer(long type) {
@@ -121,17 +121,17 @@ TEST_F(Pairing, SuccessInterruptsTheToolShowsTheAlertAndHidesTheOverlay) {
 
     report(2);
 
-    EXPECT_EQ(app.alert(), "Joyvane\nSuccess!\nController paired, you can go into a game now and press PS when prompted "
-                           "to do so (turn it off now if it keeps blinking).");
+    EXPECT_EQ(app.alert(),
+              "Joyvane\nSuccess!\nController paired, you can go into a game now and press PS when prompted "
+              "to do so (turn it off now if it keeps blinking).");
     EXPECT_EQ(overlay(), "hidden");
     EXPECT_TRUE(app.waitUntil([&] { return count("interrupted") == 1; }));
     EXPECT_TRUE(app.dismissAlert());
 }
 
 TEST_F(Pairing, SuccessNamesTheButtonOfTheType) {
-    const std::pair<long, std::string> names[] = {{0, "(null)"},   {1, "PS"},       {2, "SYNC"},
-                                                  {3, "X + HOME"}, {4, "X + HOME"}, {5, "X + HOME"},
-                                                  {6, "(null)"},   {7, "(null)"}};
+    const std::pair<long, std::string> names[] = {{0, "(null)"},   {1, "PS"},       {2, "SYNC"},   {3, "X + HOME"},
+                                                  {4, "X + HOME"}, {5, "X + HOME"}, {6, "(null)"}, {7, "(null)"}};
     for (const auto& [type, name] : names) {
         showWithServer(type);
         report(2);
@@ -147,7 +147,8 @@ TEST_F(Pairing, InactiveBluetoothEndsTheSearchWithItsAlert) {
 
     report(3);
 
-    EXPECT_EQ(app.alert(), "Joyvane\nBTstack was not activated! Please try going to BTstack preferences and activate it.");
+    EXPECT_EQ(app.alert(),
+              "Joyvane\nBTstack was not activated! Please try going to BTstack preferences and activate it.");
     EXPECT_EQ(overlay(), "hidden");
     EXPECT_TRUE(app.waitUntil([&] { return count("interrupted") == 1; }));
 }
@@ -163,8 +164,7 @@ TEST_F(Pairing, OtherStatesChangeNothing) {
 }
 
 TEST_F(Pairing, AReportWithoutAStateOrWithoutADictionaryIsSearching) {
-    const std::string searching =
-        "Searching..\nPress the red SYNC button on the back of your controller.";
+    const std::string searching = "Searching..\nPress the red SYNC button on the back of your controller.";
     startPairing(2);
     host::sendMessage(server, "JVNDiscoveryUpdate", testing_support::dictionary({{"Other", "x"}}));
     EXPECT_TRUE(app.waitUntil([&] { return overlay() == searching; }));
@@ -175,8 +175,8 @@ TEST_F(Pairing, AReportWithoutAStateOrWithoutADictionaryIsSearching) {
 
 TEST_F(Pairing, StateAndTypeAreThoseOfTheArrival) {
     showWithServer(1);
-    page->handlePairingMessage_userInfo("JVNDiscoveryUpdate",
-                                        testing_support::dictionary({{"JVNDiscoveryState", NSNumber::numberWithInt(2)}}));
+    page->handlePairingMessage_userInfo(
+        "JVNDiscoveryUpdate", testing_support::dictionary({{"JVNDiscoveryState", NSNumber::numberWithInt(2)}}));
     EXPECT_EQ(app.scene().window()->subviews().size(), 1u) << "nothing is shown inside the server's own dispatch";
     app.writePreferences(testing_support::dictionary({{"controller_type", NSNumber::numberWithInteger(2)}}));
 
@@ -252,8 +252,7 @@ TEST_F(Pairing, AHundredPairingsLeaveNoDescriptorAndNoZombie) {
     for (int i = 0; i < 100; ++i) {
         page->pairController();
         ASSERT_NE(page->discoveryTask()->processIdentifier(), 0);
-        ASSERT_TRUE(
-            app.waitUntil([&] { return platform::kill(page->discoveryTask()->processIdentifier(), 0) == -1; }));
+        ASSERT_TRUE(app.waitUntil([&] { return platform::kill(page->discoveryTask()->processIdentifier(), 0) == -1; }));
     }
 
     EXPECT_EQ(testing_support::openDescriptors(), descriptors);
