@@ -1,0 +1,131 @@
+#include "host/foundation/log.h"
+#include "host/settings_framework/specifier_resource.h"
+#include "tests/settings_framework/pages.h"
+
+#include <chrono>
+
+namespace {
+
+class Resources : public PageTest {
+protected:
+    ~Resources() override { host::setLogSink({}); }
+
+    void write(const std::string& bytes) const { std::ofstream(file("Page.plist"), std::ios::binary) << bytes; }
+    // The rows of the resource, and that nothing or exactly one line was logged.
+    std::size_t load() {
+        lines.clear();
+        host::setLogSink([this](std::string_view line) { lines.emplace_back(line); });
+        page = TestPage::alloc()->init();
+        const std::size_t count = page->specifiers().size();
+        host::setLogSink({});
+        return count;
+    }
+    void expectRefused(const std::string& items) {
+        writeResource(group("g", "Good") + items);
+        EXPECT_EQ(load(), 0u) << items;
+        EXPECT_EQ(lines.size(), 1u) << items;
+    }
+
+    std::vector<std::string> lines;
+};
+
+TEST_F(Resources, EveryPropertyOfAnItemBecomesTheRows) {
+    writeResource(item("PSLinkListCell", "type", "Type",
+                       bound("t", "<integer>3</integer>") + choices({"Zero"}) +
+                           "<key>anything</key><array><string>else</string></array>"));
+    ASSERT_EQ(load(), 1u);
+    const auto& row = page->specifiers()[0];
+
+    EXPECT_EQ(row->name(), "Type");
+    EXPECT_EQ(row->cellType(), PSCellType::LinkList);
+    EXPECT_EQ(row->identifier(), "type");
+    EXPECT_EQ(row->propertyForKey("key"), id("t"));
+    EXPECT_EQ(row->propertyForKey("default").integerValue(), 3);
+    EXPECT_EQ(row->propertyForKey("defaults"), id("com.quorrel.test"));
+    EXPECT_EQ(row->propertyForKey("PostNotification"), id("com.quorrel.test.changed"));
+    EXPECT_TRUE(row->propertyForKey("anything"));
+    EXPECT_EQ(row->target(), page);
+    EXPECT_EQ(row->setter(), SEL("setPreferenceValue:specifier:"));
+    EXPECT_EQ(row->getter(), SEL("readPreferenceValue:"));
+    EXPECT_TRUE(lines.empty());
+}
+
+TEST_F(Resources, RowWithoutKeyIsBoundToNothing) {
+    writeResource(item("PSButtonCell", "a", "A", "<key>action</key><string>tapped:</string>"));
+    ASSERT_EQ(load(), 1u);
+    const auto& row = page->specifiers()[0];
+
+    EXPECT_FALSE(row->setter());
+    EXPECT_FALSE(row->getter());
+    EXPECT_EQ(row->buttonAction(), SEL("tapped:"));
+}
+
+TEST_F(Resources, AnyFaultyItemRefusesTheWhole) {
+    expectRefused("<string>no dictionary</string>");
+    expectRefused("<dict/>");
+    expectRefused(item("PSNoSuchCell", "a", "A"));
+    expectRefused("<dict><key>cell</key><integer>1</integer></dict>");
+    expectRefused("<dict><key>cell</key><string>PSButtonCell</string><key>label</key><true/></dict>");
+    expectRefused(item("PSButtonCell", "a", "A", "<key>action</key><integer>1</integer>"));
+    expectRefused(item("PSSwitchCell", "a", "A", "<key>key</key><integer>1</integer>"));
+    expectRefused(item("PSSwitchCell", "a", "A", "<key>defaults</key><data></data>"));
+    expectRefused(item("PSButtonCell", "a", "A", "<key>cellClass</key><array/>"));
+    expectRefused(item("PSLinkListCell", "a", "A"));
+    expectRefused(item("PSLinkListCell", "a", "A",
+                       "<key>validValues</key><array><integer>0</integer></array><key>validTitles</key><array/>"));
+    expectRefused(item("PSLinkListCell", "a", "A",
+                       "<key>validValues</key><array><integer>0</integer></array>"
+                       "<key>validTitles</key><array><integer>0</integer></array>"));
+}
+
+TEST_F(Resources, ResourceThatIsNoneIsRefusedWithOneLine) {
+    for (const std::string& bytes :
+         {std::string(), std::string("nonsense"), std::string("<plist version=\"1.0\"><array/></plist>"),
+          std::string("<plist version=\"1.0\"><dict/></plist>"),
+          std::string("<plist version=\"1.0\"><dict><key>items</key><dict/></dict></plist>"), std::string("bplist00"),
+          std::string("\xff\xfe\x00", 3)}) {
+        write(bytes);
+        EXPECT_EQ(load(), 0u) << bytes;
+        EXPECT_EQ(lines.size(), 1u) << bytes;
+    }
+}
+
+TEST_F(Resources, MissingResourceIsRefusedWithOneLine) {
+    EXPECT_EQ(load(), 0u);
+    EXPECT_EQ(lines.size(), 1u);
+}
+
+TEST_F(Resources, NameThatLeavesTheBundleIsNoResource) {
+    writeResource(item("PSButtonCell", "a", "A"));
+    page = TestPage::alloc()->init();
+    host::setLogSink([this](std::string_view line) { lines.emplace_back(line); });
+
+    EXPECT_TRUE(page->loadSpecifiersFromPlistName_target("../Page", page).empty());
+    EXPECT_TRUE(page->loadSpecifiersFromPlistName_target("", page).empty());
+    host::setResourceFolder({});
+    EXPECT_TRUE(page->loadSpecifiersFromPlistName_target("Page", page).empty());
+
+    EXPECT_EQ(lines.size(), 3u);
+}
+
+TEST_F(Resources, ResourceCutAnywhereShowsAnEmptyPageSoon) {
+    writeResource(group("g", "One") + item("PSSwitchCell", "a", "A", bound("a", "<true/>")));
+    std::ifstream stream(file("Page.plist"));
+    const std::string whole{std::istreambuf_iterator<char>(stream), {}};
+    for (std::size_t length = 0; length < whole.size() - 10; length += 3) {
+        write(whole.substr(0, length));
+        const auto start = std::chrono::steady_clock::now();
+        EXPECT_EQ(load(), 0u) << length;
+        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(50));
+        EXPECT_EQ(lines.size(), 1u) << length;
+    }
+}
+
+TEST_F(Resources, PageWithoutRowsIsShownEmpty) {
+    show();
+
+    EXPECT_EQ(rows(), "");
+    EXPECT_EQ(page->table()->numberOfSections(), 0);
+}
+
+} // namespace
