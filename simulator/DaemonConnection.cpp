@@ -96,10 +96,10 @@ void DaemonConnection::sendFrom(std::size_t at) {
 }
 
 void DaemonConnection::hangUp(const char* why) {
-    say("%d %s", m_number, why);
     host::removeSource(std::exchange(m_source, 0));
     host::removeSource(std::exchange(m_timer, 0));
     m_descriptor.reset();
+    say("%d %s", m_number, why);
     m_ended();
 }
 
