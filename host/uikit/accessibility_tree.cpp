@@ -1,6 +1,7 @@
 #include "host/uikit/accessibility_tree.h"
 
 #include "host/uikit/focus_order.h"
+#include "host/uikit/reachable.h"
 #include "host/uikit/view_internals.h"
 #include "host/uikit/visible_rect.h"
 #include "host/uikit/window_internals.h"
@@ -149,7 +150,7 @@ std::shared_ptr<UIView> AccessibilityTree::usableView(AccessibilityIdentity iden
     if (!m_nodes.contains(identity)) return nullptr;
     const auto at = m_views.find(identity);
     const auto view = at == m_views.end() ? nullptr : at->second.lock();
-    return view && view->window() && view->accessibilityIsEnabled() ? view : nullptr;
+    return view && isReachable(*view) && view->accessibilityIsEnabled() ? view : nullptr;
 }
 
 bool AccessibilityTree::press(AccessibilityIdentity identity) {

@@ -71,7 +71,8 @@ public:
     using Listener = std::function<void(AccessibilityIdentity, AccessibilityChange)>;
     void setListener(Listener listener) { m_listener = std::move(listener); }
 
-    // What assistive technology may do. False when the view is gone, disabled or has no such action. They take effect
+    // What assistive technology may do. False when the view is gone, covered, disabled or has no
+    // such action. They take effect
     // at once; the nodes follow with the next update().
     bool press(AccessibilityIdentity identity);
     bool step(AccessibilityIdentity identity, UIAccessibilityDirection direction, UIAccessibilityStep step);

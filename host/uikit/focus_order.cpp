@@ -1,5 +1,6 @@
 #include "host/uikit/focus_order.h"
 
+#include "host/uikit/reachable.h"
 #include "host/uikit/view_internals.h"
 #include "platform/uikit/UIWindow.h"
 
@@ -42,7 +43,7 @@ std::vector<std::shared_ptr<UIView>> inReadingOrder(const std::vector<std::share
 void collect(const std::shared_ptr<UIView>& view, std::vector<std::shared_ptr<UIView>>& found) {
     if (!ViewInternals::isVisible(*view) || !view->isUserInteractionEnabled()) return;
     if (view->canBecomeFocused()) {
-        found.push_back(view);
+        if (isReachable(*view)) found.push_back(view);
         return;
     }
     for (const auto& subview : inReadingOrder(view->subviews())) collect(subview, found);
@@ -62,18 +63,22 @@ std::vector<std::shared_ptr<UIView>> focusableViews(const UIView& scope) {
     return found;
 }
 
+std::shared_ptr<UIView> reachableFocus(const UIWindow& window) {
+    auto focused = window.focusedView();
+    return focused && isReachable(*focused) ? focused : nullptr;
+}
+
 std::shared_ptr<UIView> nextFocus(const UIWindow& window, bool forward) {
     const auto scope = frontScope(window);
-    const auto focused = window.focusedView();
-    const bool isInScope = focused && focused->isDescendantOfView(scope.get());
-    if (isInScope)
+    const auto focused = reachableFocus(window);
+    if (focused)
         for (auto container = focused->superview(); container; container = container->superview()) {
             if (auto neighbour = container->focusNeighbour(*focused, forward)) return neighbour;
             if (container == scope) break;
         }
     const auto views = focusableViews(*scope);
     if (views.empty()) return nullptr;
-    const auto at = isInScope ? std::ranges::find(views, focused) : views.end();
+    const auto at = std::ranges::find(views, focused);
     if (at == views.end()) return forward ? views.front() : views.back();
     if (forward) return std::next(at) == views.end() ? views.front() : *std::next(at);
     return at == views.begin() ? views.back() : *std::prev(at);

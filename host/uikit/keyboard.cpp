@@ -36,12 +36,6 @@ void moveFocus(UIWindow& window, bool forward) {
     showInScrollViews(*next);
 }
 
-// nil when the focus is outside what keys may reach.
-std::shared_ptr<UIView> focusInScope(const UIWindow& window) {
-    const auto focused = window.focusedView();
-    return focused && focused->isDescendantOfView(frontScope(window).get()) ? focused : nullptr;
-}
-
 std::optional<UIAccessibilityDirection> direction(long key) {
     switch (key) {
     case hid::left:
@@ -59,7 +53,7 @@ std::optional<UIAccessibilityDirection> direction(long key) {
 
 // True when the key was the focused slider's or canvas's.
 bool step(UIWindow& window, const UIKeyEvent& event) {
-    const auto focused = focusInScope(window);
+    const auto focused = reachableFocus(window);
     const auto way = direction(event._keyCode());
     if (!focused || !way) return false;
     const auto role = focused->accessibilityRole();
@@ -80,7 +74,7 @@ std::shared_ptr<UIScrollView> firstScrollView(const std::shared_ptr<UIView>& vie
 }
 
 std::shared_ptr<UIScrollView> scrollViewForKeys(const UIWindow& window) {
-    for (std::shared_ptr<UIView> view = focusInScope(window); view; view = view->superview())
+    for (std::shared_ptr<UIView> view = reachableFocus(window); view; view = view->superview())
         if (auto scroll = std::dynamic_pointer_cast<UIScrollView>(view)) return scroll;
     return firstScrollView(frontScope(window));
 }
@@ -111,7 +105,7 @@ void scroll(const UIWindow& window, long key) {
 }
 
 void escape(UIWindow& window) {
-    std::shared_ptr<UIResponder> first = focusInScope(window);
+    std::shared_ptr<UIResponder> first = reachableFocus(window);
     const auto scope = frontScope(window);
     if (!first && scope.get() != &window) first = scope;
     if (!first) first = frontController(window);
@@ -125,12 +119,12 @@ void activationKey(UIWindow& window, const UIKeyEvent& event) {
     if (event.isKeyDown()) {
         if (event.isRepeat()) return;
         state.activationKey = event._keyCode();
-        state.activated = focusInScope(window);
+        state.activated = reachableFocus(window);
         return;
     }
     const bool wentDownHere = std::exchange(state.activationKey, 0) == event._keyCode();
     const auto view = std::exchange(state.activated, {}).lock();
-    if (!wentDownHere || !view || view != focusInScope(window)) return;
+    if (!wentDownHere || !view || view != reachableFocus(window)) return;
     WindowInternals::focusByKeyboard(window, view);
     dispatch_async(dispatch_get_main_queue(), [weak = std::weak_ptr(view)] {
         if (const auto still = weak.lock(); still && still->window() && still->accessibilityIsEnabled())

@@ -5,6 +5,7 @@
 #include "host/uikit/accessibility_tree.h"
 #include "host/uikit/damage.h"
 #include "host/uikit/focus_ring.h"
+#include "host/uikit/reachable.h"
 #include "host/uikit/view_internals.h"
 #include "host/uikit/window_internals.h"
 #include "platform/foundation/time.h"
@@ -63,18 +64,19 @@ void WindowScene::animationsStarted() {
     requestFrame();
 }
 
-void WindowScene::layOut() { m_window->layoutIfNeeded(); }
-
 std::vector<CGRect> WindowScene::prepareFrame() {
     // What asks for a frame from here on is taken up in this one.
     m_frameRequested = true;
     m_frameTime = platform::CACurrentMediaTime();
     m_steps.run(m_frameTime);
     m_animates = advanceAnimations(m_frameTime);
-    layOut();
+    m_window->layoutIfNeeded();
+    const bool isLaidOut = !ViewInternals::needsLayout(*m_window);
     placeFocusRing();
     if (m_accessibility) m_accessibility->update();
     m_frameRequested = false;
+    // Whoever was told of the frame has changed something; a view that never stops asking gets no frame for it.
+    if (isLaidOut && ViewInternals::needsLayout(*m_window)) requestFrame();
     return std::exchange(m_damage, {});
 }
 
@@ -89,7 +91,7 @@ AccessibilityTree& WindowScene::accessibility() {
 
 void WindowScene::placeFocusRing() {
     const auto focused = m_window->focusedView();
-    const bool isShown = focused && WindowInternals::state(*m_window).focusIsShown;
+    const bool isShown = focused && isReachable(*focused) && WindowInternals::state(*m_window).focusIsShown;
     const CGRect ring = isShown ? focusRingRect(*focused) : CGRectNull;
     if (CGRectIsNull(ring)) {
         if (m_focusRing) m_focusRing->removeFromSuperlayer();

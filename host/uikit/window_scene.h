@@ -47,7 +47,6 @@ public:
 
 private:
     void requestFrame();
-    void layOut();
     void placeFocusRing();
 
     std::shared_ptr<UIWindow> m_window;

@@ -341,3 +341,36 @@ TEST_F(Keyboard, ForgottenFocusDoesNotComeBack) {
 
     EXPECT_EQ(focused(), nullptr);
 }
+
+TEST_F(Keyboard, WhatIsCoveredIsOutOfReach) {
+    const auto page = add<UIScrollView>({{0, 44}, {320, 436}});
+    page->setContentSize({320, 1000});
+    const auto row = add<KeyView>({{0, 0}, {320, 44}}, page);
+    const auto far = add<KeyView>({{0, 800}, {320, 44}}, page);
+    const auto back = add<KeyView>({{0, 0}, {100, 44}});
+    scene.window()->setFocusedView(row);
+
+    const auto cover = add(page->bounds(), page);
+    touches.key(hid::enter);
+    EXPECT_EQ(row->log, "");
+    touches.key(hid::tab);
+    EXPECT_EQ(focused(), back);
+    touches.key(hid::tab);
+    EXPECT_EQ(focused(), back);
+
+    cover->removeFromSuperview();
+    touches.key(hid::tab);
+    touches.key(hid::tab);
+    EXPECT_EQ(focused(), far);
+}
+
+TEST_F(Keyboard, WhatABarCoversInPartIsWithinReach) {
+    const auto page = add<UIScrollView>({{0, 0}, {320, 480}});
+    page->setContentSize({320, 1000});
+    const auto row = add<KeyView>({{0, 0}, {320, 44}}, page);
+    add({{0, 0}, {320, 30}});
+
+    touches.key(hid::tab);
+
+    EXPECT_EQ(focused(), row);
+}

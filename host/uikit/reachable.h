@@ -1,0 +1,11 @@
+#pragma once
+
+class UIView;
+
+namespace host {
+
+// Whether a finger can reach the view, by scrolling if need be: what lies under another view, or behind a modal one, is
+// no key's and no assistive technology's either.
+bool isReachable(const UIView& view);
+
+} // namespace host
