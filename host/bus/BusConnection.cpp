@@ -228,9 +228,11 @@ void host::BusConnection::updateWatched(int descriptor) {
 
 void host::BusConnection::descriptorReady(int descriptor, std::uint32_t events) {
     DBusConnection* const connection = ::dbus_connection_ref(m_connection);
-    const unsigned happened =
-        (events & EPOLLIN ? DBUS_WATCH_READABLE : 0u) | (events & EPOLLOUT ? DBUS_WATCH_WRITABLE : 0u) |
-        (events & EPOLLERR ? DBUS_WATCH_ERROR : 0u) | (events & EPOLLHUP ? DBUS_WATCH_HANGUP : 0u);
+    unsigned happened = 0;
+    if (events & EPOLLIN) happened |= DBUS_WATCH_READABLE;
+    if (events & EPOLLOUT) happened |= DBUS_WATCH_WRITABLE;
+    if (events & EPOLLERR) happened |= DBUS_WATCH_ERROR;
+    if (events & EPOLLHUP) happened |= DBUS_WATCH_HANGUP;
     // Handling one watch may change the list.
     const auto watches = m_watched[descriptor].watches;
     for (DBusWatch* const watch : watches) {

@@ -84,7 +84,7 @@ private:
     Descriptor m_again; // readable while messages wait to be dispatched
     EventSet::Token m_againToken = 0;
     bool m_isDispatching = false;
-    bool m_filters = false; // our filter is in the connection
+    bool m_filters = false;   // our filter is in the connection
     std::string m_lossReason; // set when the connection is over and has still to be closed
 };
 

@@ -60,13 +60,19 @@ std::string plainType(const id& value) {
     const NSNumber* const number = value.number();
     if (!number) return "";
     switch (number->type()) {
-    case NSNumber::Type::Bool: return "b";
-    case NSNumber::Type::Int: return "i";
-    case NSNumber::Type::Integer: return "x";
-    case NSNumber::Type::UnsignedInt: return "u";
-    case NSNumber::Type::UnsignedLongLong: return "t";
+    case NSNumber::Type::Bool:
+        return "b";
+    case NSNumber::Type::Int:
+        return "i";
+    case NSNumber::Type::Integer:
+        return "x";
+    case NSNumber::Type::UnsignedInt:
+        return "u";
+    case NSNumber::Type::UnsignedLongLong:
+        return "t";
     case NSNumber::Type::Float:
-    case NSNumber::Type::Double: return "d";
+    case NSNumber::Type::Double:
+        return "d";
     }
     return "";
 }

@@ -3,7 +3,7 @@
 #include "platform/quartz/CGContext.h"
 
 #include "host/quartz/graphics_stack.h"
-#include "surface.h"
+#include "tests/quartz/surface.h"
 
 #include <gtest/gtest.h>
 

@@ -2,7 +2,7 @@
 
 #include "host/quartz/fonts.h"
 #include "host/quartz/text.h"
-#include "surface.h"
+#include "tests/quartz/surface.h"
 
 #include <gtest/gtest.h>
 

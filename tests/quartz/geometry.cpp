@@ -1,7 +1,7 @@
 #include "platform/quartz/CATransaction.h"
 #include "platform/quartz/CGAffineTransform.h"
 #include "platform/uikit/UIScreen.h"
-#include "surface.h"
+#include "tests/quartz/surface.h"
 
 #include <gtest/gtest.h>
 

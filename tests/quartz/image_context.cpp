@@ -1,5 +1,5 @@
 #include "platform/quartz/CGContext.h"
-#include "surface.h"
+#include "tests/quartz/surface.h"
 
 #include <gtest/gtest.h>
 

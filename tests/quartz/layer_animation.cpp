@@ -3,7 +3,7 @@
 #include "host/testing/manual_clock.h"
 #include "platform/foundation/time.h"
 #include "platform/quartz/CATransaction.h"
-#include "surface.h"
+#include "tests/quartz/surface.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "platform/quartz/CALayer.h"
 
-#include "surface.h"
+#include "tests/quartz/surface.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 #include "platform/quartz/CAGradientLayer.h"
-#include "surface.h"
+#include "tests/quartz/surface.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "platform/uikit/UIBezierPath.h"
 
-#include "surface.h"
+#include "tests/quartz/surface.h"
 
 #include <gtest/gtest.h>
 

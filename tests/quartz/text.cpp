@@ -2,7 +2,7 @@
 
 #include "host/quartz/text_cache.h"
 #include "host/quartz/text_layout.h"
-#include "surface.h"
+#include "tests/quartz/surface.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "host/quartz/text_layout.h"
 
 #include "host/quartz/text_cache.h"
-#include "surface.h"
+#include "tests/quartz/surface.h"
 
 #include <gtest/gtest.h>
 
