@@ -3,8 +3,8 @@
 #include "colourpicker/ZKBrightnessCursor.h"
 #include "host/testing/snapshot.h"
 #include "platform/quartz/CAGradientLayer.h"
-#include "reference_tables.h"
 #include "tests/colourpicker/picker_scene.h"
+#include "tests/colourpicker/reference_tables.h"
 
 #include <gtest/gtest.h>
 

@@ -2,7 +2,7 @@
 #include "colourpicker/ZKColorMapView.h"
 #include "host/quartz/screen.h"
 #include "platform/uikit/UIImage.h"
-#include "reference_tables.h"
+#include "tests/colourpicker/reference_tables.h"
 
 #include <gtest/gtest.h>
 

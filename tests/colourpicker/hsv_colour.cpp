@@ -1,7 +1,7 @@
 #include "colourpicker/HSVColor.h"
 #include "colourpicker/colour_bytes.h"
-#include "reference_tables.h"
 #include "tests/colourpicker/picker_scene.h"
+#include "tests/colourpicker/reference_tables.h"
 
 #include "platform/uikit/UIColor.h"
 

@@ -2,8 +2,8 @@
 
 #include "colourpicker/HSVColor.h"
 #include "platform/uikit/UIColor.h"
-#include "reference_tables.h"
 #include "tests/colourpicker/picker_scene.h"
+#include "tests/colourpicker/reference_tables.h"
 
 #include <gtest/gtest.h>
 
