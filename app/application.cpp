@@ -56,6 +56,7 @@ int showWindow(host::Toolkit& toolkit, const app::Options& options, const app::B
     // Asked for first: the window system makes the window while we make the page.
     auto window =
         std::make_unique<host::SceneWindow>(host::SceneWindowOptions{.size = options.size, .scale = options.scale});
+    toolkit.awaitFonts();
     app::SettingsPage page(bundle, principalClass, window->size(), window->scale());
     if (!page.isShown()) {
         complain("bundle refused: " + bundle.principalClass + " of " + bundle.folder + " makes no page");

@@ -7,7 +7,9 @@
 
 #include <csignal>
 #include <cstdlib>
+#include <dlfcn.h>
 #include <fcntl.h>
+#include <future>
 #include <unistd.h>
 
 namespace {
@@ -52,6 +54,13 @@ bool somethingNamesADisplay() {
     return false;
 }
 
+// The toolkit reads the font configuration when it first meets text, some hundred files; it then finds them read. The
+// library for it is the toolkit's own dependency, of which nothing else is used here.
+void readFontConfiguration() {
+    using Initialise = int (*)();
+    if (const auto initialise = reinterpret_cast<Initialise>(dlsym(RTLD_DEFAULT, "FcInit"))) initialise();
+}
+
 } // namespace
 
 struct host::Toolkit::State {
@@ -60,6 +69,7 @@ struct host::Toolkit::State {
     std::string platformOption = "-platform";
     std::string platform = "offscreen";
     char* arguments[4] = {};
+    std::future<void> fonts;
     std::unique_ptr<QGuiApplication> application;
     std::unique_ptr<EventLoop> loop;
     SourceToken signalSource = 0;
@@ -81,6 +91,7 @@ host::Toolkit::Toolkit(const ToolkitOptions& options) : m_state(std::make_unique
 
     // A send to a peer that has hung up reports an error and is no reason to die.
     std::signal(SIGPIPE, SIG_IGN);
+    state.fonts = std::async(std::launch::async, readFontConfiguration);
     noDisplayHandler = options.needsDisplay ? options.noDisplay : nullptr;
     isStarting = true;
     qInstallMessageHandler(logMessage);
@@ -100,6 +111,10 @@ host::Toolkit::~Toolkit() {
     m_state->loop.reset();
     m_state->application.reset();
     qInstallMessageHandler(nullptr);
+}
+
+void host::Toolkit::awaitFonts() {
+    if (m_state->fonts.valid()) m_state->fonts.get();
 }
 
 int host::Toolkit::run() {

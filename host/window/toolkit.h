@@ -24,6 +24,10 @@ public:
     Toolkit(const Toolkit&) = delete;
     Toolkit& operator=(const Toolkit&) = delete;
 
+    // The font configuration is read on another thread while the toolkit starts; returns when that is done. Text can be
+    // had before, at the price of reading it twice.
+    void awaitFonts();
+
     // The main run loop, until quit(); gives back its code.
     int run();
     // Runs the loop until `done` holds, and says whether it did; gives up after `seconds` of real time. Asks before the

@@ -43,10 +43,10 @@ def start(command, environment):
 
 
 def end(process):
-    """Stops the program; its peak memory in KiB."""
-    os.kill(process, signal.SIGTERM)
+    """Stops the program; its peak memory in KiB and its seconds of processor time."""
+    os.kill(process, signal.SIGKILL)
     _, _, usage = os.wait4(process, 0)
-    return usage.ru_maxrss
+    return usage.ru_maxrss, usage.ru_utime + usage.ru_stime
 
 
 def wait_until(condition, what):
@@ -63,7 +63,7 @@ def one_run(command, screen, environment):
     wait_until(screen.is_painted, f"a frame of {os.path.basename(command[0])}")
     seconds = time.perf_counter() - begin
     time.sleep(0.15)  # the frame is on the screen; let what the program does after it count for its memory
-    return seconds, end(process)
+    return seconds, *end(process)
 
 
 def wake_ups(process):
@@ -114,10 +114,13 @@ def main():
 
     times = {name: statistics.median(run[0] for run in results) * 1000 for name, results in runs.items()}
     memory = {name: statistics.median(run[1] for run in results) / 1024 for name, results in runs.items()}
+    work = {name: statistics.median(run[2] for run in results) * 1000 for name, results in runs.items()}
     time_ratio = times["settings"] / times["empty window"]
     memory_ratio = memory["settings"] / memory["empty window"]
     print(f"{'':24}{'empty window':>14}{'settings':>12}{'ratio':>8}{'limit':>8}")
     print(f"{'first frame, ms':24}{times['empty window']:14.1f}{times['settings']:12.1f}{time_ratio:8.2f}{TIME_LIMIT:8.2f}")
+    work_ratio = work["settings"] / work["empty window"]
+    print(f"{'processor time, ms':24}{work['empty window']:14.1f}{work['settings']:12.1f}{work_ratio:8.2f}")
     print(f"{'peak memory, MiB':24}{memory['empty window']:14.1f}{memory['settings']:12.1f}{memory_ratio:8.2f}{MEMORY_LIMIT:8.2f}")
     if options.idle:
         print(f"{f'wake-ups in {options.idle:g} s idle':24}{'':14}{idle:12d}{'':8}{0:8d}")
