@@ -8,6 +8,7 @@
 #include "host/bus/session_bus_address.h"
 #include "host/dispatch/main_queue.h"
 #include "host/foundation/root.h"
+#include "host/mail/browser.h"
 #include "host/window/scene_window.h"
 #include "host/window/toolkit.h"
 
@@ -100,6 +101,7 @@ int app::runApplication(const Options& options) {
         return ExitBundleRefused;
     }
 
+    host::installBrowser();
     Simulation simulation;
     if (options.simulate && !simulation.start(bundle, problem)) {
         complain(problem);

@@ -3,11 +3,13 @@
 #include "app/failure_banner.h"
 #include "host/controllers/front_controller.h"
 #include "host/notify/NotifyListener.h"
+#include "host/settings_framework/bundle.h"
 #include "platform/foundation/NSArray.h"
 #include "platform/uikit/UINavigationController.h"
 
 app::SettingsPage::SettingsPage(const Bundle& bundle, Class principalClass, CGSize points, double scale)
     : m_name(bundle.name), m_scene(points, scale) {
+    host::setResourceFolder(bundle.folder);
     const auto page = makePage(principalClass);
     if (!page) return;
     listenForFailures(*bundle.manifest);

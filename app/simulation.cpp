@@ -25,12 +25,19 @@ std::string standInPath(const std::string& name) {
     return {};
 }
 
+// Notes in `made` what was not there.
+void makeFolders(const fs::path& folder, std::vector<fs::path>& made, std::error_code& error) {
+    if (fs::exists(folder)) return;
+    makeFolders(folder.parent_path(), made, error);
+    if (!error && fs::create_directory(folder, error)) made.push_back(folder);
+}
+
 } // namespace
 
 struct app::Simulation::State {
     std::string daemonName;
     std::unique_ptr<LineProcess> daemon;
-    std::vector<std::string> placed; // real paths of what we have put there
+    std::vector<fs::path> placed; // what we have put there, folders before what is in them
     std::function<void(const std::string&)> listener;
 };
 
@@ -38,8 +45,8 @@ app::Simulation::Simulation() : m_state(std::make_unique<State>()) {}
 
 app::Simulation::~Simulation() {
     stopDaemon();
-    std::error_code error;
-    for (const auto& path : m_state->placed) fs::remove(path, error);
+    std::error_code error; // a folder that others have used meanwhile stays
+    for (auto path = m_state->placed.rbegin(); path != m_state->placed.rend(); ++path) fs::remove(*path, error);
 }
 
 bool app::Simulation::start(const Bundle& bundle, std::string& problem) {
@@ -56,12 +63,12 @@ bool app::Simulation::start(const Bundle& bundle, std::string& problem) {
         if (program.empty()) {
             problem = "simulate: there is no stand-in for " + logicalPath;
         } else {
-            fs::create_directories(place.parent_path(), error);
+            makeFolders(place.parent_path(), m_state->placed, error);
             // What an earlier process has left behind is replaced; a tool of the user's own stays.
             if (fs::is_symlink(place)) fs::remove(place, error);
             if (!fs::exists(place)) {
                 fs::create_symlink(program, place, error);
-                if (!error) m_state->placed.push_back(place.string());
+                if (!error) m_state->placed.push_back(place);
             }
             if (error) problem = "simulate: " + place.string() + ": " + error.message();
         }
