@@ -1,5 +1,6 @@
 #include "app/tour/stage.h"
 
+#include "host/dispatch/main_queue.h"
 #include "host/quartz/png.h"
 #include "host/testing/snapshot.h"
 #include "host/uikit/application.h"
@@ -83,7 +84,8 @@ bool app::Stage::waitUntil(const std::function<bool()>& done, double seconds) {
 }
 
 void app::Stage::settle() {
-    waitUntil([this] { return m_frameTimer == 0; }, 1);
+    // The end of a transition is a block on the main queue: until it has run, the window takes no touches.
+    waitUntil([this] { return m_frameTimer == 0 && host::mainQueueIsEmpty(); }, 1);
 }
 
 const host::AccessibilityNode* app::Stage::find(const NodeQuery& query) {
