@@ -101,7 +101,9 @@ TEST(BusValues, VariantsAreReadToADepthOfEight) {
         const auto received = message.read();
 
         EXPECT_EQ(depth <= 8, received.has_value()) << depth;
-        if (received) EXPECT_TRUE(received->front() == id("innermost"));
+        if (received) {
+            EXPECT_TRUE(received->front() == id("innermost"));
+        }
     }
 }
 

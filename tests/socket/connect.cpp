@@ -26,7 +26,9 @@ protected:
         address.sun_family = AF_UNIX;
         std::strcpy(address.sun_path, realPath.c_str());
         EXPECT_EQ(0, ::bind(listener, reinterpret_cast<const ::sockaddr*>(&address), sizeof address));
-        if (backlog >= 0) EXPECT_EQ(0, ::listen(listener, backlog));
+        if (backlog >= 0) {
+            EXPECT_EQ(0, ::listen(listener, backlog));
+        }
         return listener;
     }
     std::string socketFile() const { return m_folder.file("Library/Caches/jvncontrol.sock"); }
