@@ -29,9 +29,8 @@ void AlertQueue::remove(const std::shared_ptr<UIAlertView>& alert, long buttonIn
     m_alerts.erase(at);
     // It may be shown again.
     alert->m_alert->hasAppeared = false;
-    const auto window = alert->window();
+    // With its buttons the focus goes too, back to where it was before.
     alert->removeFromSuperview();
-    if (window) window->setFocusedView(alert->m_alert->focusedBefore.lock());
     if (const auto delegate = alert->m_alert->delegate.lock())
         delegate->alertView_didDismissWithButtonIndex(*alert, buttonIndex);
     showFirst();

@@ -92,7 +92,6 @@ void UIAlertView::show() { AlertQueue::shared().add(self(this)); }
 
 void UIAlertView::appearIn(UIWindow& window) {
     m_alert->hasAppeared = true;
-    m_alert->focusedBefore = window.focusedView();
     setFrame(window.bounds());
     window.addSubview(self(this));
     layoutIfNeeded();

@@ -18,7 +18,6 @@ struct UIAlertView::State {
     std::vector<std::shared_ptr<host::TextButton>> buttons;
     std::vector<std::shared_ptr<UIView>> lines; // above and between the buttons
 
-    std::weak_ptr<UIView> focusedBefore;
     bool hasAppeared = false;
     bool isDismissing = false;
 
