@@ -34,7 +34,7 @@ class Installed(unittest.TestCase):
         os.makedirs(os.path.join(home, "run"), mode=0o700, exist_ok=True)
         environment = {"PATH": os.environ["PATH"], "HOME": home, "XDG_RUNTIME_DIR": os.path.join(home, "run"),
                        "LC_ALL": "C.UTF-8", "QT_QPA_PLATFORM": "offscreen"}
-        return subprocess.run([self.program, *arguments], env=environment, cwd=self.folder.name, capture_output=True,
+        return subprocess.run(["dbus-run-session", "--", self.program, *arguments], env=environment, cwd=self.folder.name, capture_output=True,
                               text=True, timeout=100)
 
     def files(self, top):
