@@ -1,0 +1,185 @@
+// The pairing instructions: handed to a real mail program as a real file, or opened in a real browser.
+
+#include "settings/pairing_instructions.h"
+
+#include "host/foundation/base64.h"
+#include "host/mail/browser.h"
+#include "host/uikit/url_opener.h"
+#include "tests/settings/page_test.h"
+#include "tests/support/fake_desktop.h"
+#include "tests/support/logged_lines.h"
+
+#include <fstream>
+#include <gmock/gmock.h>
+#include <iterator>
+#include <regex>
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+const std::string noMailAlert =
+    "Your E-mail account is not configured\nYou are taken to a browser with pairing instructions.";
+
+std::vector<std::string> linkTargets(const std::string& html) {
+    std::vector<std::string> targets;
+    const std::regex link("<a href=([^>]*)>");
+    for (std::sregex_iterator match(html.begin(), html.end(), link), end; match != end; ++match)
+        targets.push_back((*match)[1]);
+    return targets;
+}
+
+class Instructions : public PageTest {
+protected:
+    Instructions() {
+        host::setURLOpener([this](const std::string& url) {
+            ++addressesOpened;
+            return host::openInBrowser(url);
+        });
+    }
+    ~Instructions() override { host::setURLOpener(nullptr); }
+
+    void openComposer() {
+        desktop.install("message/rfc822", "mailer");
+        show();
+        ASSERT_TRUE(app.tap("E-mail Pairing Instructions"));
+        ASSERT_TRUE(app.navigation()->presentedViewController());
+    }
+    bool isComposerGone() {
+        return app.waitUntil([&] { return !app.navigation()->presentedViewController(); });
+    }
+
+    testing_support::FakeDesktop desktop;
+    testing_support::LoggedLines log;
+    int addressesOpened = 0;
+};
+
+TEST(InstructionsBody, HasItsElementsAndTextsOnOneLine) {
+    const std::string body = std::regex_replace(std::string(pairingInstructionsHTML), std::regex("href=[^>]*"), "href");
+    EXPECT_EQ(body, "<p><h1>Pairing Your PS3 Controller</h1> Note: this needs to be done only the first time "
+                    "<h2>Mac OS X:</h2><ol><li>Download <a href>SixPair</a></li>"
+                    "<li>Connect both your PS3 controller and your iOS device to your Mac</li>"
+                    "<li>Click the Pair controller button</li><li>Disconnect your controller.</li><li>Done!</li></ol>"
+                    "<h2>Windows:</h2><ol><li>Download and install <a href>SixaxisPairTool</a></li>"
+                    "<li>Connect both your iOS device and PS3 controller to your Windows computer</li>"
+                    "<li>Run SixaxisPairTool and insert your iOS device Bluetooth address (you can find it in "
+                    "Settings > General > About > Bluetooth)</li>"
+                    "<li>Click Update and disconnect your controller.</li><li>Done!</li></ol>"
+                    "<h2>Linux:</h2><ol><li>Download and compile <a href>sixpair</a></li>"
+                    "<li>Connect both your iOS device and PS3 controller to your Linux PC</li>"
+                    "<li>Run sixpair and give it your iOS device Bluetooth address as the first CLI parameter</li>"
+                    "<li>Disconnect the controller</li><li>Done!</li>"
+                    "<li>More in-depth instructions <a href>here</a>.</li></ol></p>");
+}
+
+TEST(InstructionsBody, LinkTargetsStandWithoutQuotationMarks) {
+    const auto targets = linkTargets(pairingInstructionsHTML);
+
+    ASSERT_EQ(targets.size(), 4u);
+    for (const auto& target : targets)
+        EXPECT_TRUE(std::regex_match(target, std::regex("https?://[^\\s\"'=<>`]+"))) << target;
+    EXPECT_TRUE(targets[0].ends_with("/sixpairmac.zip"));
+    EXPECT_TRUE(targets[2].ends_with("sixpair.c"));
+    EXPECT_TRUE(targets[2].starts_with(targets[3])) << "the source file is an attachment of the help page";
+}
+
+TEST(InstructionsBody, PageAndDownloadAreOnOneSite) {
+    const std::string page = pairingInstructionsURL;
+    const std::string path = "/sixpair_instructions.html";
+
+    ASSERT_TRUE(page.ends_with(path));
+    EXPECT_EQ(linkTargets(pairingInstructionsHTML).front(),
+              page.substr(0, page.size() - path.size()) + "/sixpairmac.zip");
+}
+
+TEST_F(Instructions, ComposerShowsTheBodyAndEmptyFields) {
+    openComposer();
+
+    for (const char* text : {"New Message", "To:", "Subject:", "Pairing Your PS3 Controller", "Mac OS X:"})
+        EXPECT_TRUE(app.find(text)) << text;
+    EXPECT_EQ(app.alert(), std::nullopt);
+    EXPECT_THAT(desktop.argumentsOf("mailer"), IsEmpty());
+}
+
+TEST_F(Instructions, SendHandsTheMessageToTheMailProgramAndDismisses) {
+    openComposer();
+
+    ASSERT_TRUE(app.tap("Send"));
+
+    EXPECT_TRUE(isComposerGone());
+    ASSERT_TRUE(app.waitUntil([&] { return !desktop.argumentsOf("mailer").empty(); }));
+    const auto arguments = desktop.argumentsOf("mailer");
+    ASSERT_EQ(arguments.size(), 1u);
+    std::ifstream file(arguments[0], std::ios::binary);
+    const std::string draft(std::istreambuf_iterator<char>(file), {});
+    EXPECT_NE(draft.find("\r\nTo: \r\n"), std::string::npos);
+    EXPECT_NE(draft.find("\r\nSubject: \r\n"), std::string::npos);
+    EXPECT_NE(draft.find("\r\nContent-Type: text/html"), std::string::npos);
+    const auto body = host::decodeBase64(draft.substr(draft.find("\r\n\r\n") + 4));
+    ASSERT_TRUE(body);
+    EXPECT_EQ(std::string(body->begin(), body->end()), pairingInstructionsHTML);
+    EXPECT_EQ(app.alert(), std::nullopt);
+}
+
+TEST_F(Instructions, CancelDismissesAndSendsNothing) {
+    openComposer();
+
+    ASSERT_TRUE(app.tap("Cancel"));
+
+    EXPECT_TRUE(isComposerGone());
+    EXPECT_THAT(desktop.argumentsOf("mailer"), IsEmpty());
+    EXPECT_FALSE(std::filesystem::exists(desktop.dataHome() + "/joyvane/message.eml"));
+}
+
+TEST_F(Instructions, FailedSendDismissesAndIsNotReportedByThePage) {
+    openComposer();
+    desktop.removeProgram("mailer");
+
+    ASSERT_TRUE(app.tap("Send"));
+
+    EXPECT_TRUE(isComposerGone());
+    EXPECT_EQ(app.alert(), std::nullopt);
+}
+
+TEST_F(Instructions, WithoutMailTheAlertLeadsToTheBrowserExactlyOnce) {
+    desktop.install("x-scheme-handler/http", "browser");
+    show();
+
+    ASSERT_TRUE(app.tap("E-mail Pairing Instructions"));
+
+    EXPECT_EQ(app.alert(), noMailAlert);
+    EXPECT_EQ(addressesOpened, 0) << "only the dismissed alert opens it";
+    EXPECT_FALSE(app.navigation()->presentedViewController());
+
+    ASSERT_TRUE(app.dismissAlert());
+
+    EXPECT_TRUE(app.waitUntil([&] { return !desktop.argumentsOf("browser").empty(); }));
+    EXPECT_EQ(addressesOpened, 1);
+    EXPECT_THAT(desktop.argumentsOf("browser"), ElementsAre(pairingInstructionsURL));
+    EXPECT_EQ(app.alert(), std::nullopt);
+}
+
+TEST_F(Instructions, RowOfItsOwnLeadsThereForEveryControllerType) {
+    show(JVNControllerTypeSyncButton);
+
+    ASSERT_TRUE(app.tap("PS3 Pairing Instructions"));
+
+    EXPECT_EQ(app.alert(), noMailAlert);
+    ASSERT_TRUE(app.dismissAlert());
+    EXPECT_EQ(addressesOpened, 1);
+}
+
+TEST_F(Instructions, AlertThatOutlivesThePageOpensNothing) {
+    desktop.install("x-scheme-handler/http", "browser");
+    show();
+    ASSERT_TRUE(app.tap("E-mail Pairing Instructions"));
+    app.close();
+    page = nullptr;
+
+    EXPECT_TRUE(app.dismissAlert());
+
+    EXPECT_EQ(addressesOpened, 0);
+}
+
+} // namespace
