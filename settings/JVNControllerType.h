@@ -1,6 +1,7 @@
 #pragma once
 
-// The integer under the "controller_type" row. Values beyond these are kept as they are stored; they pair like 2.
+// The integer under the "controller_type" row. Values beyond these are kept as they are stored; they pair by
+// discovery, for which there are no instructions of their own.
 enum JVNControllerType : long {
     JVNControllerTypePS3 = 0,
     JVNControllerTypeDualShock4 = 1,

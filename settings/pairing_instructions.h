@@ -5,6 +5,7 @@
 
 // Targets that others own are their public pages; those of our own site use a reserved name until there is one.
 #define JVN_SITE "http://joyvane.quorrel.example"
+#define JVN_SIXAXIS_TOOL_PAGE "http://www.dancingpixelstudios.com/sixaxiscontroller/tool.html"
 #define JVN_SIXAXIS_HELP_PAGE "https://help.ubuntu.com/community/Sixaxis"
 
 inline constexpr const char* pairingInstructionsURL = JVN_SITE "/sixpair_instructions.html";
@@ -18,13 +19,10 @@ inline constexpr const char* pairingInstructionsHTML =
     "<li>Disconnect your controller.</li>"
     "<li>Done!</li></ol>"
     "<h2>Windows:</h2><ol>"
-    "<li>Download and install <a "
-    "href=http://www.dancingpixelstudios.com/sixaxiscontroller/tool.html>SixaxisPairTool</a>"
-    "</li>"
+    "<li>Download and install <a href=" JVN_SIXAXIS_TOOL_PAGE ">SixaxisPairTool</a></li>"
     "<li>Connect both your iOS device and PS3 controller to your Windows computer</li>"
-    "<li>Run SixaxisPairTool and insert your iOS device Bluetooth address (you can find it in Settings > General > "
-    "About "
-    "> Bluetooth)</li>"
+    "<li>Run SixaxisPairTool and insert your iOS device Bluetooth address (you can find it in "
+    "Settings > General > About > Bluetooth)</li>"
     "<li>Click Update and disconnect your controller.</li>"
     "<li>Done!</li></ol>"
     "<h2>Linux:</h2><ol>"
@@ -37,4 +35,5 @@ inline constexpr const char* pairingInstructionsHTML =
     "<li>More in-depth instructions <a href=" JVN_SIXAXIS_HELP_PAGE ">here</a>.</li></ol></p>";
 
 #undef JVN_SITE
+#undef JVN_SIXAXIS_TOOL_PAGE
 #undef JVN_SIXAXIS_HELP_PAGE
