@@ -39,6 +39,9 @@ PSSpecifierList PSListController::loadSpecifiersFromPlistName_target(const std::
     return std::move(resource->specifiers);
 }
 
+// From the top of the content: the bar may be put over the table between a reload and the layout that follows.
+static double scrolledBy(const UITableView& table) { return table.contentOffset().y + table.contentInset().top; }
+
 void PSListController::reloadSpecifiers() {
     const auto window = m_list->table ? m_list->table->window() : nullptr;
     const auto focused = window ? std::dynamic_pointer_cast<PSTableCell>(window->focusedView()) : nullptr;
@@ -47,7 +50,7 @@ void PSListController::reloadSpecifiers() {
     _specifiers.reset();
     specifiers();
     if (!m_list->table) return;
-    if (!m_list->offsetBeforeReload) m_list->offsetBeforeReload = m_list->table->contentOffset();
+    if (!m_list->scrolledBeforeReload) m_list->scrolledBeforeReload = scrolledBy(*m_list->table);
     m_list->table->reloadData();
     view()->setNeedsLayout();
     // The rows are other objects now; the keyboard stays where the user was.
@@ -108,10 +111,10 @@ void PSListController::viewWillAppear(bool animated) {
 
 void PSListController::viewDidLayoutSubviews() {
     UIViewController::viewDidLayoutSubviews();
-    const auto offset = std::exchange(m_list->offsetBeforeReload, std::nullopt);
+    const auto scrolled = std::exchange(m_list->scrolledBeforeReload, std::nullopt);
     const auto& table = m_list->table;
-    if (!offset || *offset == table->contentOffset() || table->isDragging()) return;
-    table->setContentOffset(*offset);
+    if (!scrolled || *scrolled == scrolledBy(*table) || table->isDragging()) return;
+    table->setContentOffset(CGPointMake(0, *scrolled - table->contentInset().top));
     // Brings it back into what there is to scroll.
     table->setContentSize(table->contentSize());
 }

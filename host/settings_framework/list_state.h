@@ -22,7 +22,7 @@ struct PSListController::State {
     std::vector<host::ListSection> sections;
     // Where the page was scrolled to before its rows were rebuilt; put back when the rows that are inserted in code
     // stand there again.
-    std::optional<CGPoint> offsetBeforeReload;
+    std::optional<double> scrolledBeforeReload; // points from the top
 
     std::shared_ptr<PSSpecifier> row(const NSIndexPath& path) const;         // nil when there is none
     std::shared_ptr<NSIndexPath> pathOf(const PSSpecifier* specifier) const; // nil for groups and strangers

@@ -6,7 +6,7 @@
 
 namespace {
 
-const std::string head = "[Controller] | Controller Type | Connection | ";
+const std::string head = "[Setup] | Controller | Connection | ";
 const std::string tail = " | [Help] | PS3 Pairing Instructions | Restart Daemons";
 const id yes = NSNumber::numberWithBool(true);
 
@@ -171,7 +171,7 @@ TEST_F(Rows, TheForceRowIsBuiltAnewEachTimeItComes) {
 TEST_F(Rows, ChoosingATypeInItsListChangesThePage) {
     show();
 
-    ASSERT_TRUE(app.tap("Controller Type"));
+    ASSERT_TRUE(app.tap("Controller"));
     ASSERT_TRUE(app.tap("DualShock 4"));
 
     EXPECT_TRUE(app.waitUntil([&] { return app.navigation()->topViewController() == page; }));

@@ -69,7 +69,7 @@ private:
     std::shared_ptr<UINavigationController> m_navigation;
 };
 
-// Titles of the rows in their order, groups in brackets: "[Controller] | Controller Type | ...".
+// Titles of the rows in their order, groups in brackets: "[Setup] | Controller | ...".
 std::string rowsOf(PSListController& page);
 
 // A dictionary from pairs.
