@@ -7,6 +7,7 @@
 inline constexpr std::uint32_t NOTIFY_STATUS_OK = 0;
 inline constexpr std::uint32_t NOTIFY_STATUS_FAILED = 1000000;
 
-// Any thread; never blocks; true delivery is not promised (without a session bus nobody hears it, and one line is
-// logged). "com.quorrel.jvnprefs.changed" is heard as the signal "changed" of interface "com.quorrel.jvnprefs".
+// Any thread; never blocks; posts are delivered in order from the main run loop. Delivery is not promised: without a
+// session bus no other process hears of it, and one line is logged. A name of fewer than three parts fails.
+// "com.quorrel.jvnprefs.changed" is heard as the signal "changed" of interface "com.quorrel.jvnprefs".
 std::uint32_t notify_post(const char* name);

@@ -12,8 +12,9 @@ inline constexpr int SIGINT_NUMBER = 2;
 class NSTask final : public NSObject {
     NS_CLASS(NSTask)
 
-    // Starts and returns at once. A tool that cannot be started gives a task whose identifier stays 0, and a logged
-    // reason. Main thread.
+    // Starts the tool and does not wait for it, but up to 25 ms for the answer whether it can be started. One that
+    // cannot gives a task whose identifier is 0, and a logged reason; an answer that comes later takes the identifier
+    // back. Main thread.
     static std::shared_ptr<NSTask> launchedTaskWithLaunchPath_arguments(const std::string& path,
                                                                         const std::vector<std::string>& arguments);
 

@@ -22,9 +22,9 @@ public:
     virtual void drawLayer_inContext(CALayer& layer, CGContextRef context) = 0;
 };
 
-// A rectangle on screen: background, contents, border, sublayers, in this order from the back (the border is drawn over
-// the sublayers). Property values change at once; inside an animation block what is drawn follows over time. A layer
-// that stands in no tree may be made and set up on any thread; in a tree, main thread only.
+// A rectangle on screen: background, contents, the delegate's drawing, sublayers, border, in this order from the back.
+// Property values change at once; inside an animation block what is drawn follows over time. A layer that stands in no
+// tree may be made and set up on any thread; in a tree, main thread only.
 class CALayer : public NSObject {
     NS_CLASS(CALayer)
 public:

@@ -14,7 +14,8 @@ public:
     // Loads the view where it is not loaded yet.
     std::shared_ptr<UITableView> tableView();
     void loadView() override;
-    // Deselects nothing: a row that waits for something stays selected. The first time, the data is loaded.
+    // Deselects nothing: a row that waits for something stays selected. The table asks for its data when it is first
+    // laid out or asked about.
     void viewWillAppear(bool animated) override;
 
     long numberOfSectionsInTableView(UITableView& tableView) override;
