@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 
 // A settings row that shows a colour as a round swatch at its right end, in place of a value text. Named in a row's
 // "cellClass".

@@ -239,7 +239,10 @@ TEST_F(ColorMap, HueFromNineHundredSeventyFiveUpHasItsCursorOneColumnOutside) {
 
 TEST_F(ColorMap, HueExactlyOneHasItsCursorInTheFirstColumn) {
     const auto map = showMap({{0, 0}, {320, 320}});
-    map->setColor(hsb(1, 1, 1));
+    // A red with so little blue that its hue, rounded, is a whole turn.
+    const auto color = rgb(1, 0, 1e-17);
+    ASSERT_EQ(hsba(color).hue, 1);
+    map->setColor(color);
     EXPECT_EQ(map->colorCursor()->transform().tx, 0);
 }
 

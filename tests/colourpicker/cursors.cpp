@@ -75,6 +75,13 @@ TEST_F(Cursors, FirstSaturatedColourKeepsTheNormalRimAndIsNotGray) {
     EXPECT_EQ(rimOf(*cursor), normalRim);
 }
 
+TEST_F(Cursors, FirstDarkColourKeepsTheNormalRimAndIsNotGray) {
+    cursor->setColor(hsb(0, 0.1, 0.2));
+
+    EXPECT_FALSE(cursor->isGrayCursor());
+    EXPECT_EQ(rimOf(*cursor), normalRim);
+}
+
 TEST_F(Cursors, RimTurnsDarkWhenAColourTurnsPaleAndBackAgain) {
     cursor->setColor(hsb(0, 0.9, 0.9));
     cursor->setColor(hsb(0, 0.1, 0.9));

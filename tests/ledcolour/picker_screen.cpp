@@ -91,7 +91,7 @@ TEST_F(PickerScreen, PickerFillsTheViewBelowTheBar) {
 
 TEST_F(PickerScreen, WithoutANavigationBarPickerFillsTheView) {
     screen->view()->setFrame({{0, 0}, {320, 480}});
-    EXPECT_EQ(picker().frame().origin, (CGPoint{0, 0}));
+    EXPECT_EQ(picker().frame(), (CGRect{{0, 0}, {320, 480}}));
 }
 
 TEST_F(PickerScreen, LeavingUntouchedTellsNobody) {
