@@ -1,5 +1,6 @@
 #include "colourpicker/ZKBrightnessCursor.h"
 #include "colourpicker/ZKColorCursor.h"
+#include "host/quartz/layer_internals.h"
 #include "platform/uikit/UILabel.h"
 #include "tests/colourpicker/picker_scene.h"
 
@@ -190,6 +191,19 @@ TEST_F(Cursors, EditingTakesATenthOfASecondToShow) {
     EXPECT_TRUE(window.scene.isAnimating());
     window.finger.wait(0.06);
     EXPECT_FALSE(window.scene.isAnimating());
+}
+
+TEST_F(Cursors, EditingThatTurnsBackBeginsAtItsFarEnd) {
+    window.show(cursor, {{10, 20}, {28, 28}});
+    const auto shown = [&] { return LayerInternals::shown(*cursor->backLayer()).transform; };
+    cursor->setEditing(true);
+    EXPECT_EQ(shown(), CATransform3DIdentity);
+    window.finger.wait(0.05);
+    ASSERT_NE(shown(), CATransform3DMakeScale(1.6, 1.6, 1));
+
+    cursor->setEditing(false);
+
+    EXPECT_EQ(shown(), CATransform3DMakeScale(1.6, 1.6, 1));
 }
 
 TEST_F(Cursors, EqualEditingValueDoesNotAnimate) {
