@@ -26,7 +26,8 @@ static_assert(offsetof(sockaddr_un, sun_path) == 2);
 
 int socket(int domain, int type, int protocol);
 // The path is read up to its first zero, 104 bytes at the most, and stands under the root; how long the root's own path
-// is does not matter. Never waits: with nobody listening, a full backlog or a peer of another user it fails at once.
+// is does not matter. Never waits: with nobody listening, a full backlog, or a peer that is neither our user's nor
+// root's, it fails at once.
 int connect(int descriptor, const sockaddr_un* address, std::size_t size);
 // Bytes taken, or -1. A peer that has gone gives -1, not a signal. Never waits for a peer that does not read.
 std::ptrdiff_t send(int descriptor, const void* bytes, std::size_t length, int flags);
