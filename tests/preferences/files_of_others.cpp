@@ -13,7 +13,7 @@ constexpr const char* python = "/usr/bin/python3";
 // change by ours: value for value and type for type.
 TEST_F(FilesOfOthers, FortyRealShapedFilesKeepEveryOtherValueAndType) {
     if (access(python, X_OK) != 0) GTEST_SKIP() << "no " << python;
-    const std::string script = std::string(TEST_SCRIPTS) + "/real_shaped_files.py";
+    const std::string script = TEST_SCRIPTS "/real_shaped_files.py";
     const std::string originals = root() + "/originals";
     std::filesystem::create_directory(originals);
     ASSERT_EQ(Child({python, script, "make", originals, folder()}).wait(), 0);
