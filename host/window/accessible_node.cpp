@@ -222,9 +222,9 @@ void host::AccessibleNode::doAction(const QString& name) {
     else if (name == setFocusAction())
         tree.focus(m_identity);
     else if (name == increaseAction())
-        tree.step(m_identity, Direction::Right, UIAccessibilityStep::Small);
+        tree.step(m_identity, Direction::Up, UIAccessibilityStep::Small);
     else if (name == decreaseAction())
-        tree.step(m_identity, Direction::Left, UIAccessibilityStep::Small);
+        tree.step(m_identity, Direction::Down, UIAccessibilityStep::Small);
     else
         for (const auto& action : canvasActions)
             if (name == QLatin1String(action.name)) tree.step(m_identity, action.direction, action.step);
