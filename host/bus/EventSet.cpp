@@ -59,7 +59,8 @@ void host::EventSet::deliver() {
     std::array<::epoll_event, 16> events;
     const int count = ::epoll_wait(m_epoll.get(), events.data(), events.size(), 0);
     for (int i = 0; i < count; ++i) {
-        const auto found = m_entries.find(events[i].data.u64);
+        const Token token = events[i].data.u64; // a copy: the system packs its record
+        const auto found = m_entries.find(token);
         if (found == m_entries.end()) continue; // removed by an earlier callback
         const auto entry = found->second;
         entry->callback(events[i].events);
