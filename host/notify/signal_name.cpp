@@ -29,7 +29,8 @@ std::optional<host::BusSignal> host::signalForNotification(const std::string& na
     if (parts < 3 || name.size() > longestName) return std::nullopt;
 
     const auto dot = name.rfind('.');
-    BusSignal signal{"/" + name.substr(0, dot), name.substr(0, dot), name.substr(dot + 1)};
+    BusSignal signal{"/", name.substr(0, dot), name.substr(dot + 1)};
+    signal.path += signal.interface;
     std::ranges::replace(signal.path, '.', '/');
     return signal;
 }

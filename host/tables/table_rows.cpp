@@ -29,7 +29,7 @@ void UITableView::State::askForSections() {
 void UITableView::State::layOut() {
     const double width = table.bounds().size.width;
     // The cache serves the many reloads of one page, not texts without end.
-    if (width != laidOutWidth || measured.size() > 200) measured.clear();
+    if (width != laidOutWidth || measured.size() > 5000) measured.clear();
     laidOutWidth = width;
     double top = 0;
     if (headerView) {
