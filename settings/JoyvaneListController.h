@@ -3,6 +3,7 @@
 #include "ledcolour/JVNColorPickerController.h"
 #include "platform/mail.h"
 #include "platform/messaging_center.h"
+#include "platform/runtime/AtomicReference.h"
 #include "platform/settings_framework/PSListController.h"
 #include "platform/task.h"
 #include "platform/uikit/UIAlertView.h"
@@ -101,8 +102,8 @@ private:
 
     std::atomic<bool> m_controllerConnected = false;
     // Tasks read the type and the mode through their rows while the list may be rebuilt on the main thread.
-    std::atomic<std::shared_ptr<PSSpecifier>> m_controllerTypeRow;
-    std::atomic<std::shared_ptr<PSSpecifier>> m_connectionModeRow;
+    AtomicReference<PSSpecifier> m_controllerTypeRow;
+    AtomicReference<PSSpecifier> m_connectionModeRow;
     std::shared_ptr<NSTask> m_discoveryTask;
     std::shared_ptr<CPDistributedMessagingCenter> m_messagingCenter;
     std::shared_ptr<UIProgressHUD> m_hud;
