@@ -35,7 +35,7 @@ std::shared_ptr<UIProgressHUD> UIProgressHUD::init() {
     if (!UIView::initWithFrame(CGRectZero)) return nullptr;
     setAutoresizingMask(UIViewAutoresizingFlexibleWidth | UIViewAutoresizingFlexibleHeight);
     m_hud->panel = UIView::alloc()->initWithFrame(CGRectZero);
-    m_hud->panel->setBackgroundColor(UIColor::colorWithWhite_alpha(0.1, 0.88));
+    m_hud->panel->setBackgroundColor(UIColor::colorWithWhite_alpha(0.1, 0.95));
     m_hud->panel->layer()->setCornerRadius(12);
     m_hud->spinner = Spinner::alloc()->initWithSize(spinnerSize);
     m_hud->label = CellLabel::alloc()->initWithFrame(CGRectZero);
