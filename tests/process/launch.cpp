@@ -9,6 +9,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+const char* const launchedTool = LAUNCHED_TOOL;
+
 namespace {
 
 using Clock = std::chrono::steady_clock;

@@ -12,13 +12,16 @@
 #include <gtest/gtest.h>
 #include <string>
 
+// The real path of the program that is launched.
+extern const char* const launchedTool;
+
 // A root with a tool in it that says what it was started with.
 class ProcessTest : public ::testing::Test {
 protected:
     ProcessTest() {
         host::setRoot(m_folder.path());
         std::filesystem::create_directories(m_folder.file("usr/bin"));
-        std::filesystem::create_symlink(LAUNCHED_TOOL, m_folder.file("usr/bin/tool"));
+        std::filesystem::create_symlink(launchedTool, m_folder.file("usr/bin/tool"));
     }
     ~ProcessTest() override { host::setRoot(""); }
 

@@ -1,0 +1,176 @@
+"""The main job on a real desktop: the built program with its stand-ins, under a virtual X server, with a bus of its own.
+
+Once by assistive technology, once by the pointer, once by the keyboard alone. What the program did is read from the
+preferences file and from what the stand-in daemon logs.
+
+    main_job.py JOYVANE-SETTINGS
+"""
+
+import os
+import plistlib
+import sys
+import time
+import unittest
+
+from jv_e2e import App, Desktop, wait_for
+
+PROGRAM = ""
+
+
+class MainJob(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.desktop = Desktop()
+        cls.desktop.__enter__()
+        cls.addClassCleanup(cls.desktop.__exit__, None, None, None)
+
+    def start(self, name):
+        self.root = self.desktop.path(name)
+        self.app = App(self.desktop, [PROGRAM, "--simulate", "--root", self.root], errors=self.desktop.path(name + ".txt"))
+        self.addCleanup(self.app.__exit__, None, None, None)
+        self.app.find(name="Controller")
+        self.app.take_keyboard()
+
+    def stored(self, key):
+        path = os.path.join(self.root, "var/mobile/Library/Preferences/com.quorrel.joyvane.plist")
+        try:
+            with open(path, "rb") as file:
+                return plistlib.load(file).get(key)
+        except FileNotFoundError:
+            return None
+
+    def wait_stored(self, key, value):
+        wait_for(f"{key} = {value!r} in the file", lambda: self.stored(key) == value)
+
+    def rest(self):
+        """While a screen slides in, the window takes neither touches nor keys, and nothing tells how far it is."""
+        time.sleep(0.6)
+
+    def press(self, name):
+        """The action of the node, as a screen reader does it."""
+        self.app.find(name=name)
+        self.rest()
+
+        def done():
+            nodes = [node for node in self.app.nodes(name=name) if "showing" in node.states]
+            for action in ("Toggle", "Press"):  # a row with a switch has both, the switch alone can be turned
+                for node in nodes:
+                    if action in node.actions:
+                        node.do(action)
+                        return True
+            return False
+        wait_for(f"{name!r} to press", done)
+
+    def click(self, name):
+        self.app.find(name=name)
+        self.rest()
+
+        def middle():
+            for node in self.app.nodes(name=name):
+                if "showing" in node.states and node.extents[3] > 0 and node.extents[1] >= 44:
+                    return node.middle
+            return None
+        self.desktop.click(*wait_for(f"{name!r} to click", middle))
+
+    def end(self):
+        self.assertEqual(self.app.close(), 0)
+        self.assertFalse(os.path.exists(os.path.join(self.root, "Library/Caches/jvncontrol.sock")))
+
+    def test_by_assistive_technology(self):
+        self.start("assistive")
+        self.press("Controller")
+        self.press("DualShock 4")
+        self.wait_stored("controller_type", 1)
+        self.press("Connection")
+        self.press("Connect by Hand")
+        self.wait_stored("connection_mode", 1)
+
+        self.press("Connect Controller")
+        self.app.find(name=None, role="alert")
+        self.press("Dismiss")
+        self.app.gone(role="alert")
+
+        self.press("Pair Controller")
+        wait_for("the paired controller's address", lambda: len(self.stored("PS4BluetoothAddress") or b"") == 6)
+        self.press("Dismiss")
+        self.press("Connect Controller")
+        self.app.find(name="Disconnect Controller")
+
+        self.press("Choose LED Color")
+        wait_for("the picker's slider", lambda: self.app.nodes(role="slider"))
+        wait_for("the brightness as a value", lambda: self.app.nodes(role="slider")[0].range)
+        self.desktop.key("Escape")
+        self.press("Disconnect Controller")
+        self.app.find(name="Connect Controller")
+
+        self.press("Ambient LED Color")
+        self.wait_stored("JVNAmbientColorKey", True)
+        self.app.gone(name="Choose LED Color")
+        self.end()
+
+    def test_by_the_pointer(self):
+        self.start("pointer")
+        self.click("Controller")
+        self.click("DualShock 4")
+        self.wait_stored("controller_type", 1)
+        self.click("Choose LED Color")
+        field = self.app.find(role="canvas", name="Hue and saturation")
+        self.rest()
+        x, y, width, height = field.extents
+        self.desktop.drag((x + width * 0.8, y + height * 0.5), (x + 8, y + 8))
+        self.wait_stored("JVNLEDColorKey", "fd0000")
+        self.desktop.key("Escape")
+
+        self.click("Controller")
+        self.click("Keyboard")
+        self.wait_stored("controller_type", 6)
+        self.click("Configure Keymap")
+        self.click("D-pad up")
+        self.app.find(name="D-pad up")
+        self.desktop.key("d")
+        self.desktop.key("Escape")
+        wait_for("the keymap in the file", lambda: (self.stored("JVNKeyboardKeymapKey") or {}).get("7") == 3)
+        keymap = self.stored("JVNKeyboardKeymapKey")
+        self.assertNotIn("26", keymap)
+        self.assertEqual(sorted(keymap.values()), [2, 3, 4, 5, 6, 7, 8, 9, 10, 21])
+        self.end()
+
+    def test_by_the_keyboard_alone(self):
+        self.start("keyboard")
+        self.desktop.key("Tab")
+        self.focus("Controller")
+        self.desktop.key("Return")
+        self.app.find(name="Keyboard")
+        self.focus("Keyboard")
+        self.desktop.key("space")
+        self.wait_stored("controller_type", 6)
+        self.focus("Force Extended Gamepad")
+        self.desktop.key("space")
+        self.app.find(role="alert")
+        self.desktop.key("Return")
+        self.app.gone(role="alert")
+        self.wait_stored("JVNForceExtendedGamepad", True)
+        self.focus("Configure Keymap")
+        self.desktop.key("Return")
+        self.app.find(name="D-pad left")
+        self.focus("D-pad left")
+        self.desktop.key("Return")
+        self.desktop.key("Tab")  # taken by the waiting row, not by the application
+        self.desktop.key("Escape")
+        wait_for("Tab as a key of the map", lambda: (self.stored("JVNKeyboardKeymapKey") or {}).get("43") == 2)
+        self.end()
+
+    def focus(self, name):
+        """Down the page by the arrow until the row has the keyboard."""
+        self.app.find(name=name)
+        self.rest()
+        for _ in range(40):
+            if any("focused" in node.states for node in self.app.nodes(name=name)):
+                return
+            self.desktop.key("Down")
+        self.fail(f"{name!r} cannot be reached with the arrow:\n{self.app.tree()}")
+
+
+if __name__ == "__main__":
+    PROGRAM = sys.argv.pop(1)
+    unittest.main(verbosity=2)
