@@ -1,5 +1,6 @@
 #include "host/window/accessibility_bridge.h"
 
+#include "host/dispatch/main_queue.h"
 #include "host/window/accessible_node.h"
 
 #include <QGuiApplication>
@@ -13,6 +14,7 @@ host::AccessibilityBridge::AccessibilityBridge(QWindow& window, AccessibilityTre
 
 host::AccessibilityBridge::~AccessibilityBridge() {
     m_tree.setListener(nullptr);
+    m_lives = nullptr;
     // The root dies with the window.
     for (const auto& [identity, interface] : std::exchange(m_interfaces, {})) {
         interface->detach();
@@ -61,7 +63,11 @@ void host::AccessibilityBridge::changed(AccessibilityIdentity identity, Accessib
         const auto found = m_interfaces.find(identity);
         if (found == m_interfaces.end()) return;
         found->second->announceDeparture();
-        QAccessible::deleteAccessibleInterface(QAccessible::uniqueId(found->second));
+        // The toolkit may be in the middle of a question to this very interface: it was the question that brought the
+        // nodes up to date. So it goes when that is over, unless its view has come back by then.
+        queueOnMain([this, lives = std::weak_ptr(m_lives), identity, id = QAccessible::uniqueId(found->second)] {
+            if (!lives.expired() && !m_tree.node(identity)) QAccessible::deleteAccessibleInterface(id);
+        });
         return;
     }
     const bool mustBeMade = change == AccessibilityChange::Created || change == AccessibilityChange::Focus;

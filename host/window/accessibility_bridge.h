@@ -8,6 +8,7 @@
 
 #include <functional>
 #include <map>
+#include <memory>
 
 class QAccessibleInterface;
 class QWindow;
@@ -48,6 +49,7 @@ private:
     AccessibilityTree& m_tree;
     std::function<void()> m_refresh;
     std::map<AccessibilityIdentity, AccessibleNode*> m_interfaces;
+    std::shared_ptr<bool> m_lives = std::make_shared<bool>(true); // nil once this is ending
 };
 
 } // namespace host
