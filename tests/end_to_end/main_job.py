@@ -8,6 +8,7 @@ preferences file and from what the stand-in daemon logs.
 
 import os
 import plistlib
+import re
 import sys
 import time
 import unittest
@@ -75,6 +76,37 @@ class MainJob(unittest.TestCase):
     def end(self):
         self.assertEqual(self.app.close(), 0)
         self.assertFalse(os.path.exists(os.path.join(self.root, "Library/Caches/jvncontrol.sock")))
+
+    def test_quitting_while_the_daemon_is_silent_takes_no_time(self):
+        self.root = self.desktop.path("silent")
+        preferences = os.path.join(self.root, "var/mobile/Library/Preferences")
+        os.makedirs(preferences)
+        os.makedirs(os.path.join(self.root, "var/tmp"))
+        with open(os.path.join(preferences, "com.quorrel.joyvane.plist"), "wb") as file:
+            plistlib.dump({"controller_type": 0, "connection_mode": 1}, file)
+        with open(os.path.join(self.root, "var/tmp/jvnd.script"), "w") as file:
+            file.write("silent\n")
+        self.start("silent")
+        time.sleep(1.2)  # the query of a page that appears waits one second for its answer
+        self.press("Connect Controller")
+        wait_for("the row to wait", lambda: any("sensitive" not in node.states and "enabled" not in node.states
+                                                for node in self.app.nodes(name="Connect Controller")))
+
+        begun = time.monotonic()
+        self.assertEqual(self.app.close(), 0)
+        self.assertLess(time.monotonic() - begun, 1, "the wait for the reply is twenty seconds")
+
+    def test_without_a_daemon_the_page_says_so_and_lives(self):
+        self.root = self.desktop.path("alone")
+        self.app = App(self.desktop, [PROGRAM, "--root", self.root], errors=self.desktop.path("alone.txt"))
+        self.addCleanup(self.app.__exit__, None, None, None)
+        self.app.find(name=re.compile("daemon does not answer"))
+        self.press("Restart Daemons")
+        self.app.find(role="alert", name=re.compile("^Important!"))
+        self.press("Dismiss")
+        self.app.gone(role="alert")
+        self.app.gone(name=re.compile("daemon does not answer"))
+        self.assertEqual(self.app.close(), 0)
 
     def test_by_assistive_technology(self):
         self.start("assistive")
