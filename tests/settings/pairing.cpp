@@ -229,7 +229,8 @@ TEST_F(Pairing, FreeingThePageInterruptsTheTool) {
     page = nullptr;
     app.close();
 
-    EXPECT_TRUE(app.waitUntil([&] { return weak.expired() && count("interrupted") == 1; }));
+    // Leaving and the end both interrupt; a tool that is slow to end notes both.
+    EXPECT_TRUE(app.waitUntil([&] { return weak.expired() && count("interrupted") >= 1; }));
 }
 
 TEST_F(Pairing, AToolThatIsMissingLeavesTheOverlayAndThePage) {
