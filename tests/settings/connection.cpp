@@ -9,6 +9,7 @@
 #include "tests/support/heartbeat.h"
 #include "tests/support/logged_lines.h"
 
+#include <atomic>
 #include <cerrno>
 
 namespace {
@@ -302,15 +303,20 @@ TEST_F(Connection, ADisabledRowTakesNoTap) {
 }
 
 TEST_F(Connection, LeavingAndFreeingThePageDuringAnExchangeEnablesTheCellAgain) {
-    start([](DaemonPeer& peer) {
+    std::atomic<bool> asked = false;
+    start([&asked](DaemonPeer& peer) {
         const Bytes head = peer.read(12);
         if (head.size() == 12 && head[0] == 5) return;
+        peer.read(8);
+        asked = true;
         peer.waitForRelease();
         peer.write({8, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0});
         peer.readToEnd();
     });
     showSettled(1, true);
     ASSERT_TRUE(app.tap("Connect Controller"));
+    // A page that went before its exchange had begun would be asked for its type in vain.
+    ASSERT_TRUE(app.waitUntil([&] { return asked.load(); }));
     const auto cell = page->connectSpecifier()->propertyForKey("cellObject").object<PSTableCell>();
     const std::weak_ptr<JoyvaneListController> weak = page;
     page = nullptr;
