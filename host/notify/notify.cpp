@@ -4,9 +4,47 @@
 #include "host/dispatch/main_queue.h"
 #include "host/notify/NotifyListener.h"
 #include "host/notify/signal_name.h"
+#include "platform/dispatch.h"
 #include "platform/log.h"
 
+#include <chrono>
+#include <condition_variable>
+#include <memory>
+#include <mutex>
 #include <string>
+
+namespace {
+
+// How long a post on another thread waits for the bus at most.
+constexpr std::chrono::milliseconds patience{100};
+
+// Where a poster waits for the main thread, which may come too late or never.
+class Handover {
+public:
+    void finish() {
+        const std::lock_guard lock(m_mutex);
+        m_done = true;
+        m_changed.notify_all();
+    }
+    void wait() {
+        std::unique_lock lock(m_mutex);
+        m_changed.wait_for(lock, patience, [this] { return m_done; });
+    }
+
+private:
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    bool m_done = false;
+};
+
+// The bus treats what comes from us in order: when it answers, it has passed on all that was sent before.
+void finishOnceTheBusAnswers(const std::shared_ptr<Handover>& handover) {
+    constexpr const char* bus = "org.freedesktop.DBus";
+    host::SessionBus::shared().call({bus, "/org/freedesktop/DBus", bus, "GetId"}, "", {}, patience,
+                                    [handover](const host::SessionBus::Reply&) { handover->finish(); });
+}
+
+} // namespace
 
 std::uint32_t notify_post(const char* name) {
     auto signal = host::signalForNotification(name ? name : "");
@@ -15,9 +53,13 @@ std::uint32_t notify_post(const char* name) {
         return NOTIFY_STATUS_FAILED;
     }
     // The main queue keeps the order of posting, across threads too, for the bus and for the listeners here.
-    host::queueOnMain([posted = std::string(name), signal = std::move(*signal)] {
+    // A worker goes on to speak to whoever listens, who must have heard of it by then.
+    const auto handover = dispatch_is_main_thread() ? nullptr : std::make_shared<Handover>();
+    host::queueOnMain([posted = std::string(name), signal = std::move(*signal), handover] {
         host::SessionBus::shared().emitSignal(signal);
+        if (handover) finishOnceTheBusAnswers(handover);
         host::deliverNotification(posted);
     });
+    if (handover) handover->wait();
     return NOTIFY_STATUS_OK;
 }

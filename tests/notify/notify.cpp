@@ -5,6 +5,8 @@
 #include "tests/support/bus_session.h"
 #include "tests/support/logged_lines.h"
 
+#include <chrono>
+#include <future>
 #include <gtest/gtest.h>
 #include <thread>
 
@@ -122,15 +124,46 @@ TEST_F(Notify, AListenerMayRemoveItselfAndOthers) {
 TEST_F(Notify, AnyThreadMayPost) {
     std::size_t heard = 0;
     const NotifyListener listener(initbt, [&] { ++heard; });
-    {
-        std::vector<std::jthread> threads;
-        for (int i = 0; i < 4; ++i)
-            threads.emplace_back([] {
-                for (int j = 0; j < 50; ++j) notify_post(initbt);
-            });
-    }
+    std::vector<std::jthread> threads;
+    for (int i = 0; i < 4; ++i)
+        threads.emplace_back([] {
+            for (int j = 0; j < 50; ++j) notify_post(initbt);
+        });
 
     EXPECT_TRUE(runUntil([&] { return heard == 200; }));
+}
+
+TEST_F(Notify, APostOnAnotherThreadHasReachedOtherProgramsWhenItReturns) {
+    const BusPeer peer(bus.address());
+    peer.listen("type='signal',interface='com.quorrel'");
+
+    for (int i = 0; i < 200; ++i) {
+        notify_post(failure);
+        const auto heard = whileRunning([&] {
+            notify_post(initbt);
+            // Without waiting: it lies there, behind what was posted before.
+            auto first = peer.nextSignal(std::chrono::milliseconds(0));
+            return first + ", " + peer.nextSignal(std::chrono::milliseconds(0));
+        });
+        ASSERT_EQ("/com/quorrel com.quorrel.jvnfailure, /com/quorrel com.quorrel.jvninitbt", heard);
+    }
+}
+
+TEST_F(Notify, APostOnAnotherThreadWaitsForNoBusThatIsAwayOrSilentAndForNoBusyMainThread) {
+    const auto post = [] {
+        const auto start = std::chrono::steady_clock::now();
+        notify_post(initbt);
+        return std::chrono::steady_clock::now() - start < std::chrono::seconds(2);
+    };
+    EXPECT_TRUE(std::async(std::launch::async, post).get()) << "the main thread does not look";
+
+    notify_post(changed);
+    ASSERT_TRUE(connected());
+    bus.stop();
+    EXPECT_TRUE(whileRunning(post));
+    bus.resume();
+    bus.kill();
+    EXPECT_TRUE(whileRunning(post));
 }
 
 TEST_F(Notify, ANameThatCannotBeSentFailsAndIsLogged) {

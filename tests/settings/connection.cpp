@@ -1,82 +1,13 @@
 // Connecting, disconnecting and asking, over a real socket: what the daemon gets, what the flag and the row become.
 
-#include "host/dispatch/main_queue.h"
-#include "host/notify/NotifyListener.h"
 #include "host/socket/socket_faults.h"
-#include "platform/foundation/NSData.h"
-#include "tests/settings/page_test.h"
+#include "tests/settings/connection_test.h"
 #include "tests/support/descriptors.h"
 #include "tests/support/heartbeat.h"
-#include "tests/support/logged_lines.h"
 
-#include <atomic>
 #include <cerrno>
 
 namespace {
-
-using testing_support::Bytes;
-using testing_support::DaemonPeer;
-using testing_support::hex;
-using testing_support::ScriptedDaemon;
-
-Bytes reply(std::uint8_t command, std::uint8_t state) { return {command, 0, 0, 0, state, 0, 0, 0, 0, 0, 0, 0}; }
-
-// Answers each request by its command: a query with `query`, a connect with `connect` (nothing where empty).
-ScriptedDaemon::Script answering(Bytes query, Bytes connect) {
-    return [=](DaemonPeer& peer) {
-        const Bytes head = peer.read(12);
-        if (head.size() < 12) return;
-        if (head[0] == 5) {
-            peer.write(query);
-            if (query.size() < 12) return;
-        } else if (head[0] == 1) {
-            peer.read(8);
-            peer.write(connect);
-        }
-        peer.readToEnd();
-    };
-}
-
-class Connection : public PageTest {
-protected:
-    Connection()
-        : m_failed("com.quorrel.jvnfailure", [this] { ++failures; }),
-          m_initialised("com.quorrel.jvninitbt", [this] { ++initialisations; }) {}
-
-    void start(ScriptedDaemon::Script script) {
-        daemon.reset(); // its socket goes before the next one's comes
-        daemon = std::make_unique<ScriptedDaemon>(app.root(), std::move(script));
-    }
-    // Shows the page over a daemon and lets the first query end.
-    void showSettled(long type, bool paired, long mode = 1) {
-        show(type, mode, {{"PS4BluetoothAddress", paired ? id(NSData::dataWithBytes(address)) : id()}});
-        ASSERT_TRUE(daemon->waitForConnections(1));
-        ASSERT_TRUE(app.waitUntil([&] { return rowIsEnabled(); }));
-    }
-    bool rowIsEnabled() {
-        const auto cell = page->connectSpecifier()->propertyForKey("cellObject").object<PSTableCell>();
-        return !cell || (cell->isUserInteractionEnabled() && cell->textLabel()->isEnabled());
-    }
-    // Taps the row and lets the exchange end; gives what the daemon got.
-    std::string exchange() {
-        const std::size_t before = daemon->connectionCount();
-        EXPECT_TRUE(app.tap(page->connectSpecifier()->name()));
-        EXPECT_TRUE(app.waitUntil([&] { return daemon->connectionCount() > before && rowIsEnabled(); }));
-        const auto connections = daemon->connections();
-        return connections.size() > before ? hex(connections[before]) : "";
-    }
-
-    static constexpr std::uint8_t address[6] = {0x11, 0x22, 0x33, 0x44, 0x55, 0x66};
-    const std::string connectFrame = "01 00 00 00 01 00 00 00 00 00 00 00 11 22 33 44 55 66 00 00";
-    int failures = 0;
-    int initialisations = 0;
-    std::unique_ptr<ScriptedDaemon> daemon;
-    testing_support::LoggedLines log;
-
-private:
-    host::NotifyListener m_failed;
-    host::NotifyListener m_initialised;
-};
 
 TEST_F(Connection, QueryOnAppearanceSendsTwelveBytesAndClearsTheFlagWithoutAReply) {
     start(answering({}, {}));
@@ -101,6 +32,7 @@ TEST_F(Connection, QueryWithStateSevenLeavesTheFlagAsItWas) {
         ASSERT_TRUE(daemon->waitForConnections(1));
         ASSERT_TRUE(app.waitUntil([&] { return rowIsEnabled() && host::mainQueueIsEmpty(); }));
         EXPECT_EQ(page->controllerConnected(), before);
+        EXPECT_EQ(page->connectSpecifier()->name(), before ? "Disconnect Controller" : "Connect Controller");
         app.close();
     }
 }
@@ -111,6 +43,13 @@ TEST_F(Connection, QueryWithAnyOtherStateSetsTheFlag) {
         show(1, 1);
         EXPECT_TRUE(app.waitUntil([&] { return page->connectSpecifier()->name() == "Disconnect Controller"; }))
             << int(state);
+        EXPECT_TRUE(page->controllerConnected());
+        // And once more, with the flag set already.
+        page->viewWillAppear(false);
+        ASSERT_TRUE(daemon->waitForConnections(2));
+        EXPECT_TRUE(app.waitUntil([&] { return rowIsEnabled() && host::mainQueueIsEmpty(); }));
+        EXPECT_TRUE(page->controllerConnected());
+        EXPECT_EQ(page->connectSpecifier()->name(), "Disconnect Controller");
         app.close();
     }
 }
@@ -260,6 +199,21 @@ TEST_F(Connection, ATapWithoutADaemonPostsTheFailureAndNeverDisablesTheRow) {
     EXPECT_EQ(app.alert(), std::nullopt);
 }
 
+TEST_F(Connection, ATapOnDisconnectWithoutADaemonLeavesTheFlagAndTheRow) {
+    start(answering(reply(0, 0), {}));
+    show(1, 1, {{"PS4BluetoothAddress", NSData::dataWithBytes(address)}});
+    ASSERT_TRUE(app.waitUntil([&] { return page->connectSpecifier()->name() == "Disconnect Controller"; }));
+    daemon.reset();
+
+    ASSERT_TRUE(app.tap("Disconnect Controller"));
+
+    EXPECT_TRUE(rowIsEnabled());
+    EXPECT_TRUE(app.waitUntil([&] { return failures == 1; }));
+    EXPECT_TRUE(page->controllerConnected());
+    EXPECT_TRUE(app.find("Disconnect Controller"));
+    EXPECT_EQ(app.alert(), std::nullopt);
+}
+
 TEST_F(Connection, WithoutADaemonAMissingAddressIsNotSpokenOf) {
     show(1, 1);
     ASSERT_TRUE(app.tap("Connect Controller"));
@@ -302,39 +256,12 @@ TEST_F(Connection, ADisabledRowTakesNoTap) {
     EXPECT_EQ(daemon->connectionCount(), 2u) << "the query and one exchange";
 }
 
-TEST_F(Connection, LeavingAndFreeingThePageDuringAnExchangeEnablesTheCellAgain) {
-    std::atomic<bool> asked = false;
-    start([&asked](DaemonPeer& peer) {
-        const Bytes head = peer.read(12);
-        if (head.size() == 12 && head[0] == 5) return;
-        peer.read(8);
-        asked = true;
-        peer.waitForRelease();
-        peer.write({8, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0});
-        peer.readToEnd();
-    });
-    showSettled(1, true);
-    ASSERT_TRUE(app.tap("Connect Controller"));
-    // A page that went before its exchange had begun would be asked for its type in vain.
-    ASSERT_TRUE(app.waitUntil([&] { return asked.load(); }));
-    const auto cell = page->connectSpecifier()->propertyForKey("cellObject").object<PSTableCell>();
-    const std::weak_ptr<JoyvaneListController> weak = page;
-    page = nullptr;
-    app.close();
-    ASSERT_TRUE(app.waitUntil([&] { return weak.expired(); }));
-
-    daemon->release();
-
-    EXPECT_TRUE(app.waitUntil([&] { return cell->isUserInteractionEnabled(); }));
-    ASSERT_TRUE(daemon->waitForConnections(2));
-    EXPECT_EQ(hex(daemon->connections()[1]), connectFrame) << "without a page there is no colour to send";
-}
-
-TEST_F(Connection, AThousandExchangesLeaveNoDescriptorAndNoThread) {
+TEST_F(Connection, AThousandExchangesLeaveNoDescriptorNoThreadAndNoChild) {
     start(answering(reply(0, 7), reply(8, 0)));
     showSettled(1, true);
     const auto descriptors = testing_support::openDescriptors();
     const auto threads = testing_support::runningThreads();
+    const auto children = testing_support::unreapedChildren();
 
     for (std::size_t i = 0; i < 1000; ++i) {
         page->connectController(page->connectSpecifier());
@@ -343,6 +270,7 @@ TEST_F(Connection, AThousandExchangesLeaveNoDescriptorAndNoThread) {
 
     EXPECT_EQ(testing_support::openDescriptors(), descriptors);
     EXPECT_LE(testing_support::runningThreads(), threads + 1);
+    EXPECT_EQ(testing_support::unreapedChildren(), children);
 }
 
 } // namespace

@@ -91,7 +91,7 @@ void BusPeer::listen(const std::string& rule) const {
 
 std::string BusPeer::nextSignal(std::chrono::milliseconds timeout) const {
     const auto end = std::chrono::steady_clock::now() + timeout;
-    for (;;) {
+    for (bool isLast = false;;) {
         while (DBusMessage* const message = ::dbus_connection_pop_message(m_connection)) {
             std::string text;
             if (::dbus_message_get_type(message) == DBUS_MESSAGE_TYPE_SIGNAL &&
@@ -102,7 +102,10 @@ std::string BusPeer::nextSignal(std::chrono::milliseconds timeout) const {
             if (!text.empty()) return text;
         }
         const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
-        if (left.count() <= 0 || !::dbus_connection_read_write(m_connection, static_cast<int>(left.count()))) return "";
+        if (isLast) return "";
+        isLast = left.count() <= 0; // then what lies there already
+        const int wait = isLast ? 0 : static_cast<int>(left.count());
+        if (!::dbus_connection_read_write(m_connection, wait)) return "";
     }
 }
 

@@ -39,6 +39,7 @@ public:
 
     void listen(const std::string& rule) const;
     // "<path> <interface>.<member>" of the next signal that is none of the bus's own; empty when none comes in time.
+    // Without any time it takes what has come already.
     std::string nextSignal(std::chrono::milliseconds timeout = std::chrono::seconds(10)) const;
 
 private:

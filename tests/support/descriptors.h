@@ -2,6 +2,8 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <fstream>
+#include <sys/types.h>
 
 namespace testing_support {
 
@@ -16,6 +18,16 @@ inline std::size_t openDescriptors() {
 inline std::size_t runningThreads() {
     std::size_t count = 0;
     for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator("/proc/self/task")) ++count;
+    return count;
+}
+
+// How many children this process has that are not reaped, running ones among them.
+inline std::size_t unreapedChildren() {
+    std::size_t count = 0;
+    for (const auto& thread : std::filesystem::directory_iterator("/proc/self/task")) {
+        std::ifstream children(thread.path() / "children");
+        for (::pid_t child = 0; children >> child;) ++count;
+    }
     return count;
 }
 

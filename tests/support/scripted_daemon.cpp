@@ -36,6 +36,8 @@ void DaemonPeer::writeByteByByte(const Bytes& bytes) const {
     for (const auto byte : bytes) write({byte});
 }
 
+void DaemonPeer::endWriting() const { ::shutdown(m_descriptor, SHUT_WR); }
+
 void DaemonPeer::close() {
     if (m_descriptor == -1) return;
     const linger reset{1, 0};

@@ -25,6 +25,8 @@ public:
     void readToEnd();
     void write(const Bytes& bytes) const;
     void writeByteByByte(const Bytes& bytes) const;
+    // No more comes from here; what the other side sends is still read.
+    void endWriting() const;
     // Waits until the test calls ScriptedDaemon::release().
     void waitForRelease() const { m_wait(); }
     // Drops the connection with what is still unread, so that the other side sees a reset.
