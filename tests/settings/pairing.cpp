@@ -1,85 +1,12 @@
 // Pairing over a real bus with a real child, and restarting the daemons over a real socket.
 
-#include "host/messaging/message_sender.h"
 #include "platform/foundation/NSNotificationCenter.h"
-#include "tests/settings/page_test.h"
-#include "tests/support/bus_peer.h"
+#include "tests/settings/pairing_test.h"
 #include "tests/support/descriptors.h"
-#include "tests/support/logged_lines.h"
-#include "tests/support/private_bus.h"
-
-#include "host/bus/SessionBus.h"
-
-#include <filesystem>
-#include <fstream>
-#include <sstream>
-#include <sys/stat.h>
 
 namespace {
 
 using testing_support::ScriptedDaemon;
-
-constexpr const char* server = "com.quorrel.jvn.bootstrap";
-const std::string activating = "Activating Bluetooth...\nIf this takes too long, activate BTstack in its preferences.";
-
-class Pairing : public PageTest {
-protected:
-    // Tests before this one ran without a bus: the connection begins afresh with this one's.
-    Pairing() { host::SessionBus::shared().close(); }
-    ~Pairing() override {
-        app.close();
-        page = nullptr;
-        host::SessionBus::shared().close();
-    }
-
-    // A discovery tool that notes its start and the interrupt, and lives until then.
-    void installTool(const std::string& body = "trap 'echo interrupted >>\"$0.log\"; exit 0' INT\n"
-                                               "echo \"started $# $$\" >>\"$0.log\"\n"
-                                               "while :; do read -t 1 line <> \"$0.fifo\"; done\n") {
-        const std::filesystem::path tool = app.root() + "/usr/bin/jvndiscovery";
-        std::filesystem::create_directories(tool.parent_path());
-        std::ofstream(tool) << "#!/bin/bash\n" << body;
-        std::filesystem::permissions(tool, std::filesystem::perms::owner_all);
-        ::mkfifo((tool.string() + ".fifo").c_str(), 0600);
-    }
-    std::string toolLog() const {
-        std::ifstream file(app.root() + "/usr/bin/jvndiscovery.log");
-        std::stringstream text;
-        text << file.rdbuf();
-        return text.str();
-    }
-    std::size_t count(const std::string& what) const {
-        const std::string lines = toolLog();
-        std::size_t found = 0;
-        for (auto at = lines.find(what); at != std::string::npos; at = lines.find(what, at + 1)) ++found;
-        return found;
-    }
-    void showWithServer(long type) {
-        show(type);
-        ASSERT_TRUE(page->discoveryMessagingCenter());
-        ASSERT_TRUE(app.waitUntil([&] { return peer.nameHasOwner(server); }));
-    }
-    void startPairing(long type) {
-        installTool();
-        showWithServer(type);
-        ASSERT_TRUE(app.tap("Pair Controller"));
-        ASSERT_TRUE(app.waitUntil([&] { return count("started") == 1; }));
-    }
-    // As the tool does; returns when the page has taken it and what it queued has run.
-    void report(int state) {
-        bool delivered = false;
-        host::sendMessage(server, "JVNDiscoveryUpdate",
-                          testing_support::dictionary({{"JVNDiscoveryState", NSNumber::numberWithInt(state)}}),
-                          [&](bool taken) { delivered = taken; });
-        ASSERT_TRUE(app.waitUntil([&] { return delivered; }));
-        app.settle();
-    }
-    std::string overlay() const { return page->hud()->isShown() ? page->hud()->text() : "hidden"; }
-
-    testing_support::PrivateBus bus;
-    testing_support::BusPeer peer{bus.address()};
-    testing_support::LoggedLines log;
-};
 
 TEST_F(Pairing, StartsTheToolWithoutArgumentsAndShowsTheOverlay) {
     startPairing(1);
@@ -165,16 +92,6 @@ TEST_F(Pairing, OtherStatesChangeNothing) {
     EXPECT_EQ(count("interrupted"), 0u);
 }
 
-TEST_F(Pairing, AReportWithoutAStateOrWithoutADictionaryIsSearching) {
-    const std::string searching = "Searching..\nPress the red SYNC button on the back of your controller.";
-    startPairing(2);
-    host::sendMessage(server, "JVNDiscoveryUpdate", testing_support::dictionary({{"Other", "x"}}));
-    EXPECT_TRUE(app.waitUntil([&] { return overlay() == searching; }));
-    page->hud()->setText("");
-    host::sendMessage(server, "JVNDiscoveryUpdate", nullptr);
-    EXPECT_TRUE(app.waitUntil([&] { return overlay() == searching; }));
-}
-
 TEST_F(Pairing, StateAndTypeAreThoseOfTheArrival) {
     showWithServer(1);
     page->handlePairingMessage_userInfo(
@@ -245,12 +162,14 @@ TEST_F(Pairing, AToolThatIsMissingLeavesTheOverlayAndThePage) {
     EXPECT_EQ(overlay(), "hidden");
 }
 
-TEST_F(Pairing, AHundredPairingsLeaveNoDescriptorAndNoZombie) {
+TEST_F(Pairing, AHundredPairingsLeaveNoDescriptorNoThreadAndNoZombie) {
     installTool("exit 0\n");
     showWithServer(1);
     page->pairController();
     app.waitUntil([&] { return platform::kill(page->discoveryTask()->processIdentifier(), 0) == -1; });
     const auto descriptors = testing_support::openDescriptors();
+    const auto threads = testing_support::runningThreads();
+    const auto children = testing_support::unreapedChildren();
 
     for (int i = 0; i < 100; ++i) {
         page->pairController();
@@ -259,26 +178,8 @@ TEST_F(Pairing, AHundredPairingsLeaveNoDescriptorAndNoZombie) {
     }
 
     EXPECT_EQ(testing_support::openDescriptors(), descriptors);
-}
-
-TEST_F(Pairing, TheServersNameComesBackWithTheBus) {
-    showWithServer(1);
-
-    bus.kill();
-    app.settle();
-    bus.start();
-
-    const testing_support::BusPeer again(bus.address());
-    EXPECT_TRUE(app.waitUntil([&] { return again.nameHasOwner(server); }, 2));
-}
-
-TEST_F(Pairing, WithoutABusThePageStillWorks) {
-    bus.kill();
-    installTool();
-    show(1);
-    ASSERT_TRUE(app.tap("Pair Controller"));
-    EXPECT_EQ(overlay(), activating);
-    EXPECT_TRUE(app.waitUntil([&] { return count("started") == 1; }));
+    EXPECT_LE(testing_support::runningThreads(), threads);
+    EXPECT_EQ(testing_support::unreapedChildren(), children) << "the bus";
 }
 
 class Restarting : public PageTest {};
