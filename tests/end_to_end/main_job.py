@@ -9,6 +9,7 @@ preferences file and from what the stand-in daemon logs.
 import os
 import plistlib
 import re
+import socket
 import sys
 import time
 import unittest
@@ -77,24 +78,40 @@ class MainJob(unittest.TestCase):
         self.assertEqual(self.app.close(), 0)
         self.assertFalse(os.path.exists(os.path.join(self.root, "Library/Caches/jvncontrol.sock")))
 
-    def test_quitting_while_the_daemon_is_silent_takes_no_time(self):
-        self.root = self.desktop.path("silent")
+    def quit_while_it_waits(self, name):
+        """How long the end of the program takes, in seconds, while it waits for a daemon that is not its own."""
+        self.root = self.desktop.path(name)
         preferences = os.path.join(self.root, "var/mobile/Library/Preferences")
+        caches = os.path.join(self.root, "Library/Caches")
         os.makedirs(preferences)
-        os.makedirs(os.path.join(self.root, "var/tmp"))
+        os.makedirs(caches)
         with open(os.path.join(preferences, "com.quorrel.joyvane.plist"), "wb") as file:
             plistlib.dump({"controller_type": 0, "connection_mode": 1}, file)
-        with open(os.path.join(self.root, "var/tmp/jvnd.script"), "w") as file:
-            file.write("silent\n")
-        self.start("silent")
-        time.sleep(1.2)  # the query of a page that appears waits one second for its answer
-        self.press("Connect Controller")
-        wait_for("the row to wait", lambda: any("sensitive" not in node.states and "enabled" not in node.states
-                                                for node in self.app.nodes(name="Connect Controller")))
+        with socket.socket(socket.AF_UNIX) as daemon:
+            daemon.bind(os.path.join(caches, "jvncontrol.sock"))
+            daemon.listen(8)
+            self.app = App(self.desktop, [PROGRAM, "--root", self.root], errors=self.desktop.path(name + ".txt"))
+            self.addCleanup(self.app.__exit__, None, None, None)
+            query = daemon.accept()[0]
+            self.assertEqual(query.recv(100), bytes([5] + [0] * 11))
+            query.close()
+            self.press("Connect Controller")
+            connect = daemon.accept()[0]
+            self.assertEqual(len(connect.recv(100)), 20)
+            begun = time.monotonic()
+            self.assertEqual(self.app.close(), 0)
+            took = time.monotonic() - begun
+            self.assertEqual(connect.recv(100), b"", "nothing more is said")
+            connect.close()
+        return took
 
-        begun = time.monotonic()
-        self.assertEqual(self.app.close(), 0)
-        self.assertLess(time.monotonic() - begun, 1, "the wait for the reply is twenty seconds")
+    def test_quitting_while_the_daemon_is_silent_takes_half_a_second_at_most(self):
+        # The wait for the reply is twenty seconds. A machine that is busy with other things may be late itself.
+        for attempt in range(3):
+            took = self.quit_while_it_waits(f"silent{attempt}")
+            if took < 0.5:
+                return
+        self.fail(f"it took {took} s")
 
     def test_without_a_daemon_the_page_says_so_and_lives(self):
         self.root = self.desktop.path("alone")
