@@ -66,10 +66,11 @@ JVNKeymapViewController::tableView_cellForRowAtIndexPath(UITableView& tableView,
 
 void JVNKeymapViewController::tableView_didSelectRowAtIndexPath(UITableView& tableView,
                                                                 const std::shared_ptr<NSIndexPath>& indexPath) {
-    if (m_indexPathOfCellToRemap) {
-        const auto former = m_indexPathOfCellToRemap;
+    if (const auto former = m_indexPathOfCellToRemap) {
         tableView.deselectRowAtIndexPath_animated(former, true);
         tableView.reloadRowsAtIndexPaths_withRowAnimation({former}, UITableViewRowAnimationFade);
+        // Tapped twice, it waits as after the first tap: without a selected row the application acts on the key, too.
+        if (indexPath && former->isEqual(*indexPath)) tableView.selectRowAtIndexPath_animated(indexPath, false);
     }
     setIndexPathOfCellToRemap(indexPath);
     const auto cell = tableView.cellForRowAtIndexPath(indexPath);
