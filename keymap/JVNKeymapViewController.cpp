@@ -21,11 +21,7 @@ std::shared_ptr<JVNKeymapViewController>& active() {
 
 // The former editor clears the reference as it dies. The reference is therefore empty before it does, so that neither
 // its end empties what has just been stored, nor the reference is released twice.
-void clearActive() {
-    auto former = std::move(active());
-    active() = nullptr;
-    former.reset();
-}
+void clearActive() { const auto former = std::exchange(active(), nullptr); }
 
 } // namespace
 

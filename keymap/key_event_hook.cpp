@@ -13,7 +13,7 @@ IMP previousHandleKeyUIEvent = nullptr;
 
 id forwardKeyEventToSuperclass(NSObject& application, SEL command, std::span<const id> arguments) {
     // Looked up at each call: somebody else may replace the superclass's handler later.
-    const IMP handler = class_getMethodImplementation(keyEventSuperclass, command);
+    const IMP handler = class_getMethodImplementation(keyEventSuperclass, handlerName);
     return handler ? handler(application, command, arguments) : id();
 }
 
@@ -26,8 +26,9 @@ id hookedHandleKeyUIEvent(NSObject& application, SEL command, std::span<const id
     return id();
 }
 
-// Loaded means hooked, before anything else of the bundle runs.
-[[gnu::constructor]] void initializeModule() { installKeyEventHook(); }
+// Loaded means hooked, before anything else of the bundle runs: also before its classes make themselves known, which
+// the initialisers without a priority do.
+[[gnu::constructor(101)]] void initializeModule() { installKeyEventHook(); }
 
 } // namespace
 
