@@ -3,24 +3,26 @@
 #include "daemonlink/ControlConnection.h"
 #include "platform/socket.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
-#include <cstring>
 
 namespace {
 
 constexpr char controlSocketPath[] = "/Library/Caches/jvncontrol.sock";
-static_assert(sizeof controlSocketPath == 32);
 
-} // namespace
-
-int JVNConnecToUNIXSocket(const char* path, std::size_t length) {
+constexpr platform::sockaddr_un addressOf(const char* path, std::size_t length) {
     platform::sockaddr_un address;
-    if (length > sizeof address.sun_path) std::abort();
     address.sun_len = static_cast<std::uint8_t>(length);
     address.sun_family = platform::AF_UNIX_FAMILY;
-    if (length > 0) std::memcpy(address.sun_path, path, length);
+    std::copy_n(path, length, address.sun_path);
+    return address;
+}
 
+constexpr platform::sockaddr_un controlSocketAddress = addressOf(controlSocketPath, sizeof controlSocketPath);
+static_assert(controlSocketAddress.sun_len == 32 && controlSocketAddress.sun_family == 1);
+
+int connectTo(const platform::sockaddr_un& address) {
     const int descriptor = platform::socket(platform::AF_UNIX_FAMILY, platform::SOCK_STREAM_TYPE, 0);
     if (descriptor == -1) return -1;
     // The whole record counts as the address, whatever its length byte says.
@@ -31,11 +33,16 @@ int JVNConnecToUNIXSocket(const char* path, std::size_t length) {
     return descriptor;
 }
 
-int JVNConnectToControlSocket() { return JVNConnecToUNIXSocket(controlSocketPath, sizeof controlSocketPath); }
+} // namespace
 
-ControlConnection ControlConnection::open() {
-    return ControlConnection(JVNConnecToUNIXSocket(controlSocketPath, sizeof controlSocketPath));
+int JVNConnecToUNIXSocket(const char* path, std::size_t length) {
+    if (length > sizeof platform::sockaddr_un::sun_path) std::abort();
+    return connectTo(addressOf(path, length));
 }
+
+int JVNConnectToControlSocket() { return connectTo(controlSocketAddress); }
+
+ControlConnection ControlConnection::open() { return ControlConnection(connectTo(controlSocketAddress)); }
 
 ControlConnection& ControlConnection::operator=(ControlConnection&& other) noexcept {
     if (this != &other) {

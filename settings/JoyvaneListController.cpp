@@ -10,7 +10,6 @@
 // What the Settings application, a resource's rows, the notification centre and the message server call by name.
 NS_CLASS_IMPLEMENTATION(JoyvaneListController, PSListController, method<&JoyvaneListController::init>("init"),
                         method<&JoyvaneListController::setPreferenceValue_specifier>("setPreferenceValue:specifier:"),
-                        method<&JoyvaneListController::readPreferenceValue>("readPreferenceValue:"),
                         method<&JoyvaneListController::presentColorChooser>("presentColorChooser:"),
                         method<&JoyvaneListController::connectController>("connectController:"),
                         method<&JoyvaneListController::pairController>("pairController"),
@@ -50,14 +49,8 @@ std::shared_ptr<JoyvaneListController> JoyvaneListController::init() {
 
     m_ds4AmbientColor = switchSpecifier("Ambient LED Color", preferences::ambientColorKey, preferences::ambientColorID);
 
-    m_ds4ColorChooser = PSSpecifier::preferenceSpecifierNamed_target_set_get_detail_cell_edit(
-        "Choose LED Color", self(this), "setPreferenceValue:specifier:", "readPreferenceValue:", nullptr,
-        PSCellType::Button, nullptr);
-    m_ds4ColorChooser->setProperty_forKey(JVNDefaultLEDColor, "default");
-    m_ds4ColorChooser->setProperty_forKey(preferences::domain, "defaults");
-    m_ds4ColorChooser->setProperty_forKey(preferences::changedNotification, "PostNotification");
-    m_ds4ColorChooser->setProperty_forKey(preferences::ledColorKey, "key");
-    m_ds4ColorChooser->setProperty_forKey(preferences::ledColorID, "id");
+    m_ds4ColorChooser = settingSpecifier("Choose LED Color", PSCellType::Button, JVNDefaultLEDColor,
+                                         preferences::ledColorKey, preferences::ledColorID);
     m_ds4ColorChooser->setProperty_forKey(objc_getClass("JVNColorChooserCell"), "cellClass");
     m_ds4ColorChooser->setButtonAction("presentColorChooser:");
 
@@ -97,8 +90,7 @@ long JoyvaneListController::currentControllerType() {
 }
 
 long JoyvaneListController::connectionType() {
-    if (dispatch_is_main_thread()) specifiers();
-    return readPreferenceValue(m_connectionModeRow.load()).integerValue();
+    return readPreferenceValue(specifierForID(preferences::connectionModeID)).integerValue();
 }
 
 void JoyvaneListController::setPreferenceValue_specifier(const id& value,

@@ -36,7 +36,9 @@ public:
     void setDiscoveryTask(std::shared_ptr<NSTask> task) { m_discoveryTask = std::move(task); }
     // nil while the page is not shown.
     const std::shared_ptr<CPDistributedMessagingCenter>& discoveryMessagingCenter() const { return m_messagingCenter; }
-    void setDiscoveryMessagingCenter(std::shared_ptr<CPDistributedMessagingCenter> center);
+    void setDiscoveryMessagingCenter(std::shared_ptr<CPDistributedMessagingCenter> center) {
+        m_messagingCenter = std::move(center);
+    }
     const std::shared_ptr<UIProgressHUD>& hud() const { return m_hud; }
     const std::shared_ptr<PSSpecifier>& ds4Group() const { return m_ds4Group; }
     const std::shared_ptr<PSSpecifier>& ds4AmbientColor() const { return m_ds4AmbientColor; }
@@ -48,8 +50,8 @@ public:
     void viewDidAppear(bool animated) override;
     void viewWillDisappear(bool animated) override;
 
-    // Settings. The two numbers are read from the store; 0 without a row or a value. Any thread.
-    long currentControllerType();
+    // Settings. The two numbers are read from the store; 0 without a row or a value.
+    long currentControllerType(); // any thread
     long connectionType();
     void setPreferenceValue_specifier(const id& value, const std::shared_ptr<PSSpecifier>& specifier) override;
 
@@ -91,8 +93,10 @@ protected:
     JoyvaneListController();
 
 private:
+    std::shared_ptr<PSSpecifier> settingSpecifier(const char* title, PSCellType cell, const id& defaultValue,
+                                                  const char* key, const char* identifier);
     std::shared_ptr<PSSpecifier> switchSpecifier(const char* title, const char* key, const char* identifier);
-    std::string storedLEDColor();
+    std::string storedLEDColor(const std::shared_ptr<PSSpecifier>& specifier);
     void showStoredColorInChooser();
     void interruptDiscoveryTask();
     void startDiscoveryServer();
@@ -101,9 +105,8 @@ private:
     void endDiscovery(const std::string& message);
 
     std::atomic<bool> m_controllerConnected = false;
-    // Tasks read the type and the mode through their rows while the list may be rebuilt on the main thread.
+    // Tasks read the type through its row while the list may be rebuilt on the main thread.
     AtomicReference<PSSpecifier> m_controllerTypeRow;
-    AtomicReference<PSSpecifier> m_connectionModeRow;
     std::shared_ptr<NSTask> m_discoveryTask;
     std::shared_ptr<CPDistributedMessagingCenter> m_messagingCenter;
     std::shared_ptr<UIProgressHUD> m_hud;

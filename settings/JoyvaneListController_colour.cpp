@@ -5,12 +5,12 @@
 #include "daemonlink/ControlConnection.h"
 #include "daemonlink/exchanges.h"
 #include "ledcolour/hex_colour.h"
-#include "platform/notify.h"
 #include "platform/uikit/UINavigationController.h"
 #include "settings/daemon_failure.h"
 
-std::string JoyvaneListController::storedLEDColor() {
-    const id value = readPreferenceValue(m_ds4ColorChooser);
+// What is stored but is no text holds no digits.
+std::string JoyvaneListController::storedLEDColor(const std::shared_ptr<PSSpecifier>& specifier) {
+    const id value = readPreferenceValue(specifier);
     if (!value) return JVNDefaultLEDColor;
     return value.string() ? *value.string() : std::string();
 }
@@ -22,10 +22,8 @@ void JoyvaneListController::showStoredColorInChooser() {
 }
 
 void JoyvaneListController::presentColorChooser(const std::shared_ptr<PSSpecifier>& specifier) {
-    const id value = readPreferenceValue(specifier);
-    const std::string hex =
-        value ? (value.string() ? *value.string() : std::string()) : std::string(JVNDefaultLEDColor);
-    const auto screen = JVNColorPickerController::alloc()->initWithColor(JVNColorForHexString(hex));
+    const auto color = JVNColorForHexString(storedLEDColor(specifier));
+    const auto screen = JVNColorPickerController::alloc()->initWithColor(color);
     if (!screen) return;
     screen->setDelegate(this);
     if (const auto navigation = navigationController()) navigation->pushViewController_animated(screen, true);
@@ -48,6 +46,6 @@ void JoyvaneListController::updateDS4ColorWithSocket(int descriptor) {
         }
         descriptor = own.descriptor();
     }
-    const JVNColorPixel color = JVNColorPixelForHexString(storedLEDColor());
+    const JVNColorPixel color = JVNColorPixelForHexString(storedLEDColor(m_ds4ColorChooser));
     daemonlink::setLEDColor(descriptor, color.red, color.green, color.blue);
 }

@@ -57,10 +57,6 @@ void JoyvaneListController::interruptDiscoveryTask() {
         platform::kill(m_discoveryTask->processIdentifier(), SIGINT_NUMBER);
 }
 
-void JoyvaneListController::setDiscoveryMessagingCenter(std::shared_ptr<CPDistributedMessagingCenter> center) {
-    m_messagingCenter = std::move(center);
-}
-
 void JoyvaneListController::startDiscoveryServer() {
     const auto center = CPDistributedMessagingCenter::centerNamed(messageServerName);
     rocketbootstrap_distributedmessagingcenter_apply(center);

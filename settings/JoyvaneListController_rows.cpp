@@ -4,12 +4,28 @@
 
 #include "settings/preferences.h"
 
-std::shared_ptr<PSSpecifier> JoyvaneListController::switchSpecifier(const char* title, const char* key,
-                                                                    const char* identifier) {
+namespace {
+
+const char* pairingRowTitle(long controllerType) {
+    switch (controllerType) {
+    case JVNControllerTypePS3:
+        return "E-mail Pairing Instructions";
+    case JVNControllerTypeKeyboard:
+        return "Configure Keymap";
+    default:
+        return "Pair Controller";
+    }
+}
+
+} // namespace
+
+// A row whose value the page itself reads and writes.
+std::shared_ptr<PSSpecifier> JoyvaneListController::settingSpecifier(const char* title, PSCellType cell,
+                                                                     const id& defaultValue, const char* key,
+                                                                     const char* identifier) {
     const auto row = PSSpecifier::preferenceSpecifierNamed_target_set_get_detail_cell_edit(
-        title, self(this), "setPreferenceValue:specifier:", "readPreferenceValue:", nullptr, PSCellType::Switch,
-        nullptr);
-    row->setProperty_forKey(NSNumber::numberWithBool(false), "default");
+        title, self(this), "setPreferenceValue:specifier:", "readPreferenceValue:", nullptr, cell, nullptr);
+    row->setProperty_forKey(defaultValue, "default");
     row->setProperty_forKey(preferences::domain, "defaults");
     row->setProperty_forKey(preferences::changedNotification, "PostNotification");
     row->setProperty_forKey(key, "key");
@@ -17,11 +33,15 @@ std::shared_ptr<PSSpecifier> JoyvaneListController::switchSpecifier(const char* 
     return row;
 }
 
+std::shared_ptr<PSSpecifier> JoyvaneListController::switchSpecifier(const char* title, const char* key,
+                                                                    const char* identifier) {
+    return settingSpecifier(title, PSCellType::Switch, NSNumber::numberWithBool(false), key, identifier);
+}
+
 const PSSpecifierList& JoyvaneListController::specifiers() {
     if (!_specifiers) {
         _specifiers = loadSpecifiersFromPlistName_target("Joyvane", self(this));
         m_controllerTypeRow = specifierForID(preferences::controllerTypeID);
-        m_connectionModeRow = specifierForID(preferences::connectionModeID);
     }
     return *_specifiers;
 }
@@ -38,10 +58,7 @@ std::shared_ptr<PSSpecifier> JoyvaneListController::pairSpecifier() { return spe
 
 void JoyvaneListController::fixPairLabel(long controllerType) {
     const auto pair = pairSpecifier();
-    if (pair)
-        pair->setName(controllerType == JVNControllerTypePS3        ? "E-mail Pairing Instructions"
-                      : controllerType == JVNControllerTypeKeyboard ? "Configure Keymap"
-                                                                    : "Pair Controller");
+    if (pair) pair->setName(pairingRowTitle(controllerType));
     setHasDS4Specifiers(controllerType == JVNControllerTypeDualShock4);
     reloadSpecifier(pair);
     setHasForceExtendedCell(controllerType == JVNControllerTypeHoldXHome3 ||
