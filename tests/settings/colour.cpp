@@ -13,6 +13,13 @@ namespace {
 using testing_support::hex;
 using testing_support::ScriptedDaemon;
 
+// A daemon that answers a query at once with a state that says nothing.
+void sayNothingNew(testing_support::DaemonPeer& peer) {
+    const auto head = peer.read(12);
+    if (!head.empty() && head[0] == 5) peer.write({0, 0, 0, 0, 7, 0, 0, 0, 0, 0, 0, 0});
+    peer.readToEnd();
+}
+
 class LEDColour : public PageTest {
 protected:
     LEDColour() : m_changed("com.quorrel.jvnprefs.changed", [this] { ++changes; }) {}
@@ -161,7 +168,7 @@ TEST_F(LEDColour, IsTruncatedNotRounded) {
 }
 
 TEST_F(LEDColour, OfAnotherTypeIsStoredButNotSent) {
-    ScriptedDaemon daemon(app.root());
+    ScriptedDaemon daemon(app.root(), sayNothingNew);
     show(2);
     ASSERT_TRUE(daemon.waitForConnections(1));
     const auto screen = JVNColorPickerController::alloc()->initWithColor(UIColor::blackColor());
@@ -172,6 +179,20 @@ TEST_F(LEDColour, OfAnotherTypeIsStoredButNotSent) {
     ASSERT_TRUE(daemon.waitForConnections(2));
     EXPECT_EQ(hex(daemon.connections()[1]).substr(0, 2), "05") << "the query, and no colour before it";
     EXPECT_EQ(app.preference("JVNLEDColorKey"), id("ff0000"));
+}
+
+TEST_F(LEDColour, AmbientModeIsAnnouncedAndNotSent) {
+    ScriptedDaemon daemon(app.root(), sayNothingNew);
+    show(1);
+    ASSERT_TRUE(daemon.waitForConnections(1));
+
+    ASSERT_TRUE(app.tapSwitch("Ambient LED Color"));
+    ASSERT_TRUE(app.tapSwitch("Ambient LED Color"));
+    page->queryControllerConnected();
+
+    ASSERT_TRUE(daemon.waitForConnections(2));
+    EXPECT_EQ(hex(daemon.connections()[1]).substr(0, 2), "05") << "the query, and no colour before it";
+    EXPECT_EQ(changes, 2);
 }
 
 TEST_F(LEDColour, WithoutADaemonIsStoredAndTheFailureAnnounced) {

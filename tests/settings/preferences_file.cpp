@@ -1,11 +1,16 @@
 #include "settings/preferences_file.h"
+
 #include "host/foundation/root.h"
+#include "host/preferences/preferences_store.h"
+#include "host/preferences/write_steps.h"
+#include "tests/support/logged_lines.h"
 #include "tests/support/temporary_folder.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>
+#include <map>
 
 namespace {
 
@@ -18,6 +23,7 @@ protected:
         std::filesystem::create_directories(folder);
         std::ofstream(folder / name) << "x";
     }
+    const std::string& root() const { return m_root.path(); }
 
 private:
     testing_support::TemporaryFolder m_root;
@@ -53,6 +59,36 @@ TEST_F(AtomicWrite, TakesNoNameThatOnlyHoldsTheFilesName) {
     put(".com.quorrel.joyvane.plist");
     put("x-com.quorrel.joyvane.plist");
     put("com.quorrel.joyvane.plis");
+    EXPECT_FALSE(JVNPreferencesFileStillInAtomicWrite());
+}
+
+TEST_F(AtomicWrite, IsOverWhereTheFolderIsNone) {
+    const testing_support::LoggedLines log;
+    std::filesystem::create_directories(root() + "/var/mobile/Library");
+    std::ofstream(root() + "/var/mobile/Library/Preferences") << "x";
+    EXPECT_FALSE(JVNPreferencesFileStillInAtomicWrite());
+}
+
+TEST_F(AtomicWrite, RunsFromTheFirstByteOfASettingUntilItIsInPlace) {
+    using Step = host::PreferencesWriteStep;
+    host::setPreferenceValue("com.quorrel.joyvane", "key", "before");
+    std::map<Step, bool> runs;
+    host::setPreferencesWriteProbe([&](Step step) {
+        runs[step] = JVNPreferencesFileStillInAtomicWrite();
+        return 0;
+    });
+
+    host::setPreferenceValue("com.quorrel.joyvane", "key", "after");
+
+    host::setPreferencesWriteProbe({});
+    EXPECT_EQ(runs, (std::map<Step, bool>{{Step::Locked, false},
+                                          {Step::ReadAfresh, false},
+                                          {Step::TemporaryCreated, true},
+                                          {Step::TemporaryHalfWritten, true},
+                                          {Step::TemporaryWritten, true},
+                                          {Step::TemporaryFlushed, true},
+                                          {Step::Renamed, false},
+                                          {Step::FolderFlushed, false}}));
     EXPECT_FALSE(JVNPreferencesFileStillInAtomicWrite());
 }
 

@@ -138,22 +138,6 @@ TEST_F(Rows, TitleTheConnectRowAlsoWhileItIsNotInTheList) {
     EXPECT_EQ(page->connectSpecifier()->name(), "Disconnect Controller");
 }
 
-TEST_F(Rows, BuiltInCodeCarryTheirSettingInOrder) {
-    show(5);
-    const auto force = page->specifierForID("force_extended");
-    ASSERT_TRUE(force);
-    EXPECT_EQ(force->propertyForKey("default"), id(NSNumber::numberWithBool(false)));
-    EXPECT_EQ(force->propertyForKey("defaults"), id("com.quorrel.joyvane"));
-    EXPECT_EQ(force->propertyForKey("PostNotification"), id("com.quorrel.jvnprefs.changed"));
-    EXPECT_EQ(force->propertyForKey("key"), id("JVNForceExtendedGamepad"));
-    EXPECT_EQ(page->ds4ColorChooser()->propertyForKey("default"), id("004EFD"));
-    EXPECT_EQ(page->ds4ColorChooser()->propertyForKey("key"), id("JVNLEDColorKey"));
-    EXPECT_EQ(page->ds4ColorChooser()->propertyForKey("cellClass"), id(objc_getClass("JVNColorChooserCell")));
-    EXPECT_EQ(page->ds4AmbientColor()->propertyForKey("key"), id("JVNAmbientColorKey"));
-    EXPECT_FALSE(page->connectSpecifier()->propertyForKey("key"));
-    EXPECT_FALSE(page->ds4Group()->propertyForKey("defaults"));
-}
-
 TEST_F(Rows, TheForceRowIsBuiltAnewEachTimeItComes) {
     show(5);
     const auto first = page->specifierForID("force_extended");
@@ -200,6 +184,69 @@ TEST_F(Rows, ShowingTheChooserWithoutAddingItDoesNothing) {
     EXPECT_EQ(rows(), before);
 }
 
+TEST_F(Rows, OfADualShock4ThatAreBothThereStayAsTheyAre) {
+    show(1);
+    page->setHasColorChooserSpecifier_addIfMissing(false, false);
+    const std::string withoutChooser = rows();
+
+    page->setHasDS4Specifiers(true);
+
+    EXPECT_EQ(rows(), withoutChooser);
+}
+
+TEST_F(Rows, OfADualShock4OfWhichOneIsMissingAllComeBehindThePairRowOnce) {
+    show(1);
+    const std::string whole = rows();
+    for (const char* missing : {"JVNDS4GroupID", "JVNAmbientColorID"}) {
+        page->removeSpecifierID_animated(missing);
+        page->setHasDS4Specifiers(true);
+        EXPECT_EQ(rows(), whole) << missing;
+    }
+}
+
+TEST_F(Rows, TheConnectRowComesOnceAndGoes) {
+    show(1, 0);
+    const std::string without = rows();
+
+    page->setHasConnectCell(true);
+    const std::string with = rows();
+    page->setHasConnectCell(true);
+    EXPECT_EQ(rows(), with);
+    EXPECT_EQ(page->indexOfSpecifier(page->connectSpecifier()), page->indexOfSpecifierID("connection_mode") + 1);
+
+    page->setHasConnectCell(false);
+    page->setHasConnectCell(false);
+    EXPECT_EQ(rows(), without);
+}
+
+TEST_F(Rows, OnlyTheChooserComesAndGoesBeforeTheUsersEyes) {
+    show(1, 1);
+    const auto moves = [&](auto&& change) {
+        change();
+        const bool moving = app.scene().isAnimating();
+        app.settle();
+        return moving;
+    };
+
+    EXPECT_TRUE(moves([&] { page->setHasColorChooserSpecifier_addIfMissing(false, true); }));
+    EXPECT_TRUE(moves([&] { page->setHasColorChooserSpecifier_addIfMissing(true, true); }));
+    EXPECT_FALSE(moves([&] { page->setHasConnectCell(false); }));
+    EXPECT_FALSE(moves([&] { page->setHasConnectCell(true); }));
+    EXPECT_FALSE(moves([&] { page->setHasForceExtendedCell(true); }));
+    EXPECT_FALSE(moves([&] { page->setHasForceExtendedCell(false); }));
+    EXPECT_FALSE(moves([&] { page->setHasDS4Specifiers(false); }));
+    EXPECT_FALSE(moves([&] { page->setHasDS4Specifiers(true); }));
+}
+
+TEST_F(Rows, ShowANewTitleOfThePairRowAtOnce) {
+    show(1);
+    page->fixPairLabel(6);
+    EXPECT_TRUE(app.find("Configure Keymap"));
+    page->fixPairLabel(0);
+    EXPECT_TRUE(app.find("E-mail Pairing Instructions"));
+    EXPECT_FALSE(app.find("Pair Controller"));
+}
+
 TEST_F(Rows, ForcingTheExtendedProfileWarnsAndStaysWritten) {
     show(6);
 
@@ -240,6 +287,7 @@ TEST_F(BareResource, WithoutAPairRowInsertsAtTheBeginning) {
              "<key>validTitles</key><array><string>One</string></array></dict>");
 
     EXPECT_EQ(rows(), "[DualShock 4] | Ambient LED Color | Choose LED Color | T");
+    EXPECT_FALSE(page->pairSpecifier());
 }
 
 TEST_F(BareResource, WithoutTypeAndModeRowsReadsBothAsZero) {

@@ -1,0 +1,121 @@
+// Settings as they are read from the store and written into it, by touch.
+
+#include "host/notify/NotifyListener.h"
+#include "platform/foundation/NSData.h"
+#include "tests/settings/page_test.h"
+#include "tests/support/logged_lines.h"
+
+namespace {
+
+const id yes = NSNumber::numberWithBool(true);
+const id no = NSNumber::numberWithBool(false);
+
+class Settings : public PageTest {
+protected:
+    Settings()
+        : m_changed("com.quorrel.jvnprefs.changed", [this] { announced.push_back(app.preference(watchedKey)); }) {}
+
+    // What the file held under the key whenever a change was announced.
+    void watch(const std::string& key) {
+        watchedKey = key;
+        announced.clear();
+    }
+    std::vector<std::string> buttonsInSight() {
+        std::vector<std::string> names;
+        app.settle();
+        auto& tree = app.scene().accessibility();
+        tree.update();
+        for (const auto& [identity, node] : tree.nodes())
+            if (node.role == UIAccessibilityRole::Button) names.push_back(node.name);
+        return names;
+    }
+
+    std::string watchedKey;
+    std::vector<id> announced;
+    testing_support::LoggedLines log;
+
+private:
+    host::NotifyListener m_changed;
+};
+
+TEST_F(Settings, OfASwitchAreInTheFileWhenTheyAreAnnounced) {
+    show(1);
+    watch("JVNAmbientColorKey");
+
+    ASSERT_TRUE(app.tapSwitch("Ambient LED Color"));
+    EXPECT_EQ(announced, std::vector<id>{yes});
+    ASSERT_TRUE(app.tapSwitch("Ambient LED Color"));
+    EXPECT_EQ(announced, (std::vector<id>{yes, no}));
+}
+
+TEST_F(Settings, ThatWarnAreInTheFileAndAnnouncedAllTheSame) {
+    show(5);
+    watch("JVNForceExtendedGamepad");
+
+    ASSERT_TRUE(app.tapSwitch("Force Extended Gamepad"));
+
+    EXPECT_TRUE(app.alert());
+    EXPECT_EQ(announced, std::vector<id>{yes});
+}
+
+TEST_F(Settings, OfAListAreInTheFileWhenTheyAreAnnounced) {
+    show();
+    watch("connection_mode");
+
+    ASSERT_TRUE(app.tap("Connection"));
+    ASSERT_TRUE(app.tap("Connect by Hand"));
+
+    EXPECT_EQ(announced, std::vector<id>{NSNumber::numberWithInteger(1)});
+}
+
+TEST_F(Settings, WarningHasDismissAsItsOnlyButton) {
+    show(5);
+
+    ASSERT_TRUE(app.tapSwitch("Force Extended Gamepad"));
+
+    EXPECT_EQ(buttonsInSight(), std::vector<std::string>{"Dismiss"});
+}
+
+TEST_F(Settings, OfOtherRowsSetOffNothingMore) {
+    show(1, 1);
+    const std::string before = rows();
+
+    page->setPreferenceValue_specifier("ff0000", page->ds4ColorChooser());
+    page->setPreferenceValue_specifier(NSNumber::numberWithInteger(6), page->specifierForID("controller_type"));
+
+    EXPECT_EQ(rows(), before) << "rows follow a new type when the page comes back from its list";
+    EXPECT_EQ(app.alert(), std::nullopt);
+    EXPECT_EQ(app.preference("JVNLEDColorKey"), id("ff0000"));
+    EXPECT_EQ(app.preference("controller_type").integerValue(), 6);
+}
+
+TEST_F(Settings, LeaveEveryOtherKeyOfTheFileAlone) {
+    const std::uint8_t address[] = {1, 2, 3, 4, 5, 6};
+    show(1, 1, {{"PS4BluetoothAddress", NSData::dataWithBytes(address)}, {"TheDaemonsOwn", "kept"}});
+
+    ASSERT_TRUE(app.tapSwitch("Ambient LED Color"));
+
+    const auto expected = testing_support::dictionary({{"PS4BluetoothAddress", NSData::dataWithBytes(address)},
+                                                       {"TheDaemonsOwn", "kept"},
+                                                       {"controller_type", NSNumber::numberWithInteger(1)},
+                                                       {"connection_mode", NSNumber::numberWithInteger(1)},
+                                                       {"JVNAmbientColorKey", yes}});
+    ASSERT_TRUE(app.preferences());
+    EXPECT_TRUE(app.preferences()->isEqual(*expected));
+}
+
+TEST_F(Settings, TypeAndModeCountByTheirIntegerValueHoweverTheyAreStored) {
+    const std::pair<id, long> cases[] = {{id("6"), 6},
+                                         {id(NSNumber::numberWithDouble(1.9)), 1},
+                                         {yes, 1},
+                                         {id("by hand"), 0},
+                                         {id(NSData::dataWithVector({1})), 0}};
+    for (const auto& [stored, value] : cases) {
+        show({{"controller_type", stored}, {"connection_mode", stored}});
+        EXPECT_EQ(page->currentControllerType(), value);
+        EXPECT_EQ(page->connectionType(), value);
+        app.close();
+    }
+}
+
+} // namespace
