@@ -2,26 +2,17 @@
 
 #include "host/foundation/Descriptor.h"
 #include "host/foundation/files.h"
+#include "host/foundation/temporary_file.h"
 #include "platform/log.h"
 
 #include <cerrno>
 #include <fcntl.h>
-#include <random>
 #include <sys/stat.h>
 
 namespace {
 
 constexpr mode_t ownerOnly = 0600;
 constexpr mode_t permissionBits = 07777;
-
-std::string randomSuffix() {
-    static constexpr char letters[] = "abcdefghijklmnopqrstuvwxyz0123456789";
-    std::random_device random;
-    std::uniform_int_distribution<std::size_t> pick(0, sizeof letters - 2);
-    std::string suffix;
-    for (int i = 0; i < 6; ++i) suffix += letters[pick(random)];
-    return suffix;
-}
 
 // 0, or the error's number.
 int writeAll(int descriptor, std::span<const std::uint8_t> bytes) {
@@ -52,20 +43,17 @@ std::shared_ptr<NSError> host::writeFileAtomically(const std::string& path, std:
     if (exists && !S_ISREG(existing.st_mode))
         return fileError("writing", path, S_ISDIR(existing.st_mode) ? EISDIR : EINVAL);
 
-    std::string temporary;
-    Descriptor file;
-    do {
-        temporary = path + "." + randomSuffix();
-        file.reset(::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, ownerOnly));
-    } while (!file && errno == EEXIST);
-    if (!file) return fileError("creating", temporary, errno);
+    removeDeadTemporariesBeside(path);
+    const TemporaryFile temporary = TemporaryFile::createBeside(path);
+    if (!temporary.descriptor) return fileError("creating", temporary.path, temporary.error);
+    const int file = temporary.descriptor.get();
 
-    int number = writeAll(file.get(), bytes);
-    if (number == 0 && exists && ::fchmod(file.get(), existing.st_mode & permissionBits) != 0) number = errno;
-    if (number == 0 && ::fsync(file.get()) != 0) number = errno;
-    if (number == 0 && ::rename(temporary.c_str(), path.c_str()) != 0) number = errno;
+    int number = writeAll(file, bytes);
+    if (number == 0 && exists && ::fchmod(file, existing.st_mode & permissionBits) != 0) number = errno;
+    if (number == 0 && ::fsync(file) != 0) number = errno;
+    if (number == 0 && ::rename(temporary.path.c_str(), path.c_str()) != 0) number = errno;
     if (number != 0) {
-        ::unlink(temporary.c_str());
+        ::unlink(temporary.path.c_str());
         return fileError("writing", path, number);
     }
     flushFolderOf(path);

@@ -29,6 +29,7 @@ struct Domain {
     std::vector<KeptValue> kept; // in the order of the writes
     bool isWaitedFor = false;    // a worker waits for the lock
     std::string loggedFailure;   // the last failure to read, so that it is told once
+    std::string tidiedFolder;    // where dead writers' leftovers have been looked for
 };
 
 enum class Outcome { Stored, Busy, Failed };
@@ -55,6 +56,7 @@ private:
     void waitForLockElsewhere(const std::string& domain);
     void waitOnWorker(const std::string& domain, std::chrono::steady_clock::time_point deadline);
     void tellReadFailure(const std::string& domain, const PreferencesFile& file);
+    void tidyOnce(const std::string& domain);
 
     std::mutex m_mutex;
     std::map<std::string, Domain> m_domains;
@@ -91,9 +93,20 @@ id Store::value(const std::string& domain, const std::string& key) {
             for (const auto& kept : found->second.kept)
                 if (kept.key == key) return kept.value;
     }
+    tidyOnce(domain);
     const auto file = readFile(domain);
     tellReadFailure(domain, file);
     return file.values ? file.values->objectForKey(key) : id();
+}
+
+// Not each time: a writer that is killed is rare, and one that writes cleans up as well.
+void Store::tidyOnce(const std::string& domain) {
+    const std::string where = folder();
+    {
+        const std::lock_guard lock(m_mutex);
+        if (std::exchange(m_domains[domain].tidiedFolder, where) == where) return;
+    }
+    removeDeadWritersLeftovers(where, domain);
 }
 
 void Store::tellReadFailure(const std::string& domain, const PreferencesFile& file) {

@@ -1,6 +1,7 @@
 #include "host/preferences/preferences_writer.h"
 
 #include "host/foundation/Descriptor.h"
+#include "host/foundation/temporary_file.h"
 #include "host/preferences/FileLock.h"
 #include "host/preferences/preferences_file.h"
 #include "host/preferences/write_steps.h"
@@ -38,12 +39,22 @@ std::string newSuffix() {
     return temporaryMark + digits;
 }
 
-void removeLeftovers(int folder, const std::string& path, const std::string& name) {
+std::string lockName(const std::string& domain) { return ".lock." + domain; }
+
+std::vector<std::string> leftoversOf(const std::string& folderPath, const std::string& name) {
+    std::vector<std::string> leftovers;
     std::error_code ignored;
-    for (const auto& entry : std::filesystem::directory_iterator(path, ignored)) {
-        const std::string found = entry.path().filename().string();
-        if (found.starts_with(name + temporaryMark)) unlinkat(folder, found.c_str(), 0);
+    for (const auto& entry : std::filesystem::directory_iterator(folderPath, ignored)) {
+        std::string found = entry.path().filename().string();
+        if (found.starts_with(name + temporaryMark)) leftovers.push_back(std::move(found));
     }
+    return leftovers;
+}
+
+// With the lock held.
+void removeLeftovers(int folder, const std::string& folderPath, const std::string& name) {
+    for (const auto& leftover : leftoversOf(folderPath, name)) unlinkat(folder, leftover.c_str(), 0);
+    removeDeadTemporariesBeside(folderPath + "/" + name); // those of whole-file writes have locks of their own
 }
 
 int writeAll(int descriptor, std::span<const std::uint8_t> bytes) {
@@ -200,7 +211,7 @@ PreferencesWriteResult changePreferencesFile(const std::string& folder, const st
     std::filesystem::create_directories(folder, error);
     const Descriptor descriptor(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!descriptor) return {false, false, "its folder: " + (error ? error.message() : strerror(errno))};
-    const FileLock lock(descriptor.get(), ".lock." + domain, patience);
+    const FileLock lock(descriptor.get(), lockName(domain), patience);
     if (!lock.isHeld()) return {false, lock.isBusy(), lock.reason()};
     const auto taken = changes.take();
     // Another thread has stored them with its own.
@@ -208,6 +219,17 @@ PreferencesWriteResult changePreferencesFile(const std::string& folder, const st
     auto result = Writer(descriptor.get(), folder, domain).change(taken);
     if (result.isStored) changes.stored();
     return result;
+}
+
+void removeDeadWritersLeftovers(const std::string& folder, const std::string& domain) {
+    const std::string name = domain + ".plist";
+    removeDeadTemporariesBeside(folder + "/" + name);
+    // The lock leaves a file behind: not for nothing.
+    if (leftoversOf(folder, name).empty()) return;
+    const Descriptor descriptor(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!descriptor) return;
+    const FileLock lock(descriptor.get(), lockName(domain), std::chrono::milliseconds(0));
+    if (lock.isHeld()) removeLeftovers(descriptor.get(), folder, name);
 }
 
 } // namespace host

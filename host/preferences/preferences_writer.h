@@ -33,4 +33,8 @@ public:
 PreferencesWriteResult changePreferencesFile(const std::string& folder, const std::string& domain,
                                              PreferencesChanges& changes, std::chrono::milliseconds patience);
 
+// Removes what writers that were killed have left beside the domain's file, which would look like a write under way for
+// ever. Never waits.
+void removeDeadWritersLeftovers(const std::string& folder, const std::string& domain);
+
 } // namespace host

@@ -1,4 +1,5 @@
 #include "host/foundation/atomic_file.h"
+#include "host/foundation/temporary_file.h"
 
 #include "platform/foundation.h"
 #include "tests/support/captured_log.h"
@@ -20,6 +21,7 @@ namespace {
 
 using testing::ElementsAre;
 using testing::MatchesRegex;
+using testing::UnorderedElementsAre;
 using testing_support::CapturedLog;
 using testing_support::TemporaryFolder;
 
@@ -102,8 +104,8 @@ TEST(AtomicFile, TemporaryStandsBesideTheFileUnderItsNameAndASuffix) {
         events.push_back(std::string(what) + event->name);
         at += static_cast<ssize_t>(sizeof *event) + event->len;
     }
-    EXPECT_THAT(events, ElementsAre(MatchesRegex("made com\\.quorrel\\.joyvane\\.plist\\.[a-z0-9]{6}"),
-                                    MatchesRegex("from com\\.quorrel\\.joyvane\\.plist\\.[a-z0-9]{6}"),
+    EXPECT_THAT(events, ElementsAre(MatchesRegex("made com\\.quorrel\\.joyvane\\.plist\\.saving-[a-z0-9]{6}"),
+                                    MatchesRegex("from com\\.quorrel\\.joyvane\\.plist\\.saving-[a-z0-9]{6}"),
                                     "to com.quorrel.joyvane.plist"));
 }
 
@@ -120,6 +122,40 @@ TEST(AtomicFile, FullDiskLeavesTheFileAndNoTemporary) {
     EXPECT_EQ(error->code(), EFBIG);
     EXPECT_EQ(error->localizedDescription(), "writing " + folder.file("f") + ": File too large");
     EXPECT_EQ(contentsOf(folder.file("f")), "before");
+    EXPECT_THAT(namesIn(folder), ElementsAre("f"));
+}
+
+TEST(AtomicFile, WhatADeadWriterLeftGoesAndWhatALivingOneWritesAndFilesOfOthersStay) {
+    const TemporaryFolder folder;
+    const std::string path = folder.file("f");
+    std::ofstream(path + ".saving-dead01") << "half";
+    std::ofstream(path + ".backup") << "precious";
+    std::ofstream(folder.file("g.saving-dead01")) << "of another file";
+    std::filesystem::create_directory(path + ".saving-folder");
+    const auto living = host::TemporaryFile::createBeside(path);
+
+    ASSERT_EQ(host::writeFileAtomically(path, bytesOf("x")), nullptr);
+
+    EXPECT_THAT(namesIn(folder), UnorderedElementsAre("f", "f.backup", "g.saving-dead01", "f.saving-folder",
+                                                      std::filesystem::path(living.path).filename().string()));
+}
+
+// Each removes what it takes for a dead writer's while the others make and lock theirs.
+TEST(AtomicFile, ManyWritersAtOnceAllSucceed) {
+    const TemporaryFolder folder;
+    const std::string path = folder.file("f");
+    std::atomic<int> failures = 0;
+    {
+        std::vector<std::jthread> writers;
+        for (int i = 0; i < 4; ++i)
+            writers.emplace_back([&] {
+                for (int j = 0; j < 50; ++j)
+                    if (host::writeFileAtomically(path, bytesOf("contents"))) ++failures;
+            });
+    }
+
+    EXPECT_EQ(failures, 0);
+    EXPECT_EQ(contentsOf(path), "contents");
     EXPECT_THAT(namesIn(folder), ElementsAre("f"));
 }
 

@@ -56,6 +56,30 @@ TEST_F(KilledWriters, WhatADeadWriterLeftBehindGoesWithTheNextWrite) {
     EXPECT_THAT(namesLikeTheFile(), ElementsAre(domain() + ".plist"));
 }
 
+TEST_F(KilledWriters, WhatADeadWriterLeftBehindGoesWithTheFirstReadOfAnotherProcess) {
+    setPreferenceValue(domain(), "before", "1");
+    Child({WRITER_PROGRAM, root(), "die", domain(), "key",
+           std::to_string(static_cast<int>(PreferencesWriteStep::TemporaryHalfWritten))})
+        .wait();
+    write(file() + ".saving-dead01", "half");
+    ASSERT_EQ(namesLikeTheFile().size(), 3u);
+
+    EXPECT_EQ(Child({WRITER_PROGRAM, root(), "get", domain(), "before"}).line(), "1");
+
+    EXPECT_THAT(namesLikeTheFile(), ElementsAre(domain() + ".plist"));
+}
+
+TEST_F(KilledWriters, AReaderLeavesALivingWritersTemporary) {
+    setPreferenceValue(domain(), "before", "1");
+    write(file() + ".writing-00000000", "half");
+    Child holder({WRITER_PROGRAM, root(), "hold", domain()});
+    ASSERT_EQ(holder.line(), "held");
+
+    EXPECT_EQ(Child({WRITER_PROGRAM, root(), "get", domain(), "before"}).line(), "1");
+
+    EXPECT_EQ(namesLikeTheFile().size(), 2u);
+}
+
 TEST_F(KilledWriters, FilesOfOthersBesideItAreLeftAlone) {
     write(file() + ".backup", "precious");
     write(file() + ".abc123", "another program's temporary");

@@ -3,6 +3,7 @@
 //   preferences_writer ROOT die DOMAIN KEY STEP          writes KEY and is killed right after the step of that number
 //   preferences_writer ROOT hold DOMAIN                  takes the lock, says "held", and keeps it until it is killed
 //   preferences_writer ROOT set DOMAIN KEY VALUE
+//   preferences_writer ROOT get DOMAIN KEY               prints the text that is stored
 
 #include "host/foundation/Descriptor.h"
 #include "host/foundation/root.h"
@@ -45,6 +46,11 @@ int main(int count, char** values) {
         std::puts(lock.isHeld() ? "held" : "not held");
         std::fflush(stdout);
         for (;;) pause();
+    }
+    if (command == "get") {
+        const id value = preferenceValue(domain, arguments.at(3));
+        std::puts(value.string() ? value.string()->c_str() : "none");
+        return 0;
     }
     if (command == "set") return setPreferenceValue(domain, arguments.at(3), arguments.at(4)) ? 0 : 1;
     return 2;
