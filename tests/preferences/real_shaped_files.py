@@ -88,4 +88,5 @@ def compare(originals, folder):
     print(f"{agreed} files agree")
 
 
-{"make": make, "compare": compare}[sys.argv[1]](Path(sys.argv[2]), Path(sys.argv[3]))
+if __name__ == "__main__":
+    {"make": make, "compare": compare}[sys.argv[1]](Path(sys.argv[2]), Path(sys.argv[3]))
