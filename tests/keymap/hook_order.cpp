@@ -108,7 +108,7 @@ TEST_F(KeyEventHookOrderDeathTest, TheForwarderAsksForTheKeyHandlerWhateverItIsC
         {
             installKeyEventHookOnClass(HandlerHeir::classObject());
             const auto application = HandlerHeir::alloc();
-            const id arguments[] = {UIKeyEvent::keyEvent(4, true)};
+            const std::vector<id> arguments{UIKeyEvent::keyEvent(4, true)};
             handler(HandlerHeir::classObject())(*application, "another:", arguments);
             end(calls().size() == 1 && calls()[0].command == SEL("another:"));
         },

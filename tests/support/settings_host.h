@@ -31,6 +31,7 @@ public:
     host::WindowScene& scene() { return m_scene; }
     host::Touches& touches() { return m_touches; }
     host::ManualClock& clock() { return m_clock; }
+    host::PollLoop& loop() { return m_loop; }
     const std::shared_ptr<UINavigationController>& navigation() const { return m_navigation; }
 
     // Shows the screen as the root of the window; its appearing calls have run when this returns.
