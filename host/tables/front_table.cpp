@@ -18,7 +18,7 @@ std::shared_ptr<UITableView> tableIn(const std::shared_ptr<UIView>& view) {
 
 std::shared_ptr<UITableView> frontTable(const UIWindow& window) {
     for (const auto& view : window.subviews())
-        if (view->accessibilityRole() == UIAccessibilityRole::Alert) return nullptr;
+        if (view->accessibilityRole() == UIAccessibilityRole::Alert && view->accessibilityViewIsModal()) return nullptr;
     const auto front = frontController(window);
     return front ? tableIn(front->viewIfLoaded()) : nullptr;
 }

@@ -154,11 +154,22 @@ void keyDown(UIWindow& window, const UIKeyEvent& event) {
     }
 }
 
+// A row that waits takes the whole of a key press: also what comes of it once the row waits no more, up to the release.
+bool isTaken(UIWindow& window, const UIKeyEvent& event) {
+    auto& taken = WindowInternals::state(window).takenKeys;
+    const bool goesDown = event.isKeyDown() && !event.isRepeat();
+    const bool wasTaken = !goesDown && taken.contains(event._keyCode());
+    if (goesDown || !event.isKeyDown()) taken.erase(event._keyCode());
+    if (!frontTableWaits(window)) return wasTaken;
+    if (event.isKeyDown()) taken.insert(event._keyCode());
+    return true;
+}
+
 } // namespace
 
 void handleKey(UIWindow& window, const UIKeyEvent& event) {
     const auto keep = window.shared_from_this();
-    if (frontTableWaits(window)) {
+    if (isTaken(window, event)) {
         WindowInternals::state(window).activationKey = 0;
         return;
     }

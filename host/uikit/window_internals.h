@@ -4,6 +4,7 @@
 #include "platform/uikit/UIWindow.h"
 
 #include <functional>
+#include <set>
 
 namespace host {
 class FrameSteps;
@@ -19,6 +20,7 @@ struct UIWindow::State {
     bool focusIsShown = false;                  // the focus came by the keyboard
     long activationKey = 0;                     // the key that went down and will activate when it is released; 0: none
     std::weak_ptr<UIView> activated;            // what had the focus then
+    std::set<long> takenKeys;                   // went down while a row waited for them, and are not up again
     std::function<void()> requestFrame;         // the scene's; empty without one
     host::FrameSteps* frameSteps = nullptr;     // the scene's, non-owning; nil without one
 };

@@ -165,6 +165,48 @@ TEST_F(TableSelection, FrontTableWaitsWhileARowStaysSelected) {
     EXPECT_TRUE(host::frontTableWaits(*scene.window()));
 }
 
+// What waits here takes the key and has done with it, as a row that learns a key does.
+TEST_F(TableSelection, TheKeyThatAWaitingRowTakesIsTakenUntilItIsUp) {
+    show({numbered(3)});
+    const auto screen = UITableViewController::alloc()->initWithStyle(UITableViewStyleGrouped);
+    screen->setView(table);
+    scene.window()->setRootViewController(screen);
+    touches.key(host::hid::down);
+    const auto focused = scene.window()->focusedView();
+
+    table->selectRowAtIndexPath_animated(at(1), /*animated=*/false);
+    touches.keyDown(host::hid::down);
+    table->deselectRowAtIndexPath_animated(at(1), /*animated=*/false);
+    touches.keyDown(host::hid::down, 0, /*isRepeat=*/true);
+    touches.keyUp(host::hid::down);
+    EXPECT_EQ(scene.window()->focusedView(), focused);
+
+    touches.key(host::hid::down);
+    EXPECT_NE(scene.window()->focusedView(), focused);
+}
+
+class Message : public UIView {
+    NS_CLASS(Message)
+public:
+    std::shared_ptr<Message> initWithFrame(CGRect frame) { return UIView::initWithFrame(frame) ? self(this) : nullptr; }
+    UIAccessibilityRole accessibilityRole() const override { return UIAccessibilityRole::Alert; }
+};
+NS_CLASS_IMPLEMENTATION(Message, UIView)
+
+TEST_F(TableSelection, WhatOnlyTellsOfSomethingDoesNotKeepARowFromWaiting) {
+    show({numbered(3)});
+    const auto screen = UITableViewController::alloc()->initWithStyle(UITableViewStyleGrouped);
+    screen->setView(table);
+    scene.window()->setRootViewController(screen);
+    table->selectRowAtIndexPath_animated(at(1), /*animated=*/false);
+    const auto message = add<Message>({{0, 400}, {320, 60}});
+    EXPECT_TRUE(host::frontTableWaits(*scene.window()));
+
+    message->setAccessibilityViewIsModal(true);
+
+    EXPECT_FALSE(host::frontTableWaits(*scene.window()));
+}
+
 class TableFocus : public TableSelection {
 protected:
     std::string focused() const {
