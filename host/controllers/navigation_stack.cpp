@@ -72,6 +72,7 @@ void UINavigationController::State::move() {
     const double width = area->bounds().size.width;
     const auto shifted = [&](double fraction) { return CGPointMake(center.x + width * fraction, center.y); };
     if (moves) {
+        from->view()->setAccessibilityElementsHidden(true);
         to->view()->setCenter(shifted(isForward ? 1 : -parallax));
         to->view()->layoutIfNeeded();
         area->setUserInteractionEnabled(false);
@@ -90,6 +91,7 @@ void UINavigationController::State::move() {
         }
         if (from) {
             from->view()->removeFromSuperview();
+            from->view()->setAccessibilityElementsHidden(false);
             from->endAppearanceTransition();
         }
         // While the container is still on its way, its own arrival brings the call.

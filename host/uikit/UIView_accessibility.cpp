@@ -16,5 +16,7 @@ bool UIView::accessibilityActivate() { return false; }
 bool UIView::accessibilityStep(UIAccessibilityDirection, UIAccessibilityStep) { return false; }
 bool UIView::accessibilitySetValue(double) { return false; }
 void UIView::setAccessibilityLabel(std::string label) { m_view->accessibilityLabel = std::move(label); }
+bool UIView::accessibilityElementsHidden() const { return m_view->hidesElements; }
+void UIView::setAccessibilityElementsHidden(bool hidden) { m_view->hidesElements = hidden; }
 bool UIView::accessibilityViewIsModal() const { return m_view->modal; }
 void UIView::setAccessibilityViewIsModal(bool modal) { m_view->modal = modal; }

@@ -5,6 +5,7 @@
 #include "host/uikit/view_internals.h"
 #include "host/uikit/visible_rect.h"
 #include "host/uikit/window_internals.h"
+#include "platform/dispatch.h"
 
 namespace host {
 
@@ -26,9 +27,10 @@ bool speaksForItsTexts(UIAccessibilityRole role) {
     }
 }
 
-bool isPressable(UIAccessibilityRole role) {
+// Of rows those that a tap does something to; they can have the keyboard for it.
+bool isPressable(const UIView& view, UIAccessibilityRole role) {
     return role == UIAccessibilityRole::Button || role == UIAccessibilityRole::Switch ||
-           role == UIAccessibilityRole::ListItem;
+           (role == UIAccessibilityRole::ListItem && view.canBecomeFocused());
 }
 
 } // namespace
@@ -62,15 +64,16 @@ AccessibilityNode AccessibilityTree::describe(const UIView& view, AccessibilityI
     node.isFocusable = view.canBecomeFocused();
     node.isFocused = window && window->focusedView().get() == &view;
     node.isSelected = view.accessibilityIsSelected();
+    node.isModal = view.accessibilityViewIsModal();
     node.isOnScreen = !CGRectIsEmpty(visibleRectInWindow(view));
     node.isOn = view.accessibilityIsOn();
     node.range = view.accessibilityRange();
-    node.canPress = isPressable(node.role) && node.isEnabled;
+    node.canPress = isPressable(view, node.role) && node.isEnabled;
     return node;
 }
 
 void AccessibilityTree::add(const std::shared_ptr<UIView>& view, AccessibilityNode& parent, Nodes& nodes) {
-    if (!ViewInternals::isVisible(*view)) return;
+    if (!ViewInternals::isVisible(*view) || view->accessibilityElementsHidden()) return;
     const auto role = view->accessibilityRole();
     if (role == UIAccessibilityRole::StaticText && speaksForItsTexts(parent.role)) return;
     if (role == UIAccessibilityRole::None) {
@@ -101,6 +104,7 @@ void AccessibilityTree::update() {
     }
     nodes.swap(m_nodes);
     if (m_listener) tell(nodes);
+    if (!m_waiting.empty()) performWaiting();
 }
 
 void AccessibilityTree::tell(const Nodes& before) const {
@@ -146,40 +150,63 @@ AccessibilityIdentity AccessibilityTree::focusedNode() const {
     return 0;
 }
 
-std::shared_ptr<UIView> AccessibilityTree::usableView(AccessibilityIdentity identity) const {
+std::shared_ptr<UIView> AccessibilityTree::enabledView(AccessibilityIdentity identity) const {
     if (!m_nodes.contains(identity)) return nullptr;
     const auto at = m_views.find(identity);
     const auto view = at == m_views.end() ? nullptr : at->second.lock();
-    return view && isReachable(*view) && view->accessibilityIsEnabled() ? view : nullptr;
+    return view && view->accessibilityIsEnabled() ? view : nullptr;
+}
+
+bool AccessibilityTree::canAct(AccessibilityIdentity identity) const {
+    const auto view = enabledView(identity);
+    return view && (isReachable(*view) || isHeld(*view));
+}
+
+bool AccessibilityTree::perform(AccessibilityIdentity identity, Act act) {
+    const auto view = enabledView(identity);
+    if (!view) return false;
+    if (isReachable(*view)) return act(*view);
+    if (!isHeld(*view)) return false;
+    m_waiting.emplace_back(view, std::move(act));
+    return true;
+}
+
+// Whoever slid a screen in has changed the views, so that a frame comes, and with it this, once it has arrived. The
+// acts have their turn on the main queue: what they change is not to be changed in the middle of a frame.
+void AccessibilityTree::performWaiting() {
+    std::erase_if(m_waiting, [](auto& waiting) {
+        if (const auto view = waiting.first.lock(); view && isHeld(*view)) return false;
+        dispatch_async(dispatch_get_main_queue(), [weak = waiting.first, act = std::move(waiting.second)] {
+            if (const auto view = weak.lock(); view && view->accessibilityIsEnabled() && isReachable(*view)) act(*view);
+        });
+        return true;
+    });
 }
 
 bool AccessibilityTree::press(AccessibilityIdentity identity) {
-    const auto view = usableView(identity);
-    return view && view->accessibilityActivate();
+    return perform(identity, [](UIView& view) { return view.accessibilityActivate(); });
 }
 
 bool AccessibilityTree::step(AccessibilityIdentity identity, UIAccessibilityDirection direction,
                              UIAccessibilityStep step) {
-    const auto view = usableView(identity);
-    return view && view->accessibilityStep(direction, step);
+    return perform(identity, [=](UIView& view) { return view.accessibilityStep(direction, step); });
 }
 
 bool AccessibilityTree::setValue(AccessibilityIdentity identity, double value) {
-    const auto view = usableView(identity);
-    return view && view->accessibilitySetValue(value);
+    return perform(identity, [value](UIView& view) { return view.accessibilitySetValue(value); });
 }
 
 bool AccessibilityTree::focus(AccessibilityIdentity identity) {
-    const auto view = usableView(identity);
-    const auto window = m_window.lock();
-    if (!view || !window || !view->canBecomeFocused()) return false;
-    WindowInternals::focusByKeyboard(*window, view);
-    return true;
+    return perform(identity, [](UIView& view) {
+        const auto window = view.window();
+        if (!window || !view.canBecomeFocused()) return false;
+        WindowInternals::focusByKeyboard(*window, std::static_pointer_cast<UIView>(view.shared_from_this()));
+        return true;
+    });
 }
 
 bool AccessibilityTree::escape(AccessibilityIdentity identity) {
-    const auto view = usableView(identity);
-    return view && view->accessibilityPerformEscape();
+    return perform(identity, [](UIView& view) { return view.accessibilityPerformEscape(); });
 }
 
 } // namespace host

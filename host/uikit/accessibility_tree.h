@@ -32,10 +32,11 @@ struct AccessibilityNode {
     bool isFocusable = false;
     bool isFocused = false;
     bool isSelected = false;
+    bool isModal = false;
     bool isOnScreen = true; // some of it can be seen
     std::optional<bool> isOn;
     std::optional<UIAccessibilityRange> range;
-    bool canPress = false;
+    bool canPress = false; // as far as its kind goes; see canAct()
 
     friend bool operator==(const AccessibilityNode&, const AccessibilityNode&) = default;
 };
@@ -71,9 +72,11 @@ public:
     using Listener = std::function<void(AccessibilityIdentity, AccessibilityChange)>;
     void setListener(Listener listener) { m_listener = std::move(listener); }
 
-    // What assistive technology may do. False when the view is gone, covered, disabled or has no
-    // such action. They take effect
-    // at once; the nodes follow with the next update().
+    // Whether what assistive technology does with a node comes to anything: not while its view is gone, covered or
+    // disabled.
+    bool canAct(AccessibilityIdentity identity) const;
+    // What assistive technology may do. False when the node cannot act or has no such action. They take effect at once,
+    // and the nodes follow with the next update(); but on a screen that is still sliding in they wait for its arrival.
     bool press(AccessibilityIdentity identity);
     bool step(AccessibilityIdentity identity, UIAccessibilityDirection direction, UIAccessibilityStep step);
     bool setValue(AccessibilityIdentity identity, double value);
@@ -85,13 +88,18 @@ private:
     AccessibilityIdentity identify(const std::shared_ptr<UIView>& view);
     void add(const std::shared_ptr<UIView>& view, AccessibilityNode& parent, Nodes& nodes);
     AccessibilityNode describe(const UIView& view, AccessibilityIdentity identity) const;
-    std::shared_ptr<UIView> usableView(AccessibilityIdentity identity) const;
+    // The view of an enabled node; nil when there is none.
+    std::shared_ptr<UIView> enabledView(AccessibilityIdentity identity) const;
+    using Act = std::function<bool(UIView& view)>;
+    bool perform(AccessibilityIdentity identity, Act act);
+    void performWaiting();
     void tell(const Nodes& before) const;
 
     std::weak_ptr<UIWindow> m_window;
     AccessibilityIdentity m_root = 0;
     Nodes m_nodes;
     std::map<AccessibilityIdentity, std::weak_ptr<UIView>> m_views;
+    std::vector<std::pair<std::weak_ptr<UIView>, Act>> m_waiting; // for their screens to arrive
     Listener m_listener;
 };
 

@@ -51,4 +51,16 @@ bool isReachable(const UIView& view) {
     return false;
 }
 
+bool isHeld(const UIView& view) {
+    const auto window = view.window();
+    if (!window || !view.isDescendantOfView(frontScope(*window).get()) || !view.isUserInteractionEnabled())
+        return false;
+    bool isHeld = false;
+    for (const UIView* at = &view; at; at = ViewInternals::state(*at).superview) {
+        if (!ViewInternals::isVisible(*at)) return false;
+        isHeld |= !at->isUserInteractionEnabled();
+    }
+    return isHeld;
+}
+
 } // namespace host

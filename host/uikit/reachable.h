@@ -8,4 +8,8 @@ namespace host {
 // no key's and no assistive technology's either.
 bool isReachable(const UIView& view);
 
+// Whether the view stands in one that takes no fingers for now, as a screen does that slides in, and might be reached
+// otherwise.
+bool isHeld(const UIView& view);
+
 } // namespace host

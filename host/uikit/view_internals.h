@@ -21,6 +21,7 @@ struct UIView::State {
     bool needsLayout = true; // a view is laid out once before it is first seen
     bool descendantNeedsLayout = false;
     bool modal = false;
+    bool hidesElements = false; // from assistive technology
 };
 
 struct ViewInternals {

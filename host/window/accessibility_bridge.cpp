@@ -22,7 +22,7 @@ host::AccessibilityBridge::~AccessibilityBridge() {
     }
 }
 
-host::AccessibilityTree& host::AccessibilityBridge::tree() const {
+host::AccessibilityTree& host::AccessibilityBridge::freshTree() const {
     if (m_refresh) m_refresh();
     return m_tree;
 }
@@ -73,8 +73,10 @@ void host::AccessibilityBridge::changed(AccessibilityIdentity identity, Accessib
     const bool mustBeMade = change == AccessibilityChange::Created || change == AccessibilityChange::Focus;
     if (!mustBeMade && !m_interfaces.contains(identity)) return;
     auto* const node = static_cast<AccessibleNode*>(interfaceOf(identity));
-    const auto* const now = m_tree.node(identity);
-    if (!node || !now) return;
+    const auto* const found = m_tree.node(identity);
+    if (!node || !found) return;
+    // Whoever is told may ask, and that may bring the tree up to date.
+    const AccessibilityNode now = *found;
     node->rememberParent();
 
     const auto tell = [node](QAccessible::Event event) {
@@ -84,17 +86,18 @@ void host::AccessibilityBridge::changed(AccessibilityIdentity identity, Accessib
     switch (change) {
     case AccessibilityChange::Created:
         tell(QAccessible::ObjectCreated);
-        if (now->role == UIAccessibilityRole::Alert) tell(QAccessible::Alert);
+        if (now.role == UIAccessibilityRole::Alert) tell(QAccessible::Alert);
         break;
     case AccessibilityChange::Name:
         tell(QAccessible::NameChanged);
+        node->announceText();
         break;
     case AccessibilityChange::Value:
-        if (now->range) {
-            QAccessibleValueChangeEvent told(node, now->range->current);
+        if (now.range) {
+            QAccessibleValueChangeEvent told(node, now.range->current);
             QAccessible::updateAccessibility(&told);
         }
-        if (now->isOn) {
+        if (now.isOn) {
             QAccessible::State checked;
             checked.checked = true;
             QAccessibleStateChangeEvent told(node, checked);
@@ -103,7 +106,7 @@ void host::AccessibilityBridge::changed(AccessibilityIdentity identity, Accessib
         tell(QAccessible::DescriptionChanged);
         break;
     case AccessibilityChange::State:
-        tellState(*node, *now);
+        tellState(*node, now);
         break;
     case AccessibilityChange::Extent:
         tell(QAccessible::LocationChanged);

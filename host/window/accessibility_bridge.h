@@ -33,8 +33,10 @@ public:
     void forget(AccessibilityIdentity identity) { m_interfaces.erase(identity); }
 
     QWindow& window() const { return m_window; }
-    // Up to date.
-    AccessibilityTree& tree() const;
+    // As of its last update.
+    AccessibilityTree& tree() const { return m_tree; }
+    // The same, brought up to date: nodes that were read from it before may be gone.
+    AccessibilityTree& freshTree() const;
     // Device pixels of the screen, in the toolkit's units.
     QRect onScreen(CGRect points) const;
     CGPoint fromScreen(QPoint position) const;

@@ -62,11 +62,24 @@ constexpr StepAction canvasActions[] = {
     {"Far Down", UIAccessibilityDirection::Down, UIAccessibilityStep::Large},
 };
 
+QStringList possibleActions(const host::AccessibilityNode& node) {
+    using Actions = QAccessibleActionInterface;
+    QStringList names;
+    if (node.canPress) names << (node.isOn ? Actions::toggleAction() : Actions::pressAction());
+    if (node.isEnabled && node.role == Role::Slider) names << Actions::increaseAction() << Actions::decreaseAction();
+    if (node.isEnabled && node.role == Role::Canvas)
+        for (const auto& action : canvasActions) names << QString::fromLatin1(action.name);
+    if (node.isFocusable) names << Actions::setFocusAction();
+    return names;
+}
+
 } // namespace
 
 host::AccessibleNode::AccessibleNode(AccessibilityBridge& bridge, AccessibilityIdentity identity)
     : m_bridge(&bridge), m_identity(identity) {
     rememberParent();
+    if (const auto* const found = bridge.tree().node(identity); found && isLabel(*found))
+        m_announcedText = nameOf(*found);
 }
 
 host::AccessibleNode::~AccessibleNode() {
@@ -74,7 +87,7 @@ host::AccessibleNode::~AccessibleNode() {
 }
 
 void host::AccessibleNode::rememberParent() {
-    if (const auto* const found = node()) m_parent = found->parent;
+    if (const auto* const found = m_bridge->tree().node(m_identity)) m_parent = found->parent;
 }
 
 void host::AccessibleNode::announceDeparture() {
@@ -85,7 +98,7 @@ void host::AccessibleNode::announceDeparture() {
 }
 
 const host::AccessibilityNode* host::AccessibleNode::node() const {
-    return m_bridge ? m_bridge->tree().node(m_identity) : nullptr;
+    return m_bridge ? m_bridge->freshTree().node(m_identity) : nullptr;
 }
 
 bool host::AccessibleNode::isValid() const { return m_isLeaving || node(); }
@@ -99,9 +112,11 @@ QWindow* host::AccessibleNode::window() const { return m_bridge ? &m_bridge->win
 void* host::AccessibleNode::interface_cast(QAccessible::InterfaceType type) {
     const auto* const found = node();
     if (!found) return nullptr;
-    if (type == QAccessible::ActionInterface && !actionNames().isEmpty())
+    // Clients ask once what interfaces a node has, so that it does not depend on what can be done just now.
+    if (type == QAccessible::ActionInterface && !possibleActions(*found).isEmpty())
         return static_cast<QAccessibleActionInterface*>(this);
     if (type == QAccessible::ValueInterface && found->range) return static_cast<QAccessibleValueInterface*>(this);
+    if (type == QAccessible::TextInterface && isLabel(*found)) return static_cast<QAccessibleTextInterface*>(this);
     return nullptr;
 }
 
@@ -151,7 +166,7 @@ QString host::AccessibleNode::text(QAccessible::Text kind) const {
     if (!found) return {};
     switch (kind) {
     case QAccessible::Name:
-        return object() && found->name.empty() ? m_bridge->window().title() : QString::fromStdString(found->name);
+        return nameOf(*found);
     case QAccessible::Value:
         return QString::fromStdString(found->value);
     case QAccessible::Description: {
@@ -161,6 +176,11 @@ QString host::AccessibleNode::text(QAccessible::Text kind) const {
     default:
         return {};
     }
+}
+
+QString host::AccessibleNode::nameOf(const AccessibilityNode& node) const {
+    return node.role == Role::Window && node.name.empty() ? m_bridge->window().title()
+                                                          : QString::fromStdString(node.name);
 }
 
 QRect host::AccessibleNode::rect() const {
@@ -187,7 +207,7 @@ QAccessible::State host::AccessibleNode::state() const {
     state.selectable = found->role == Role::ListItem;
     state.selected = found->isSelected;
     state.offscreen = !found->isOnScreen;
-    state.modal = found->role == Role::Alert;
+    state.modal = found->isModal;
     state.readOnly = found->role == Role::StaticText || found->role == Role::Heading;
     if (found->isOn) {
         state.checkable = true;
@@ -201,21 +221,15 @@ QAccessible::State host::AccessibleNode::state() const {
     return state;
 }
 
+// The toolkit has no refusal for an action on offer, so that what would do nothing is not on offer.
 QStringList host::AccessibleNode::actionNames() const {
-    QStringList names;
     const auto* const found = node();
-    if (!found) return names;
-    if (found->canPress) names << (found->isOn ? toggleAction() : pressAction());
-    if (found->isEnabled && found->role == Role::Slider) names << increaseAction() << decreaseAction();
-    if (found->isEnabled && found->role == Role::Canvas)
-        for (const auto& action : canvasActions) names << QString::fromLatin1(action.name);
-    if (found->isFocusable) names << setFocusAction();
-    return names;
+    return found && m_bridge->tree().canAct(m_identity) ? possibleActions(*found) : QStringList();
 }
 
 void host::AccessibleNode::doAction(const QString& name) {
     if (!m_bridge) return;
-    auto& tree = m_bridge->tree();
+    auto& tree = m_bridge->freshTree();
     using Direction = UIAccessibilityDirection;
     if (name == pressAction() || name == toggleAction())
         tree.press(m_identity);
@@ -236,7 +250,7 @@ QVariant host::AccessibleNode::currentValue() const {
 }
 
 void host::AccessibleNode::setCurrentValue(const QVariant& value) {
-    if (m_bridge) m_bridge->tree().setValue(m_identity, value.toDouble());
+    if (m_bridge) m_bridge->freshTree().setValue(m_identity, value.toDouble());
 }
 
 QVariant host::AccessibleNode::maximumValue() const {

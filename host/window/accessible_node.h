@@ -14,16 +14,20 @@ class AccessibilityBridge;
 // invalid and answers nothing.
 class AccessibleNode final : public QAccessibleInterface,
                              public QAccessibleActionInterface,
-                             public QAccessibleValueInterface {
+                             public QAccessibleValueInterface,
+                             public QAccessibleTextInterface {
 public:
     AccessibleNode(AccessibilityBridge& bridge, AccessibilityIdentity identity);
     ~AccessibleNode() override;
 
     // The bridge is going.
     void detach() { m_bridge = nullptr; }
+    // The parent is what the tree says at its last update.
+    void rememberParent();
     // The view has gone: until the end of the call the node still names its parent.
     void announceDeparture();
-    void rememberParent();
+    // A label's text is another than at the last call.
+    void announceText();
 
     bool isValid() const override;
     QObject* object() const override;
@@ -53,13 +57,34 @@ public:
     QVariant minimumValue() const override;
     QVariant minimumStepSize() const override;
 
+    // Of labels. They are one piece of text that nobody selects in, and have no cursor.
+    void selection(int, int* start, int* end) const override { *start = *end = 0; }
+    int selectionCount() const override { return 0; }
+    void addSelection(int, int) override {}
+    void removeSelection(int) override {}
+    void setSelection(int, int, int) override {}
+    int cursorPosition() const override { return 0; }
+    void setCursorPosition(int) override {}
+    QString text(int start, int end) const override;
+    int characterCount() const override;
+    // A character's place is its label's: where the lines break is the painter's business.
+    QRect characterRect(int) const override { return rect(); }
+    int offsetAtPoint(const QPoint& point) const override { return rect().contains(point) ? 0 : -1; }
+    void scrollToSubstring(int, int) override {}
+    QString attributes(int, int* start, int* end) const override;
+
 private:
-    // nullptr when there is none.
+    // As it is now, and once in each answer: asking again may take away what was given before. nullptr when there is
+    // none.
     const AccessibilityNode* node() const;
+    static bool isLabel(const AccessibilityNode& node);
+    QString nameOf(const AccessibilityNode& node) const;
+    QString labelText() const;
 
     AccessibilityBridge* m_bridge; // non-owning
     AccessibilityIdentity m_identity;
     AccessibilityIdentity m_parent = 0;
+    QString m_announcedText;
     bool m_isLeaving = false;
 };
 

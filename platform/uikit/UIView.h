@@ -151,6 +151,9 @@ public:
     virtual bool accessibilityStep(UIAccessibilityDirection direction, UIAccessibilityStep step);
     virtual bool accessibilitySetValue(double value);
     void setAccessibilityLabel(std::string label);
+    // With it all that the view holds is nothing to assistive technology: a screen on its way out, say.
+    bool accessibilityElementsHidden() const;
+    void setAccessibilityElementsHidden(bool hidden);
     // While a modal view is in front, keys and assistive technology reach nothing outside it.
     bool accessibilityViewIsModal() const;
     void setAccessibilityViewIsModal(bool modal);
