@@ -23,6 +23,12 @@ std::string& startProblem() {
     return *problem;
 }
 
+// What is no failure of anybody: a reader that asks for a node which has just gone, and a folder that we do not use.
+bool isOrdinary(const QString& message) {
+    return message.startsWith(QLatin1String("WARNING Qt AtSpiAdaptor")) ||
+           message.startsWith(QLatin1String("QStandardPaths: XDG_RUNTIME_DIR"));
+}
+
 void logMessage(QtMsgType type, const QMessageLogContext& context, const QString& message) {
     // The toolkit's own road ends in abort().
     if (type == QtFatalMsg && isStarting && noDisplayHandler) {
@@ -30,7 +36,7 @@ void logMessage(QtMsgType type, const QMessageLogContext& context, const QString
         noDisplayHandler(problem.empty() ? "no window system is there" : problem);
     }
     const bool isInteresting = type == QtWarningMsg || type == QtCriticalMsg || type == QtFatalMsg;
-    if (!isInteresting) return;
+    if (!isInteresting || isOrdinary(message)) return;
     const bool isOfPlatform = context.category && std::string_view(context.category).starts_with("qt.qpa");
     if (isStarting && noDisplayHandler && isOfPlatform) {
         if (startProblem().empty()) startProblem() = message.toStdString();

@@ -1,0 +1,230 @@
+"""What joyvane-settings says and how it ends when it cannot go on: one sentence, and an exit code that tells the kind.
+
+    refusals_test.py JOYVANE-SETTINGS SAMPLE.BUNDLE SEAL_BUNDLE.PY
+"""
+
+import glob
+import os
+import plistlib
+import random
+import shutil
+import socket
+import struct
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+PROGRAM, SAMPLE, SEAL = sys.argv[1:4]
+NO_DISPLAY, USAGE, REFUSED = 2, 3, 4
+DISPLAY_NAMES = ("DISPLAY", "WAYLAND_DISPLAY", "WAYLAND_SOCKET", "QT_QPA_PLATFORM")
+
+
+class Refusals(unittest.TestCase):
+    def setUp(self):
+        self.folder = tempfile.mkdtemp(prefix="jv-refusals-")
+        self.addCleanup(shutil.rmtree, self.folder)
+        self.root = os.path.join(self.folder, "root")
+        self.bundle = os.path.join(self.folder, "Sample.bundle")
+        shutil.copytree(SAMPLE, self.bundle)
+        self.module = os.path.join(self.bundle, "Sample")
+        self.manifest = os.path.join(self.bundle, "Info.plist")
+
+    def run_program(self, *arguments, without=(), **environment):
+        given = {name: value for name, value in os.environ.items() if name not in without}
+        return subprocess.run([PROGRAM, "--root", self.root, *arguments], env={**given, **environment}, text=True,
+                              capture_output=True, timeout=30, stdin=subprocess.DEVNULL)
+
+    def sentence(self, run):
+        """What it said, which must be one line on standard error."""
+        self.assertEqual(run.stdout, "")
+        self.assertEqual(run.stderr.count("\n"), 1, run.stderr)
+        self.assertTrue(run.stderr.startswith("joyvane-settings: "), run.stderr)
+        return run.stderr[len("joyvane-settings: "):-1]
+
+    def assert_refused(self, name, reason):
+        run = self.run_program("--bundle", self.bundle)
+        said = self.sentence(run)
+        self.assertEqual(run.returncode, REFUSED, said)
+        self.assertTrue(said.startswith(f"bundle refused: {name} "), said)
+        self.assertIn(reason, said)
+        return said
+
+    def reseal(self):
+        """The manifest says of the module what it is now."""
+        sealed = self.manifest + ".new"
+        subprocess.run([sys.executable, SEAL, self.manifest, self.module, sealed], check=True)
+        os.replace(sealed, self.manifest)
+
+    def rewrite(self, path, change):
+        with open(path, "rb") as file:
+            data = bytearray(file.read())
+        changed = change(data)
+        data = data if changed is None else changed
+        with open(path, "wb") as file:
+            file.write(data)
+
+    # A tour needs no display: what it plays shows that the program goes on.
+    def play(self, **environment):
+        with open(os.path.join(self.bundle, "tour.txt"), "w") as script:
+            script.write('tap switch "A switch"\nwait value row "A switch" Off\npicture page\n')
+        pictures = os.path.join(self.folder, "pictures")
+        run = self.run_program("--bundle", self.bundle, "--tour", pictures, **environment)
+        self.assertEqual(run.returncode, 0, run.stderr)
+        with open(os.path.join(self.root, "var/mobile/Library/Preferences/com.quorrel.sample.plist"), "rb") as file:
+            self.assertIs(plistlib.load(file)["switch_on"], False)
+        with open(glob.glob(os.path.join(pictures, "*page.png"))[0], "rb") as file:
+            return run, struct.unpack(">2I", file.read(24)[16:])
+
+    def test_a_bundle_that_is_missing(self):
+        shutil.rmtree(self.bundle)
+        self.assert_refused(self.bundle, "is missing")
+
+    def test_a_bundle_that_is_no_folder(self):
+        shutil.rmtree(self.bundle)
+        with open(self.bundle, "w"):
+            pass
+        self.assert_refused(self.bundle, "is no folder")
+
+    def test_a_manifest_that_is_missing(self):
+        os.remove(self.manifest)
+        self.assert_refused(self.manifest, "is missing")
+
+    def test_a_manifest_that_is_cut_at_any_place(self):
+        size = os.path.getsize(self.manifest)
+        with open(self.manifest, "rb") as file:
+            whole = file.read()
+        for length in sorted({0, 1, 5, size // 3, size // 2, size - 20, size - 10}):
+            self.rewrite(self.manifest, lambda _: whole[:length])
+            self.assert_refused(self.manifest, "cannot be read as a manifest")
+
+    def test_a_manifest_that_is_no_property_list_or_another_kind_of_value(self):
+        for text in (b"hello", b"\0" * 64, b"bplist00", plistlib.dumps(["a", "b"]), b"<plist><dict>" * 1000):
+            self.rewrite(self.manifest, lambda _: text)
+            self.assert_refused(self.manifest, "cannot be read as a manifest")
+
+    def test_a_manifest_that_lacks_something_names_it(self):
+        with open(self.manifest, "rb") as file:
+            whole = plistlib.load(file)
+        wrong = {"CFBundleExecutable": [None, "", 7], "NSPrincipalClass": [None, ""], "JVNModuleSize": [None, 0, "9"],
+                 "JVNModuleSHA256": [None, "", "A" * 64, "0" * 63]}
+        for key, values in wrong.items():
+            for value in values:
+                changed = {name: kept for name, kept in whole.items() if name != key}
+                if value is not None:
+                    changed[key] = value
+                self.rewrite(self.manifest, lambda _: plistlib.dumps(changed))
+                self.assert_refused(self.manifest, key)
+
+    def test_a_module_outside_the_bundle(self):
+        with open(self.manifest, "rb") as file:
+            manifest = plistlib.load(file)
+        manifest["CFBundleExecutable"] = "../Sample"
+        self.rewrite(self.manifest, lambda _: plistlib.dumps(manifest))
+        self.assert_refused(self.manifest, "outside the bundle")
+
+    def test_a_module_that_is_missing(self):
+        os.remove(self.module)
+        self.assert_refused(self.module, "is missing")
+
+    def test_a_module_that_is_cut_or_has_grown(self):
+        self.rewrite(self.module, lambda data: data[:-1])
+        self.assert_refused(self.module, "is cut")
+        self.rewrite(self.module, lambda data: data + b"12")
+        self.assert_refused(self.module, "has grown")
+        self.rewrite(self.module, lambda data: b"")
+        self.assert_refused(self.module, "is cut")
+
+    def test_a_module_with_any_one_bit_flipped(self):
+        places = random.Random(5)
+        size = os.path.getsize(self.module)
+        for place in [0, 4, 18, 24, size - 1, *(places.randrange(size) for _ in range(12))]:
+            bit = 1 << places.randrange(8)
+
+            def flip(data):
+                data[place] ^= bit
+            self.rewrite(self.module, flip)
+            self.assert_refused(self.module, "")
+            self.rewrite(self.module, flip)
+
+    def test_a_module_for_another_machine(self):
+        self.rewrite(self.module, lambda data: data[:18] + b"\x16\x00" + data[20:])
+        self.reseal()
+        self.assert_refused(self.module, "is made for another machine")
+
+    def test_a_library_of_somebody_else(self):
+        library = subprocess.run(["ldd", PROGRAM], text=True, capture_output=True).stdout
+        path = next(line.split()[2] for line in library.splitlines() if "libm.so" in line)
+        shutil.copyfile(path, self.module)
+        self.reseal()
+        self.assert_refused(self.module, "it has no screen called SampleListController")
+
+    def test_a_class_that_is_no_screen(self):
+        with open(self.manifest, "rb") as file:
+            manifest = plistlib.load(file)
+        for name in ("NSObject", "SampleSlider", "NobodysClass"):
+            manifest["NSPrincipalClass"] = name
+            self.rewrite(self.manifest, lambda _: plistlib.dumps(manifest))
+            self.assert_refused(self.module, f"it has no screen called {name}")
+
+    def test_a_module_that_wants_a_library_which_is_not_there(self):
+        # The name of a needed library, changed where it stands in the file.
+        def rename(data):
+            at = data.index(b"libjoyvane-platform.so")
+            data[at:at + 10] = b"libnowhere"
+        self.rewrite(self.module, rename)
+        self.reseal()
+        self.assert_refused(self.module, "cannot be loaded: libnowhere")
+
+    def test_no_display_is_one_sentence(self):
+        for environment in ({}, {"DISPLAY": ""}, {"DISPLAY": ":4711"}, {"WAYLAND_DISPLAY": "nowhere-0"}):
+            run = self.run_program("--bundle", self.bundle, without=DISPLAY_NAMES, **environment)
+            said = self.sentence(run)
+            self.assertEqual(run.returncode, NO_DISPLAY, said)
+            self.assertTrue(said.startswith("no display: "), said)
+            self.assertIn("--tour", said)
+
+    def test_a_tour_needs_no_display(self):
+        with unittest.mock.patch.dict(os.environ):
+            for name in DISPLAY_NAMES:
+                os.environ.pop(name, None)
+            _, size = self.play()
+        self.assertEqual(size[0] % 375, 0)
+
+    def test_without_a_bus_it_works(self):
+        for address in ("", "unix:path=/nowhere/bus", "nonsense"):
+            self.play(DBUS_SESSION_BUS_ADDRESS=address, XDG_RUNTIME_DIR=self.folder + "/nowhere")
+            shutil.rmtree(self.root)
+
+    def test_a_bus_that_never_answers_holds_nothing_up(self):
+        path = os.path.join(self.folder, "bus")
+        with socket.socket(socket.AF_UNIX) as bus:
+            bus.bind(path)
+            bus.listen()
+            begun = time.monotonic()
+            self.play(DBUS_SESSION_BUS_ADDRESS=f"unix:path={path}")
+            self.assertLess(time.monotonic() - begun, 15, "the toolkit alone would wait for 25 seconds")
+
+    def test_without_fonts_it_works(self):
+        configuration = os.path.join(self.folder, "fonts.conf")
+        with open(configuration, "w") as file:
+            file.write('<?xml version="1.0"?><fontconfig></fontconfig>\n')
+        self.play(FONTCONFIG_FILE=configuration)
+
+    def test_a_command_line_that_is_not_understood(self):
+        run = self.run_program("--colour")
+        self.assertEqual(run.returncode, USAGE)
+        self.assertEqual(self.sentence(run), "unknown option --colour; --help lists what there is")
+
+    def test_a_root_that_cannot_be(self):
+        with open(self.root, "w"):
+            pass
+        run = self.run_program("--bundle", self.bundle)
+        self.assertEqual(run.returncode, 1)
+        self.assertTrue(self.sentence(run).startswith(f"root {self.root}: "))
+
+
+if __name__ == "__main__":
+    import unittest.mock
+    unittest.main(argv=sys.argv[:1], verbosity=2)
