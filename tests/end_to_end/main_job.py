@@ -45,13 +45,12 @@ class MainJob(unittest.TestCase):
         wait_for(f"{key} = {value!r} in the file", lambda: self.stored(key) == value)
 
     def rest(self):
-        """While a screen slides in, the window takes neither touches nor keys, and nothing tells how far it is."""
+        """A screen that slides in takes neither touches nor keys, and nothing tells how far it is."""
         time.sleep(0.6)
 
     def press(self, name):
-        """The action of the node, as a screen reader does it."""
+        """The action of the node, as a screen reader does it: as soon as the node is there."""
         self.app.find(name=name)
-        self.rest()
 
         def done():
             nodes = [node for node in self.app.nodes(name=name) if "showing" in node.states]

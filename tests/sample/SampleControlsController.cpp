@@ -31,6 +31,11 @@ void SampleControlsController::viewDidLoad() {
     m_switch->setAccessibilityLabel("Sample switch");
     m_switch->addTarget_action_forControlEvents(shared_from_this(), "switchChanged", UIControlEventValueChanged);
 
+    m_disabled = UISwitch::alloc()->init();
+    m_disabled->setAccessibilityLabel("Disabled switch");
+    m_disabled->setOn_animated(true, /*animated=*/false);
+    m_disabled->setEnabled(false);
+
     m_slider = SampleSlider::alloc()->initWithFrame({{0, 0}, {200, 44}});
     m_slider->setAccessibilityLabel("Sample slider");
     m_slider->addTarget_action_forControlEvents(shared_from_this(), "sliderChanged", UIControlEventValueChanged);
@@ -43,8 +48,8 @@ void SampleControlsController::viewDidLoad() {
     m_picture->setAccessibilityLabel("Sample picture");
 
     for (const std::shared_ptr<UIView>& part :
-         {std::shared_ptr<UIView>(m_caption), std::shared_ptr<UIView>(m_switch), std::shared_ptr<UIView>(m_slider),
-          std::shared_ptr<UIView>(m_report), std::shared_ptr<UIView>(m_picture)})
+         {std::shared_ptr<UIView>(m_caption), std::shared_ptr<UIView>(m_switch), std::shared_ptr<UIView>(m_disabled),
+          std::shared_ptr<UIView>(m_slider), std::shared_ptr<UIView>(m_report), std::shared_ptr<UIView>(m_picture)})
         view()->addSubview(part);
 }
 
@@ -61,6 +66,8 @@ void SampleControlsController::viewDidLayoutSubviews() {
     };
     place(*m_caption, 24, false);
     place(*m_switch, m_switch->bounds().size.height, true);
+    m_disabled->setCenter(
+        {CGRectGetMaxX(m_switch->frame()) + 16 + m_disabled->bounds().size.width / 2, m_switch->center().y});
     place(*m_slider, 44, false);
     place(*m_report, 24, false);
     place(*m_picture, 120, true);

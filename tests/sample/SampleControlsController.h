@@ -8,7 +8,8 @@
 
 #include <memory>
 
-// The pushed screen: a switch, a slider of its own making, text in two styles, a picture drawn on a worker.
+// The pushed screen: a switch, one that is disabled, a slider of its own making, text in two styles, a picture drawn on
+// a worker.
 class SampleControlsController final : public UIViewController {
     NS_CLASS(SampleControlsController)
 public:
@@ -23,6 +24,7 @@ private:
     std::shared_ptr<UILabel> m_caption;
     std::shared_ptr<UILabel> m_report;
     std::shared_ptr<UISwitch> m_switch;
+    std::shared_ptr<UISwitch> m_disabled;
     std::shared_ptr<SampleSlider> m_slider;
     std::shared_ptr<SamplePictureView> m_picture;
 };

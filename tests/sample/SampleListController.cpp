@@ -39,6 +39,15 @@ const PSSpecifierList& SampleListController::specifiers() {
     return *_specifiers;
 }
 
+void SampleListController::applicationDidEnterBackground() {
+    note("background");
+    ++m_timesInBackground;
+    const auto row = specifierForID("background_row");
+    if (!row) return;
+    row->setName("Times in the background: " + std::to_string(m_timesInBackground));
+    reloadSpecifier(row);
+}
+
 void SampleListController::note(const std::string& event) { m_journal += (m_journal.empty() ? "" : " ") + event; }
 
 void SampleListController::showAlert() {

@@ -32,9 +32,10 @@ public:
     void alertView_didDismissWithButtonIndex(UIAlertView& alert, long buttonIndex) override;
 
 private:
-    void applicationDidEnterBackground() { note("background"); }
+    void applicationDidEnterBackground();
     void note(const std::string& event);
 
     std::string m_journal;
+    int m_timesInBackground = 0;
     std::shared_ptr<UIProgressHUD> m_progress;
 };
