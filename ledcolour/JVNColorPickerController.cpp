@@ -54,7 +54,8 @@ void JVNColorPickerController::viewWillDisappear(bool animated) {
 }
 
 void JVNColorPickerController::reportPickedColor() {
-    if (!m_pickedColor) return;
+    const auto color = m_pickedColor; // the delegate may set another while it still reads this one
+    if (!color) return;
     if (!m_delegate || !m_delegate->respondsToSelector("colorPicker:didPickColor:")) return;
-    m_delegate->colorPicker_didPickColor(*this, m_pickedColor);
+    m_delegate->colorPicker_didPickColor(*this, color);
 }

@@ -16,7 +16,6 @@ struct JVNColorPixel {
     std::uint8_t blue = 0;
     std::uint8_t green = 0;
     std::uint8_t red = 0;
-    friend bool operator==(JVNColorPixel, JVNColorPixel) = default;
 };
 static_assert(sizeof(JVNColorPixel) == 3 && std::is_trivially_copyable_v<JVNColorPixel>);
 

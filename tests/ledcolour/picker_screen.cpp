@@ -32,6 +32,16 @@ class DeafHearer final : public Hearer {
 };
 NS_CLASS_IMPLEMENTATION(DeafHearer, Hearer)
 
+// Takes the colour away from the screen before it reads it.
+class HastyHearer final : public Hearer {
+    NS_CLASS(HastyHearer)
+    void colorPicker_didPickColor(JVNColorPickerController& screen, const std::shared_ptr<UIColor>& color) override {
+        screen.setPickedColor(nullptr);
+        Hearer::colorPicker_didPickColor(screen, color);
+    }
+};
+NS_CLASS_IMPLEMENTATION(HastyHearer, Hearer)
+
 class PickerScreen : public ::testing::Test {
 protected:
     PickerScreen() {
@@ -147,6 +157,17 @@ TEST_F(PickerScreen, DelegateThatDoesNotRespondIsNeverCalled) {
     pop();
     EXPECT_TRUE(deaf->heard.empty());
     EXPECT_TRUE(screen->pickedColor());
+}
+
+TEST_F(PickerScreen, DelegateMaySetAnotherColourAndStillReadTheOneItIsTold) {
+    const auto hasty = HastyHearer::alloc();
+    screen->setDelegate(hasty.get());
+    push();
+    window.finger.drag(onTile(1, 0), onTile(5, 3));
+    ASSERT_EQ(hasty->heard.size(), 1u);
+    EXPECT_TRUE(hasty->heard[0]);
+    pop();
+    EXPECT_EQ(hasty->heard.size(), 1u) << "nothing is picked any more";
 }
 
 TEST_F(PickerScreen, WithoutADelegateNothingFails) {
