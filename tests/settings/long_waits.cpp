@@ -33,7 +33,8 @@ TEST_F(LongWaits, AConnectIsGivenUpAfterTwentySecondsAndTheMainThreadIsNeverLate
 
     EXPECT_TRUE(app.waitUntil([&] { return rowIsEnabled(); }, 30));
 
-    EXPECT_NEAR(secondsSince(begun), 20, 1);
+    EXPECT_GT(secondsSince(begun), 19);
+    EXPECT_LT(secondsSince(begun), 25) << "a busy machine may be late";
     EXPECT_GT(heartbeat.beats(), 1000);
     EXPECT_LT(heartbeat.longestMilliseconds(), 100);
     ASSERT_TRUE(daemon->waitForConnections(2));
