@@ -19,8 +19,8 @@ struct RawKeyEvent {
 class KeyTranslator {
 public:
     // nil for what is no key of the usage page, for keys that went down while another window had the keyboard, and for
-    // what no key did: a held key comes as pairs of release and press, of which the release is dropped and the press is
-    // marked as a repeat.
+    // what no key did: a held key comes as presses alone, or as pairs of release and press that the window system
+    // marks; the releases of such pairs are dropped, and the presses are marked as repeats.
     std::shared_ptr<UIKeyEvent> translate(const RawKeyEvent& event);
 
     // The keyboard is somebody else's now: releases that follow are not ours to hear.

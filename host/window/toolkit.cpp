@@ -1,6 +1,7 @@
 #include "host/window/toolkit.h"
 
 #include "host/window/event_loop.h"
+#include "host/window/key_repeat.h"
 #include "platform/log.h"
 
 #include <QGuiApplication>
@@ -105,6 +106,7 @@ host::Toolkit::Toolkit(const ToolkitOptions& options) : m_state(std::make_unique
     QGuiApplication::setQuitOnLastWindowClosed(false);
     state.application = std::make_unique<QGuiApplication>(state.argumentCount, state.arguments);
     isStarting = false;
+    askForPlainKeyRepeat();
     state.loop = std::make_unique<EventLoop>();
 }
 

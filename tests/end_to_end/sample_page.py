@@ -351,6 +351,14 @@ class SamplePage(unittest.TestCase):
         self.desktop.key("Return")
         self.row("A switch")
 
+    def test_a_held_key_presses_once(self):
+        self.focus("A switch", "Tab")
+        for on in (False, True, False):
+            self.desktop.xdotool("keydown", "Return")
+            time.sleep(1)  # the server repeats a key after 0.66 seconds
+            self.desktop.xdotool("keyup", "Return")
+            self.wait_stored("switch_on", on)
+
     # What the window shows, and what the world does to it.
 
     def test_the_picture_from_the_worker_is_in_the_window(self):

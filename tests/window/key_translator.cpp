@@ -54,6 +54,16 @@ TEST(KeyTranslator, AHeldKeyRepeatsWithoutReleases) {
     EXPECT_EQ("4 up", keyboard.release(scanCodeOfA));
 }
 
+TEST(KeyTranslator, AHeldKeyMayRepeatByPressesAlone) {
+    Keyboard keyboard;
+
+    EXPECT_EQ("4 down", keyboard.press(scanCodeOfA));
+    EXPECT_EQ("4 again", keyboard.press(scanCodeOfA));
+    EXPECT_EQ("5 down", keyboard.press(scanCodeOfB));
+    EXPECT_EQ("4 up", keyboard.release(scanCodeOfA));
+    EXPECT_EQ("4 down", keyboard.press(scanCodeOfA));
+}
+
 TEST(KeyTranslator, KeysWithoutAUsageAreNotHeard) {
     Keyboard keyboard;
 
