@@ -72,6 +72,7 @@ TEST(HexColour, IsReadAsANumberOfWhichTwentyFourBitsCount) {
         EXPECT_EQ(packed(text), value) << text;
         const RGBA color = rgba(JVNColorForHexString(text));
         EXPECT_EQ(color.red, (value >> 16) * 0.00392156862745098) << text;
+        EXPECT_EQ(color.green, (value >> 8 & 0xFF) * 0.00392156862745098) << text;
         EXPECT_EQ(color.blue, (value & 0xFF) * 0.00392156862745098) << text;
         EXPECT_EQ(color.alpha, 1);
     }
@@ -82,6 +83,8 @@ TEST(HexColour, IsWrittenInLowerCaseAndCut) {
     EXPECT_EQ(JVNStringColorForUIColor(UIColor::whiteColor()), "ffffff");
     EXPECT_EQ(JVNStringColorForUIColor(rgb(0.5, 0.999, 1)), "7ffeff");
     EXPECT_EQ(JVNStringColorForUIColor(rgb(0.01, 0, 0, 0.5)), "020000");
+    EXPECT_EQ(JVNStringColorForUIColor(UIColor::colorWithWhite_alpha(0.5, 1)), "7f7f7f");
+    EXPECT_EQ(JVNStringColorForUIColor(hsb(0.5, 1, 0.5)), "007f7f");
 }
 
 TEST(HexColour, TwentyFourByteValuesComeBackOneLower) {
