@@ -27,6 +27,10 @@ bool holdsPixelsAsWeDo(const QImage& image) {
     return image.format() == QImage::Format_RGB32 || image.format() == QImage::Format_ARGB32_Premultiplied;
 }
 
+// Whether pixels may be sent to a window before the window system has asked for them: it shows the window by then, or
+// drops them.
+bool showsUnexposed() { return QGuiApplication::platformName() == QLatin1String("xcb"); }
+
 host::PixelTarget target(QImage& image) {
     return {reinterpret_cast<std::uint32_t*>(image.bits()), image.width(), image.height(),
             static_cast<int>(image.bytesPerLine())};
@@ -64,7 +68,8 @@ void host::SurfaceWindow::setScene(WindowScene& scene) {
     m_scene = &scene;
     m_surfaceIsWhole = false;
     scene.setNeedsFrame([this] { wantFrame(); });
-    wantFrame();
+    // Not exposed yet: what the window system answers meanwhile, it answers to a window that is painted already.
+    makeFrame();
 }
 
 void host::SurfaceWindow::wantFrame() {
@@ -73,7 +78,10 @@ void host::SurfaceWindow::wantFrame() {
 }
 
 void host::SurfaceWindow::frameIsDue() {
-    if (!m_scene || !isExposed()) return;
+    if (m_scene && isExposed()) makeFrame();
+}
+
+void host::SurfaceWindow::makeFrame() {
     const double start = platform::CACurrentMediaTime();
     m_pacer.frameBegins();
     m_frameIsWanted = false;
@@ -124,8 +132,8 @@ void host::SurfaceWindow::paint(std::span<const CGRect> damage) {
     m_store.beginPaint(changed);
     paintSurface(pixels);
     m_store.endPaint();
-    m_store.flush(changed);
     m_surfaceIsWhole = true;
+    if (isExposed() || showsUnexposed()) m_store.flush(changed);
 }
 
 void host::SurfaceWindow::paintSurface(std::span<const CGRect> damage) {
@@ -168,12 +176,13 @@ bool host::SurfaceWindow::event(QEvent* event) {
 void host::SurfaceWindow::exposeEvent(QExposeEvent*) {
     noteVisibility();
     if (!isExposed()) return m_pacer.cancel();
+    if (!m_scene) return;
     // What was covered is still in the surface, unless the window has changed meanwhile.
-    if (m_surfaceIsWhole && m_store.size() == size())
+    if (m_surfaceIsWhole && m_store.size() == size() && m_sceneScale == scale())
         m_store.flush(QRect(QPoint(), size()));
     else
         frameIsDue();
-    if (m_frameIsWanted) wantFrame();
+    if (m_frameIsWanted || m_scene->isAnimating()) wantFrame();
 }
 
 void host::SurfaceWindow::resizeEvent(QResizeEvent*) { wantFrame(); }

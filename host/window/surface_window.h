@@ -52,6 +52,7 @@ protected:
 private:
     void wantFrame();
     void frameIsDue();
+    void makeFrame();
     void refreshAccessibility();
     void fitScene();
     void paint(std::span<const CGRect> damage);
