@@ -1,5 +1,6 @@
 #include "host/window/toolkit.h"
 
+#include "host/process/child_environment.h"
 #include "host/window/event_loop.h"
 #include "host/window/key_repeat.h"
 #include "platform/log.h"
@@ -96,6 +97,9 @@ host::Toolkit::Toolkit(const ToolkitOptions& options) : m_state(std::make_unique
         options.noDisplay("neither DISPLAY nor WAYLAND_DISPLAY names one");
     }
 
+    // Keys are heard as keys, and nothing is typed: an input method would keep an accent to itself until a letter
+    // follows.
+    setVariableForUsAlone("QT_IM_MODULE", "none");
     // A send to a peer that has hung up reports an error and is no reason to die.
     std::signal(SIGPIPE, SIG_IGN);
     state.fonts = std::async(std::launch::async, readFontConfiguration);

@@ -33,4 +33,19 @@ TEST_F(ChildEnvironment, ARootOfOursReplacesAnInheritedOne) {
     ::unsetenv("JOYVANE_ROOT");
 }
 
+TEST_F(ChildEnvironment, AVariableForUsAloneIsNotInherited) {
+    ::setenv("JOYVANE_TEST_FORMER", "former", 1);
+    ::unsetenv("JOYVANE_TEST_ABSENT");
+
+    host::setVariableForUsAlone("JOYVANE_TEST_FORMER", "ours");
+    host::setVariableForUsAlone("JOYVANE_TEST_ABSENT", "ours");
+
+    EXPECT_STREQ("ours", ::getenv("JOYVANE_TEST_FORMER"));
+    EXPECT_STREQ("ours", ::getenv("JOYVANE_TEST_ABSENT"));
+    const auto lines = report();
+    EXPECT_EQ((std::vector<std::string>{"environment JOYVANE_TEST_FORMER=former"}),
+              beginning(lines, "environment JOYVANE_TEST_FORMER="));
+    EXPECT_EQ((std::vector<std::string>{}), beginning(lines, "environment JOYVANE_TEST_ABSENT="));
+}
+
 } // namespace
