@@ -1,6 +1,7 @@
 // The brightness slider for keyboards and assistive technology.
 
 #include "colourpicker/ZKBrightnessSlider.h"
+#include "colourpicker/colour_bytes.h"
 #include "platform/foundation/NSString.h"
 
 #include <algorithm>
@@ -18,7 +19,7 @@ UIAccessibilityRole ZKBrightnessSlider::accessibilityRole() const { return UIAcc
 std::string ZKBrightnessSlider::accessibilityLabel() const { return "Brightness"; }
 
 std::string ZKBrightnessSlider::accessibilityValue() const {
-    return NSStringWithFormat("%ld percent", std::lround(doubleValue(m_brightness) * 100));
+    return NSStringWithFormat("%d percent", truncatedToInt(std::round(doubleValue(m_brightness) * 100)));
 }
 
 std::optional<UIAccessibilityRange> ZKBrightnessSlider::accessibilityRange() const {

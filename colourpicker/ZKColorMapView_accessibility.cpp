@@ -2,6 +2,7 @@
 
 #include "colourpicker/HSVColor.h"
 #include "colourpicker/ZKColorMapView.h"
+#include "colourpicker/colour_bytes.h"
 #include "platform/foundation/NSString.h"
 
 #include <algorithm>
@@ -20,8 +21,10 @@ std::string ZKColorMapView::accessibilityLabel() const { return "Hue and saturat
 std::string ZKColorMapView::accessibilityValue() const {
     HSVColor hsv;
     HSVColorFromUIColor(m_color, hsv);
-    return NSStringWithFormat("Hue %ld degrees, saturation %ld percent, brightness %ld percent",
-                              std::lround(hsv.h * 360), std::lround(hsv.s * 100), std::lround(hsv.v * 100));
+    // A field of one row gives a saturation that is no number: it is read as none.
+    const auto whole = [](double value) { return truncatedToInt(std::round(value)); };
+    return NSStringWithFormat("Hue %d degrees, saturation %d percent, brightness %d percent", whole(hsv.h * 360),
+                              whole(hsv.s * 100), whole(hsv.v * 100));
 }
 
 // A tap on the middle would choose the colour there, which nobody pointed at.

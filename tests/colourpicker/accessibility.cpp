@@ -184,6 +184,20 @@ TEST_F(PickerAccessibility, WithoutATrackOrAFieldThereIsNothingToStep) {
     EXPECT_FALSE(slider->accessibilitySetValue(50));
 }
 
+TEST_F(PickerAccessibility, WhatIsNoNumberIsReadAsNothing) {
+    const auto narrow = ZKBrightnessSlider::alloc()->init();
+    narrow->setColor(hsb(0.5, 1, 1));
+    window.show(narrow, {{0, 0}, {56, 31}});
+    ScriptedTap::on(narrow)->send(UIGestureRecognizerStateEnded, CGPoint{20, 15}); // a track without length: 0 / 0
+    EXPECT_EQ(narrow->accessibilityValue(), "0 percent");
+
+    const auto low = window.keep(ZKColorMapView::colorMapWithFrame_saturationUpperLimit({{0, 0}, {320, 20}}, 0.9));
+    low->setBrightness(1);
+    low->setTileSize(NSNumber::numberWithInt(16));
+    ScriptedTap::on(low)->send(UIGestureRecognizerStateEnded, CGPoint{160, 5}); // one row: 0 / 0
+    EXPECT_EQ(low->accessibilityValue(), "Hue 0 degrees, saturation 0 percent, brightness 100 percent");
+}
+
 TEST_F(PickerAccessibility, PressingWouldChooseTheMiddleAndSoDoesNothing) {
     EXPECT_FALSE(map->accessibilityActivate());
     EXPECT_FALSE(slider->accessibilityActivate());

@@ -9,6 +9,7 @@
 
 #include <cmath>
 #include <cstdint>
+#include <cstring>
 #include <limits>
 
 namespace {
@@ -20,6 +21,17 @@ HSVColor tripleOf(const std::shared_ptr<UIColor>& color) {
 }
 
 } // namespace
+
+TEST(HSVColor, IsThreeDoublesHueThenSaturationThenBrightness) {
+    HSVColor hsv;
+    HSVColorFromUIColor(hsb(0.25, 0.5, 0.75), hsv);
+    double fields[3];
+    static_assert(sizeof fields == sizeof hsv);
+    std::memcpy(fields, &hsv, sizeof fields);
+    EXPECT_EQ(fields[0], 0.25);
+    EXPECT_EQ(fields[1], 0.5);
+    EXPECT_EQ(fields[2], 0.75);
+}
 
 TEST(HSVColor, RedIsHueZeroAndFull) { EXPECT_EQ(tripleOf(rgb(1, 0, 0)), (HSVColor{0, 1, 1})); }
 
