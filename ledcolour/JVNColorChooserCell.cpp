@@ -35,3 +35,7 @@ void JVNColorChooserCell::setValue(const id& value) {
     setAccessoryView(m_colorMark);
     if (const auto& mark = accessoryView()) mark->setBackgroundColor(shownColor(value));
 }
+
+std::string JVNColorChooserCell::accessibilityValue() const {
+    return m_colorMark ? JVNStringColorForUIColor(m_colorMark->backgroundColor()) : std::string();
+}

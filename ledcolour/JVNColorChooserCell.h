@@ -18,6 +18,8 @@ class JVNColorChooserCell final : public PSTableCell {
 
     // A hex colour string; nil is the default colour.
     void setValue(const id& value) override;
+    // What the swatch shows, for those who do not see it.
+    std::string accessibilityValue() const override;
 
     const std::shared_ptr<UIView>& colorMark() const { return m_colorMark; }
     void setColorMark(std::shared_ptr<UIView> mark) { m_colorMark = std::move(mark); }

@@ -87,3 +87,14 @@ TEST_F(ColorChooserCell, IsMadeByNameAsTheFrameworkDoes) {
     ASSERT_TRUE(cell);
     expectColor(cell->accessoryView(), "abcdef");
 }
+
+TEST_F(ColorChooserCell, TellsItsColourToThoseWhoDoNotSeeIt) {
+    const auto cell = cellFor("12AB34");
+    EXPECT_EQ(cell->accessibilityValue(), "12ab34");
+    cell->setValue("ff0000");
+    EXPECT_EQ(cell->accessibilityValue(), "ff0000");
+    cell->setValue(nullptr);
+    EXPECT_EQ(cell->accessibilityValue(), "004efd");
+    cell->setColorMark(nullptr);
+    EXPECT_EQ(cell->accessibilityValue(), "");
+}
