@@ -1,0 +1,140 @@
+"""The sample page on desktops that differ.
+
+At whole and broken scales, given by the option and by the desktop: the same crisp picture, and clicks that hit what is
+drawn. And without a bus, or with one that dies, and without fonts.
+
+    desktops.py JOYVANE-SETTINGS SAMPLE.BUNDLE
+"""
+
+import itertools
+import os
+import plistlib
+import subprocess
+import sys
+import unittest
+
+from jv_e2e import App, Desktop, wait_for
+
+PROGRAM = ""
+BUNDLE = ""
+WIDTH, HEIGHT = 320, 640  # points; whole pixels at all scales
+
+
+DESKTOP = Desktop(size="1000x2000")
+
+
+def setUpModule():
+    DESKTOP.__enter__()
+    unittest.addModuleCleanup(DESKTOP.__exit__, None, None, None)
+
+
+class OnADesktop(unittest.TestCase):
+    desktop = DESKTOP
+
+    def start(self, name, *more, **environment):
+        self.root = self.desktop.path(name)
+        self.app = App(self.desktop, [PROGRAM, "--bundle", BUNDLE, "--root", self.root, "--size", f"{WIDTH}x{HEIGHT}", *more],
+                       environment=environment, errors=self.desktop.path(name + ".txt"))
+        return self.app
+
+    def stored(self, key):
+        try:
+            with open(os.path.join(self.root, "var/mobile/Library/Preferences/com.quorrel.sample.plist"), "rb") as file:
+                return plistlib.load(file).get(key)
+        except FileNotFoundError:
+            return None
+
+    def drawn(self, scale):
+        """The window's pixels once they stay the same: rows of RGB bytes."""
+        seen = []
+
+        def rests():
+            _, _, rows = self.desktop.screen()
+            seen.append([row[:3 * round(WIDTH * scale)] for row in rows[:round(HEIGHT * scale)]])
+            return len(seen) > 2 and seen[-1] == seen[-2] == seen[-3] and len({bytes(row) for row in seen[-1]}) > 20
+        wait_for("the picture to rest", rests)
+        return seen[-1]
+
+    def pixel(self, rows, x, y):
+        return bytes(rows[y][3 * x:3 * x + 3])
+
+
+class Scales(OnADesktop):
+    def check_crisp(self, rows, scale):
+        """Edges and lines fall on pixels: nothing is in between."""
+        row = self.app.find("list item", "Show Alert")
+        last = self.app.find("list item", "Controls")
+        unit = scale / (self.app.find("frame").extents[2] / WIDTH)  # pixels in one unit of what nodes say
+        top, height = row.extents[1] * unit, row.extents[3] * unit
+        bottom = (last.extents[1] + last.extents[3]) * unit
+        x = round((WIDTH - 24) * scale)
+        column = [self.pixel(rows, x, y) for y in range(round(top) + 2, round(bottom) - 2)]
+        runs = [(colour, len(list(group))) for colour, group in itertools.groupby(column)]
+        self.assertEqual(len({colour for colour, _ in runs}), 2, "a card and its lines have two colours")
+        self.assertEqual([length for _, length in runs[1::2]], [1] * 5, "a line is one pixel")
+
+        y = round(top + height / 2)
+        edge = round(16 * scale)
+        page, card = self.pixel(rows, 2, y), self.pixel(rows, x, y)
+        self.assertNotEqual(page, card)
+        self.assertEqual({self.pixel(rows, each, y) for each in range(edge)}, {page})
+        self.assertEqual({self.pixel(rows, each, y) for each in range(edge, edge + 10)}, {card})
+        return unit
+
+    def test_option_and_desktop_draw_the_same_and_clicks_hit(self):
+        for scale in (1, 1.25, 1.5, 2, 3):
+            pictures = []
+            for more, environment in (["--scale", str(scale)], {}), ([], {"QT_SCALE_FACTOR": str(scale)}):
+                with self.subTest(scale=scale, options=more):
+                    with self.start(f"{scale}{len(more)}", *more, **environment) as app:
+                        app.find("list item", "Show Alert")
+                        pictures.append(self.drawn(scale))
+                        unit = self.check_crisp(pictures[-1], scale)
+                        x, y, width, height = app.find("check box", "A switch").extents
+                        self.desktop.click((x + 2) * unit, (y + height / 2) * unit)
+                        wait_for("the switch in the file", lambda: self.stored("switch_on") is False)
+                        # The lowest pixels of a row are still its own.
+                        x, y, width, height = app.find("list item", "Toggle a Row").extents
+                        self.desktop.click((x + width / 2) * unit, (y + height) * unit - 2)
+                        app.find("list item", "A row that comes and goes")
+            self.assertTrue(pictures[0] == pictures[-1], f"at {scale} the two pictures differ")
+
+
+class PoorDesktops(OnADesktop):
+    """Without assistive technology to ask, the switch is where it always is."""
+
+    def check_works(self, app):
+        app.window
+        self.drawn(1)
+        self.desktop.click(WIDTH - 50, 110)
+        wait_for("the switch in the file", lambda: self.stored("switch_on") is False)
+        self.assertEqual(app.close(), 0)
+
+    def test_without_a_bus(self):
+        with self.start("busless", DBUS_SESSION_BUS_ADDRESS="unix:path=/nowhere/bus") as app:
+            self.check_works(app)
+
+    def test_with_a_bus_that_dies(self):
+        bus = subprocess.Popen(["dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address=1"], text=True,
+                               stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, env=self.desktop.environment)
+        with self.start("orphan", DBUS_SESSION_BUS_ADDRESS=bus.stdout.readline().strip()) as app:
+            app.window
+            self.drawn(1)
+            bus.kill()
+            bus.wait()
+            self.check_works(app)
+        bus.stdout.close()
+
+    def test_without_fonts(self):
+        configuration = self.desktop.path("fonts.conf")
+        with open(configuration, "w") as file:
+            file.write('<?xml version="1.0"?><fontconfig></fontconfig>\n')
+        with self.start("fontless", FONTCONFIG_FILE=configuration) as app:
+            app.find("list item", "Show Alert")
+            self.check_works(app)
+
+
+if __name__ == "__main__":
+    BUNDLE = sys.argv.pop(2)
+    PROGRAM = sys.argv.pop(1)
+    unittest.main(verbosity=2)
