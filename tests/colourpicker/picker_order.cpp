@@ -16,9 +16,9 @@ using Notes = std::vector<std::string>;
 class NotingMap final : public UIControl, public protocol::ZKColorMapView {
     NS_CLASS(NotingMap)
     std::shared_ptr<UIColor> color() override { return shown; }
-    void setColor(std::shared_ptr<UIColor>) override { notes->push_back("map colour"); }
+    void setColor(std::shared_ptr<UIColor>) override { notes->emplace_back("map colour"); }
     double brightness() const override { return 0; }
-    void setBrightness(double) override { notes->push_back("map brightness"); }
+    void setBrightness(double) override { notes->emplace_back("map brightness"); }
     CGSize intrinsicContentSize() const override {
         askedAt = frame();
         return {frame().size.width / 2, 200};
@@ -33,7 +33,7 @@ class NotingSlider final : public UIControl, public protocol::ZKBrightnessSlider
     NS_CLASS(NotingSlider)
     std::optional<NSNumber> brightness() const override { return bright; }
     std::shared_ptr<UIColor> color() override { return nullptr; }
-    void setColor(std::shared_ptr<UIColor>) override { notes->push_back("slider colour"); }
+    void setColor(std::shared_ptr<UIColor>) override { notes->emplace_back("slider colour"); }
     Notes* notes = nullptr;
     std::optional<NSNumber> bright;
 };
@@ -42,7 +42,7 @@ NS_CLASS_IMPLEMENTATION(NotingSlider, UIControl)
 class NotingInfo final : public UIView, public protocol::ZKColorInfoView {
     NS_CLASS(NotingInfo)
     std::shared_ptr<UIColor> color() override { return nullptr; }
-    void setColor(std::shared_ptr<UIColor>) override { notes->push_back("swatch colour"); }
+    void setColor(std::shared_ptr<UIColor>) override { notes->emplace_back("swatch colour"); }
     Notes* notes = nullptr;
 };
 NS_CLASS_IMPLEMENTATION(NotingInfo, UIView)
