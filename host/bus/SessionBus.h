@@ -43,6 +43,7 @@ public:
 
     // Connects at the first use. Never destroyed.
     static SessionBus& shared();
+    ~SessionBus() = delete;
 
     bool isConnected() const;
     // Gives up the connection, and all names, methods, signals and unfinished calls; the next use begins afresh. For
@@ -89,7 +90,6 @@ public:
 
 private:
     SessionBus();
-    ~SessionBus() = delete;
     std::unique_ptr<Implementation> m_implementation;
 };
 
