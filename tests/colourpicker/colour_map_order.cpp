@@ -145,6 +145,18 @@ TEST(ColorMapMaking, FrameThatIsNullDrawsNothing) {
     EXPECT_FALSE(map->colorMapLayer());
 }
 
+TEST(ColorMapMaking, FieldWithoutRowsHasNoPicture) {
+    PickerScene window;
+    const auto map = makeMap(window);
+    map->setTileSize(NSNumber::numberWithInt(16));
+    window.show(map, {{0, 0}, {320, 10}});
+    ASSERT_TRUE(window.waitForField(*map));
+    EXPECT_FALSE(map->colorMapLayer()->contents());
+    EXPECT_FALSE(map->colorMapBackgroundLayer()->contents());
+    EXPECT_EQ(map->colorMapLayer()->frame(), CGRectZero);
+    EXPECT_EQ(map->intrinsicContentSize(), (CGSize{320, 0}));
+}
+
 TEST(ColorMapMaking, FieldComesInWithTheBrightnessOfThatMoment) {
     PickerScene window;
     const auto map = makeMap(window);
