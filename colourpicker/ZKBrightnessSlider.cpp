@@ -68,6 +68,7 @@ CGRect ZKBrightnessSlider::alignmentRectForFrame(CGRect frame) const {
             {frame.size.width - insets.left - insets.right, frame.size.height - insets.top - insets.bottom}};
 }
 
+// By the numbers themselves, where the way there asks for the insets.
 CGRect ZKBrightnessSlider::frameForAlignmentRect(CGRect rect) const {
     return {{rect.origin.x - 20, rect.origin.y - 10}, {rect.size.width + 40, rect.size.height + 20}};
 }

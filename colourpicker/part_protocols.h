@@ -3,6 +3,7 @@
 #include "platform/foundation/NSNumber.h"
 
 #include <concepts>
+#include <cstddef>
 #include <memory>
 #include <optional>
 #include <utility>
