@@ -8,6 +8,10 @@
 class MFMailComposeViewController;
 class NSError;
 
+namespace host {
+class ComposeHeader;
+}
+
 enum class MFMailComposeResult { Cancelled = 0, Saved = 1, Sent = 2, Failed = 3 };
 
 class MFMailComposeViewControllerDelegate {
@@ -18,8 +22,8 @@ public:
                                                                  const std::shared_ptr<NSError>& error) = 0;
 };
 
-// A screen with a new message: recipient, subject, the body as it will look, Cancel and Send. Sending hands the message
-// to the user's mail program. The delegate dismisses it.
+// A screen with a new message: recipients and subject, both empty and the user's to fill in, the body as it will look,
+// Cancel and Send. Sending hands the message, unsent, to the user's mail program. The delegate dismisses the screen.
 class MFMailComposeViewController final : public UIViewController {
     NS_CLASS(MFMailComposeViewController)
 public:
@@ -35,7 +39,10 @@ public:
     void setMessageBody_isHTML(std::string body, bool isHTML);
 
     void loadView() override;
+    void viewDidAppear(bool animated) override;
     void viewDidLayoutSubviews() override;
+    // As Cancel does.
+    bool accessibilityPerformEscape() override;
 
 private:
     MFMailComposeViewController();
@@ -48,5 +55,8 @@ private:
     bool m_bodyIsHTML = false;
     bool m_finished = false;
     std::shared_ptr<UIView> m_bar;
+    std::shared_ptr<UIView> m_barLine;
+    std::shared_ptr<host::ComposeHeader> m_recipients;
+    std::shared_ptr<host::ComposeHeader> m_subject;
     std::shared_ptr<UIScrollView> m_message;
 };

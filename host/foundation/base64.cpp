@@ -1,5 +1,7 @@
 #include "host/foundation/base64.h"
 
+#include <algorithm>
+
 namespace {
 
 int sixBits(char c) {
@@ -41,4 +43,17 @@ std::optional<std::vector<std::uint8_t>> host::decodeBase64(std::string_view tex
     // Groups of four: what is left over of the last byte says how much padding fills the group; six bits are no byte.
     if (characters % 4 != 0 || padding != count / 2 || count == 6 || bits != 0) return std::nullopt;
     return bytes;
+}
+
+std::string host::encodeBase64(std::string_view bytes) {
+    static constexpr char digits[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    std::string text;
+    for (std::size_t i = 0; i < bytes.size(); i += 3) {
+        const std::size_t count = std::min<std::size_t>(3, bytes.size() - i);
+        std::uint32_t group = 0;
+        for (std::size_t k = 0; k < 3; ++k)
+            group = (group << 8) | (k < count ? static_cast<std::uint8_t>(bytes[i + k]) : 0u);
+        for (std::size_t k = 0; k < 4; ++k) text += k <= count ? digits[(group >> (18 - 6 * k)) & 63] : '=';
+    }
+    return text;
 }

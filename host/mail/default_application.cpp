@@ -81,6 +81,39 @@ std::string valueIn(const std::string& file, std::string_view group, std::string
     return {};
 }
 
+// Strings of desktop files have escapes of their own, before those of what they hold.
+std::string unescaped(const std::string& value) {
+    std::string text;
+    for (std::size_t i = 0; i < value.size(); ++i) {
+        if (value[i] != '\\' || i + 1 == value.size()) {
+            text += value[i];
+            continue;
+        }
+        switch (const char c = value[++i]) {
+        case 's':
+            text += ' ';
+            break;
+        case 'n':
+            text += '\n';
+            break;
+        case 't':
+            text += '\t';
+            break;
+        case 'r':
+            text += '\r';
+            break;
+        case '\\':
+            text += '\\';
+            break;
+        default: // none of a string's own: left for who reads the string
+            text += '\\';
+            text += c;
+            break;
+        }
+    }
+    return text;
+}
+
 std::string programOnPath(const std::string& program) {
     if (program.starts_with('/')) return ::access(program.c_str(), X_OK) == 0 ? program : "";
     for (const auto& folder : split(orDefault("PATH", "/usr/local/bin:/usr/bin:/bin"), ':'))
@@ -95,7 +128,10 @@ std::optional<DefaultApplication> applicationOf(const std::string& desktopFile) 
         const std::string file = folder + "/applications/" + desktopFile;
         const std::string exec = valueIn(file, "[Desktop Entry]", "Exec");
         if (exec.empty()) continue;
-        DefaultApplication application{valueIn(file, "[Desktop Entry]", "Name"), splitExecLine(exec)};
+        // A deleted one hides those of the same name below it; one that wants a terminal gets none from us.
+        if (valueIn(file, "[Desktop Entry]", "Hidden") == "true") return std::nullopt;
+        if (valueIn(file, "[Desktop Entry]", "Terminal") == "true") return std::nullopt;
+        DefaultApplication application{valueIn(file, "[Desktop Entry]", "Name"), splitExecLine(unescaped(exec))};
         if (application.command.empty()) continue;
         application.command[0] = programOnPath(application.command[0]);
         if (!application.command[0].empty()) return application;
@@ -139,19 +175,37 @@ std::optional<DefaultApplication> defaultApplication(const std::string& mediaTyp
     return std::nullopt;
 }
 
+std::vector<std::string> argumentsFor(const DefaultApplication& application, const std::string& fileOrAddress) {
+    std::vector<std::string> arguments;
+    bool isPlaced = false;
+    for (std::size_t i = 1; i < application.command.size(); ++i) {
+        const std::string& pattern = application.command[i];
+        std::string argument;
+        for (std::size_t k = 0; k < pattern.size(); ++k) {
+            if (pattern[k] != '%' || k + 1 == pattern.size()) {
+                argument += pattern[k];
+                continue;
+            }
+            const char code = pattern[++k];
+            if (code == 'u' || code == 'U' || code == 'f' || code == 'F') {
+                argument += fileOrAddress;
+                isPlaced = true;
+            } else if (code == 'c') {
+                argument += application.name;
+            } else if (code == '%') {
+                argument += '%';
+            } // the icon, the entry's own file and codes of former days stand for nothing
+        }
+        // An argument that was nothing but a code for nothing is no argument.
+        if (!argument.empty() || pattern.empty()) arguments.push_back(argument);
+    }
+    if (!isPlaced) arguments.push_back(fileOrAddress);
+    return arguments;
+}
+
 bool openWithApplication(const DefaultApplication& application, const std::string& fileOrAddress) {
     if (application.command.empty()) return false;
-    std::vector<std::string> arguments;
-    bool placed = false;
-    for (auto argument = application.command.begin() + 1; argument != application.command.end(); ++argument) {
-        if (*argument == "%u" || *argument == "%U" || *argument == "%f" || *argument == "%F") {
-            arguments.push_back(fileOrAddress);
-            placed = true;
-        } else if (!(argument->size() == 2 && (*argument)[0] == '%')) { // %i, %c, %k: icons and names nobody needs
-            arguments.push_back(*argument);
-        }
-    }
-    if (!placed) arguments.push_back(fileOrAddress);
+    const auto arguments = argumentsFor(application, fileOrAddress);
     auto child = spawn(application.command[0], arguments, childEnvironment(), std::chrono::milliseconds(20));
     if (child.identifier == 0) {
         NSLog("%s could not be started: %s", application.command[0].c_str(), std::strerror(child.error));

@@ -14,6 +14,10 @@ struct DefaultApplication {
 };
 std::optional<DefaultApplication> defaultApplication(const std::string& mediaType);
 
+// What the program is started with: the codes in its command replaced, also inside an argument; without a code for it
+// the file or address comes last.
+std::vector<std::string> argumentsFor(const DefaultApplication& application, const std::string& fileOrAddress);
+
 // Starts the program with the file or address in the place that its command gives it. Does not wait; false, and a
 // logged reason, when it could not be started. Main thread.
 bool openWithApplication(const DefaultApplication& application, const std::string& fileOrAddress);

@@ -3,6 +3,7 @@
 #include "host/uikit/view_internals.h"
 
 bool UIView::canBecomeFocused() const { return false; }
+void UIView::focusDidChange() {}
 std::shared_ptr<UIView> UIView::focusNeighbour(const UIView&, bool) { return nullptr; }
 UIAccessibilityRole UIView::accessibilityRole() const { return UIAccessibilityRole::None; }
 std::string UIView::accessibilityLabel() const { return m_view->accessibilityLabel; }
@@ -15,6 +16,9 @@ std::optional<UIAccessibilityRange> UIView::accessibilityRange() const { return 
 bool UIView::accessibilityActivate() { return false; }
 bool UIView::accessibilityStep(UIAccessibilityDirection, UIAccessibilityStep) { return false; }
 bool UIView::accessibilitySetValue(double) { return false; }
+std::optional<UIAccessibilityText> UIView::accessibilityText() const { return std::nullopt; }
+bool UIView::accessibilitySetText(const std::string&) { return false; }
+bool UIView::accessibilitySelectText(std::size_t, std::size_t) { return false; }
 void UIView::setAccessibilityLabel(std::string label) { m_view->accessibilityLabel = std::move(label); }
 bool UIView::accessibilityElementsHidden() const { return m_view->hidesElements; }
 void UIView::setAccessibilityElementsHidden(bool hidden) { m_view->hidesElements = hidden; }

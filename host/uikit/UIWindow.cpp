@@ -71,6 +71,7 @@ std::shared_ptr<UIView> UIWindow::focusedView() const {
 
 void UIWindow::setFocusedView(const std::shared_ptr<UIView>& view) {
     // The focus moves within what is in front; screens behind it, or away, keep theirs for when they come back.
+    const auto former = focusedView();
     const auto front = host::frontScope(*this);
     auto& focused = m_window->focused;
     std::erase_if(focused, [&](const auto& weak) {
@@ -78,6 +79,10 @@ void UIWindow::setFocusedView(const std::shared_ptr<UIView>& view) {
         return !view || !other || other == view || other->isDescendantOfView(front.get());
     });
     if (view) focused.push_back(view);
+    if (const auto now = focusedView(); now != former) {
+        if (former) former->focusDidChange();
+        if (now) now->focusDidChange();
+    }
     WindowInternals::requestFrame(*this);
 }
 

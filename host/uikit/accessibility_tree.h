@@ -36,7 +36,8 @@ struct AccessibilityNode {
     bool isOnScreen = true; // some of it can be seen
     std::optional<bool> isOn;
     std::optional<UIAccessibilityRange> range;
-    bool canPress = false; // as far as its kind goes; see canAct()
+    std::optional<UIAccessibilityText> text; // of a text field
+    bool canPress = false;                   // as far as its kind goes; see canAct()
 
     friend bool operator==(const AccessibilityNode&, const AccessibilityNode&) = default;
 };
@@ -50,6 +51,7 @@ enum class AccessibilityChange {
     State, // enabled, selected, on screen
     Extent,
     Focus, // this node has it now
+    Text,  // of a text field, its caret and selection too
 };
 
 // The nodes of a window: one for each visible view with a role, and the window itself as the root. While a modal view
@@ -80,6 +82,8 @@ public:
     bool press(AccessibilityIdentity identity);
     bool step(AccessibilityIdentity identity, UIAccessibilityDirection direction, UIAccessibilityStep step);
     bool setValue(AccessibilityIdentity identity, double value);
+    bool setText(AccessibilityIdentity identity, const std::string& text);
+    bool selectText(AccessibilityIdentity identity, std::size_t start, std::size_t end);
     bool focus(AccessibilityIdentity identity);
     bool escape(AccessibilityIdentity identity);
 

@@ -9,6 +9,7 @@
 #include "platform/dispatch.h"
 #include "platform/uikit/UIKeyEvent.h"
 #include "platform/uikit/UIScrollView.h"
+#include "platform/uikit/UITextField.h"
 #include "platform/uikit/UIViewController.h"
 
 #include <algorithm>
@@ -167,12 +168,17 @@ bool isTaken(UIWindow& window, const UIKeyEvent& event) {
 
 } // namespace
 
+std::shared_ptr<UITextField> fieldForText(const UIWindow& window) {
+    return frontTableWaits(window) ? nullptr : std::dynamic_pointer_cast<UITextField>(reachableFocus(window));
+}
+
 void handleKey(UIWindow& window, const UIKeyEvent& event) {
     const auto keep = window.shared_from_this();
     if (isTaken(window, event)) {
         WindowInternals::state(window).activationKey = 0;
         return;
     }
+    if (const auto field = fieldForText(window); field && event.isKeyDown() && field->takeKey(event)) return;
     const unsigned others = UIKeyEvent::Control | UIKeyEvent::Alt | UIKeyEvent::GUI;
     if (event.isKeyDown() && (event.modifiers() & others)) return; // the desktop's own shortcuts
     switch (event._keyCode()) {

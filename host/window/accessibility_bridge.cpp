@@ -105,6 +105,9 @@ void host::AccessibilityBridge::changed(AccessibilityIdentity identity, Accessib
         }
         tell(QAccessible::DescriptionChanged);
         break;
+    case AccessibilityChange::Text:
+        node->editableText().tell();
+        break;
     case AccessibilityChange::State:
         tellState(*node, now);
         break;

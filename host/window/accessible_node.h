@@ -3,6 +3,7 @@
 // One node of the accessibility tree as the toolkit, and through it the accessibility bus, wants it.
 
 #include "host/uikit/accessibility_tree.h"
+#include "host/window/accessible_text.h"
 
 #include <QAccessible>
 
@@ -20,6 +21,7 @@ public:
     AccessibleNode(AccessibilityBridge& bridge, AccessibilityIdentity identity);
     ~AccessibleNode() override;
 
+    AccessibleText& editableText() { return m_text; }
     // The bridge is going.
     void detach() { m_bridge = nullptr; }
     // The parent is what the tree says at its last update.
@@ -74,6 +76,8 @@ public:
     QString attributes(int, int* start, int* end) const override;
 
 private:
+    friend class AccessibleText;
+
     // As it is now, and once in each answer: asking again may take away what was given before. nullptr when there is
     // none.
     const AccessibilityNode* node() const;
@@ -85,6 +89,7 @@ private:
     AccessibilityIdentity m_identity;
     AccessibilityIdentity m_parent = 0;
     QString m_announcedText;
+    AccessibleText m_text{*this};
     bool m_isLeaving = false;
 };
 

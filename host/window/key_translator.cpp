@@ -3,6 +3,8 @@
 #include "host/window/hid_usage.h"
 #include "platform/uikit/UIKeyEvent.h"
 
+#include <cstdint>
+
 std::shared_ptr<UIKeyEvent> host::KeyTranslator::translate(const RawKeyEvent& event) {
     const long usage = hidUsageForScanCode(event.scanCode);
     if (usage == 0) return nullptr;
@@ -15,5 +17,14 @@ std::shared_ptr<UIKeyEvent> host::KeyTranslator::translate(const RawKeyEvent& ev
     } else if (m_held.erase(usage) == 0) {
         return nullptr;
     }
-    return UIKeyEvent::keyEvent(usage, event.isDown, /*isRepeat=*/event.isDown && wasHeld, event.modifiers);
+    return UIKeyEvent::keyEvent(usage, event.isDown, /*isRepeat=*/event.isDown && wasHeld, event.modifiers,
+                                typedText(event.characters, event.modifiers));
+}
+
+std::string host::typedText(const std::string& characters, unsigned modifiers) {
+    if (characters.empty()) return {};
+    const auto first = static_cast<std::uint8_t>(characters.front());
+    if (first >= 0x20 && first != 0x7F) return characters;
+    const bool isLetter = characters.size() == 1 && first >= 1 && first <= 26 && (modifiers & UIKeyEvent::Control);
+    return isLetter ? std::string(1, static_cast<char>('a' + first - 1)) : std::string();
 }

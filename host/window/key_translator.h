@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <set>
+#include <string>
 
 class UIKeyEvent;
 
@@ -12,9 +13,13 @@ namespace host {
 struct RawKeyEvent {
     unsigned scanCode = 0; // the window system's: the kernel's number of the key plus 8
     bool isDown = true;
-    bool isAutoRepeat = false; // the window system says so
-    unsigned modifiers = 0;    // UIKeyEvent's
+    bool isAutoRepeat = false;   // the window system says so
+    unsigned modifiers = 0;      // UIKeyEvent's
+    std::string characters = {}; // what the window system says it types, UTF-8
 };
+
+// What of a key's characters is text; with Control, window systems give a control character for a letter: the letter.
+std::string typedText(const std::string& characters, unsigned modifiers);
 
 class KeyTranslator {
 public:

@@ -6,6 +6,7 @@
 #include "platform/foundation/time.h"
 
 #include <QGuiApplication>
+#include <QInputMethodEvent>
 #include <QPainter>
 #include <QScreen>
 
@@ -93,6 +94,7 @@ void host::SurfaceWindow::makeFrame() {
         if (framePainted) framePainted(platform::CACurrentMediaTime() - start);
     }
     refreshTitle();
+    noteTextInput();
     if (m_scene->isAnimating()) m_pacer.request();
 }
 
@@ -162,6 +164,12 @@ bool host::SurfaceWindow::event(QEvent* event) {
     case QEvent::Close:
         event->ignore();
         if (closed) closed();
+        return true;
+    case QEvent::InputMethodQuery:
+        answerInputMethod(*static_cast<QInputMethodQueryEvent*>(event));
+        return true;
+    case QEvent::InputMethod:
+        typeText(static_cast<QInputMethodEvent*>(event)->commitString().toStdString());
         return true;
     case QEvent::WindowStateChange:
     case QEvent::Hide:

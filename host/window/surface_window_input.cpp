@@ -1,11 +1,17 @@
 // Where the toolkit's mouse, touch, wheel and key events become ours.
 
 #include "host/uikit/application.h"
+#include "host/uikit/keyboard.h"
 #include "host/uikit/window_scene.h"
+#include "host/window/hid_usage.h"
 #include "host/window/surface_window.h"
 #include "platform/foundation/time.h"
 #include "platform/uikit/UIKeyEvent.h"
+#include "platform/uikit/UITextField.h"
 
+#include <QGuiApplication>
+#include <QInputMethod>
+#include <QInputMethodEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QTouchEvent>
@@ -102,9 +108,34 @@ void host::SurfaceWindow::keyPressEvent(QKeyEvent* event) { deliverKey(*event, /
 void host::SurfaceWindow::keyReleaseEvent(QKeyEvent* event) { deliverKey(*event, /*isDown=*/false); }
 
 void host::SurfaceWindow::deliverKey(const QKeyEvent& event, bool isDown) {
-    if (const auto key =
-            m_keys.translate({event.nativeScanCode(), isDown, event.isAutoRepeat(), modifiers(event.modifiers())}))
-        sendKeyEvent(key);
+    const unsigned held = modifiers(event.modifiers());
+    const std::string characters = event.text().toStdString();
+    if (const auto key = m_keys.translate({event.nativeScanCode(), isDown, event.isAutoRepeat(), held, characters}))
+        return sendKeyEvent(key);
+    // What a program types for the user may come from no key at all.
+    if (isDown && hidUsageForScanCode(event.nativeScanCode()) == 0) typeText(typedText(characters, held));
+}
+
+void host::SurfaceWindow::typeText(const std::string& text) {
+    const auto field = m_scene ? fieldForText(*m_scene->window()) : nullptr;
+    if (field && !text.empty()) field->insertText(text);
+}
+
+// Dead keys, composing and input methods are at work only while there is a field for what they make.
+void host::SurfaceWindow::noteTextInput() {
+    const bool takesText = m_scene && fieldForText(*m_scene->window());
+    if (std::exchange(m_takesText, takesText) != takesText) QGuiApplication::inputMethod()->update(Qt::ImEnabled);
+}
+
+void host::SurfaceWindow::answerInputMethod(QInputMethodQueryEvent& query) const {
+    const auto field = m_scene ? fieldForText(*m_scene->window()) : nullptr;
+    query.setValue(Qt::ImEnabled, field != nullptr);
+    if (!field) return;
+    const CGRect extent = field->convertRect_toView(field->bounds(), nullptr);
+    const double unit = scale() / devicePixelRatio();
+    query.setValue(Qt::ImCursorRectangle, QRectF(extent.origin.x * unit, extent.origin.y * unit,
+                                                 extent.size.width * unit, extent.size.height * unit));
+    query.setValue(Qt::ImHints, int(Qt::ImhNoPredictiveText | Qt::ImhNoAutoUppercase));
 }
 
 void host::SurfaceWindow::focusOutEvent(QFocusEvent*) { m_keys.forgetHeldKeys(); }

@@ -1,10 +1,12 @@
 #include "host/window/toolkit.h"
 
 #include "host/process/child_environment.h"
+#include "host/uikit/pasteboard.h"
 #include "host/window/event_loop.h"
 #include "host/window/key_repeat.h"
 #include "platform/log.h"
 
+#include <QClipboard>
 #include <QGuiApplication>
 
 #include <csignal>
@@ -97,9 +99,9 @@ host::Toolkit::Toolkit(const ToolkitOptions& options) : m_state(std::make_unique
         options.noDisplay("neither DISPLAY nor WAYLAND_DISPLAY names one");
     }
 
-    // Keys are heard as keys, and nothing is typed: an input method would keep an accent to itself until a letter
-    // follows.
-    setVariableForUsAlone("QT_IM_MODULE", "none");
+    // Dead keys and the compose key make their letters in text fields; everywhere else keys are heard as keys. Input
+    // methods that are processes of their own stay away: one that hangs would keep us from starting.
+    setVariableForUsAlone("QT_IM_MODULE", "compose");
     // A send to a peer that has hung up reports an error and is no reason to die.
     std::signal(SIGPIPE, SIG_IGN);
     state.fonts = std::async(std::launch::async, readFontConfiguration);
@@ -111,6 +113,9 @@ host::Toolkit::Toolkit(const ToolkitOptions& options) : m_state(std::make_unique
     state.application = std::make_unique<QGuiApplication>(state.argumentCount, state.arguments);
     isStarting = false;
     askForPlainKeyRepeat();
+    setPasteboard(
+        {[] { return QGuiApplication::clipboard()->text().toStdString(); },
+         [](const std::string& text) { QGuiApplication::clipboard()->setText(QString::fromStdString(text)); }});
     state.loop = std::make_unique<EventLoop>();
 }
 
@@ -121,6 +126,7 @@ host::Toolkit::~Toolkit() {
         for (int& end : signalPipe) end = (close(end), -1);
     }
     m_state->loop.reset();
+    setPasteboard({});
     m_state->application.reset();
     qInstallMessageHandler(nullptr);
 }

@@ -132,6 +132,8 @@ public:
 
     // Keyboard focus and assistive technology. The defaults: no role, no focus.
     virtual bool canBecomeFocused() const;
+    // The view has the focus now, or has it no longer; by default nothing.
+    virtual void focusDidChange();
     // A container whose views come and go with scrolling names the view that the focus goes to from one inside it, and
     // makes and shows it first where it is off screen. nil: by the order of the tree, which leads out of the container
     // at its ends. The containers around the focused view are asked, the innermost first.
@@ -150,6 +152,10 @@ public:
     // Sliders and canvases; false when nothing moved.
     virtual bool accessibilityStep(UIAccessibilityDirection direction, UIAccessibilityStep step);
     virtual bool accessibilitySetValue(double value);
+    // Text fields.
+    virtual std::optional<UIAccessibilityText> accessibilityText() const;
+    virtual bool accessibilitySetText(const std::string& text);
+    virtual bool accessibilitySelectText(std::size_t start, std::size_t end);
     void setAccessibilityLabel(std::string label);
     // With it all that the view holds is nothing to assistive technology: a screen on its way out, say.
     bool accessibilityElementsHidden() const;

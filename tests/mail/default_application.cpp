@@ -104,6 +104,61 @@ TEST(ExecLine, IsSplitAtBlanksOutsideQuotes) {
                 ElementsAre("/opt/my mailer/run", "a \"b\"", ""));
 }
 
+TEST_F(DefaultApplication, DeletedEntryHidesTheSystemsOwn) {
+    addPrograms({"mailer"});
+    desktop.setDefault(mail, "mailer");
+    write(desktop.file("system-data/applications/mailer.desktop"),
+          "[Desktop Entry]\nName=System\nExec=" + desktop.programs() + "/mailer %u\n");
+    write(desktop.applications() + "/mailer.desktop", "[Desktop Entry]\nName=mailer\nExec=mailer\nHidden=true\n");
+
+    EXPECT_EQ(nameOf(mail), "none");
+}
+
+TEST_F(DefaultApplication, ProgramForATerminalDoesNotCount) {
+    const std::string program = desktop.addProgram("reader");
+    desktop.setDefault(mail, "reader");
+    write(desktop.applications() + "/reader.desktop",
+          "[Desktop Entry]\nName=reader\nExec=" + program + " %u\nTerminal=true\n");
+
+    EXPECT_EQ(nameOf(mail), "none");
+}
+
+TEST_F(DefaultApplication, EscapesOfTheFileComeBeforeThoseOfTheLine) {
+    desktop.addProgram("mailer");
+    desktop.setDefault(mail, "mailer");
+    write(desktop.applications() + "/mailer.desktop",
+          "[Desktop Entry]\nName=mailer\nExec=" + desktop.programs() + "/mailer \"a\\\\\\\\b\"\\s%u\n");
+
+    const auto application = host::defaultApplication(mail);
+
+    ASSERT_TRUE(application);
+    EXPECT_THAT(application->command, ElementsAre(desktop.programs() + "/mailer", "a\\b", "%u"));
+}
+
 TEST(ExecLine, UnclosedQuoteMakesItMalformed) { EXPECT_THAT(host::splitExecLine("mailer \"a b"), IsEmpty()); }
+
+std::vector<std::string> argumentsFor(std::vector<std::string> command) {
+    command.insert(command.begin(), "/usr/bin/mailer");
+    return host::argumentsFor({"The Mailer", std::move(command)}, "/tmp/a b.eml");
+}
+
+TEST(ExecArguments, CodeInsideALongerArgumentIsReplaced) {
+    EXPECT_THAT(argumentsFor({"--open=%u", "-x"}), ElementsAre("--open=/tmp/a b.eml", "-x"));
+    EXPECT_THAT(argumentsFor({"a%fb"}), ElementsAre("a/tmp/a b.emlb"));
+}
+
+TEST(ExecArguments, TwoPercentSignsAreOne) {
+    EXPECT_THAT(argumentsFor({"100%%", "%%u", "%u"}), ElementsAre("100%", "%u", "/tmp/a b.eml"));
+}
+
+TEST(ExecArguments, CodesForNothingGoAndTakeTheirArgumentWithThem) {
+    EXPECT_THAT(argumentsFor({"%i", "%k", "%m", "-t%k", "", "%U"}), ElementsAre("-t", "", "/tmp/a b.eml"));
+}
+
+TEST(ExecArguments, ProgramHearsItsName) {
+    EXPECT_THAT(argumentsFor({"-n", "%c", "%F"}), ElementsAre("-n", "The Mailer", "/tmp/a b.eml"));
+}
+
+TEST(ExecArguments, SignAtTheEndIsItself) { EXPECT_THAT(argumentsFor({"50%"}), ElementsAre("50%", "/tmp/a b.eml")); }
 
 } // namespace

@@ -10,6 +10,8 @@
 
 namespace {
 
+host::MailMessage message(std::string body) { return {"", "", std::move(body)}; }
+
 std::string bodyOf(const std::string& draft) { return draft.substr(draft.find("\r\n\r\n") + 4); }
 
 std::string contentsOf(const std::string& path) {
@@ -18,11 +20,19 @@ std::string contentsOf(const std::string& path) {
 }
 
 TEST(MailDraft, HasEmptyFieldsAndAnHTMLBody) {
-    const std::string draft = host::mailDraft("<p>a</p>");
+    const std::string draft = host::mailDraft(message("<p>a</p>"));
 
     EXPECT_EQ(draft, "X-Unsent: 1\r\nTo: \r\nSubject: \r\nMIME-Version: 1.0\r\n"
                      "Content-Type: text/html; charset=utf-8\r\nContent-Transfer-Encoding: base64\r\n\r\n"
                      "PHA+YTwvcD4=\r\n");
+}
+
+TEST(MailDraft, CarriesRecipientsAndSubject) {
+    const std::string draft = host::mailDraft({"a@b.example, Jörg <j@b.example>", "Hello", "x"});
+
+    EXPECT_NE(draft.find("\r\nTo: a@b.example, =?utf-8?B?SsO2cmc=?= <j@b.example>\r\nSubject: Hello\r\n"),
+              std::string::npos)
+        << draft;
 }
 
 TEST(MailDraft, BodyOfEveryLengthComesBack) {
@@ -30,7 +40,7 @@ TEST(MailDraft, BodyOfEveryLengthComesBack) {
         std::string body;
         for (std::size_t i = 0; i < length; ++i) body += static_cast<char>(i * 7 + length);
 
-        const auto decoded = host::decodeBase64(bodyOf(host::mailDraft(body)));
+        const auto decoded = host::decodeBase64(bodyOf(host::mailDraft(message(body))));
 
         ASSERT_TRUE(decoded) << length;
         EXPECT_EQ(std::string(decoded->begin(), decoded->end()), body) << length;
@@ -38,7 +48,7 @@ TEST(MailDraft, BodyOfEveryLengthComesBack) {
 }
 
 TEST(MailDraft, LinesOfTheBodyAreShort) {
-    std::istringstream lines(bodyOf(host::mailDraft(std::string(1000, 'x'))));
+    std::istringstream lines(bodyOf(host::mailDraft(message(std::string(1000, 'x')))));
     for (std::string line; std::getline(lines, line);) {
         ASSERT_TRUE(line.ends_with('\r'));
         EXPECT_LE(line.size() - 1, 76u);
@@ -48,19 +58,19 @@ TEST(MailDraft, LinesOfTheBodyAreShort) {
 TEST(MailDraft, IsSavedInTheUsersDataFolder) {
     const testing_support::FakeDesktop desktop;
 
-    const std::string file = host::saveMailDraft("<p>a</p>");
+    const std::string file = host::saveMailDraft(message("<p>a</p>"));
 
     EXPECT_EQ(file, desktop.dataHome() + "/joyvane/message.eml");
-    EXPECT_EQ(contentsOf(file), host::mailDraft("<p>a</p>"));
+    EXPECT_EQ(contentsOf(file), host::mailDraft(message("<p>a</p>")));
 }
 
 TEST(MailDraft, LaterDraftReplacesTheEarlierOne) {
     const testing_support::FakeDesktop desktop;
-    host::saveMailDraft("<p>a long one</p>");
+    host::saveMailDraft(message("<p>a long one</p>"));
 
-    const std::string file = host::saveMailDraft("b");
+    const std::string file = host::saveMailDraft(message("b"));
 
-    EXPECT_EQ(contentsOf(file), host::mailDraft("b"));
+    EXPECT_EQ(contentsOf(file), host::mailDraft(message("b")));
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(desktop.dataHome() + "/joyvane"), {}), 1);
 }
 
@@ -68,7 +78,7 @@ TEST(MailDraft, WithoutADataFolderItGoesUnderHome) {
     const testing_support::FakeDesktop desktop;
     ::unsetenv("XDG_DATA_HOME");
 
-    EXPECT_EQ(host::saveMailDraft("a"), desktop.file(".local/share/joyvane/message.eml"));
+    EXPECT_EQ(host::saveMailDraft(message("a")), desktop.file(".local/share/joyvane/message.eml"));
 }
 
 TEST(MailDraft, WhatCannotBeWrittenIsLogged) {
@@ -76,7 +86,7 @@ TEST(MailDraft, WhatCannotBeWrittenIsLogged) {
     const testing_support::LoggedLines log;
     std::ofstream(desktop.dataHome() + "/joyvane") << "a file where the folder should be";
 
-    EXPECT_EQ(host::saveMailDraft("a"), "");
+    EXPECT_EQ(host::saveMailDraft(message("a")), "");
 
     EXPECT_EQ(log.count("the message could not be handed over"), 1u);
 }

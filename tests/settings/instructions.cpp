@@ -46,6 +46,22 @@ protected:
         ASSERT_TRUE(app.tap("E-mail Pairing Instructions"));
         ASSERT_TRUE(app.navigation()->presentedViewController());
     }
+    // The message that the mail program was started with.
+    std::string handedOver() {
+        app.waitUntil([&] { return !desktop.argumentsOf("mailer").empty(); });
+        const auto arguments = desktop.argumentsOf("mailer");
+        if (arguments.size() != 1) return {};
+        std::ifstream file(arguments[0], std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+    std::string bodyOf(const std::string& draft) {
+        const auto body = host::decodeBase64(draft.substr(draft.find("\r\n\r\n") + 4));
+        return body ? std::string(body->begin(), body->end()) : std::string();
+    }
+    std::string shownIn(const std::string& field) {
+        const auto* const node = app.find(field);
+        return node && node->text ? node->text->text : "no field";
+    }
     bool isComposerGone() {
         return app.waitUntil([&] { return !app.navigation()->presentedViewController(); });
     }
@@ -96,7 +112,9 @@ TEST(InstructionsBody, PageAndDownloadAreOnOneSite) {
 TEST_F(Instructions, ComposerShowsTheBodyAndEmptyFields) {
     openComposer();
 
-    for (const char* text : {"New Message", "To:", "Subject:", "Pairing Your PS3 Controller", "Mac OS X:"})
+    EXPECT_EQ(shownIn("To"), "");
+    EXPECT_EQ(shownIn("Subject"), "");
+    for (const char* text : {"New Message", "Pairing Your PS3 Controller", "Mac OS X:"})
         EXPECT_TRUE(app.find(text)) << text;
     EXPECT_EQ(app.alert(), std::nullopt);
     EXPECT_THAT(desktop.argumentsOf("mailer"), IsEmpty());
@@ -108,18 +126,51 @@ TEST_F(Instructions, SendHandsTheMessageToTheMailProgramAndDismisses) {
     ASSERT_TRUE(app.tap("Send"));
 
     EXPECT_TRUE(isComposerGone());
-    ASSERT_TRUE(app.waitUntil([&] { return !desktop.argumentsOf("mailer").empty(); }));
-    const auto arguments = desktop.argumentsOf("mailer");
-    ASSERT_EQ(arguments.size(), 1u);
-    std::ifstream file(arguments[0], std::ios::binary);
-    const std::string draft(std::istreambuf_iterator<char>(file), {});
+    const std::string draft = handedOver();
     EXPECT_NE(draft.find("\r\nTo: \r\n"), std::string::npos);
     EXPECT_NE(draft.find("\r\nSubject: \r\n"), std::string::npos);
     EXPECT_NE(draft.find("\r\nContent-Type: text/html"), std::string::npos);
-    const auto body = host::decodeBase64(draft.substr(draft.find("\r\n\r\n") + 4));
-    ASSERT_TRUE(body);
-    EXPECT_EQ(std::string(body->begin(), body->end()), pairingInstructionsHTML);
+    EXPECT_EQ(bodyOf(draft), pairingInstructionsHTML);
     EXPECT_EQ(app.alert(), std::nullopt);
+}
+
+TEST_F(Instructions, TypedRecipientAndSubjectGoWithTheMessage) {
+    openComposer();
+    app.settle();
+
+    app.touches().type("ann@home.example"); // the first field has the focus from the start
+    ASSERT_TRUE(app.tap("Subject"));
+    app.touches().type("Grüße");
+    EXPECT_EQ(shownIn("To"), "ann@home.example");
+    EXPECT_EQ(shownIn("Subject"), "Grüße");
+    ASSERT_TRUE(app.tap("Send"));
+
+    EXPECT_TRUE(isComposerGone());
+    const std::string draft = handedOver();
+    EXPECT_NE(draft.find("\r\nTo: ann@home.example\r\nSubject: =?utf-8?B?R3LDvMOfZQ==?=\r\n"), std::string::npos)
+        << draft;
+    EXPECT_EQ(bodyOf(draft), pairingInstructionsHTML);
+}
+
+TEST_F(Instructions, FieldsKeepWhatWasTypedWhenTheWindowChanges) {
+    openComposer();
+    app.settle();
+    app.touches().type("ann@home.example");
+
+    app.scene().resize({800, 500}, 1);
+    app.settle();
+
+    EXPECT_EQ(shownIn("To"), "ann@home.example");
+}
+
+TEST_F(Instructions, EscapeCancels) {
+    openComposer();
+    app.settle();
+
+    app.touches().key(41);
+
+    EXPECT_TRUE(isComposerGone());
+    EXPECT_THAT(desktop.argumentsOf("mailer"), IsEmpty());
 }
 
 TEST_F(Instructions, CancelDismissesAndSendsNothing) {

@@ -18,6 +18,10 @@ std::string say(const std::shared_ptr<UIKeyEvent>& event) {
     return event->modifiers() ? text + " +" + std::to_string(event->modifiers()) : text;
 }
 
+std::string typed(const std::string& characters, unsigned modifiers = 0) {
+    return host::typedText(characters, modifiers);
+}
+
 class Keyboard {
 public:
     std::string press(unsigned code, unsigned modifiers = 0) { return event({code, true, false, modifiers}); }
@@ -89,6 +93,30 @@ TEST(KeyTranslator, KeysHeldWhenTheKeyboardGoesAreForgotten) {
 
     EXPECT_EQ("", keyboard.release(scanCodeOfA));
     EXPECT_EQ("", keyboard.repeat(scanCodeOfB));
+}
+
+TEST(TypedText, CharactersAreText) {
+    EXPECT_EQ("a", typed("a"));
+    EXPECT_EQ("é", typed("é"));
+    EXPECT_EQ(" ", typed(" "));
+    EXPECT_EQ("", typed(""));
+}
+
+TEST(TypedText, ControlCharactersAreNot) {
+    for (const char* key : {"\r", "\t", "\b", "\x1b", "\x7f"}) EXPECT_EQ("", typed(key));
+}
+
+TEST(TypedText, WithControlItIsTheLetterItself) {
+    EXPECT_EQ("a", typed("\x01", UIKeyEvent::Control));
+    EXPECT_EQ("v", typed("\x16", UIKeyEvent::Control));
+    EXPECT_EQ("", typed("\x01"));
+}
+
+TEST(KeyTranslator, PressSaysWhatItTypes) {
+    host::KeyTranslator translator;
+    const auto key = translator.translate({scanCodeOfA, true, false, 0, "q"});
+    ASSERT_TRUE(key);
+    EXPECT_EQ("q", key->characters());
 }
 
 } // namespace

@@ -1,0 +1,71 @@
+#include "host/mail/message_body.h"
+
+#include "host/tables/appearance.h"
+#include "platform/uikit/UILabel.h"
+
+#include <algorithm>
+
+namespace host {
+
+namespace {
+
+constexpr double bodySize = 15;
+constexpr double itemIndent = 28;
+constexpr double betweenItems = 4;
+constexpr double betweenBlocks = 14;
+
+std::shared_ptr<UILabel> blockLabel(const HTMLBlock& block) {
+    using Kind = HTMLBlock::Kind;
+    const auto font = block.kind == Kind::Heading      ? UIFont::boldSystemFontOfSize(22)
+                      : block.kind == Kind::Subheading ? UIFont::boldSystemFontOfSize(17)
+                                                       : UIFont::systemFontOfSize(bodySize);
+    const auto text = NSMutableAttributedString::alloc()->initWithString_attributes("", {});
+    for (const auto& run : block.runs)
+        text->appendAttributedString(*NSMutableAttributedString::alloc()->initWithString_attributes(
+            run.text, {font, run.isLink ? appearance::tintColor() : appearance::textColor()}));
+    const auto result = UILabel::alloc()->init();
+    result->setFont(font);
+    result->setAttributedText(text);
+    result->setNumberOfLines(0);
+    return result;
+}
+
+std::shared_ptr<UILabel> markerLabel(const std::string& marker) {
+    const auto label = UILabel::alloc()->init();
+    label->setFont(UIFont::systemFontOfSize(bodySize));
+    label->setTextColor(appearance::secondaryTextColor());
+    label->setTextAlignment(NSTextAlignmentRight);
+    label->setText(marker);
+    return label;
+}
+
+} // namespace
+
+double messageMargin(double width) { return std::max(appearance::sideMargin, (width - appearance::readableWidth) / 2); }
+
+double layOutMessage(UIView& view, const std::vector<HTMLBlock>& blocks, double width) {
+    const auto former = view.subviews();
+    for (const auto& subview : former) subview->removeFromSuperview();
+    const double left = messageMargin(width);
+    double y = 0;
+    for (const auto& block : blocks) {
+        const bool isItem = block.kind == HTMLBlock::Kind::ListItem;
+        const double indent = isItem ? itemIndent : 0;
+        const double available = std::max(1.0, width - 2 * left - indent);
+        y += isItem ? betweenItems : betweenBlocks;
+        const auto text = blockLabel(block);
+        const CGSize size = text->sizeThatFits(CGSizeMake(available, 1e6));
+        text->setFrame(CGRectMake(left + indent, y, available, size.height));
+        if (isItem) {
+            const auto marker = markerLabel(block.marker);
+            const double height = marker->sizeThatFits(CGSizeMake(indent, 1e6)).height;
+            marker->setFrame(CGRectMake(left, y, indent - 7, height));
+            view.addSubview(marker);
+        }
+        view.addSubview(text);
+        y += size.height;
+    }
+    return y + appearance::sideMargin;
+}
+
+} // namespace host
