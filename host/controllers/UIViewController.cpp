@@ -108,6 +108,8 @@ CGRect ControllerInternals::initialFrame() {
     return CGRectIsEmpty(screen) ? CGRectMake(0, 0, 320, 480) : screen;
 }
 
+CGSize& ControllerInternals::placedSize(UIViewController& controller) { return controller.m_controller->placedSize; }
+
 void ControllerInternals::setParent(UIViewController& controller, const std::shared_ptr<UIViewController>& parent) {
     controller.m_controller->parent = parent;
 }

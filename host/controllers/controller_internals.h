@@ -28,6 +28,7 @@ struct ControllerInternals {
     static bool isAppearing(const UIViewController& controller);
     // On the way, but not there yet.
     static bool isArriving(const UIViewController& controller);
+    static CGSize& placedSize(UIViewController& controller);
     // What this very controller presents; `presentedViewController` asks the containers around it too.
     static std::shared_ptr<UIViewController> ownPresented(const UIViewController& controller);
 };

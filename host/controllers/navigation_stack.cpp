@@ -2,8 +2,8 @@
 
 #include "host/controllers/navigation_bar_internals.h"
 #include "host/controllers/navigation_state.h"
+#include "host/controllers/screen_place.h"
 #include "host/tables/appearance.h"
-#include "platform/uikit/UIScrollView.h"
 
 #include <algorithm>
 #include <optional>
@@ -14,12 +14,6 @@ namespace {
 
 constexpr double slideDuration = 0.35;
 constexpr double parallax = 0.3; // how far the lower screen moves of the way that the upper one does
-
-// The scroll view that carries the screen, as a table does: itself, or the first view in it.
-std::shared_ptr<UIScrollView> carrier(const std::shared_ptr<UIView>& view) {
-    if (auto scroll = std::dynamic_pointer_cast<UIScrollView>(view)) return scroll;
-    return view->subviews().empty() ? nullptr : std::dynamic_pointer_cast<UIScrollView>(view->subviews().front());
-}
 
 } // namespace
 
@@ -38,10 +32,8 @@ void UINavigationController::State::settle(bool animated) {
 }
 
 void UINavigationController::State::prepare(UIViewController& screen) const {
-    const auto& view = screen.view();
-    view->setAutoresizingMask(UIViewAutoresizingFlexibleWidth | UIViewAutoresizingFlexibleHeight);
-    view->setFrame(area->bounds());
-    if (const auto scroll = carrier(view)) {
+    placeScreen(screen, area->bounds().size, bar->bounds().size.height);
+    if (const auto scroll = screenCarrier(screen)) {
         UIEdgeInsets inset = scroll->contentInset();
         inset.top = bar->bounds().size.height;
         scroll->setContentInset(inset);
@@ -115,6 +107,7 @@ void UINavigationController::State::layOut() {
         // Screens on the move know only the old size.
         if (transition) transition->finish();
         area->setFrame(bounds);
+        if (shown) placeScreen(*shown, bounds.size, bar->bounds().size.height);
     }
     bar->setFrame(CGRectMake(0, 0, bounds.size.width, appearance::barHeight));
 }

@@ -7,7 +7,8 @@
 #include <vector>
 
 // A stack of screens under one bar; screens lie below the bar's lower edge in the picture, but their views reach from
-// the top of the window (a table insets its content).
+// the top of the window (a table insets its content). A screen that does not scroll gets a phone's shape in the middle
+// of the window when it is first shown, and keeps that size: it is zoomed when the window changes.
 class UINavigationController : public UIViewController {
     NS_CLASS(UINavigationController)
 public:

@@ -217,7 +217,9 @@ TEST_F(Navigation, ResizeDuringAMovementEndsItInThePlaceWanted) {
     scene.resize({1024, 768}, 1);
     touches.settle();
 
-    EXPECT_EQ(written(b->view()->frame()), "0,0 1024x768");
+    EXPECT_EQ(written(b->view()->bounds()), "0,0 320x480");
+    EXPECT_NEAR(b->view()->center().x, 512, 0.5);
+    EXPECT_NEAR(CGRectGetMaxY(b->view()->frame()), 768, 1e-9);
     EXPECT_EQ(written(navigation->navigationBar()->frame()), "0,0 1024x44");
     EXPECT_EQ(stack(), "ab");
 }

@@ -94,9 +94,17 @@ TEST_F(PickerScreen, PickerFillsTheViewBelowTheBar) {
     EXPECT_EQ(picker().autoresizingMask(), 18u);
     EXPECT_EQ(picker().superview(), screen->view());
 
-    window.scene.resize({400, 600}, 2);
-    window.finger.settle();
+    screen->view()->setFrame({{0, 0}, {400, 600}});
     EXPECT_EQ(picker().frame(), (CGRect{{0, 44}, {400, 556}}));
+}
+
+// Its field is drawn once: what a larger picker would show beside it is nothing that anybody should see.
+TEST_F(PickerScreen, IsZoomedWithTheWindow) {
+    push();
+    window.scene.resize({640, 916}, 2);
+    window.finger.settle();
+    EXPECT_EQ(picker().frame(), (CGRect{{0, 44}, {320, 436}}));
+    EXPECT_EQ(picker().convertRect_toView(picker().bounds(), nullptr), (CGRect{{0, 44}, {640, 872}}));
 }
 
 TEST_F(PickerScreen, WithoutANavigationBarPickerFillsTheView) {
