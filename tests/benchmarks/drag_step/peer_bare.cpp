@@ -22,13 +22,23 @@ public:
 
 protected:
     void exposeEvent(QExposeEvent*) override { paint(QRect(0, 0, 375, 623)); }
+    // The picker's cursor stands in the middle of its tile. In the same tile only what is drawn by code is drawn again:
+    // the swatch, and the cursor's own square; else the large cursor's places before and after, the slider's bar and
+    // the small cursor's disc on it, too.
     void mouseMoveEvent(QMouseEvent* event) override {
         if (!m_repaints) return;
-        const QPoint now = event->position().toPoint();
-        const QRegion cursors =
-            QRegion(QRect(m_last - QPoint(23, 23), QSize(46, 46))) | QRect(now - QPoint(23, 23), QSize(46, 46));
-        m_last = now;
-        paint(cursors | QRect(8, 13, 66, 84) | QRect(63, 54, 312, 31));
+        constexpr int tile = 16;
+        const QPoint field(0, 111);
+        const QPoint at = (event->position().toPoint() - field) / tile * tile + field;
+        const QPoint middle(tile / 2, tile / 2);
+        const QRect swatch(8, 13, 66, 85);
+        if (at == m_last) {
+            paint(QRegion(QRect(at + middle - QPoint(14, 14), QSize(28, 28))) | swatch);
+            return;
+        }
+        const auto cursor = [&](QPoint place) { return QRect(place + middle - QPoint(23, 23), QSize(46, 46)); };
+        paint(QRegion(cursor(m_last)) | cursor(at) | swatch | QRect(83, 68, 283, 12) | QRect(85, 65, 18, 18));
+        m_last = at;
     }
 
 private:
