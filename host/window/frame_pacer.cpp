@@ -1,5 +1,7 @@
 #include "host/window/frame_pacer.h"
 
+#include <QAbstractEventDispatcher>
+
 #include <algorithm>
 #include <chrono>
 #include <cmath>
@@ -14,12 +16,22 @@ host::FramePacer::FramePacer(std::function<void()> frameIsDue) : m_frameIsDue(st
     m_timer.setSingleShot(true);
     m_timer.setTimerType(Qt::PreciseTimer);
     QObject::connect(&m_timer, &QTimer::timeout, [this] { m_frameIsDue(); });
+    // Before the loop sleeps, rather than in a turn of its own after that.
+    if (auto* const loop = QAbstractEventDispatcher::instance())
+        QObject::connect(loop, &QAbstractEventDispatcher::aboutToBlock, &m_timer, [this] { runIfDue(); });
+}
+
+double host::FramePacer::wait() const { return m_lastFrame + m_interval - now(); }
+
+void host::FramePacer::runIfDue() {
+    if (!m_timer.isActive() || wait() > 0) return;
+    m_timer.stop();
+    m_frameIsDue();
 }
 
 void host::FramePacer::request() {
     if (m_timer.isActive()) return;
-    const double wait = m_lastFrame + m_interval - now();
-    m_timer.start(static_cast<int>(std::lround(std::clamp(wait, 0.0, m_interval) * 1000)));
+    m_timer.start(static_cast<int>(std::lround(std::clamp(wait(), 0.0, m_interval) * 1000)));
 }
 
 void host::FramePacer::cancel() { m_timer.stop(); }

@@ -1,6 +1,7 @@
 #pragma once
 
-// Says when the next frame is due: at once when the last one is long ago, else one refresh of the screen after it.
+// Says when the next frame is due: when the last one is long ago, as soon as the events that wait are delivered, else
+// one refresh of the screen after it.
 
 #include <QTimer>
 
@@ -21,6 +22,9 @@ public:
     void setRefreshRate(double hertz);
 
 private:
+    double wait() const; // seconds; 0 and less: none
+    void runIfDue();
+
     std::function<void()> m_frameIsDue;
     QTimer m_timer;
     double m_interval = 1.0 / 60; // seconds
