@@ -1,5 +1,6 @@
 #include "host/quartz/fonts.h"
 
+#include "platform/dispatch.h"
 #include "platform/uikit/UIScreen.h"
 
 #include <QFontDatabase>
@@ -10,6 +11,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <map>
+#include <tuple>
 
 namespace host {
 
@@ -17,6 +20,7 @@ namespace {
 
 // Has every letter and nearly every key symbol; its fixed-pitch face has the rest.
 const char* const dependableFamily = "DejaVu Sans";
+constexpr std::size_t mostKeptFonts = 64;
 
 // One family: with several named the toolkit would look for all that may stand in for them as soon as it loads a face.
 // So it does that when a text has a symbol which the family lacks.
@@ -92,9 +96,18 @@ FontMetrics metricsOfSystemFont(bool bold) {
     return heavy;
 }
 
+// A font that was used before knows its face already; a new one has to look for it.
 QFont toolkitFont(const UIFont& font, double scale) {
     const QString* const family = systemFamily();
-    return family ? sizedFont(*family, font.isBold(), font.pointSize() * scale, scale) : QFont();
+    if (!family) return {};
+    const auto make = [&] { return sizedFont(*family, font.isBold(), font.pointSize() * scale, scale); };
+    if (!dispatch_is_main_thread()) return make();
+    static auto& kept = *new std::map<std::tuple<double, bool, double>, QFont>; // never destroyed, like the text cache
+    const std::tuple key(font.pointSize(), font.isBold(), scale);
+    const auto found = kept.find(key);
+    if (found != kept.end()) return found->second;
+    if (kept.size() >= mostKeptFonts) kept.clear();
+    return kept.emplace(key, make()).first->second;
 }
 
 } // namespace host
