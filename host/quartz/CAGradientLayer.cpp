@@ -3,6 +3,8 @@
 #include "host/quartz/layer_internals.h"
 #include "host/quartz/repaint.h"
 
+#include <algorithm>
+
 NS_CLASS_IMPLEMENTATION(CAGradientLayer, CALayer)
 
 CAGradientLayer::CAGradientLayer() { LayerInternals::state(*this).gradient = this; }
@@ -12,8 +14,9 @@ std::shared_ptr<CAGradientLayer> CAGradientLayer::init() { return self(this); }
 std::shared_ptr<CAGradientLayer> CAGradientLayer::initWithLayer(const std::shared_ptr<CALayer>&) { return self(this); }
 
 void CAGradientLayer::setColors(std::vector<CGColorRef> colors) {
+    const bool changes = !std::ranges::equal(m_colors, colors, host::isSameColor);
     m_colors = std::move(colors);
-    host::reportRepaint(*this, host::Reach::Layer);
+    if (changes) host::reportRepaint(*this, host::Reach::Layer);
 }
 
 void CAGradientLayer::setStartPoint(CGPoint point) {

@@ -21,8 +21,11 @@ template <class T> bool isMoving(LayerInternals::State& state, T LayerValues::*f
     return state.animations && runningAnimation(state, field) != state.animations->running.end();
 }
 
+template <class T> bool isSame(const T& a, const T& b) { return a == b; }
+bool isSame(const CGColorRef& a, const CGColorRef& b) { return isSameColor(a, b); }
+
 template <class T> bool changes(LayerInternals::State& state, T LayerValues::*field, const T& value) {
-    return !(state.model.*field == value) || isMoving(state, field);
+    return !isSame(state.model.*field, value) || isMoving(state, field);
 }
 
 template <class T> void endMovement(LayerInternals::State& state, T LayerValues::*field) {

@@ -18,6 +18,9 @@ struct LayerValues {
     CGColorRef backgroundColor;
 };
 
+// They look the same.
+inline bool isSameColor(const CGColorRef& a, const CGColorRef& b) { return a == b || (a && b && *a == *b); }
+
 // From the layer's own coordinates to its superlayer's.
 inline CGAffineTransform transformToSuperlayer(const LayerValues& values) {
     const CGAffineTransform t = CATransform3DGetAffineTransform(values.transform);

@@ -3,6 +3,7 @@
 #include "host/quartz/text.h"
 #include "platform/uikit/UIImage.h"
 
+#include <algorithm>
 #include <limits>
 #include <utility>
 
@@ -23,6 +24,17 @@ host::TextAlignment hostAlignment(NSTextAlignment alignment) {
         break;
     }
     return host::TextAlignment::Left;
+}
+
+bool isSameColor(const std::shared_ptr<UIColor>& a, const std::shared_ptr<UIColor>& b) {
+    return a == b || (a && b && *a->CGColor() == *b->CGColor());
+}
+
+bool looksTheSame(const NSAttributedString& a, const NSAttributedString& b) {
+    return std::ranges::equal(a.runs(), b.runs(), [](const auto& x, const auto& y) {
+        return x.text == y.text && x.attributes.font == y.attributes.font &&
+               isSameColor(x.attributes.foregroundColor, y.attributes.foregroundColor);
+    });
 }
 
 } // namespace
@@ -56,9 +68,10 @@ void UILabel::setText(std::string text) {
 const std::shared_ptr<NSAttributedString>& UILabel::attributedText() const { return m_attributedText; }
 
 void UILabel::setAttributedText(std::shared_ptr<NSAttributedString> text) {
+    const bool changes = !m_attributedText || !text || !looksTheSame(*m_attributedText, *text);
     m_text = text ? text->string() : std::string();
     m_attributedText = std::move(text);
-    textChanged();
+    if (changes) textChanged();
 }
 
 const std::shared_ptr<UIFont>& UILabel::font() const { return m_font; }

@@ -47,6 +47,25 @@ TEST(LayerRepaint, UnchangedValueRepaintsNothing) {
     EXPECT_TRUE(root.host.repaints.empty());
 }
 
+TEST(LayerRepaint, AnotherColourThatLooksTheSameRepaintsNothing) {
+    HostedRoot root;
+    const auto layer = root.add({{0, 0}, {10, 10}}, test::rgb(1, 0, 0));
+    layer->setBorderColor(test::rgb(0, 0, 1, 0.5));
+    const auto gradient = CAGradientLayer::alloc()->init();
+    gradient->setFrame({{0, 0}, {10, 10}});
+    gradient->setColors({test::rgb(1, 0, 0), nullptr});
+    root.layer->addSublayer(gradient);
+    root.host.repaints.clear();
+    layer->setBackgroundColor(test::rgb(1, 0, 0));
+    layer->setBorderColor(test::rgb(0, 0, 1, 0.5));
+    gradient->setColors({test::rgb(1, 0, 0), nullptr});
+    EXPECT_TRUE(root.host.repaints.empty());
+    layer->setBorderColor(test::rgb(0, 0, 1, 0.25));
+    EXPECT_EQ(root.host.repaints.size(), 2U); // where it was, and where it is
+    gradient->setColors({test::rgb(1, 0, 0), test::rgb(1, 0, 0)});
+    EXPECT_EQ(root.host.repaints.size(), 3U);
+}
+
 TEST(LayerRepaint, MoveTakesWhatStandsInTheLayerAlong) {
     HostedRoot root;
     const auto layer = root.add({{10, 10}, {10, 10}});

@@ -30,6 +30,21 @@ TEST_F(Labels, NewTextRepaintsTheLabelAlone) {
     EXPECT_EQ(damage(), "10,10 200x30;");
 }
 
+TEST_F(Labels, OtherAttributedTextThatLooksTheSameRepaintsNothing) {
+    const auto text = [](double gray) {
+        return NSMutableAttributedString::alloc()->initWithString_attributes(
+            "45", {UIFont::systemFontOfSize(14), UIColor::colorWithWhite_alpha(gray, 1)});
+    };
+    label->setAttributedText(text(0.5));
+    EXPECT_EQ(damage(), "10,10 200x30;");
+
+    label->setAttributedText(text(0.5));
+    EXPECT_EQ(damage(), "");
+
+    label->setAttributedText(text(0.25));
+    EXPECT_EQ(damage(), "10,10 200x30;");
+}
+
 TEST_F(Labels, EitherKindOfTextReplacesTheOther) {
     const auto rich = NSAttributedString::alloc()->initWithString_attributes("45", {});
     label->setAttributedText(rich);
