@@ -1,5 +1,6 @@
 #include "host/quartz/context.h"
 #include "host/quartz/painting.h"
+#include "host/quartz/path_coverage.h"
 #include "host/quartz/snapping.h"
 
 #include <QPainter>
@@ -119,7 +120,14 @@ void CGContextFillPath(CGContextRef context, const CGPath& path) {
     const auto& state = context->state();
     const auto color = host::toolkitColor(*state.fillColor, state.alpha);
     if (!color || !host::isFinite(state.toPixels)) return;
-    if (QPainter* const painter = context->canvas().painter())
+    host::Canvas& canvas = context->canvas();
+    if (!state.clip.shape) {
+        if (const auto covered = host::convexPathCoverage(path, state.toPixels, canvas.clip().rect)) {
+            canvas.fillCovered(*covered->runs, covered->x, covered->y, *state.fillColor, state.alpha);
+            return;
+        }
+    }
+    if (QPainter* const painter = canvas.painter())
         painter->fillPath(host::toolkitTransform(state.toPixels).map(host::painterPath(path)), *color);
 }
 

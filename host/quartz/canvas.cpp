@@ -111,6 +111,26 @@ void Canvas::fillRect(double left, double top, double right, double bottom, cons
                     .paint(m_target, {column.from, row.from, column.to, row.to});
 }
 
+void Canvas::fillCovered(std::span<const CoveredRun> runs, int dx, int dy, const CGColor& color, double alpha) {
+    if (beginWriting()) SolidSource(color, alpha).paint(m_target, runs, dx, dy, m_clip.rect);
+}
+
+void Canvas::drawCovered(std::span<const CoveredRun> runs, int dx, int dy, PixelRows& source) {
+    if (!beginWriting()) return;
+    for (const CoveredRun& each : runs)
+        if (const CoveredRun run = each.translated(dx, dy, m_clip.rect); run.count > 0)
+            blendRow(m_target.row(run.y) + run.x, source.at(run.x, run.y), static_cast<std::size_t>(run.count),
+                     static_cast<double>(run.coverage) / CoveredRun::whole);
+}
+
+void Canvas::drawRows(const PixelRect& rect, PixelRows& source) {
+    const PixelRect visible = rect.intersected(m_clip.rect);
+    if (visible.isEmpty() || !beginWriting()) return;
+    for (int y = visible.top; y < visible.bottom; ++y)
+        blendRow(m_target.row(y) + visible.left, source.at(visible.left, y), static_cast<std::size_t>(visible.width()),
+                 1);
+}
+
 void Canvas::drawPixels(const std::uint32_t* pixels, int width, int height, int left, int top, double alpha) {
     if (m_clip.shape) {
         if (QPainter* const painter = this->painter()) {
@@ -197,6 +217,16 @@ QPainterPath painterPath(const CGPath& path) {
             break;
         }
     }
+    return result;
+}
+
+QPainterPath painterPath(const Outline& outline) {
+    QPolygonF polygon;
+    for (const CGPoint& corner : outline) polygon << QPointF(corner.x, corner.y);
+    QPainterPath result;
+    result.setFillRule(Qt::WindingFill);
+    result.addPolygon(polygon);
+    result.closeSubpath();
     return result;
 }
 

@@ -3,6 +3,7 @@
 // Pixels to draw into, in device pixels: rectangles by plain loops, everything else by the toolkit's painter, which is
 // started only when it is needed. A canvas belongs to the thread that draws in it.
 
+#include "host/quartz/outline.h"
 #include "host/quartz/pixels.h"
 #include "platform/quartz/CGAffineTransform.h"
 #include "platform/quartz/CGImage.h"
@@ -10,6 +11,7 @@
 
 #include <memory>
 #include <optional>
+#include <span>
 
 class QImage;
 class QPainter;
@@ -18,6 +20,7 @@ class QPainterPath;
 namespace host {
 
 QPainterPath painterPath(const CGPath& path);
+QPainterPath painterPath(const Outline& outline);
 
 class Canvas {
 public:
@@ -41,6 +44,10 @@ public:
     void fillPixels(const PixelRect& rect, const CGColor& color, double alpha = 1);
     // Edges between pixels are anti-aliased.
     void fillRect(double left, double top, double right, double bottom, const CGColor& color, double alpha = 1);
+    // Runs that stand at (dx, dy). A clipping shape does not count here.
+    void fillCovered(std::span<const CoveredRun> runs, int dx, int dy, const CGColor& color, double alpha);
+    void drawCovered(std::span<const CoveredRun> runs, int dx, int dy, PixelRows& source);
+    void drawRows(const PixelRect& rect, PixelRows& source);
     void drawPixels(const std::uint32_t* pixels, int width, int height, int left, int top, double alpha);
     // `toPixels` places the unit square of the image.
     void drawImage(const CGImage& image, const CGAffineTransform& toPixels, double alpha);

@@ -4,12 +4,8 @@
 #include "host/quartz/layer_internals.h"
 #include "host/quartz/layer_shape.h"
 
-#include <QBrush>
-#include <QImage>
-#include <QPainter>
 #include <QPainterPath>
 
-#include <cmath>
 #include <vector>
 
 namespace host {
@@ -34,13 +30,17 @@ private:
 };
 
 // Transparent pixels that stand for a place on the canvas.
-struct ApartCanvas {
+struct ApartCanvas final : PixelRows {
     explicit ApartCanvas(const PixelRect& where)
         : place(where), pixels(static_cast<std::size_t>(where.width()) * static_cast<std::size_t>(where.height())),
           canvas({pixels.data(), where.width(), where.height(), where.width() * std::ptrdiff_t{4}}) {}
 
     CGAffineTransform moved(const CGAffineTransform& toPixels) const {
         return CGAffineTransformConcat(toPixels, CGAffineTransformMakeTranslation(-place.left, -place.top));
+    }
+
+    const std::uint32_t* at(int x, int y) override {
+        return pixels.data() + std::ptrdiff_t{y - place.top} * place.width() + (x - place.left);
     }
 
     PixelRect place;
@@ -79,13 +79,6 @@ bool needsGroup(const CALayer& layer) {
     const int parts = int{paints(values.backgroundColor)} + int{state.contents != nullptr} +
                       int{state.gradient != nullptr} + int{hasBorder(values)};
     return parts > 1;
-}
-
-bool isClearOfCorners(const LayerShape& shape, const PixelRect& rect) {
-    const double r = shape.radius();
-    const bool clearOfSides = rect.left >= shape.left() + r && rect.right <= shape.right() - r;
-    const bool clearOfEnds = rect.top >= shape.top() + r && rect.bottom <= shape.bottom() - r;
-    return shape.isUpright() && (clearOfSides || clearOfEnds);
 }
 
 // What the layer and all in it may touch.
@@ -157,24 +150,16 @@ void LayerPainter::paintContent(CALayer& layer, const LayerShape& shape, double 
     paintSublayers(layer, shape);
 }
 
-// Only the strips that hold the corners take the way round through pixels of their own.
+// Only the pixels at the corners take the way round through pixels of their own.
 void LayerPainter::paintRounded(CALayer& layer, const LayerShape& shape) {
     const ClipScope clip(m_canvas);
     const auto outer = m_canvas.clip();
-    const PixelRect seen = outer.rect.intersected(shape.extent());
-    const int corner = static_cast<int>(std::ceil(shape.radius())) + 1;
-    int top = std::clamp(shape.extent().top + corner, seen.top, std::max(seen.top, seen.bottom));
-    int bottom = std::clamp(shape.extent().bottom - corner, top, std::max(top, seen.bottom));
-    if (!shape.isUpright()) top = bottom = seen.bottom;
-    for (const PixelRect& strip :
-         {PixelRect{seen.left, seen.top, seen.right, top}, PixelRect{seen.left, top, seen.right, bottom},
-          PixelRect{seen.left, bottom, seen.right, seen.bottom}}) {
-        if (strip.isEmpty()) continue;
-        m_canvas.setClip({strip, outer.shape});
-        if (isClearOfCorners(shape, strip))
-            paintContent(layer, shape, 1);
-        else
+    for (const auto& [pixels, isSoft] : shape.patches(outer.rect)) {
+        m_canvas.setClip({pixels.intersected(outer.rect), outer.shape});
+        if (isSoft)
             paintMasked(layer, shape);
+        else
+            paintContent(layer, shape, 1);
     }
 }
 
@@ -183,13 +168,7 @@ void LayerPainter::paintMasked(CALayer& layer, const LayerShape& shape) {
     ApartCanvas apart(m_canvas.clip().rect);
     if (const auto moved = LayerShape::make(values, apart.moved(shape.toPixels())))
         LayerPainter(apart.canvas).paintContent(layer, moved->withSquareCorners(), 1);
-    QPainter* const painter = m_canvas.painter();
-    if (!painter) return;
-    const QImage image(reinterpret_cast<const uchar*>(apart.pixels.data()), apart.place.width(), apart.place.height(),
-                       apart.place.width() * 4, QImage::Format_ARGB32_Premultiplied);
-    QBrush brush(image);
-    brush.setTransform(QTransform::fromTranslate(apart.place.left, apart.place.top));
-    painter->fillPath(shape.outline(insetUnderBorder(shape, values)), brush);
+    shape.drawInside(m_canvas, apart, insetUnderBorder(shape, values));
 }
 
 // Into pixels of its own first: opacity then holds for all of it at once.
@@ -211,7 +190,7 @@ void LayerPainter::paintSublayers(CALayer& layer, const LayerShape& shape) {
             m_canvas.setClip({m_canvas.clip().rect.intersected(shape.pixels()), m_canvas.clip().shape});
         } else {
             const auto& outer = m_canvas.clip().shape;
-            const QPainterPath outline = shape.outline();
+            const QPainterPath outline = painterPath(shape.outline());
             m_canvas.setClip({m_canvas.clip().rect.intersected(shape.extent()),
                               std::make_shared<const QPainterPath>(outer ? outer->intersected(outline) : outline)});
         }

@@ -1,13 +1,18 @@
 #include "host/quartz/layer_shape.h"
 
+#include "host/quartz/coverage.h"
+#include "host/quartz/gradient_rows.h"
 #include "host/quartz/painting.h"
+#include "host/quartz/rounded_coverage.h"
 #include "host/quartz/snapping.h"
 #include "platform/quartz/CAGradientLayer.h"
 
-#include <QLinearGradient>
+#include <QBrush>
+#include <QImage>
 #include <QPainter>
 #include <QPainterPath>
 
+#include <array>
 #include <cmath>
 
 namespace host {
@@ -29,6 +34,41 @@ void snap(double& from, double& to) {
         from = pixelEdgeBelow(from);
         to = from + 1;
     }
+}
+
+// Ways round, for a clip that the plain loops do not know.
+void fillByPainter(Canvas& canvas, const QPainterPath& path, const CGColor& color, double alpha) {
+    const auto ink = toolkitColor(color, alpha);
+    if (!ink) return;
+    if (QPainter* const painter = canvas.painter()) painter->fillPath(path, *ink);
+}
+
+void drawByPainter(Canvas& canvas, const QPainterPath& path, const PixelRect& rect, PixelRows& rows) {
+    QPainter* const painter = canvas.painter();
+    if (!painter) return;
+    QImage picture(rect.width(), rect.height(), QImage::Format_ARGB32_Premultiplied);
+    for (int y = rect.top; y < rect.bottom; ++y)
+        std::copy_n(rows.at(rect.left, y), rect.width(),
+                    reinterpret_cast<std::uint32_t*>(picture.scanLine(y - rect.top)));
+    QBrush brush(picture);
+    brush.setTransform(QTransform::fromTranslate(rect.left, rect.top));
+    painter->save();
+    painter->setClipRect(rect.left, rect.top, rect.width(), rect.height(), Qt::IntersectClip);
+    painter->fillPath(path, brush);
+    painter->restore();
+}
+
+// What a border of that width covers of a rectangle.
+std::array<PixelRect, 4> bars(const PixelRect& outer, double width) {
+    const int wide = static_cast<int>(std::min<double>(width, std::min(outer.width(), outer.height())));
+    const int top = std::min(outer.top + wide, outer.bottom);
+    const int bottom = std::max(outer.bottom - wide, top);
+    const int left = std::min(outer.left + wide, outer.right);
+    const int right = std::max(outer.right - wide, left);
+    return {{{outer.left, outer.top, outer.right, top},
+             {outer.left, bottom, outer.right, outer.bottom},
+             {outer.left, top, left, bottom},
+             {right, top, outer.right, bottom}}};
 }
 
 } // namespace
@@ -71,39 +111,92 @@ std::optional<LayerShape> LayerShape::make(const LayerValues& values, const CGAf
 }
 
 PixelRect LayerShape::pixels() const {
-    return {wholePixel(std::floor(m_left)), wholePixel(std::floor(m_top)), wholePixel(std::ceil(m_right)),
-            wholePixel(std::ceil(m_bottom))};
+    if (!m_upright) return m_extent;
+    return {wholePixel(pixelEdgeBelow(m_left)), wholePixel(pixelEdgeBelow(m_top)), wholePixel(pixelEdgeAbove(m_right)),
+            wholePixel(pixelEdgeAbove(m_bottom))};
 }
 
-QPainterPath LayerShape::outline(double inset) const {
-    QPainterPath path;
-    if (m_upright) {
-        const QRectF rect(QPointF(m_left + inset, m_top + inset), QPointF(m_right - inset, m_bottom - inset));
-        if (rect.width() <= 0 || rect.height() <= 0) return path;
-        const double radius = std::max(m_radius - inset, 0.0);
-        if (radius > 0)
-            path.addRoundedRect(rect, radius, radius);
-        else
-            path.addRect(rect);
-        return path;
+Outline LayerShape::outline(double inset) const {
+    if (m_upright)
+        return roundedOutline(m_left + inset, m_top + inset, m_right - inset, m_bottom - inset, m_radius - inset);
+    if (!(m_pixelsPerPoint > 0)) return {};
+    // Rounded in pixels, so that chords are short enough there, then turned.
+    const CGRect bounds =
+        CGRectApplyAffineTransform(m_bounds, CGAffineTransformMakeScale(m_pixelsPerPoint, m_pixelsPerPoint));
+    return transformed(
+        roundedOutline(CGRectGetMinX(bounds) + inset, CGRectGetMinY(bounds) + inset, CGRectGetMaxX(bounds) - inset,
+                       CGRectGetMaxY(bounds) - inset, m_radius - inset),
+        CGAffineTransformConcat(CGAffineTransformMakeScale(1 / m_pixelsPerPoint, 1 / m_pixelsPerPoint), m_toPixels));
+}
+
+std::vector<LayerShape::Patch> LayerShape::patches(const PixelRect& clip, double corner) const {
+    std::vector<Patch> result;
+    const auto add = [&](const PixelRect& pixels, bool isSoft) {
+        if (!pixels.isEmpty() && !pixels.intersected(clip).isEmpty()) result.push_back({pixels, isSoft});
+    };
+    const PixelRect all = pixels();
+    const bool standsOnPixels =
+        isOnPixelEdge(m_left) && isOnPixelEdge(m_top) && isOnPixelEdge(m_right) && isOnPixelEdge(m_bottom);
+    const int size = wholePixel(std::ceil(corner));
+    if (!m_upright || !standsOnPixels || 2 * size >= all.width()) {
+        add(all, !isPlainRect());
+        return result;
     }
-    const double points = m_pixelsPerPoint > 0 ? inset / m_pixelsPerPoint : 0;
-    const CGRect bounds = CGRectInset(m_bounds, points, points);
-    if (CGRectIsEmpty(bounds)) return path;
-    const double radius = m_pixelsPerPoint > 0 ? std::max(m_radius / m_pixelsPerPoint - points, 0.0) : 0;
-    path.addRoundedRect(QRectF(bounds.origin.x, bounds.origin.y, bounds.size.width, bounds.size.height), radius,
-                        radius);
-    return toolkitTransform(m_toPixels).map(path);
+    // The corners one by one; what is between those of a side, and between the sides, is covered.
+    const int top = std::min(all.top + size, all.bottom);
+    const int bottom = std::max(all.bottom - size, top);
+    const auto addSide = [&](int from, int to) {
+        add({all.left, from, all.left + size, to}, true);
+        add({all.left + size, from, all.right - size, to}, false);
+        add({all.right - size, from, all.right, to}, true);
+    };
+    addSide(all.top, top);
+    add({all.left, top, all.right, bottom}, false);
+    addSide(bottom, all.bottom);
+    return result;
 }
 
+// What of a soft patch the shape covers; the runs stand at `x` and `y`.
+struct LayerShape::Soft {
+    CoveredRuns runs;
+    int x = 0;
+    int y = 0;
+};
+
+LayerShape::Soft LayerShape::soft(const PixelRect& patch, const PixelRect& clip, double inset, double frame) const {
+    constexpr int mostKeptPixels = 200; // wide or high
+    if (m_upright && patch.width() <= mostKeptPixels && patch.height() <= mostKeptPixels)
+        return {roundedCoverage({m_left, m_top, m_right, m_bottom, m_radius, inset, frame}, patch), patch.left,
+                patch.top};
+    Coverage coverage(patch.intersected(clip));
+    coverage.add(outline(inset));
+    if (frame > 0) {
+        Outline inside = outline(frame);
+        std::reverse(inside.begin(), inside.end());
+        coverage.add(inside);
+    }
+    return {coverage.runs(), 0, 0};
+}
+
+// The straight part of an edge under an opaque border is filled whole, whatever the inset: the border hides it.
 void LayerShape::fill(Canvas& canvas, const CGColor& color, double alpha, double inset) const {
     if (isPlainRect()) {
         canvas.fillPixels(pixels(), color, alpha);
         return;
     }
-    const auto ink = toolkitColor(color, alpha);
-    if (!ink) return;
-    if (QPainter* const painter = canvas.painter()) painter->fillPath(outline(inset), *ink);
+    const auto& clip = canvas.clip();
+    if (clip.shape) {
+        fillByPainter(canvas, painterPath(outline(inset)), color, alpha);
+        return;
+    }
+    for (const auto& [patch, isSoft] : patches(clip.rect)) {
+        if (isSoft) {
+            const Soft edge = soft(patch, clip.rect, inset, 0);
+            canvas.fillCovered(*edge.runs, edge.x, edge.y, color, alpha);
+        } else {
+            canvas.fillPixels(patch, color, alpha);
+        }
+    }
 }
 
 LayerShape LayerShape::withSquareCorners() const {
@@ -118,45 +211,54 @@ double LayerShape::borderPixels(double width) const {
 
 void LayerShape::strokeInside(Canvas& canvas, const CGColor& color, double width, double alpha) const {
     const double pixelsWide = borderPixels(width);
-    if (isPlainRect()) {
-        const PixelRect outer = pixels();
-        const int wide = static_cast<int>(std::min<double>(pixelsWide, std::min(outer.width(), outer.height())));
-        const int top = std::min(outer.top + wide, outer.bottom);
-        const int bottom = std::max(outer.bottom - wide, top);
-        const int left = std::min(outer.left + wide, outer.right);
-        const int right = std::max(outer.right - wide, left);
-        canvas.fillPixels({outer.left, outer.top, outer.right, top}, color, alpha);
-        canvas.fillPixels({outer.left, bottom, outer.right, outer.bottom}, color, alpha);
-        canvas.fillPixels({outer.left, top, left, bottom}, color, alpha);
-        canvas.fillPixels({right, top, outer.right, bottom}, color, alpha);
+    if (m_upright && m_radius <= 0) {
+        for (const PixelRect& bar : bars(pixels(), pixelsWide)) canvas.fillPixels(bar, color, alpha);
         return;
     }
-    const auto ink = toolkitColor(color, alpha);
-    if (!ink) return;
-    QPainter* const painter = canvas.painter();
-    if (!painter) return;
-    QPainterPath ring = outline();
-    ring.addPath(outline(pixelsWide));
-    ring.setFillRule(Qt::OddEvenFill);
-    painter->fillPath(ring, *ink);
+    const auto& clip = canvas.clip();
+    if (clip.shape) {
+        QPainterPath ring = painterPath(outline());
+        ring.addPath(painterPath(outline(pixelsWide)));
+        ring.setFillRule(Qt::OddEvenFill);
+        fillByPainter(canvas, ring, color, alpha);
+        return;
+    }
+    for (const auto& [patch, isSoft] : patches(clip.rect, std::max(m_radius, pixelsWide))) {
+        if (isSoft) {
+            const Soft edge = soft(patch, clip.rect, 0, pixelsWide);
+            canvas.fillCovered(*edge.runs, edge.x, edge.y, color, alpha);
+        } else {
+            for (const PixelRect& bar : bars(pixels(), pixelsWide))
+                canvas.fillPixels(bar.intersected(patch), color, alpha);
+        }
+    }
 }
 
 void LayerShape::fillGradient(Canvas& canvas, const CAGradientLayer& layer, double alpha, double inset) const {
     const auto& colors = layer.colors();
-    if (colors.empty() || m_extent.isEmpty()) return;
+    const PixelRect seen = pixels().intersected(canvas.clip().rect);
+    if (colors.empty() || seen.isEmpty()) return;
     const auto place = [this](CGPoint fraction) {
-        const CGPoint point{m_bounds.origin.x + fraction.x * m_bounds.size.width,
-                            m_bounds.origin.y + fraction.y * m_bounds.size.height};
-        const CGPoint pixel = CGPointApplyAffineTransform(point, m_snappedToPixels);
-        return QPointF(pixel.x, pixel.y);
+        return CGPointApplyAffineTransform({m_bounds.origin.x + fraction.x * m_bounds.size.width,
+                                            m_bounds.origin.y + fraction.y * m_bounds.size.height},
+                                           m_snappedToPixels);
     };
-    QLinearGradient gradient(place(layer.startPoint()), place(layer.endPoint()));
-    for (std::size_t i = 0; i < colors.size(); ++i) {
-        const double at = colors.size() > 1 ? static_cast<double>(i) / static_cast<double>(colors.size() - 1) : 0;
-        const auto ink = colors[i] ? toolkitColor(*colors[i], alpha) : std::nullopt;
-        gradient.setColorAt(at, ink ? *ink : QColor(Qt::transparent));
+    GradientRows rows(place(layer.startPoint()), place(layer.endPoint()), colors, alpha, seen);
+    drawInside(canvas, rows, isPlainRect() ? 0 : inset);
+}
+
+void LayerShape::drawInside(Canvas& canvas, PixelRows& rows, double inset) const {
+    const auto& clip = canvas.clip();
+    for (const auto& [patch, isSoft] : patches(clip.rect)) {
+        if (clip.shape) {
+            drawByPainter(canvas, painterPath(outline(inset)), patch.intersected(clip.rect), rows);
+        } else if (isSoft) {
+            const Soft edge = soft(patch, clip.rect, inset, 0);
+            canvas.drawCovered(*edge.runs, edge.x, edge.y, rows);
+        } else {
+            canvas.drawRows(patch, rows);
+        }
     }
-    if (QPainter* const painter = canvas.painter()) painter->fillPath(outline(isPlainRect() ? 0 : inset), gradient);
 }
 
 } // namespace host

@@ -6,6 +6,7 @@
 #include "host/quartz/layer_values.h"
 
 #include <optional>
+#include <vector>
 
 class CAGradientLayer;
 
@@ -30,7 +31,7 @@ public:
     double right() const { return m_right; }
     double bottom() const { return m_bottom; }
     double radius() const { return m_radius; } // in pixels
-    // A plain rectangle's pixels; those that hold all of any other upright shape.
+    // A plain rectangle's pixels; those that hold all of any other shape.
     PixelRect pixels() const;
 
     LayerShape withSquareCorners() const;
@@ -42,10 +43,25 @@ public:
     // Inside the bounds.
     void strokeInside(Canvas& canvas, const CGColor& color, double width, double alpha) const;
     void fillGradient(Canvas& canvas, const CAGradientLayer& gradient, double alpha, double inset) const;
+    // What of the rows' pixels lies inside the outline, shrunk by so many pixels.
+    void drawInside(Canvas& canvas, PixelRows& rows, double inset) const;
     // The outline, shrunk by so many pixels.
-    QPainterPath outline(double inset = 0) const;
+    Outline outline(double inset = 0) const;
+
+    // The shape's pixels, as far as they meet `clip`, cut into those that hold a soft edge and those that the shape
+    // covers.
+    struct Patch {
+        PixelRect pixels;
+        bool isSoft = false;
+    };
+    std::vector<Patch> patches(const PixelRect& clip) const { return patches(clip, m_radius); }
 
 private:
+    struct Soft;
+    Soft soft(const PixelRect& patch, const PixelRect& clip, double inset, double frame) const;
+    // Corners are so large.
+    std::vector<Patch> patches(const PixelRect& clip, double corner) const;
+
     CGAffineTransform m_toPixels;
     CGAffineTransform m_snappedToPixels;
     CGRect m_bounds;

@@ -17,6 +17,8 @@ namespace {
 
 double unit(double component) { return std::clamp(component, 0.0, 1.0); }
 
+constexpr std::uint32_t halfStep = 1U << 23; // where a step has 24 bits of fraction
+
 // All rows in one call: tiles are narrow.
 JOYVANE_WIDE_LOOP void fill(const PixelTarget& target, const PixelRect& rect, std::uint32_t word) {
     const auto width = static_cast<std::size_t>(rect.width());
@@ -27,6 +29,15 @@ JOYVANE_WIDE_LOOP void fill(const PixelTarget& target, const PixelRect& rect, st
 }
 
 // 24 bits of fraction: 255 of them and the rounding still fit a word.
+inline std::uint32_t laidOver(std::uint32_t below, std::uint32_t keep, const std::uint32_t* add) {
+    const std::uint32_t b = (below & 255) * keep + add[0];
+    const std::uint32_t g = ((below >> 8) & 255) * keep + add[1];
+    const std::uint32_t r = ((below >> 16) & 255) * keep + add[2];
+    const std::uint32_t a = (below >> 24) * keep + add[3];
+    return (a & 0xff000000U) | ((r >> 8) & 0xff0000U) | ((g >> 16) & 0xff00U) | (b >> 24);
+}
+
+// The same for many.
 JOYVANE_WIDE_LOOP void layOver(std::uint32_t* pixels, std::size_t count, std::uint32_t keep, const std::uint32_t* add) {
     const std::uint32_t blue = add[0], green = add[1], red = add[2], alpha = add[3];
     for (std::size_t x = 0; x < count; ++x) {
@@ -65,7 +76,7 @@ SolidSource::SolidSource(const CGColor& color, double coverage) {
     m_keep = static_cast<std::uint32_t>(std::lround((1 - alpha) * one));
     const double components[] = {unit(color.blue), unit(color.green), unit(color.red), 1};
     for (int i = 0; i < 4; ++i) {
-        m_add[i] = static_cast<std::uint32_t>(std::llround(components[i] * alpha * 255 * one)) + (1U << 23);
+        m_add[i] = static_cast<std::uint32_t>(std::llround(components[i] * alpha * 255 * one)) + halfStep;
         m_word |= (m_add[i] >> 24) << (8 * i);
     }
 }
@@ -78,6 +89,32 @@ void SolidSource::paint(const PixelTarget& target, const PixelRect& rect) const 
     }
     for (int y = rect.top; y < rect.bottom; ++y)
         layOver(target.row(y) + rect.left, static_cast<std::size_t>(rect.width()), m_keep, m_add);
+}
+
+void SolidSource::paint(const PixelTarget& target, std::span<const CoveredRun> runs, int dx, int dy,
+                        const PixelRect& clip) const {
+    if (paintsNothing()) return;
+    for (const CoveredRun& each : runs) {
+        const CoveredRun run = each.translated(dx, dy, clip);
+        if (run.count <= 0) continue;
+        std::uint32_t* const pixels = target.row(run.y) + run.x;
+        const auto count = static_cast<std::size_t>(run.count);
+        if (run.coverage == CoveredRun::whole && m_keep == 0) {
+            std::fill_n(pixels, count, m_word);
+            continue;
+        }
+        const auto weakened = [coverage = std::uint64_t{run.coverage}](std::uint32_t value) {
+            return static_cast<std::uint32_t>(value * coverage >> 16);
+        };
+        const std::uint32_t keep = oneInKeep - weakened(oneInKeep - m_keep);
+        std::uint32_t add[4];
+        for (int i = 0; i < 4; ++i) add[i] = weakened(m_add[i] - halfStep) + halfStep;
+        // Edges are single pixels, not worth a call.
+        if (count == 1)
+            *pixels = laidOver(*pixels, keep, add);
+        else
+            layOver(pixels, count, keep, add);
+    }
 }
 
 void blendRow(std::uint32_t* pixels, const std::uint32_t* source, std::size_t count, double opacity) {

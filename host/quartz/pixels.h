@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 
 namespace host {
 
@@ -44,6 +45,24 @@ struct PixelRect {
     friend bool operator==(const PixelRect&, const PixelRect&) = default;
 };
 
+// A stretch of pixels in one row, all covered alike.
+struct CoveredRun {
+    static constexpr std::uint32_t whole = 1U << 16;
+
+    int x = 0;
+    int y = 0;
+    int count = 0;
+    std::uint32_t coverage = 0; // of `whole`
+
+    // In place, of what lies in `clip`; empty when nothing does.
+    CoveredRun translated(int dx, int dy, const PixelRect& clip) const {
+        const int left = std::max(x + dx, clip.left);
+        const int right = std::min(x + dx + count, clip.right);
+        const bool isSeen = y + dy >= clip.top && y + dy < clip.bottom;
+        return {left, y + dy, isSeen ? right - left : 0, coverage};
+    }
+};
+
 // One colour, made ready to be laid over pixels.
 class SolidSource {
 public:
@@ -52,6 +71,9 @@ public:
 
     bool paintsNothing() const { return m_keep == oneInKeep; }
     void paint(const PixelTarget& target, const PixelRect& rect) const;
+    // The runs moved by (dx, dy), as far as they lie in `clip`.
+    void paint(const PixelTarget& target, std::span<const CoveredRun> runs, int dx, int dy,
+               const PixelRect& clip) const;
 
 private:
     static constexpr std::uint32_t oneInKeep = 1U << 24;
@@ -59,6 +81,14 @@ private:
     std::uint32_t m_keep = oneInKeep; // what is kept of the pixel below
     std::uint32_t m_add[4] = {};      // blue, green, red, alpha, with the rounding
     std::uint32_t m_word = 0;         // the colour alone
+};
+
+// Pixels that are made or kept somewhere, to be laid over others.
+class PixelRows {
+public:
+    virtual ~PixelRows() = default;
+    // Those of row `y` from column `x` on.
+    virtual const std::uint32_t* at(int x, int y) = 0;
 };
 
 // Lays `source` (premultiplied), weakened by `opacity` from 0 to 1, over the pixels.

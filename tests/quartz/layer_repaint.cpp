@@ -207,7 +207,9 @@ TEST(LayerRepaint, WhatIsDrawnStaysInsideWhatIsReported) {
         const test::ScreenScale screen(scale);
         HostedRoot root;
         for (int i = 0; i < 200; ++i) {
-            const double x = 20 + i * 0.137, y = 20 + i * 0.071, w = 0.05 + i * 0.11, h = 0.05 + i * 0.09;
+            const double x = 20 + i * 0.137, y = 20 + i * 0.071, w = 0.05 + i * 0.11;
+            // Some are discs.
+            const double h = i % 6 == 3 ? w : 0.06 + i * 0.09;
             root.host.repaints.clear();
             const auto layer = test::layerWithFrame({{x, y}, {w, h}}, test::rgb(1, 0, 0));
             layer->setCornerRadius(i % 3 == 0 ? w : 0);
