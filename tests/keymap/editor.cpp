@@ -303,15 +303,6 @@ TEST_F(KeymapEditor, TheEndOfAnEditorHeldElsewhereEmptiesTheReference) {
     EXPECT_FALSE(JVNKeymapViewController::activeKeymapController());
 }
 
-TEST_F(KeymapEditor, CarriesSixtyFiveThousandKeys) {
-    const auto keymap = NSDictionary::dictionary();
-    for (int i = 0; i < 65536; ++i) keymap->setObject_forKey(integer(i % 21 + 1), std::to_string(i + 1000));
-    openOver({{"JVNKeyboardKeymapKey", keymap}});
-    EXPECT_EQ(editor->keymap()->count(), 65536u);
-    app.goBack();
-    EXPECT_EQ(app.preference("JVNKeyboardKeymapKey").object<NSDictionary>()->count(), 65536u);
-}
-
 TEST_F(KeymapEditor, IsHeardAfterTheApplicationsOwnHandler) {
     // Escape would take the screen away; with no row armed it does, and the editor changes nothing.
     open();
