@@ -11,6 +11,8 @@
 
 #include <cstring>
 #include <fstream>
+#include <sys/socket.h>
+#include <sys/time.h>
 
 namespace {
 
@@ -198,6 +200,20 @@ TEST_F(Exchange, RestartDaemonsSendsTwentyBytesThatCarryNothingElse) {
                                [](int descriptor) { daemonlink::restartDaemons(descriptor); });
 
     EXPECT_EQ(bytes, "03 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00");
+}
+
+TEST_F(Exchange, TheTimeoutIsAsManyWholeSecondsAsAreAsked) {
+    bytesOf([](DaemonPeer& peer) { peer.readToEnd(); },
+            [](int descriptor) {
+                for (const long seconds : {daemonlink::queryReplySeconds, daemonlink::connectReplySeconds}) {
+                    EXPECT_TRUE(daemonlink::setReplyTimeout(descriptor, seconds));
+                    ::timeval set{};
+                    ::socklen_t size = sizeof set;
+                    ASSERT_EQ(::getsockopt(descriptor, SOL_SOCKET, SO_RCVTIMEO, &set, &size), 0);
+                    EXPECT_EQ(set.tv_sec, seconds);
+                    EXPECT_EQ(set.tv_usec, 0);
+                }
+            });
 }
 
 TEST_F(Exchange, TheTimeoutFailsOnWhatIsNoSocket) { EXPECT_FALSE(daemonlink::setReplyTimeout(-1, 1)); }

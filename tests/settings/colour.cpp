@@ -65,7 +65,10 @@ TEST_F(LEDColour, RowComesBackWithTheStoredColourAfterAmbient) {
 }
 
 TEST_F(LEDColour, PickerOpensWithTheStoredColourTheDefaultOrBlack) {
-    const std::pair<id, const char*> cases[] = {{id(), "004efd"}, {id("ff8000"), "ff8000"}, {id("zzz"), "000000"}};
+    const std::pair<id, const char*> cases[] = {{id(), "004efd"},
+                                                {id("ff8000"), "ff8000"},
+                                                {id("zzz"), "000000"},
+                                                {id(NSNumber::numberWithInteger(7)), "000000"}};
     for (const auto& [stored, expected] : cases) {
         show(1, 0, {{"JVNLEDColorKey", stored}});
         const auto screen = openPicker();
@@ -80,6 +83,14 @@ TEST_F(LEDColour, PickerOpensWithTheStoredColourTheDefaultOrBlack) {
         }
         app.close();
     }
+}
+
+TEST_F(LEDColour, PickerSlidesIn) {
+    show(1);
+
+    page->presentColorChooser(page->ds4ColorChooser());
+
+    EXPECT_TRUE(app.scene().isAnimating());
 }
 
 TEST_F(LEDColour, LeavingThePickerUntouchedStoresAndSendsNothing) {

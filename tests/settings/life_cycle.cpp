@@ -3,7 +3,10 @@
 #include "keymap/JVNKeymapViewController.h"
 #include "platform/uikit/UIViewController.h"
 #include "tests/settings/page_test.h"
+#include "tests/support/descriptors.h"
 #include "tests/support/logged_lines.h"
+
+#include <functional>
 
 namespace {
 
@@ -11,6 +14,17 @@ using testing_support::Bytes;
 using testing_support::DaemonPeer;
 using testing_support::hex;
 using testing_support::ScriptedDaemon;
+
+// Tells of each reload of its rows.
+class ToldPage final : public JoyvaneListController {
+    NS_CLASS(ToldPage)
+    void reloadSpecifiers() override {
+        if (reloading) reloading();
+        JoyvaneListController::reloadSpecifiers();
+    }
+    std::function<void()> reloading;
+};
+NS_CLASS_IMPLEMENTATION(ToldPage, JoyvaneListController)
 
 class LifeCycle : public PageTest {
 protected:
@@ -73,6 +87,56 @@ TEST_F(LifeCycle, ComingBackAsksAgainAndFollowsWhatIsStoredByThen) {
     EXPECT_EQ(hex(daemon.connections()[1]), "05 00 00 00 00 00 00 00 00 00 00 00");
 }
 
+TEST_F(LifeCycle, ComingIntoViewAsksTheDaemonBeforeTheRowsAreReloaded) {
+    store(1, 1);
+    const auto told = ToldPage::alloc();
+    page = told->init();
+    std::vector<std::size_t> askedBefore; // without a daemon each attempt leaves a line
+    told->reloading = [&] { askedBefore.push_back(log.count("connect /Library/Caches/jvncontrol.sock")); };
+
+    app.open(page);
+
+    EXPECT_EQ(askedBefore, (std::vector<std::size_t>{0, 1})) << "loaded, then appearing";
+}
+
+TEST_F(LifeCycle, AnAnsweredQueryHasClosedItsConnectionWhenTheRowsAreReloaded) {
+    ScriptedDaemon daemon(app.root(), [](DaemonPeer& peer) {
+        peer.read(12);
+        peer.write(Bytes(12, 0));
+        peer.waitForRelease();
+    });
+    store(1, 1);
+    const auto told = ToldPage::alloc();
+    page = told->init();
+    app.open(page);
+    ASSERT_TRUE(app.waitUntil([&] { return page->connectSpecifier()->name() == "Disconnect Controller"; }));
+    daemon.release();
+    ASSERT_TRUE(daemon.waitForConnections(1));
+    const std::size_t before = testing_support::openDescriptors();
+    std::size_t atReload = 0;
+    told->reloading = [&] { atReload = testing_support::openDescriptors(); };
+
+    page->queryControllerConnected();
+
+    ASSERT_TRUE(app.waitUntil([&] { return atReload != 0; }));
+    EXPECT_EQ(atReload, before + 1) << "the daemon's end alone";
+    daemon.release();
+}
+
+TEST_F(LifeCycle, AReportedSuccessIsToldAlsoWhenThePageIsFreedMeanwhile) {
+    show(1);
+    page->handlePairingMessage_userInfo(
+        "JVNDiscoveryUpdate", testing_support::dictionary({{"JVNDiscoveryState", NSNumber::numberWithInt(2)}}));
+    const std::weak_ptr<JoyvaneListController> weak = page;
+    page = nullptr;
+    app.scene().window()->setRootViewController(nullptr);
+
+    app.close();
+
+    EXPECT_TRUE(app.alert());
+    EXPECT_TRUE(weak.expired());
+}
+
 TEST_F(LifeCycle, TheRowIsDisabledUntilTheQueryIsAnswered) {
     ScriptedDaemon daemon(app.root(), [](DaemonPeer& peer) {
         peer.read(12);
@@ -102,6 +166,14 @@ TEST_F(LifeCycle, ThePairingRowOfAKeyboardOpensTheKeymapEditor) {
     EXPECT_FALSE(page->discoveryTask());
     EXPECT_FALSE(page->hud()->isShown());
     EXPECT_FALSE(page->discoveryMessagingCenter()) << "the page has left the screen";
+}
+
+TEST_F(LifeCycle, TheKeymapEditorSlidesIn) {
+    show(JVNControllerTypeKeyboard);
+
+    page->pairController();
+
+    EXPECT_TRUE(app.scene().isAnimating());
 }
 
 TEST_F(LifeCycle, ThePairingRowOfEveryOtherTypeButAPS3ControllerStartsTheSearch) {

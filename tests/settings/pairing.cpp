@@ -4,6 +4,8 @@
 #include "tests/settings/pairing_test.h"
 #include "tests/support/descriptors.h"
 
+#include <optional>
+
 namespace {
 
 using testing_support::ScriptedDaemon;
@@ -136,6 +138,24 @@ TEST_F(Pairing, LeavingThePageStopsTheServerAndTheToolAndKeepsTheOverlay) {
     app.goBack();
     EXPECT_TRUE(app.waitUntil([&] { return peer.nameHasOwner(server); }));
     EXPECT_EQ(overlay(), activating);
+}
+
+TEST_F(Pairing, LeavingThePageGivesUpTheServerAndItsMessageWhoeverElseHoldsTheCenter) {
+    showWithServer(1);
+    const auto center = page->discoveryMessagingCenter();
+
+    app.navigation()->pushViewController_animated(UIViewController::alloc()->init(), false);
+    EXPECT_TRUE(app.waitUntil([&] { return !peer.nameHasOwner(server); }));
+
+    center->runServerOnCurrentThread();
+    ASSERT_TRUE(app.waitUntil([&] { return peer.nameHasOwner(server); }));
+    std::optional<bool> taken;
+    host::sendMessage(server, "JVNDiscoveryUpdate",
+                      testing_support::dictionary({{"JVNDiscoveryState", NSNumber::numberWithInt(2)}}),
+                      [&](bool delivered) { taken = delivered; });
+    ASSERT_TRUE(app.waitUntil([&] { return taken.has_value(); }));
+    EXPECT_EQ(taken, false);
+    EXPECT_EQ(app.alert(), std::nullopt);
 }
 
 TEST_F(Pairing, FreeingThePageInterruptsTheTool) {

@@ -1,6 +1,7 @@
 // Settings as they are read from the store and written into it, by touch.
 
 #include "host/notify/NotifyListener.h"
+#include "host/preferences/write_steps.h"
 #include "platform/foundation/NSData.h"
 #include "tests/settings/page_test.h"
 #include "tests/support/logged_lines.h"
@@ -66,6 +67,39 @@ TEST_F(Settings, OfAListAreInTheFileWhenTheyAreAnnounced) {
     ASSERT_TRUE(app.tap("Connect by Hand"));
 
     EXPECT_EQ(announced, std::vector<id>{NSNumber::numberWithInteger(1)});
+}
+
+TEST_F(Settings, AreWrittenBeforeThePageReacts) {
+    show(1);
+    const std::string before = rows();
+    std::string whileWriting;
+    host::setPreferencesWriteProbe([&](host::PreferencesWriteStep step) {
+        if (step == host::PreferencesWriteStep::Locked) whileWriting = rows();
+        return 0;
+    });
+
+    ASSERT_TRUE(app.tapSwitch("Ambient LED Color"));
+
+    host::setPreferencesWriteProbe({});
+    EXPECT_EQ(whileWriting, before);
+    EXPECT_NE(rows(), before);
+}
+
+TEST_F(Settings, AreWrittenBeforeThePageWarns) {
+    show(5);
+    const auto views = [&] { return app.scene().window()->subviews().size(); };
+    const std::size_t before = views();
+    std::size_t whileWriting = 0;
+    host::setPreferencesWriteProbe([&](host::PreferencesWriteStep step) {
+        if (step == host::PreferencesWriteStep::FolderFlushed) whileWriting = views();
+        return 0;
+    });
+
+    ASSERT_TRUE(app.tapSwitch("Force Extended Gamepad"));
+
+    host::setPreferencesWriteProbe({});
+    EXPECT_EQ(whileWriting, before);
+    EXPECT_EQ(views(), before + 1);
 }
 
 TEST_F(Settings, WarningHasDismissAsItsOnlyButton) {
