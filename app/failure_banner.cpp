@@ -31,8 +31,8 @@ std::shared_ptr<FailureBanner> FailureBanner::initWithText(std::string text) {
     setBackgroundColor(UIColor::colorWithWhite_alpha(0.13, 0.92));
     layer()->setCornerRadius(10);
     setUserInteractionEnabled(false);
-    setAutoresizingMask(UIViewAutoresizingFlexibleTopMargin | UIViewAutoresizingFlexibleLeftMargin |
-                        UIViewAutoresizingFlexibleRightMargin);
+    // Another width leads to another layout, which places it.
+    setAutoresizingMask(UIViewAutoresizingFlexibleTopMargin | UIViewAutoresizingFlexibleWidth);
     return self(this);
 }
 

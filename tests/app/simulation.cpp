@@ -1,0 +1,167 @@
+#include "app/simulation.h"
+
+#include "app/bundle.h"
+#include "host/foundation/root.h"
+#include "host/testing/poll_loop.h"
+#include "platform/foundation/NSDictionary.h"
+#include "tests/support/descriptors.h"
+#include "tests/support/temporary_folder.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* tool = "/usr/bin/jvndiscovery";
+constexpr const char* socketPath = "/Library/Caches/jvncontrol.sock";
+
+// The stand-ins are beside this test program, as they are beside the application.
+class SimulationTest : public ::testing::Test {
+protected:
+    SimulationTest() { host::setRoot(folder.path()); }
+    ~SimulationTest() override { host::setRoot({}); }
+
+    static app::Bundle bundle(const std::string& daemon, const std::string& toolName, const char* place = tool) {
+        app::Bundle result;
+        result.manifest = NSDictionary::dictionary();
+        if (!daemon.empty()) result.manifest->setObject_forKey(daemon, "JVNStandInDaemon");
+        if (toolName.empty()) return result;
+        const auto tools = NSDictionary::dictionary();
+        tools->setObject_forKey(toolName, place);
+        result.manifest->setObject_forKey(tools, "JVNStandInTools");
+        return result;
+    }
+    fs::path under(const char* logical) const { return folder.path() + logical; }
+    bool isEmpty() const { return fs::is_empty(folder.path()); }
+
+    host::PollLoop loop;
+    testing_support::TemporaryFolder folder;
+    std::string problem;
+};
+
+TEST_F(SimulationTest, ABundleWithoutStandInsNeedsNone) {
+    app::Simulation simulation;
+
+    EXPECT_TRUE(simulation.start(bundle("", ""), problem));
+
+    EXPECT_TRUE(isEmpty());
+    EXPECT_EQ(problem, "");
+}
+
+TEST_F(SimulationTest, AToolIsPutInPlaceAndTakenAwayWithItsFolders) {
+    {
+        app::Simulation simulation;
+        ASSERT_TRUE(simulation.start(bundle("", "jvndiscovery"), problem)) << problem;
+        EXPECT_TRUE(fs::is_symlink(under(tool)));
+        EXPECT_TRUE(fs::is_regular_file(under(tool))) << fs::read_symlink(under(tool));
+    }
+    EXPECT_TRUE(isEmpty());
+}
+
+TEST_F(SimulationTest, AFolderThatOthersUseStays) {
+    {
+        app::Simulation simulation;
+        ASSERT_TRUE(simulation.start(bundle("", "jvndiscovery"), problem));
+        std::ofstream(under("/usr/bin/other")) << "x";
+    }
+    EXPECT_TRUE(fs::exists(under("/usr/bin/other")));
+    EXPECT_FALSE(fs::exists(fs::symlink_status(under(tool))));
+}
+
+TEST_F(SimulationTest, AToolOfTheUsersOwnStaysInItsPlace) {
+    fs::create_directories(under("/usr/bin"));
+    std::ofstream(under(tool)) << "mine";
+    {
+        app::Simulation simulation;
+        ASSERT_TRUE(simulation.start(bundle("", "jvndiscovery"), problem));
+        EXPECT_FALSE(fs::is_symlink(under(tool)));
+    }
+    EXPECT_TRUE(fs::exists(under(tool)));
+}
+
+TEST_F(SimulationTest, ALinkThatWasLeftBehindIsReplaced) {
+    fs::create_directories(under("/usr/bin"));
+    fs::create_symlink("/nowhere/jvndiscovery", under(tool));
+    app::Simulation simulation;
+
+    ASSERT_TRUE(simulation.start(bundle("", "jvndiscovery"), problem));
+
+    EXPECT_TRUE(fs::is_regular_file(under(tool)));
+}
+
+TEST_F(SimulationTest, WhatIsNotThereIsNamed) {
+    app::Simulation simulation;
+    EXPECT_FALSE(simulation.start(bundle("", "nobodystool"), problem));
+    EXPECT_EQ(problem, std::string("simulate: there is no stand-in for ") + tool);
+
+    problem.clear();
+    EXPECT_FALSE(simulation.start(bundle("nobodysdaemon", ""), problem));
+    EXPECT_EQ(problem, "simulate: there is no nobodysdaemon beside this program");
+}
+
+TEST_F(SimulationTest, APlaceThatCannotBeMadeIsNamed) {
+    std::ofstream(under("/usr")) << "a file where a folder is wanted";
+    app::Simulation simulation;
+
+    EXPECT_FALSE(simulation.start(bundle("", "jvndiscovery"), problem));
+
+    EXPECT_TRUE(problem.starts_with("simulate: " + under(tool).string())) << problem;
+}
+
+TEST_F(SimulationTest, ADaemonThatIsNoneIsSaidNotToHaveStarted) {
+    app::Simulation simulation;
+
+    // The tool says nothing like "ready".
+    EXPECT_FALSE(simulation.start(bundle("jvndiscovery", ""), problem));
+
+    EXPECT_TRUE(problem.ends_with("did not start")) << problem;
+}
+
+TEST_F(SimulationTest, TheDaemonListensWhenStartReturnsAndIsGoneAfterwards) {
+    const auto children = testing_support::unreapedChildren();
+    {
+        app::Simulation simulation;
+        ASSERT_TRUE(simulation.start(bundle("jvnd", ""), problem)) << problem;
+        EXPECT_TRUE(fs::is_socket(under(socketPath)));
+        EXPECT_EQ(testing_support::unreapedChildren(), children + 1);
+    }
+    EXPECT_FALSE(fs::exists(under(socketPath)));
+    EXPECT_EQ(testing_support::unreapedChildren(), children);
+}
+
+TEST_F(SimulationTest, TheDaemonCanBeStoppedAndStartedAgainAndIsOneAtATime) {
+    app::Simulation simulation;
+    ASSERT_TRUE(simulation.start(bundle("jvnd", ""), problem));
+    const auto children = testing_support::unreapedChildren();
+
+    simulation.stopDaemon();
+    EXPECT_FALSE(fs::exists(under(socketPath)));
+    simulation.say("connected", problem);
+    EXPECT_EQ(problem, "the stand-in does not listen");
+    problem.clear();
+    simulation.startDaemon(problem);
+    simulation.startDaemon(problem);
+
+    EXPECT_EQ(problem, "");
+    EXPECT_TRUE(fs::is_socket(under(socketPath)));
+    EXPECT_EQ(testing_support::unreapedChildren(), children);
+}
+
+TEST_F(SimulationTest, WhatTheDaemonSaysIsHeardWithItsName) {
+    app::Simulation simulation;
+    std::string heard;
+    ASSERT_TRUE(simulation.start(bundle("jvnd", ""), problem));
+    simulation.setListener([&](const std::string& line) { heard += line + "|"; });
+
+    simulation.say("no such order", problem);
+
+    EXPECT_EQ(problem, "");
+    EXPECT_TRUE(loop.runUntil([&] { return heard.find('|') != std::string::npos; }, 5));
+    EXPECT_TRUE(heard.starts_with("jvnd: ")) << heard;
+}
+
+} // namespace
