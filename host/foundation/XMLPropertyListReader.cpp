@@ -2,6 +2,8 @@
 #include "host/foundation/property_list.h"
 #include "host/foundation/property_list_scalars.h"
 #include "host/foundation/utf8.h"
+#include "host/foundation/xml_property_list_scan.h"
+#include "host/foundation/xml_property_list_words.h"
 #include "platform/foundation/NSArray.h"
 #include "platform/foundation/NSDictionary.h"
 
@@ -14,29 +16,8 @@
 namespace {
 
 using namespace host;
+using namespace host::xml;
 using namespace std::literals;
-
-constexpr const char* tooManyValues = "holds more than 100000 values";
-static_assert(propertyListMaximumValues == 100'000);
-constexpr const char* blanks = " \t\r\n";
-
-enum class Element { Plist, Dict, Array, Key, String, Integer, Real, Date, Data, True, False };
-
-std::optional<Element> elementNamed(std::string_view name) {
-    static constexpr std::pair<std::string_view, Element> names[] = {
-        {"string", Element::String}, {"key", Element::Key},   {"integer", Element::Integer}, {"dict", Element::Dict},
-        {"array", Element::Array},   {"true", Element::True}, {"false", Element::False},     {"real", Element::Real},
-        {"data", Element::Data},     {"date", Element::Date}, {"plist", Element::Plist}};
-    for (const auto& [known, element] : names)
-        if (known == name) return element;
-    return std::nullopt;
-}
-
-std::string_view trimmed(std::string_view text) {
-    const auto first = text.find_first_not_of(blanks);
-    if (first == std::string_view::npos) return {};
-    return text.substr(first, text.find_last_not_of(blanks) - first + 1);
-}
 
 // Builds the value while the tokeniser reports elements, and stops it at the first thing that does not belong.
 class XMLReader {
@@ -53,9 +34,7 @@ public:
                 if (hasInternalSubset) reader(self).refuse("declares entities or types of its own");
             });
         // Without it a reference to an entity of the outer document type would simply vanish.
-        XML_SetSkippedEntityHandler(m_parser, [](void* self, const char*, int) {
-            reader(self).refuse("refers to an entity that XML does not define");
-        });
+        XML_SetSkippedEntityHandler(m_parser, [](void* self, const char*, int) { reader(self).refuse(unknownEntity); });
         XML_SetElementHandler(
             m_parser,
             [](void* self, const char* name, const char** attributes) { reader(self).start(name, attributes); },
@@ -117,17 +96,17 @@ private:
 void XMLReader::start(const char* name, const char** attributes) {
     if (!m_refusal.empty()) return;
     const auto element = elementNamed(name);
-    if (!element) return refuse("has an unknown element");
+    if (!element) return refuse(unknownElement);
     for (; *attributes; attributes += 2)
-        if (element != Element::Plist || *attributes != "version"sv) return refuse("has an unknown attribute");
-    if (m_scalar) return refuse("has an element within a text");
-    if (m_inPlist == (element == Element::Plist)) return refuse("has its elements in the wrong order");
+        if (element != Element::Plist || *attributes != "version"sv) return refuse(unknownAttribute);
+    if (m_scalar) return refuse(elementInText);
+    if (m_inPlist == (element == Element::Plist)) return refuse(wrongOrder);
 
     if (element == Element::Plist) {
         m_inPlist = true;
     } else if (element == Element::Key) {
-        if (m_open.empty() || !m_open.back().dictionary) return refuse("has a key outside of a dictionary");
-        if (m_open.back().key) return refuse("has a key without a value");
+        if (m_open.empty() || !m_open.back().dictionary) return refuse(keyOutside);
+        if (m_open.back().key) return refuse(keyAlone);
         m_scalar = element;
     } else {
         startValue(*element);
@@ -136,14 +115,13 @@ void XMLReader::start(const char* name, const char** attributes) {
 
 void XMLReader::startValue(Element element) {
     if (m_open.empty() ? bool(m_value) : m_open.back().dictionary && !m_open.back().key)
-        return refuse(m_open.empty() ? "holds more than one value" : "has a value without a key");
+        return refuse(m_open.empty() ? manyValues : valueAlone);
     if (++m_count > propertyListMaximumValues) return refuse(tooManyValues);
     if (element != Element::Dict && element != Element::Array) {
         m_scalar = element;
         return;
     }
-    if (m_open.size() == propertyListMaximumDepth)
-        return refuse("is nested deeper than " + std::to_string(propertyListMaximumDepth));
+    if (m_open.size() == propertyListMaximumDepth) return refuse(tooDeep);
     if (element == Element::Dict)
         m_open.push_back({NSMutableDictionary::dictionary(), nullptr, {}});
     else
@@ -156,15 +134,15 @@ void XMLReader::end() {
         m_open.back().key = std::move(m_text);
     } else if (m_scalar) {
         id value = scalar(*m_scalar);
-        if (!value) return refuse("has a text that is no value of its type");
+        if (!value) return refuse(badScalar);
         add(std::move(value));
     } else if (!m_open.empty()) {
         const Container closed = std::move(m_open.back());
         m_open.pop_back();
-        if (closed.key) return refuse("has a key without a value");
+        if (closed.key) return refuse(keyAlone);
         add(closed.dictionary ? id(closed.dictionary) : id(closed.array));
     } else if (!m_value) {
-        refuse("holds no value");
+        refuse(noValue);
     }
     m_scalar.reset();
     m_text.clear();
@@ -174,7 +152,7 @@ void XMLReader::characters(std::string_view text) {
     if (m_scalar)
         m_text += text;
     else if (text.find_first_not_of(blanks) != std::string_view::npos)
-        refuse("has text between its elements");
+        refuse(strayText);
 }
 
 id XMLReader::scalar(Element element) {
@@ -216,26 +194,8 @@ void XMLReader::add(id value) {
     // Readers differ on which of the two counts, so neither does.
     const std::size_t before = container.dictionary->count();
     container.dictionary->setObject_forKey(std::move(value), *container.key);
-    if (container.dictionary->count() == before) refuse("has the same key twice in a dictionary");
+    if (container.dictionary->count() == before) refuse(keyTwice);
     container.key.reset();
-}
-
-// How many values a well-formed document holds, by its tags alone: far quicker than building what is refused in the
-// end.
-std::size_t countValues(std::string_view text) {
-    std::size_t count = 0;
-    const auto skipTo = [&](std::string_view end) { text.remove_prefix(std::min(text.find(end), text.size())); };
-    for (skipTo("<"); text.size() > 1; skipTo("<")) {
-        if (text.starts_with("<!--"))
-            skipTo("-->");
-        else if (text.starts_with("<![CDATA["))
-            skipTo("]]>");
-        else if (text[1] != '/' && text[1] != '!' && text[1] != '?' && !text.starts_with("<key") &&
-                 !text.starts_with("<plist"))
-            ++count;
-        text.remove_prefix(std::min<std::size_t>(text.size(), 1));
-    }
-    return count;
 }
 
 } // namespace
@@ -252,9 +212,8 @@ id host::readXMLPropertyList(std::span<const std::uint8_t> bytes, std::string& r
         refusal = "is not UTF-8";
         return nullptr;
     }
-    if (countValues(text) > propertyListMaximumValues) {
-        refusal = tooManyValues;
-        return nullptr;
-    }
-    return XMLReader().read(text, refusal);
+    refusal = faultOfXMLPropertyList(text);
+    return refusal.empty() ? buildXMLPropertyList(text, refusal) : nullptr;
 }
+
+id host::buildXMLPropertyList(std::string_view text, std::string& refusal) { return XMLReader().read(text, refusal); }

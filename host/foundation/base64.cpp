@@ -1,47 +1,42 @@
 #include "host/foundation/base64.h"
 
 #include <algorithm>
+#include <array>
 
 namespace {
 
-int sixBits(char c) {
-    if (c >= 'A' && c <= 'Z') return c - 'A';
-    if (c >= 'a' && c <= 'z') return c - 'a' + 26;
-    if (c >= '0' && c <= '9') return c - '0' + 52;
-    if (c == '+') return 62;
-    return c == '/' ? 63 : -1;
-}
+constexpr std::uint8_t blank = 64, padding = 65, stranger = 66;
 
-bool isSpace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
+// What each character stands for: six bits, or one of the above.
+constexpr auto meanings = [] {
+    constexpr std::string_view digits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    std::array<std::uint8_t, 256> all{};
+    for (auto& meaning : all) meaning = stranger;
+    for (std::size_t i = 0; i < digits.size(); ++i)
+        all[static_cast<std::uint8_t>(digits[i])] = static_cast<std::uint8_t>(i);
+    for (const char c : {' ', '\t', '\n', '\r'}) all[static_cast<std::uint8_t>(c)] = blank;
+    all['='] = padding;
+    return all;
+}();
 
 } // namespace
 
 std::optional<std::vector<std::uint8_t>> host::decodeBase64(std::string_view text) {
+    if (!isBase64(text)) return std::nullopt;
     std::vector<std::uint8_t> bytes;
     bytes.reserve(text.size() / 4 * 3 + 3);
     std::uint32_t bits = 0;
     unsigned count = 0; // bits that wait, always below 8 between two characters
-    unsigned characters = 0;
-    unsigned padding = 0;
     for (const char c : text) {
-        if (isSpace(c)) continue;
-        ++characters;
-        if (c == '=') {
-            ++padding;
-            continue;
-        }
-        const int value = sixBits(c);
-        if (value < 0 || padding > 0) return std::nullopt;
-        bits = bits << 6 | static_cast<std::uint32_t>(value);
+        const std::uint8_t meaning = meanings[static_cast<std::uint8_t>(c)];
+        if (meaning >= blank) continue;
+        bits = bits << 6 | meaning;
         count += 6;
-        if (count >= 8) {
-            count -= 8;
-            bytes.push_back(static_cast<std::uint8_t>(bits >> count));
-            bits &= (1u << count) - 1;
-        }
+        if (count < 8) continue;
+        count -= 8;
+        bytes.push_back(static_cast<std::uint8_t>(bits >> count));
+        bits &= (1u << count) - 1;
     }
-    // Groups of four: what is left over of the last byte says how much padding fills the group; six bits are no byte.
-    if (characters % 4 != 0 || padding != count / 2 || count == 6 || bits != 0) return std::nullopt;
     return bytes;
 }
 
@@ -56,4 +51,44 @@ std::string host::encodeBase64(std::string_view bytes) {
         for (std::size_t k = 0; k < 4; ++k) text += k <= count ? digits[(group >> (18 - 6 * k)) & 63] : '=';
     }
     return text;
+}
+
+bool host::isBase64(std::string_view text) {
+    std::size_t blanks = 0;
+    std::size_t pads = 0;
+    bool hasStrangers = false;
+    // Without a branch and in counts of a byte, so that many characters are looked at in one go.
+    constexpr std::size_t most = 128;
+    for (std::string_view rest = text; !rest.empty(); rest.remove_prefix(std::min(rest.size(), most))) {
+        std::uint8_t blanksHere = 0;
+        std::uint8_t padsHere = 0;
+        std::uint8_t strangersHere = 0;
+        for (const char signedC : rest.substr(0, most)) {
+            const auto c = static_cast<std::uint8_t>(signedC);
+            const auto within = [c](std::uint8_t first, std::uint8_t length) {
+                return static_cast<std::uint8_t>(static_cast<std::uint8_t>(c - first) < length);
+            };
+            const std::uint8_t isDigit =
+                within('A', 26) | within('a', 26) | within('0', 10) | within('+', 1) | within('/', 1);
+            const std::uint8_t isBlank = within(' ', 1) | within('\t', 2) | within('\r', 1);
+            const std::uint8_t isPad = within('=', 1);
+            blanksHere = static_cast<std::uint8_t>(blanksHere + isBlank);
+            padsHere = static_cast<std::uint8_t>(padsHere + isPad);
+            strangersHere = static_cast<std::uint8_t>(strangersHere | (1 ^ (isDigit | isBlank | isPad)));
+        }
+        blanks += blanksHere;
+        pads += padsHere;
+        hasStrangers |= strangersHere != 0;
+    }
+    if (hasStrangers || pads > 2 || (text.size() - blanks) % 4 != 0) return false;
+    // The padding is all at the end, and what is before it has no bits that stand for no byte.
+    std::uint8_t lastBits = 0;
+    for (std::size_t at = text.size(); at-- > 0;) {
+        const std::uint8_t meaning = meanings[static_cast<std::uint8_t>(text[at])];
+        if (meaning == blank) continue;
+        if (meaning != padding) return pads == 0 && (meaning & lastBits) == 0;
+        --pads;
+        lastBits = static_cast<std::uint8_t>(lastBits << 2 | 3);
+    }
+    return pads == 0;
 }

@@ -14,5 +14,7 @@ std::optional<std::vector<std::uint8_t>> decodeBase64(std::string_view text);
 
 // On one line, padded.
 std::string encodeBase64(std::string_view bytes);
+// Whether decodeBase64() takes it.
+bool isBase64(std::string_view text);
 
 } // namespace host
