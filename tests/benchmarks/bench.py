@@ -1,0 +1,222 @@
+"""What Joyvane costs, as one table: bench.py BUILD-FOLDER [--quick] [NAME...]
+
+With names only the rows that have one of them in theirs. The exit code is 0, also when a limit is missed; it is 1 when
+something could not be measured.
+"""
+
+import argparse
+import json
+import os
+import plistlib
+import socket
+import statistics
+import subprocess
+import sys
+import tempfile
+import time
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+for folder in ("first_frame", "drag_step", os.path.join("..", "end_to_end")):
+    sys.path.insert(0, os.path.join(HERE, folder))
+import drag_step  # noqa: E402
+import first_frame  # noqa: E402
+import jv_e2e  # noqa: E402
+from table import Row, google_benchmark, key_values, render  # noqa: E402
+
+ENTRIES = 256  # of a keymap: every key of a keyboard
+
+
+class Bench:
+    def __init__(self, build, is_quick):
+        self.build = os.path.abspath(build)
+        self.is_quick = is_quick
+
+    def program(self, name):
+        path = os.path.join(self.build, "bin", name)
+        if not os.path.exists(path):
+            raise FileNotFoundError(f"{name} is not built")
+        return path
+
+    def bundle(self, name):
+        return os.path.join(self.build, "lib", f"{name}.bundle")
+
+    # The whole process, from outside.
+
+    def windows(self):
+        """First frame, memory and idling of a page, of an empty window and of the toolkit's colour dialog."""
+        runs = 3 if self.is_quick else 21
+        idle_seconds = 2 if self.is_quick else 10
+        rows = []
+        with jv_e2e.Desktop(accessible=False) as desktop:
+            screen = first_frame.Screen(desktop.path("screen", "Xvfb_screen0"))
+            settings = [self.program("joyvane-settings"), "--root", desktop.path("root"), "--bundle"]
+            commands = {
+                "empty": [self.program("empty_window")],
+                "dialog": [self.program("drag_step_dialog")],
+                "sample page": [*settings, self.bundle("Sample")],
+                "Joyvane's page": [*settings, self.bundle("Joyvane")],
+            }
+            measured = first_frame.measure(commands, screen, desktop.environment, runs)
+            for index, (what, unit, factor, limit) in enumerate((
+                ("first frame", "ms", 1000, first_frame.TIME_LIMIT),
+                ("peak memory", "MiB", 1 / 1024, first_frame.MEMORY_LIMIT),
+            )):
+                median = {name: statistics.median(run[index] for run in results) * factor
+                          for name, results in measured.items()}
+                for page in ("sample page", "Joyvane's page"):
+                    rows.append(Row(f"{what}, {page}", unit, median[page], median["empty"], "empty window",
+                                    median["dialog"], "QColorDialog", most_bare=limit))
+            idle = {name: first_frame.idle_wake_ups(command, screen, desktop.environment, idle_seconds)
+                    for name, command in commands.items()}
+            for page in ("sample page", "Joyvane's page"):
+                rows.append(Row(f"wake-ups in {idle_seconds} s idle, {page}", "", idle[page], idle["empty"],
+                                "empty window", idle["dialog"], "QColorDialog", most=0))
+        return rows
+
+    def dragging(self):
+        """Processor time of one step of a drag over the colour field."""
+        steps = 100 if self.is_quick else 500
+        rounds = 1 if self.is_quick else 3
+        programs = (
+            ("ours", "0,111,368,512", self.program("joyvane-picker") + " --size 375x623 --scale 1"),
+            ("bare", "", self.program("drag_step_bare") + " repaint"),
+            ("dialog", "", self.program("drag_step_dialog")),
+        )
+        times = {name: [] for name, *_ in programs}
+        with jv_e2e.Desktop(accessible=False) as desktop:
+            for _ in range(rounds):
+                for name, field, command in programs:
+                    times[name].append(drag_step.drag(desktop, command, field.split(",") if field else None, steps))
+        ours, bare, dialog = (statistics.median(times[name]) * 1000 for name, *_ in programs)
+        return [Row("drag step on the colour field", "ms", ours, bare, "same rectangles", dialog, "QColorDialog",
+                    most_bare=1.3, most_peer=0.6)]
+
+    # In one process.
+
+    def google(self, program, *arguments):
+        least = "0.05" if self.is_quick else "0.3"
+        repetitions = "1" if self.is_quick else "5"
+        output = subprocess.run(
+            [self.program(program), "--benchmark_format=json", f"--benchmark_min_time={least}",
+             f"--benchmark_repetitions={repetitions}", *arguments],
+            check=True, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True).stdout
+        return json.loads(output)
+
+    def exchange(self):
+        """Asking the daemon for its connection."""
+        output = subprocess.run([self.program("exchange_benchmark"), "--benchmark_filter=oursBesideBare"],
+                                check=True, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True).stdout
+        found = key_values(output.strip().splitlines()[-1])
+        return [Row("exchange with the daemon", "us", found["ours_us"], found["bare_us"], "bare client",
+                    self.python_exchange(), "Python's socket", most_bare=1.2)]
+
+    def python_exchange(self):
+        with tempfile.TemporaryDirectory() as root:
+            daemon = subprocess.Popen([self.program("jvnd"), "--root", root], stdin=subprocess.PIPE,
+                                      stdout=subprocess.DEVNULL)
+            try:
+                def exchange():
+                    with socket.socket(socket.AF_UNIX) as client:
+                        client.settimeout(1)
+                        client.connect(os.path.join(root, "Library/Caches/jvncontrol.sock"))
+                        client.sendall(bytes([5]) + bytes(11))
+                        return len(client.recv(12, socket.MSG_WAITALL)) == 12
+
+                def answers():
+                    try:
+                        return exchange()
+                    except OSError:
+                        return False
+
+                jv_e2e.wait_for("the stand-in daemon", answers)
+                return self.median_time(exchange, 100 if self.is_quick else 1000)
+            finally:
+                daemon.terminate()
+                daemon.wait()
+
+    def settings_write(self):
+        """One changed setting, safely on the disk."""
+        report = self.google("preferences_benchmark", "--benchmark_filter=bareSystemCalls|settingsWrite")
+        with tempfile.TemporaryDirectory() as folder:
+            path = os.path.join(folder, "file.plist")
+            with open(path, "wb") as file:
+                plistlib.dump({f"key {i}": i for i in range(20)}, file, fmt=plistlib.FMT_BINARY)
+            count = 0
+
+            def write():
+                nonlocal count
+                count += 1
+                with open(path, "rb") as file:
+                    settings = plistlib.load(file)
+                settings["controller_type"] = count % 7
+                with open(path + ".temporary", "wb") as file:
+                    plistlib.dump(settings, file, fmt=plistlib.FMT_BINARY)
+                    file.flush()
+                    os.fsync(file.fileno())
+                os.rename(path + ".temporary", path)
+                descriptor = os.open(folder, os.O_RDONLY | os.O_DIRECTORY)
+                os.fsync(descriptor)
+                os.close(descriptor)
+
+            peer = self.median_time(write, 20 if self.is_quick else 200)
+        # A save keeps the main thread for 50 ms at the most.
+        return [Row("settings write", "us", google_benchmark(report, "settingsWrite"),
+                    google_benchmark(report, "bareSystemCalls"), "bare system calls", peer, "Python's plistlib",
+                    most=50_000)]
+
+    def keymap(self):
+        """The keymap's bytes to values, and back."""
+        report = self.google("property_list_benchmark", f"--benchmark_filter=(readBinaryKeymap|writeKeymap)/{ENTRIES}$")
+        value = {"JVNKeyboardKeymapKey": {str(i): i % 21 + 1 for i in range(ENTRIES)}}
+        data = plistlib.dumps(value, fmt=plistlib.FMT_BINARY, sort_keys=False)
+        rounds = 20 if self.is_quick else 500
+        load = self.median_time(lambda: plistlib.loads(data), rounds, time.process_time)
+        save = self.median_time(lambda: plistlib.dumps(value, fmt=plistlib.FMT_BINARY, sort_keys=False), rounds,
+                                time.process_time)
+        return [Row("keymap load", "us", google_benchmark(report, f"readBinaryKeymap/{ENTRIES}", "cpu_time"),
+                    peer=load, peer_name="Python's plistlib", most_peer=0.1),
+                Row("keymap save", "us", google_benchmark(report, f"writeKeymap/{ENTRIES}", "cpu_time"),
+                    peer=save, peer_name="Python's plistlib", most_peer=0.1)]
+
+    @staticmethod
+    def median_time(call, rounds, clock=time.perf_counter):
+        """In microseconds."""
+        times = []
+        for _ in range(rounds):
+            start = clock()
+            call()
+            times.append(clock() - start)
+        return statistics.median(times) * 1e6
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+    parser.add_argument("build")
+    parser.add_argument("--quick", action="store_true", help="few rounds, to see that it works")
+    parser.add_argument("names", nargs="*", metavar="NAME")
+    options = parser.parse_args()
+    bench = Bench(options.build, options.quick)
+    groups = {
+        "first frame, peak memory, wake-ups": bench.windows,
+        "drag step": bench.dragging,
+        "exchange": bench.exchange,
+        "settings write": bench.settings_write,
+        "keymap load, keymap save": bench.keymap,
+    }
+    rows = []
+    for name, measure in groups.items():
+        if options.names and not any(wanted in name for wanted in options.names):
+            continue
+        print(f"measuring {name}", file=sys.stderr)
+        try:
+            rows += measure()
+        except (Exception, SystemExit) as error:  # the other rows are still worth having
+            rows.append(Row(name, "", problem=str(error) or type(error).__name__))
+    if options.names:
+        rows = [row for row in rows if row.problem or any(wanted in row.what for wanted in options.names)]
+    print(render(rows))
+    return 1 if any(row.problem for row in rows) or not rows else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
