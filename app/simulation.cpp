@@ -37,7 +37,8 @@ void makeFolders(const fs::path& folder, std::vector<fs::path>& made, std::error
 struct app::Simulation::State {
     std::string daemonName;
     std::unique_ptr<LineProcess> daemon;
-    std::vector<fs::path> placed; // what we have put there, folders before what is in them
+    std::shared_ptr<NSDictionary> tools; // logical path -> program; nil when the bundle has none
+    std::vector<fs::path> placed;        // what we have put there, folders before what is in them
     std::function<void(const std::string&)> listener;
 };
 
@@ -54,9 +55,14 @@ bool app::Simulation::start(const Bundle& bundle, std::string& problem) {
         m_state->daemonName = *name;
         startDaemon(problem);
     }
-    const auto tools = bundle.manifest->objectForKey("JVNStandInTools").object<NSDictionary>();
-    if (!tools || !problem.empty()) return problem.empty();
-    tools->enumerate([&](const std::string& logicalPath, const id& name) {
+    m_state->tools = bundle.manifest->objectForKey("JVNStandInTools").object<NSDictionary>();
+    if (problem.empty()) placeTools(problem);
+    return problem.empty();
+}
+
+void app::Simulation::placeTools(std::string& problem) {
+    if (!m_state->tools) return;
+    m_state->tools->enumerate([&](const std::string& logicalPath, const id& name) {
         const std::string program = name.string() ? standInPath(*name.string()) : std::string();
         const fs::path place(host::hostPath(logicalPath));
         std::error_code error;
@@ -74,7 +80,14 @@ bool app::Simulation::start(const Bundle& bundle, std::string& problem) {
         }
         return problem.empty();
     });
-    return problem.empty();
+}
+
+// The folders stay: they may hold what others have put there since.
+void app::Simulation::removeTools() {
+    std::erase_if(m_state->placed, [](const fs::path& path) {
+        std::error_code error;
+        return fs::is_symlink(path) && fs::remove(path, error);
+    });
 }
 
 void app::Simulation::setListener(std::function<void(const std::string& line)> listener) {

@@ -31,6 +31,9 @@ public:
     void say(const std::string& line, std::string& problem);
     void stopDaemon();
     void startDaemon(std::string& problem);
+    // Takes the tools away, and puts them back.
+    void removeTools();
+    void placeTools(std::string& problem);
 
 private:
     struct State;

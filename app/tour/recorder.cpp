@@ -1,8 +1,11 @@
 #include "app/tour/recorder.h"
 
 #include "app/tour/describe.h"
+#include "host/dispatch/main_queue.h"
+#include "host/foundation/log.h"
 #include "host/foundation/root.h"
 #include "host/notify/NotifyListener.h"
+#include "host/process/children.h"
 #include "platform/foundation/NSDictionary.h"
 #include "platform/foundation/time.h"
 
@@ -23,6 +26,10 @@ app::Recorder::Recorder(const std::string& path)
     : m_file(std::fopen(path.c_str(), "we")), m_start(platform::CACurrentMediaTime()) {}
 
 app::Recorder::~Recorder() {
+    if (m_self) {
+        host::setChildListener(nullptr);
+        host::setLogSink({});
+    }
     m_listeners.clear();
     m_watched.clear();
     if (m_file) std::fclose(m_file);
@@ -36,12 +43,24 @@ void app::Recorder::note(const std::string& line) {
 }
 
 int app::Recorder::count(const std::string& text) const {
-    return static_cast<int>(std::count_if(
-        m_lines.begin(), m_lines.end(), [&](const std::string& line) { return line.find(text) != std::string::npos; }));
+    return static_cast<int>(std::count_if(m_lines.begin(), m_lines.end(), [&](const std::string& line) {
+        return !line.starts_with("> ") && line.find(text) != std::string::npos;
+    }));
 }
 
 void app::Recorder::watchNotification(const std::string& name) {
     m_listeners.push_back(std::make_unique<host::NotifyListener>(name, [this, name] { note("notification " + name); }));
+}
+
+void app::Recorder::watchProcesses() {
+    m_self = std::make_shared<Recorder*>(this);
+    host::setChildListener([this](const std::string& sentence) { note(sentence); });
+    host::setLogSink([self = std::weak_ptr(m_self)](std::string_view line) {
+        std::fprintf(stderr, "%.*s\n", static_cast<int>(line.size()), line.data());
+        host::queueOnMain([self, text = "log " + std::string(line)] {
+            if (const auto alive = self.lock()) (*alive)->note(text);
+        });
+    });
 }
 
 // The folder is watched: the file is replaced, not written.

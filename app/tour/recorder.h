@@ -33,7 +33,11 @@ public:
     // From now on each replacement of the property list is noted, with the keys that have changed. A logical path.
     void watchPropertyList(const std::string& logicalPath);
 
-    // How often lines that contain `text` were noted.
+    // From now on each process that is started and each that has ended is noted, and each line that the program logs.
+    void watchProcesses();
+
+    // How often lines that contain `text` were noted; what the tour itself does, which begins with "> ", does not
+    // count.
     int count(const std::string& text) const;
 
 private:
@@ -45,6 +49,7 @@ private:
     std::vector<std::string> m_lines;
     std::vector<std::unique_ptr<host::NotifyListener>> m_listeners;
     std::vector<std::unique_ptr<WatchedFile>> m_watched;
+    std::shared_ptr<Recorder*> m_self; // for notes that come from other threads by way of the main queue
 };
 
 } // namespace app

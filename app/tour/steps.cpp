@@ -4,6 +4,8 @@
 #include "app/tour/key_names.h"
 #include "app/tour/recorder.h"
 #include "app/tour/stage.h"
+#include "app/tour/stand_in_desktop.h"
+#include "host/uikit/application.h"
 #include "platform/foundation/NSString.h"
 
 #include <algorithm>
@@ -118,6 +120,13 @@ std::string key(Words words, Tour& tour) {
     return {};
 }
 
+std::string type(Words words, Tour& tour) {
+    if (words.size() != 1) return "takes a text";
+    tour.stage.type(words[0]);
+    tour.stage.settle();
+    return {};
+}
+
 std::string step(Words words, Tour& tour) {
     using Direction = UIAccessibilityDirection;
     static constexpr std::pair<const char*, Direction> directions[] = {
@@ -189,12 +198,29 @@ std::string simulator(Words words, Tour& tour) {
         tour.simulation.stopDaemon();
     } else if (words.size() == 1 && words[0] == "start") {
         tour.simulation.startDaemon(problem);
+    } else if (words.size() == 2 && words[1] == "tools" && words[0] == "remove") {
+        tour.simulation.removeTools();
+    } else if (words.size() == 2 && words[1] == "tools" && words[0] == "place") {
+        tour.simulation.placeTools(problem);
     } else {
         std::string line;
         for (const auto& word : words) line += (line.empty() ? "" : " ") + word;
         tour.simulation.say(line, problem);
     }
     return problem;
+}
+
+std::string desktop(Words words, Tour& tour) {
+    if (words.size() != 2 || words[1] != "mail" || (words[0] != "install" && words[0] != "remove"))
+        return "takes \"install mail\" or \"remove mail\"";
+    return tour.desktop.setHasMail(words[0] == "install") ? "" : "the stand-in for a mail program cannot be written";
+}
+
+std::string background(Words words, Tour& tour) {
+    if (!words.empty()) return "takes nothing";
+    host::applicationDidEnterBackground();
+    tour.stage.settle();
+    return {};
 }
 
 std::string size(Words words, Tour& tour) {
@@ -211,11 +237,19 @@ struct Verb {
     std::string (*perform)(Words words, Tour& tour);
 };
 
-constexpr Verb verbs[] = {{"tap", tap},         {"drag", drag},
-                          {"scroll", scroll},   {"key", key},
-                          {"step", step},       {"wait", waitForSomething},
-                          {"picture", picture}, {"say", say},
-                          {"watch", watch},     {"simulator", simulator},
+constexpr Verb verbs[] = {{"tap", tap},
+                          {"drag", drag},
+                          {"scroll", scroll},
+                          {"key", key},
+                          {"type", type},
+                          {"step", step},
+                          {"wait", waitForSomething},
+                          {"picture", picture},
+                          {"say", say},
+                          {"watch", watch},
+                          {"simulator", simulator},
+                          {"desktop", desktop},
+                          {"background", background},
                           {"size", size}};
 
 std::string asText(const ScriptLine& line) {

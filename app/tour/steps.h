@@ -7,6 +7,7 @@
 //   drag ROLE NAME FX FY to FX FY      a finger from one place of a node to another
 //   scroll POINTS                      the wheel over the middle of the window
 //   key NAME                           a key down and up: a letter, a digit, return, escape, tab, space, up, ...
+//   type TEXT                          the same for each character of a text
 //   step ROLE NAME DIRECTION [large]   an arrow's step in a slider or canvas
 //   wait ROLE NAME                     until there is such a node (ten seconds at most, as for all that follow)
 //   wait gone ROLE NAME                until there is none
@@ -17,10 +18,14 @@
 //   watch notification NAME            the log gets each post of it
 //   watch file PATH                    the log gets the changes of a property list
 //   simulator WORD...                  a line to the stand-in for the daemon; "simulator stop" and "simulator start"
-//                                      end it and start it again
+//                                      end it and start it again; "simulator remove tools" and "simulator place tools"
+//                                      take the stand-ins for the tools away and put them back
+//   desktop install mail               from now on the desktop has a program for messages (it has a browser all along);
+//   desktop remove mail                from now on it has none
+//   background                         the window is put away, and is back at once
 //   size WIDTH HEIGHT SCALE            points, and pixels a point
 //
-// Roles: any, row, button, switch, slider, canvas, text, heading, list, image, alert, progress, bar, group.
+// Roles: any, row, button, switch, slider, canvas, field, text, heading, list, image, alert, progress, bar, group.
 
 #include "app/tour/script.h"
 
@@ -31,11 +36,13 @@ namespace app {
 class Recorder;
 class Simulation;
 class Stage;
+class StandInDesktop;
 
 struct Tour {
     Stage& stage;
     Recorder& recorder;
     Simulation& simulation;
+    StandInDesktop& desktop;
     std::string folder; // where the pictures go
     int pictures = 0;
 };

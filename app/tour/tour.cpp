@@ -5,6 +5,7 @@
 #include "app/tour/recorder.h"
 #include "app/tour/script.h"
 #include "app/tour/stage.h"
+#include "app/tour/stand_in_desktop.h"
 #include "app/tour/steps.h"
 #include "host/foundation/files.h"
 #include "host/window/toolkit.h"
@@ -52,6 +53,7 @@ int app::playTour(host::Toolkit& toolkit, const Options& options, const Bundle& 
     if (const auto problem = prepareFolder(options.tour); !problem.empty()) return failed(problem);
     Recorder recorder(options.tour + "/log.txt");
     if (!recorder.isOpen()) return failed(options.tour + "/log.txt cannot be written");
+    recorder.watchProcesses();
     simulation.setListener([&recorder](const std::string& line) { recorder.note(line); });
     bool isInterrupted = false;
     toolkit.onTermination([&] {
@@ -61,8 +63,11 @@ int app::playTour(host::Toolkit& toolkit, const Options& options, const Bundle& 
 
     SettingsPage page(bundle, principalClass, options.size, options.scale > 0 ? options.scale : usualScale);
     if (!page.isShown()) return failed(bundle.principalClass + " makes no page");
+    toolkit.awaitFonts(); // their configuration is searched for where the variables lead
+    StandInDesktop desktop(options.tour);
+    if (!desktop.isThere()) return failed(options.tour + "/desktop cannot be written");
     Stage stage(toolkit, page.scene());
-    Tour tour{stage, recorder, simulation, options.tour};
+    Tour tour{stage, recorder, simulation, desktop, options.tour};
     int code = ExitSuccess;
     for (const ScriptLine& line : script.lines) {
         const auto problem = perform(line, tour);

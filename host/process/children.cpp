@@ -30,6 +30,21 @@ struct Children {
     }
 };
 
+std::function<void(const std::string&)>& childListener() {
+    static auto* const listener = new std::function<void(const std::string&)>;
+    return *listener;
+}
+
+void tell(int identifier, const std::string& what) {
+    // It may take itself away.
+    if (const auto listener = childListener()) listener("process " + std::to_string(identifier) + " " + what);
+}
+
+std::string ending(const ::siginfo_t& information) {
+    const std::string number = std::to_string(information.si_status);
+    return information.si_code == CLD_EXITED ? "ended with " + number : "was ended by signal " + number;
+}
+
 void finishLoading(int identifier, const std::function<void(int)>& couldNotLoad) {
     auto& children = Children::shared();
     const auto found = children.all.find(identifier);
@@ -46,11 +61,14 @@ void reapChild(int identifier) {
     if (found == children.all.end()) return;
     removeSource(found->second.ended);
     removeSource(found->second.loaded);
-    // Under the lock, so that nobody signals the identifier once it may be a stranger's.
-    const std::lock_guard lock(children.mutex);
     ::siginfo_t information{};
-    ::waitid(P_PIDFD, static_cast<::id_t>(found->second.process.get()), &information, WEXITED | WNOHANG);
-    children.all.erase(found);
+    {
+        // Under the lock, so that nobody signals the identifier once it may be a stranger's.
+        const std::lock_guard lock(children.mutex);
+        ::waitid(P_PIDFD, static_cast<::id_t>(found->second.process.get()), &information, WEXITED | WNOHANG);
+        children.all.erase(found);
+    }
+    tell(identifier, ending(information));
 }
 
 } // namespace
@@ -58,6 +76,7 @@ void reapChild(int identifier) {
 void host::adoptChild(SpawnedChild child, std::function<void(int)> couldNotLoad) {
     auto& children = Children::shared();
     const int identifier = child.identifier;
+    tell(identifier, "was started: " + child.command);
     Child* kept = nullptr;
     {
         const std::lock_guard lock(children.mutex);
@@ -72,6 +91,8 @@ void host::adoptChild(SpawnedChild child, std::function<void(int)> couldNotLoad)
         reapChild(identifier);
     });
 }
+
+void host::setChildListener(std::function<void(const std::string&)> listener) { childListener() = std::move(listener); }
 
 int host::signalChild(int identifier, int signal) {
     auto& children = Children::shared();

@@ -87,6 +87,7 @@ host::SpawnedChild host::spawn(const std::string& realPath, const std::vector<st
 
     SpawnedChild child;
     child.identifier = identifier;
+    for (const auto& word : named) child.command += (child.command.empty() ? "" : " ") + word;
     child.process.reset(::pidfd_open(identifier, 0));
     if (!child.process) {
         const int error = errno;

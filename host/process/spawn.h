@@ -11,6 +11,7 @@ namespace host {
 
 struct SpawnedChild {
     ::pid_t identifier = 0; // 0: it could not be started, and there is no child
+    std::string command;    // the program and its arguments, for people
     int error = 0;          // why not
     Descriptor process;     // readable when the child has ended
     // Open while the program is still being loaded: readable with an error number when that fails, at its end when the

@@ -72,6 +72,29 @@ class Installed(unittest.TestCase):
         new = set(self.files(self.folder.name)) - set(before)
         allowed = ("tour/", "home/.local/share/", "home/.cache/", "home/run/")
         self.assertEqual([path for path in sorted(new) if not path.startswith(allowed)], [])
+        self.check_tour(os.path.join(self.folder.name, "tour"))
+
+    def check_tour(self, folder):
+        """The pictures and the log show the whole job, and what really went out meanwhile."""
+        names = " ".join(name[4:-4] for name in self.files(folder) if name.endswith(".png"))
+        for step in ("first-start", "sync-button", "x-home-1", "x-home-2", "x-home-3", "dualshock4", "by-hand-ps3",
+                     "no-controller", "paired", "connected", "picker-dragged", "picker-tapped", "ambient-on",
+                     "ambient-off", "disconnected", "extended-warning", "keymap-remapped", "no-mail",
+                     "message-addressed", "tool-missing", "daemon-away", "daemon-back"):
+            self.assertIn(step, names)
+        with open(os.path.join(folder, "log.txt"), encoding="utf-8") as file:
+            log = "\n".join(line for line in file.read().splitlines() if "  > " not in line)
+        for frame in ("QueryConnection", "Connect", "Disconnect", "EndSession", "SetLEDColor", "RestartDaemons"):
+            self.assertTrue(re.search(rf"jvnd: \d+ < [0-9a-f ]+ \| {frame}\b", log), f"no frame {frame}")
+        for line in (r"notification com\.quorrel\.jvnprefs\.changed", r"notification com\.quorrel\.jvninitbt",
+                     r"notification com\.quorrel\.jvnfailure", r"file /var/mobile.*: controller_type = 6",
+                     r"process \d+ was started: .*/usr/bin/jvndiscovery", r"process \d+ ended with 0",
+                     r"was started: .*/browser http://.*/sixpair_instructions\.html",
+                     r"was started: .*/mail-program /.*\.eml", r"log launch /usr/bin/jvndiscovery: No such file"):
+            self.assertTrue(re.search(line, log), f"nothing like {line} in the tour's log")
+        with open(os.path.join(folder, "message.eml"), encoding="ascii") as file:
+            self.assertIn("To: ann@home.example\n", file.read())
+        self.assertFalse(os.path.exists(os.path.join(folder, "desktop")), "the stand-ins go with the tour")
 
     def test_manual_and_completion_know_the_options_that_help_prints(self):
         printed = set(re.findall(r"--[a-z]+", self.run_program("--help").stdout))

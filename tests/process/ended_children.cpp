@@ -1,3 +1,4 @@
+#include "host/process/children.h"
 #include "tests/process/process_test.h"
 #include "tests/support/descriptors.h"
 
@@ -17,6 +18,27 @@ TEST_F(EndedChildren, AToolThatEndsIsReapedAndKeepsItsIdentifier) {
     EXPECT_TRUE(goes(*task));
 
     EXPECT_EQ(identifier, task->processIdentifier());
+}
+
+TEST_F(EndedChildren, AListenerHearsOfTheStartAndOfHowItEnded) {
+    std::vector<std::string> heard;
+    host::setChildListener([&](const std::string& sentence) { heard.push_back(sentence); });
+
+    const auto first = launch({"exit", "3"});
+    goes(*first);
+    const auto second = launch({"wait"});
+    platform::kill(second->processIdentifier(), SIGKILL);
+    goes(*second);
+    m_loop.runUntil([&] { return heard.size() == 4; });
+    host::setChildListener(nullptr);
+    goes(*launch({"exit", "0"}));
+
+    const auto named = [](const NSTask& task) { return "process " + std::to_string(task.processIdentifier()); };
+    const std::string tool = host::hostPath("/usr/bin/tool");
+    EXPECT_EQ(heard, (std::vector<std::string>{named(*first) + " was started: " + tool + " exit 3",
+                                               named(*first) + " ended with 3",
+                                               named(*second) + " was started: " + tool + " wait",
+                                               named(*second) + " was ended by signal 9"}));
 }
 
 TEST_F(EndedChildren, ASignalReachesARunningToolAndNotAnEndedOne) {

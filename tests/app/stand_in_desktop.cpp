@@ -1,0 +1,48 @@
+#include "app/tour/stand_in_desktop.h"
+
+#include "host/mail/default_application.h"
+#include "tests/support/temporary_folder.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+
+namespace {
+
+bool has(const char* mediaType) { return host::defaultApplication(mediaType).has_value(); }
+
+TEST(StandInDesktop, HasABrowserAndMailOnlyWhenItIsToHaveIt) {
+    const testing_support::TemporaryFolder folder;
+    app::StandInDesktop desktop(folder.path());
+    ASSERT_TRUE(desktop.isThere());
+
+    EXPECT_TRUE(has("x-scheme-handler/http"));
+    EXPECT_FALSE(has("message/rfc822"));
+    EXPECT_TRUE(desktop.setHasMail(true));
+    EXPECT_TRUE(has("message/rfc822"));
+    EXPECT_TRUE(desktop.setHasMail(false));
+    EXPECT_FALSE(has("message/rfc822"));
+}
+
+TEST(StandInDesktop, LeavesTheUsersFoldersAndItsOwnFolderAsTheyWere) {
+    const testing_support::TemporaryFolder folder;
+    ::setenv("XDG_DATA_HOME", "/the/users/own", 1);
+    ::unsetenv("XDG_CONFIG_HOME");
+    {
+        const app::StandInDesktop desktop(folder.path());
+        EXPECT_STRNE("/the/users/own", ::getenv("XDG_DATA_HOME"));
+        EXPECT_TRUE(::getenv("XDG_CONFIG_HOME"));
+    }
+    EXPECT_STREQ("/the/users/own", ::getenv("XDG_DATA_HOME"));
+    EXPECT_FALSE(::getenv("XDG_CONFIG_HOME"));
+    EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
+    ::unsetenv("XDG_DATA_HOME");
+}
+
+TEST(StandInDesktop, InAFolderThatCannotBeWrittenIsNotThere) {
+    const app::StandInDesktop desktop("/proc/self");
+    EXPECT_FALSE(desktop.isThere());
+}
+
+} // namespace
