@@ -72,6 +72,21 @@ TEST_F(SimulationTest, AFolderThatOthersUseStays) {
     EXPECT_FALSE(fs::exists(fs::symlink_status(under(tool))));
 }
 
+TEST_F(SimulationTest, ToolsCanBeTakenAwayAndPutBack) {
+    {
+        app::Simulation simulation;
+        ASSERT_TRUE(simulation.start(bundle("", "jvndiscovery"), problem));
+
+        simulation.removeTools();
+        EXPECT_FALSE(fs::exists(fs::symlink_status(under(tool))));
+        simulation.placeTools(problem);
+
+        EXPECT_EQ(problem, "");
+        EXPECT_TRUE(fs::is_regular_file(under(tool)));
+    }
+    EXPECT_TRUE(isEmpty());
+}
+
 TEST_F(SimulationTest, AToolOfTheUsersOwnStaysInItsPlace) {
     fs::create_directories(under("/usr/bin"));
     std::ofstream(under(tool)) << "mine";

@@ -103,6 +103,10 @@ class Tour(unittest.TestCase):
             picture controls
             key escape
             wait gone slider *
+            desktop install mail
+            desktop remove mail
+            background
+            type "nobody listens"
             tap row "Show Alert"
             wait alert "Which one*"
             tap button Left
@@ -144,6 +148,9 @@ class Tour(unittest.TestCase):
             "picture": "picture: takes a name",
             "say": "say: takes a text",
             "watch clouds x": 'watch: takes "notification" or "file", and its name',
+            "type a b": "type: takes a text",
+            "desktop install": 'desktop: takes "install mail" or "remove mail"',
+            "background now": "background: takes nothing",
             "simulator": "simulator: takes what is to be said",
             "simulator connected": "simulator: the stand-in does not listen",
             "size 1 2": "size: takes three numbers above 0",
