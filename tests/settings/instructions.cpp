@@ -183,6 +183,27 @@ TEST_F(Instructions, CancelDismissesAndSendsNothing) {
     EXPECT_FALSE(std::filesystem::exists(desktop.dataHome() + "/joyvane/message.eml"));
 }
 
+TEST_F(Instructions, ComposerSlidesInAndOutWhateverBecameOfTheMessage) {
+    desktop.install("message/rfc822", "mailer");
+    show();
+    using Result = MFMailComposeResult;
+    for (const auto result : {Result::Cancelled, Result::Saved, Result::Sent, Result::Failed}) {
+        page->emailInstructions();
+        EXPECT_TRUE(app.scene().isAnimating());
+        app.settle();
+        const auto composer =
+            std::dynamic_pointer_cast<MFMailComposeViewController>(app.navigation()->presentedViewController());
+        ASSERT_TRUE(composer);
+
+        page->mailComposeController_didFinishWithResult_error(*composer, result, nullptr);
+
+        EXPECT_TRUE(app.scene().isAnimating());
+        app.settle();
+        EXPECT_FALSE(app.navigation()->presentedViewController());
+        EXPECT_EQ(app.alert(), std::nullopt);
+    }
+}
+
 TEST_F(Instructions, FailedSendDismissesAndIsNotReportedByThePage) {
     openComposer();
     desktop.removeProgram("mailer");
