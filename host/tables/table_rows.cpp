@@ -3,6 +3,7 @@
 #include "host/tables/cell_internals.h"
 #include "host/tables/table_state.h"
 #include "platform/log.h"
+#include "platform/uikit/UIScreen.h"
 
 #include <algorithm>
 #include <utility>
@@ -29,8 +30,9 @@ void UITableView::State::askForSections() {
 void UITableView::State::layOut() {
     const double width = table.bounds().size.width;
     // The cache serves the many reloads of one page, not texts without end.
-    if (width != laidOutWidth || measured.size() > 5000) measured.clear();
+    if (!isLaidOutForNow() || measured.size() > 5000) measured.clear();
     laidOutWidth = width;
+    laidOutScale = UIScreen::mainScreen()->scale();
     double top = 0;
     if (headerView) {
         top = headerView->bounds().size.height;
@@ -47,9 +49,13 @@ void UITableView::State::layOut() {
 void UITableView::State::update() {
     if (!isLoaded)
         askForSections();
-    else if (laidOutWidth != table.bounds().size.width)
+    else if (!isLaidOutForNow())
         layOut();
     showVisibleItems();
+}
+
+bool UITableView::State::isLaidOutForNow() const {
+    return laidOutWidth == table.bounds().size.width && laidOutScale == UIScreen::mainScreen()->scale();
 }
 
 void UITableView::State::showVisibleItems() {

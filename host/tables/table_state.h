@@ -38,6 +38,8 @@ struct UITableView::State {
     void layOut();
     // Brings the cells on screen up to date with the data and the place; cheap when they are.
     void update();
+    // As far as the table's width and the screen's pixels go.
+    bool isLaidOutForNow() const;
     void showVisibleItems();
     std::shared_ptr<UITableViewCell> cellAt(host::TableRow row) const; // nil when not on screen
     std::optional<host::TableRow> rowOf(const UIView& view) const;     // of the cell that is or holds the view
@@ -85,6 +87,7 @@ struct UITableView::State {
 
     host::TableGeometry geometry;
     double laidOutWidth = -1;
+    double laidOutScale = 0; // of the screen: on pixels of another size texts have another height
     bool isLoaded = false;
     bool isShowing = false;
     std::uint64_t generation = 0; // of the data; a data source may change it while it is asked

@@ -15,6 +15,15 @@
 
 namespace host {
 
+namespace {
+
+void layOutAnew(UIView& view) {
+    view.setNeedsLayout();
+    for (const auto& subview : view.subviews()) layOutAnew(*subview);
+}
+
+} // namespace
+
 WindowScene::WindowScene(CGSize points, double scale) : m_scale(scale) {
     setMainScreen(points, scale);
     m_window = UIWindow::alloc()->initWithFrame({{0, 0}, points});
@@ -38,6 +47,8 @@ WindowScene::~WindowScene() {
 CGSize WindowScene::size() const { return m_window->bounds().size; }
 
 void WindowScene::resize(CGSize points, double scale) {
+    // Lines are a pixel wide, and texts as high as their pixels: all of them have other sizes now.
+    if (scale != m_scale) layOutAnew(*m_window);
     m_scale = scale;
     setMainScreen(points, scale);
     m_window->setFrame({{0, 0}, points});

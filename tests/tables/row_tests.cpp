@@ -86,6 +86,26 @@ TEST_F(TableRows, HeadersRowsAndFootersStandInReadingOrder) {
     EXPECT_EQ(order(), "H0 a b F0 H1 c");
 }
 
+TEST_F(TableRows, TextsAreMeasuredAnewForPixelsOfAnotherSize) {
+    show({{"a"}, {"b"}});
+    rows->footers = {"A footer of so many words that a line of this window holds only the first of them, and two more "
+                     "lines, or three, hold the others."};
+    table->reloadData();
+    const auto footer = [&] {
+        for (const auto& view : table->subviews())
+            if (const auto label = std::dynamic_pointer_cast<UILabel>(view)) return label;
+        return std::shared_ptr<UILabel>();
+    };
+    for (const double scale : {2.0, 1.0, 3.0}) {
+        scene.resize({320, 480}, scale);
+        scene.prepareFrame();
+        const auto label = footer();
+        ASSERT_TRUE(label);
+        EXPECT_NEAR(label->bounds().size.height, label->sizeThatFits({label->bounds().size.width, 1e6}).height, 1)
+            << scale;
+    }
+}
+
 TEST_F(TableRows, OrderOfTheTreeFollowsScrollingInBothDirections) {
     show({numbered(100)});
     table->setContentOffset({0, 2000});
