@@ -10,7 +10,7 @@ NS_CLASS_IMPLEMENTATION(UISwitch, UIControl, method<&UISwitch::handleTap>("handl
 namespace {
 
 constexpr CGSize size{51, 31};
-constexpr double rim = 1.5; // of the grey frame round the knob
+constexpr double rim = 1.5; // of the track, round the knob
 constexpr double knobDiameter = 28;
 constexpr double pressedKnobWidth = 34; // under a finger the knob is wider
 constexpr double animationSeconds = 0.25;
@@ -28,7 +28,8 @@ std::shared_ptr<CALayer> capsule(const std::shared_ptr<UIColor>& color) {
 }
 
 std::shared_ptr<UIColor> green() { return UIColor::colorWithRed_green_blue_alpha(0.298, 0.851, 0.392, 1); }
-std::shared_ptr<UIColor> grey() { return UIColor::colorWithWhite_alpha(0.898, 1); }
+// Dark enough beside the white of knob and page for every eye to see where the knob stands.
+std::shared_ptr<UIColor> grey() { return UIColor::colorWithWhite_alpha(0.57, 1); }
 
 void setCapsuleFrame(CALayer& layer, CGRect frame) {
     layer.setFrame(frame);
@@ -48,10 +49,6 @@ std::shared_ptr<UISwitch> UISwitch::initWithFrame(CGRect frame) {
     m_track = capsule(grey());
     setCapsuleFrame(*m_track, {{0, 0}, size});
     layer()->addSublayer(m_track);
-
-    m_hollow = capsule(UIColor::whiteColor());
-    setCapsuleFrame(*m_hollow, CGRectInset({{0, 0}, size}, rim, rim));
-    layer()->addSublayer(m_hollow);
 
     m_knob = CALayer::layer();
     for (const Shadow& shadow : shadows) m_knob->addSublayer(capsule(UIColor::colorWithWhite_alpha(0, shadow.alpha)));
@@ -88,7 +85,6 @@ void UISwitch::place(bool on) {
                         CGRectOffset(CGRectInset(disc, -shadows[i].spread, -shadows[i].spread), 0, shadows[i].drop));
     setCapsuleFrame(*discs.back(), disc);
     m_track->setBackgroundColor((on ? green() : grey())->CGColor());
-    m_hollow->setAffineTransform(on || m_pressed ? CGAffineTransformMakeScale(0.01, 0.01) : CGAffineTransformIdentity);
 }
 
 void UISwitch::show(bool on, bool animated) {

@@ -38,8 +38,7 @@ private:
     void show(bool on, bool animated);
     void place(bool on);
 
-    std::shared_ptr<CALayer> m_track; // green, or grey with a paler middle
-    std::shared_ptr<CALayer> m_hollow;
+    std::shared_ptr<CALayer> m_track; // green or grey
     std::shared_ptr<CALayer> m_knob; // with its shadow
     bool m_on = false;
     bool m_shownOn = false; // while a finger drags, where the knob is
