@@ -102,6 +102,8 @@ host::Toolkit::Toolkit(const ToolkitOptions& options) : m_state(std::make_unique
     // Dead keys and the compose key make their letters in text fields; everywhere else keys are heard as keys. Input
     // methods that are processes of their own stay away: one that hangs would keep us from starting.
     setVariableForUsAlone("QT_IM_MODULE", "compose");
+    // The toolkit's own event loop does, and takes less of everything than the desktop's.
+    setVariableForUsAlone("QT_NO_GLIB", "1");
     // A send to a peer that has hung up reports an error and is no reason to die.
     std::signal(SIGPIPE, SIG_IGN);
     state.fonts = std::async(std::launch::async, readFontConfiguration);

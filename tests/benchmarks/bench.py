@@ -194,7 +194,7 @@ def main():
     parser.add_argument("build")
     parser.add_argument("--quick", action="store_true", help="few rounds, to see that it works")
     parser.add_argument("names", nargs="*", metavar="NAME")
-    options = parser.parse_args()
+    options = parser.parse_intermixed_args()
     bench = Bench(options.build, options.quick)
     groups = {
         "first frame, peak memory, wake-ups": bench.windows,
