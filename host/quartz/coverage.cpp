@@ -7,7 +7,7 @@ namespace host {
 namespace {
 
 std::uint32_t rounded(double coverage) {
-    return static_cast<std::uint32_t>(std::min(std::abs(coverage), 1.0) * CoveredRun::whole + 0.5);
+    return static_cast<std::uint32_t>(std::lround(std::min(std::abs(coverage), 1.0) * CoveredRun::whole));
 }
 
 } // namespace

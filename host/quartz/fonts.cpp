@@ -49,7 +49,7 @@ bool isVague(const QString& family) {
 QString chooseSystemFamily() {
     const QStringList known = QFontDatabase::families();
     if (std::all_of(known.begin(), known.end(), isVague)) return {};
-    const QString desktop = QGuiApplication::font().family();
+    QString desktop = QGuiApplication::font().family();
     const bool isThere = !isVague(desktop) && known.contains(desktop, Qt::CaseInsensitive);
     if (isThere && !QFontDatabase::isFixedPitch(desktop)) return desktop;
     // For a vague name rather the face that we know.

@@ -5,16 +5,21 @@
 
 namespace host {
 
+namespace {
+constexpr double nothing = 0.5; // so that cutting a component rounds it
+}
+
 GradientRows::GradientRows(CGPoint start, CGPoint end, std::span<const CGColorRef> colors, double alpha,
                            const PixelRect& pixels)
     : m_pixels(pixels), m_start(start), m_row(static_cast<std::size_t>(std::max(pixels.width(), 0))),
       m_madeFor(pixels.top - 1) {
     for (const CGColorRef& color : colors) {
-        Premultiplied& made = m_colors.emplace_back(Premultiplied{});
+        Premultiplied& made = m_colors.emplace_back(Premultiplied{nothing, nothing, nothing, nothing});
         if (!color || std::isnan(color->red + color->green + color->blue + color->alpha + alpha)) continue;
         const auto unit = [](double component) { return std::clamp(component, 0.0, 1.0); };
         const double weight = 255 * unit(unit(color->alpha) * alpha);
-        made = {unit(color->blue) * weight, unit(color->green) * weight, unit(color->red) * weight, weight};
+        made = {unit(color->blue) * weight + nothing, unit(color->green) * weight + nothing,
+                unit(color->red) * weight + nothing, weight + nothing};
     }
     const CGPoint way{end.x - start.x, end.y - start.y};
     const double squared = way.x * way.x + way.y * way.y;
@@ -30,7 +35,7 @@ std::uint32_t GradientRows::colorAt(double part) const {
     const double share = at - static_cast<double>(index);
     std::uint32_t pixel = 0;
     for (std::size_t i = 0; i < from.size(); ++i)
-        pixel |= static_cast<std::uint32_t>(from[i] + (to[i] - from[i]) * share + 0.5) << (8 * i);
+        pixel |= static_cast<std::uint32_t>(from[i] + (to[i] - from[i]) * share) << (8 * i);
     return pixel;
 }
 

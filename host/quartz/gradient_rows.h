@@ -20,7 +20,7 @@ public:
     const std::uint32_t* at(int x, int y) override;
 
 private:
-    using Premultiplied = std::array<double, 4>; // blue, green, red, alpha, from 0 to 255
+    using Premultiplied = std::array<double, 4>; // blue, green, red, alpha, from 0 to 255, and a half
 
     std::uint32_t colorAt(double part) const;
 
