@@ -1,6 +1,9 @@
 // A brightness change makes colours and nothing else. Counts every allocation of the process, so it is a program alone.
 
+#include "colourpicker/ZKBrightnessSlider.h"
 #include "colourpicker/ZKColorMapView.h"
+#include "colourpicker/ZKColorPickerView.h"
+#include "platform/foundation/id.h"
 #include "tests/colourpicker/picker_scene.h"
 
 #include <gtest/gtest.h>
@@ -53,4 +56,26 @@ TEST(BrightnessAllocations, NewColourOfTheMapTakesNone) {
     map->setColor(color);
 
     EXPECT_EQ(allocationsOf([&] { map->setColor(dimmer); }), 0);
+}
+
+TEST(BrightnessAllocations, BrightnessOfThePickerTakesThoseOfItsTwoNewColours) {
+    PickerScene window{{320, 460}};
+    const auto picker = ZKColorPickerView::alloc()->init();
+    window.show(picker, {{0, 0}, {320, 460}});
+    const auto map = window.keep(std::static_pointer_cast<ZKColorMapView>(picker->colorMapView().view()));
+    ASSERT_TRUE(window.waitForField(*map));
+    const auto slider = std::static_pointer_cast<ZKBrightnessSlider>(picker->brightnessSlider().view());
+    const auto brightnessChanged = [&] { objc_msgSend(*picker, "brightnessChanged:", {id(slider)}); };
+    picker->setColor(hsb(0.5, 1, 0.9)); // nothing that is pale, for which the cursor would take other colours
+    brightnessChanged();
+    slider->setColor(hsb(0.5, 1, 0.6));
+
+    std::shared_ptr<UIColor> one, other;
+    const long ofTwoColours = allocationsOf([&] {
+        one = picker->color();
+        other = picker->color();
+    });
+    EXPECT_GT(ofTwoColours, 0);
+    EXPECT_EQ(allocationsOf(brightnessChanged), ofTwoColours);
+    EXPECT_NEAR(hsba(picker->color()).brightness, 0.6, 1e-6);
 }
