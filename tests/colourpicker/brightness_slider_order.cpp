@@ -70,6 +70,13 @@ TEST_F(BrightnessSliderOrder, ChangedWithoutATouchOnlyShrinksTheCursor) {
     EXPECT_FALSE(slider->brightnessCursor()->editing());
 }
 
+TEST_F(BrightnessSliderOrder, TapBeforeItsEndIsIgnored) {
+    const auto events = EventLog::listeningTo(*slider);
+    ScriptedTap::on(slider)->send(UIGestureRecognizerStateChanged, CGPoint{134, 15});
+    EXPECT_EQ(events->take(), "");
+    EXPECT_EQ(slider->brightness()->doubleValue(), 1);
+}
+
 TEST_F(BrightnessSliderOrder, ColourAndLimitSetFromOutsideSendNothing) {
     const auto events = EventLog::listeningTo(*slider);
     slider->setColor(hsb(0.1, 0.2, 0.5));

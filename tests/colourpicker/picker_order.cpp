@@ -196,6 +196,14 @@ TEST_F(PickerOrder, ReplacedMapAndSwatchStayOnScreenAndTheMapIsStillHeard) {
     EXPECT_EQ(rgba(picker->color()).green, 1);
 }
 
+TEST_F(PickerOrder, NilMapMakesWayForANewDefaultOne) {
+    install();
+    picker->setColorMapView(nullptr);
+    const auto made = std::dynamic_pointer_cast<ZKColorMapView>(picker->colorMapView().view());
+    ASSERT_TRUE(made);
+    EXPECT_EQ(window.keep(made)->superview(), picker);
+}
+
 TEST_F(PickerOrder, MapIsAskedForItsSizeOnceItHasAllThatIsFreeBelowTheBand) {
     picker->setColorMapView(map);
     show({300, 500});
