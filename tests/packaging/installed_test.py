@@ -7,6 +7,7 @@ import hashlib
 import os
 import plistlib
 import re
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -108,6 +109,11 @@ class Installed(unittest.TestCase):
         component = xml.etree.ElementTree.parse(
             os.path.join(self.prefix, "share/metainfo/com.quorrel.joyvane.metainfo.xml")).getroot()
         self.assertEqual(component.findtext("launchable"), "com.quorrel.joyvane.desktop")
+        if shutil.which("appstreamcli"):
+            said = subprocess.run(["appstreamcli", "validate", "--no-net",
+                                   os.path.join(self.prefix, "share/metainfo/com.quorrel.joyvane.metainfo.xml")],
+                                  capture_output=True, text=True, check=False)
+            self.assertEqual(said.returncode, 0, said.stdout)
         self.assertRegex(component.find("releases/release").get("version"), r"^\d+\.\d+\.\d+$")
         with open(os.path.join(self.prefix, "share/applications/com.quorrel.joyvane.desktop"), encoding="utf-8") as file:
             self.assertIn("Icon=com.quorrel.joyvane\n", file.read())
