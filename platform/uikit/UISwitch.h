@@ -39,7 +39,7 @@ private:
     void place(bool on);
 
     std::shared_ptr<CALayer> m_track; // green or grey
-    std::shared_ptr<CALayer> m_knob; // with its shadow
+    std::shared_ptr<CALayer> m_knob;  // with its shadow
     bool m_on = false;
     bool m_shownOn = false; // while a finger drags, where the knob is
     bool m_pressed = false;
