@@ -36,6 +36,9 @@ enum Kind : std::uint8_t {
 };
 
 std::uint64_t bigEndian(Bytes bytes) {
+    // Nearly always.
+    if (bytes.size() == 1) return bytes[0];
+    if (bytes.size() == 2) return static_cast<std::uint64_t>(bytes[0] << 8 | bytes[1]);
     std::uint64_t value = 0;
     for (const std::uint8_t byte : bytes) value = value << 8 | byte;
     return value;
@@ -71,6 +74,7 @@ private:
         std::uint32_t bytes = 0;
         std::uint8_t height = 0; // levels of containers
         bool isOpen = false;     // being looked at: a reference to it closes a circle
+        bool isText = false;
     };
 
     bool refuse(const char* reason) {
@@ -188,14 +192,15 @@ bool BinaryReader::readObject(std::size_t index, Object& object) {
 bool BinaryReader::examine(std::size_t index, std::size_t depth) {
     Object object;
     if (!readObject(index, object)) return false;
-    Facts facts{.values = 1};
+    Facts& facts = m_facts[index];
+    facts.values = 1;
     if (object.kind == KindArray || object.kind == KindDictionary) {
         if (depth > propertyListMaximumDepth) return refuse("is nested deeper than 64");
         // Objects may overlap, so that a small file can hold many long ones: the work has the same bound as the values.
         m_references += object.count;
         if (m_references > propertyListMaximumValues) return refuse("holds more than 100000 values");
         facts.height = 1;
-        m_facts[index].isOpen = true;
+        facts.isOpen = true;
         const std::size_t keys = object.kind == KindDictionary ? object.count : 0;
         for (std::size_t i = 0; i < keys; ++i)
             if (!examineChild(facts, reference(object, i), depth, true)) return false;
@@ -206,8 +211,9 @@ bool BinaryReader::examine(std::size_t index, std::size_t depth) {
         if (m_scalarBytes > mostBytes) return refuse("repeats its contents too often");
         if (!isScalarSound(object)) return false;
         facts.bytes = static_cast<std::uint32_t>(object.body.size());
+        facts.isText = object.kind == KindASCII || object.kind == KindUTF16;
     }
-    m_facts[index] = facts;
+    facts.isOpen = false;
     return true;
 }
 
@@ -218,9 +224,7 @@ bool BinaryReader::examineChild(Facts& parent, std::size_t index, std::size_t de
     const Facts& child = m_facts[index];
     if (depth + child.height > propertyListMaximumDepth) return refuse("is nested deeper than 64");
     if (isKey) {
-        Object object;
-        if (!readObject(index, object)) return false;
-        if (object.kind != KindASCII && object.kind != KindUTF16) return refuse("has a key that is no text");
+        if (!child.isText) return refuse("has a key that is no text");
     } else {
         parent.values += child.values;
     }
