@@ -146,6 +146,7 @@ TEST_F(Connection, DisconnectingSendsDisconnectAndEndSessionAndReadsNothing) {
     start(answering(reply(0, 0), {}));
     show(1, 1, {{"PS4BluetoothAddress", NSData::dataWithBytes(address)}});
     ASSERT_TRUE(app.waitUntil([&] { return page->connectSpecifier()->name() == "Disconnect Controller"; }));
+    ASSERT_TRUE(daemon->waitForConnections(1)); // that query is noted
     daemon->setScript([](DaemonPeer& peer) { peer.readToEnd(); });
 
     EXPECT_EQ(exchange(), "00 00 00 00 01 00 00 00 00 00 00 00 06 00 00 00 01 00 00 00 00 00 00 00");
