@@ -1,12 +1,11 @@
 #include "colourpicker/ZKBrightnessSlider.h"
 
 #include "colourpicker/ZKBrightnessCursor.h"
+#include "colourpicker/finger.h"
 #include "platform/quartz/CAGradientLayer.h"
 #include "platform/quartz/CATransaction.h"
 #include "platform/runtime/method.h"
-#include "platform/uikit/UIPanGestureRecognizer.h"
 #include "platform/uikit/UIScreen.h"
-#include "platform/uikit/UITapGestureRecognizer.h"
 
 #include <algorithm>
 #include <utility>
@@ -128,16 +127,14 @@ void ZKBrightnessSlider::setBrightnessLowerLimit(std::optional<NSNumber> limit) 
 }
 
 void ZKBrightnessSlider::handleTap(const std::shared_ptr<UITapGestureRecognizer>& recognizer) {
-    if (!recognizer || recognizer->state() != UIGestureRecognizerStateEnded) return;
-    if (recognizer->numberOfTouches() > 0) tappedAtPoint(recognizer->locationOfTouch_inView(0, this));
+    if (const auto point = tappedPoint(recognizer, this)) tappedAtPoint(*point);
 }
 
 void ZKBrightnessSlider::handlePan(const std::shared_ptr<UIPanGestureRecognizer>& recognizer) {
-    if (!recognizer) return;
-    const bool ended = recognizer->state() == UIGestureRecognizerStateEnded;
-    if (!ended && recognizer->state() != UIGestureRecognizerStateChanged) return;
-    if (recognizer->numberOfTouches() > 0)
-        pannedToPoint_ended(recognizer->locationOfTouch_inView(0, this), ended);
+    const auto step = panStep(recognizer, this);
+    if (!step) return;
+    if (step->point)
+        pannedToPoint_ended(*step->point, step->ended);
     else
         panLifted();
 }

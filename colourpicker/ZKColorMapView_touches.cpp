@@ -3,8 +3,7 @@
 #include "colourpicker/HSVColor.h"
 #include "colourpicker/ZKColorCursor.h"
 #include "colourpicker/ZKColorMapView.h"
-#include "platform/uikit/UIPanGestureRecognizer.h"
-#include "platform/uikit/UITapGestureRecognizer.h"
+#include "colourpicker/finger.h"
 
 namespace {
 // Of all maps of the process.
@@ -12,18 +11,16 @@ CGPoint lastPanLocation;
 } // namespace
 
 void ZKColorMapView::handleTap(const std::shared_ptr<UITapGestureRecognizer>& recognizer) {
-    if (!recognizer || recognizer->state() != UIGestureRecognizerStateEnded) return;
-    if (recognizer->numberOfTouches() > 0) tappedAtPoint(recognizer->locationOfTouch_inView(0, this));
+    if (const auto point = tappedPoint(recognizer, this)) tappedAtPoint(*point);
 }
 
 void ZKColorMapView::handlePan(const std::shared_ptr<UIPanGestureRecognizer>& recognizer) {
-    if (!recognizer) return;
-    const bool ended = recognizer->state() == UIGestureRecognizerStateEnded;
-    if (!ended && recognizer->state() != UIGestureRecognizerStateChanged) return;
-    if (recognizer->numberOfTouches() > 0)
-        pannedToPoint_ended(recognizer->locationOfTouch_inView(0, this), ended);
+    const auto step = panStep(recognizer, this);
+    if (!step) return;
+    if (step->point)
+        pannedToPoint_ended(*step->point, step->ended);
     else
-        panLifted_ended(ended);
+        panLifted_ended(step->ended);
 }
 
 void ZKColorMapView::tappedAtPoint(CGPoint point) { update_sendUpdates(point, /*sendUpdates*/ true); }
