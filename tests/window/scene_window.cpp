@@ -24,10 +24,11 @@ struct Stage {
     }
     // How often the loop had something to do in that time, the end of which is one.
     static int turnsIn(int milliseconds) {
-        bool isOver = false;
-        QTimer::singleShot(milliseconds, [&isOver] { isOver = true; });
+        QTimer end;
+        end.setSingleShot(true);
+        end.start(milliseconds);
         int turns = 0;
-        for (; !isOver; ++turns) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        for (; end.isActive(); ++turns) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
         return turns;
     }
     template <class Condition> static bool runUntil(Condition condition) {
