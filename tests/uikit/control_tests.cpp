@@ -9,6 +9,11 @@ protected:
         recorder->name = name;
         return recorder;
     }
+    std::shared_ptr<UISwitch> switchHeardBy(const std::shared_ptr<Recorder>& recorder) {
+        const auto toggle = add<UISwitch>({{100, 100}, {51, 31}});
+        toggle->addTarget_action_forControlEvents(recorder, "valueChanged:", UIControlEventValueChanged);
+        return toggle;
+    }
 };
 
 // Writes each call into one shared log.
@@ -158,9 +163,8 @@ TEST_F(Controls, DisabledControlSendsNothing) {
 }
 
 TEST_F(Controls, TapTurnsASwitchAndSendsOneEvent) {
-    const auto toggle = add<UISwitch>({{100, 100}, {51, 31}});
     const auto recorder = named("");
-    toggle->addTarget_action_forControlEvents(recorder, "valueChanged:", UIControlEventValueChanged);
+    const auto toggle = switchHeardBy(recorder);
 
     touches.tap(*toggle);
     EXPECT_TRUE(toggle->isOn());
@@ -172,9 +176,8 @@ TEST_F(Controls, TapTurnsASwitchAndSendsOneEvent) {
 }
 
 TEST_F(Controls, DragAcrossTurnsASwitchOnceAtItsEnd) {
-    const auto toggle = add<UISwitch>({{100, 100}, {51, 31}});
     const auto recorder = named("");
-    toggle->addTarget_action_forControlEvents(recorder, "valueChanged:", UIControlEventValueChanged);
+    const auto toggle = switchHeardBy(recorder);
 
     touches.press({105, 115});
     touches.move({140, 115});
@@ -193,9 +196,8 @@ TEST_F(Controls, DragAcrossTurnsASwitchOnceAtItsEnd) {
 }
 
 TEST_F(Controls, SettingASwitchSendsNothing) {
-    const auto toggle = add<UISwitch>({{100, 100}, {51, 31}});
     const auto recorder = named("");
-    toggle->addTarget_action_forControlEvents(recorder, "valueChanged:", UIControlEventValueChanged);
+    const auto toggle = switchHeardBy(recorder);
 
     toggle->setOn_animated(true, /*animated=*/true);
 
