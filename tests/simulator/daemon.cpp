@@ -29,12 +29,17 @@ protected:
     // Until it hears: it connects to the bus in its own time, and answers us meanwhile.
     bool isOnTheBus() {
         const testing_support::BusPeer peer(m_bus.address());
-        for (int i = 0; i < 2000 && !m_daemon.hasSaid("heard com.quorrel.jvnprefs.changed"); ++i) {
+        // It asks for the two one after the other, and may hear one of them first.
+        const auto hearsBoth = [this] {
+            return m_daemon.hasSaid("heard com.quorrel.jvnprefs.changed") &&
+                   m_daemon.hasSaid("heard com.quorrel.jvninitbt");
+        };
+        for (int i = 0; i < 2000 && !hearsBoth(); ++i) {
             peer.emitSignal("/com/quorrel", "com.quorrel", "jvninitbt");
             peer.emitSignal("/com/quorrel/jvnprefs", "com.quorrel.jvnprefs", "changed");
             query();
         }
-        return m_daemon.hasSaid("heard com.quorrel.jvnprefs.changed");
+        return hearsBoth();
     }
     double milliseconds(const std::function<void()>& work) const {
         const auto start = std::chrono::steady_clock::now();
@@ -125,10 +130,7 @@ TEST_F(JVND, HangsUpOnACommandThatThereIsNot) {
     EXPECT_EQ("7", state(query()));
 }
 
-TEST_F(JVND, HearsNotifications) {
-    EXPECT_TRUE(isOnTheBus());
-    EXPECT_TRUE(m_daemon.hasSaid("heard com.quorrel.jvninitbt"));
-}
+TEST_F(JVND, HearsNotifications) { EXPECT_TRUE(isOnTheBus()); }
 
 TEST_F(JVND, CanRefuseConnectionsAndBeDeaf) {
     for (const auto* const line : {"refuse", "deaf"}) {
