@@ -10,6 +10,7 @@ namespace host {
 namespace {
 
 constexpr int mostKeptPixels = 200; // wide or high
+constexpr int rowsAtATime = 16;
 
 struct Key {
     std::vector<CGPathElement> path;
@@ -36,10 +37,16 @@ PixelRect pixelsOf(const Outline& outline) {
     return {edge(std::floor(left)), edge(std::floor(top)), edge(std::ceil(right)), edge(std::ceil(bottom))};
 }
 
+// A few rows at a time: a shape as large as a window needs much room for its cells, and little for its runs.
 CoveredRuns covered(const Outline& outline, const PixelRect& pixels) {
-    Coverage coverage(pixels);
-    coverage.add(outline);
-    return coverage.runs();
+    auto runs = std::make_shared<std::vector<CoveredRun>>();
+    for (int top = pixels.top; top < pixels.bottom; top += rowsAtATime) {
+        Coverage coverage({pixels.left, top, pixels.right, std::min(top + rowsAtATime, pixels.bottom)});
+        coverage.add(outline);
+        const CoveredRuns found = coverage.runs();
+        runs->insert(runs->end(), found->begin(), found->end());
+    }
+    return runs;
 }
 
 // nullptr: not to be had without `clip`, because the path is too large, or not at all.
