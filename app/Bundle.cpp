@@ -1,8 +1,8 @@
-#include "app/bundle.h"
+#include "app/Bundle.h"
 
-#include "host/foundation/files.h"
 #include "platform/foundation/NSPropertyListSerialization.h"
 #include "platform/uikit/UIViewController.h"
+#include "system/files/files.h"
 
 #include <filesystem>
 #include <system_error>
@@ -30,7 +30,7 @@ bool isHexDigest(const std::string& text) {
 // A real path, not one under the root. nil when it cannot be read; the reason has been logged.
 std::shared_ptr<NSDictionary> readManifest(const std::string& path) {
     std::shared_ptr<NSError> error;
-    const auto data = host::readFile(path, maximumManifestLength, &error);
+    const auto data = seat::readFile(path, maximumManifestLength, &error);
     return data ? NSPropertyListSerialization::propertyListWithData_options_format_error(*data, 0, nullptr, &error)
                       .object<NSDictionary>()
                 : nullptr;
@@ -84,7 +84,7 @@ app::Bundle app::readBundle(const std::string& folder, std::string& problem) {
 }
 
 Class app::loadPrincipalClass(const Bundle& bundle, std::string& problem) {
-    if (const auto reason = host::loadModule(bundle.modulePath); !reason.empty()) {
+    if (const auto reason = seat::loadModule(bundle.modulePath); !reason.empty()) {
         problem = refusal(bundle.modulePath, "cannot be loaded: " + reason);
         return nullptr;
     }

@@ -2,8 +2,8 @@
 
 // A settings bundle: a folder with a manifest (Info.plist), a module and resources.
 
-#include "host/modules/module_file.h"
 #include "platform/foundation/NSDictionary.h"
+#include "system/modules/module_file.h"
 
 #include <memory>
 #include <string>
@@ -17,7 +17,7 @@ struct Bundle {
     std::string name;           // for people
     std::string principalClass; // of which the page is made
     std::string modulePath;
-    host::ModuleSeal seal;
+    seat::ModuleSeal seal;
     std::shared_ptr<NSDictionary> manifest; // all of it
 };
 

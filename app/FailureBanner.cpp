@@ -1,4 +1,4 @@
-#include "app/failure_banner.h"
+#include "app/FailureBanner.h"
 
 #include "platform/runtime/method.h"
 #include "platform/uikit/UIWindow.h"
@@ -18,7 +18,7 @@ namespace app {
 
 NS_CLASS_IMPLEMENTATION(FailureBanner, UIView)
 
-FailureBanner::~FailureBanner() { host::removeSource(m_timer); }
+FailureBanner::~FailureBanner() { seat::removeSource(m_timer); }
 
 std::shared_ptr<FailureBanner> FailureBanner::initWithText(std::string text) {
     if (!UIView::init()) return nullptr;
@@ -38,8 +38,8 @@ std::shared_ptr<FailureBanner> FailureBanner::initWithText(std::string text) {
 
 void FailureBanner::showInWindow(const std::shared_ptr<UIWindow>& window) {
     if (!window) return;
-    host::removeSource(m_timer);
-    m_timer = host::addTimer(secondsShown, [this] { hide(); });
+    seat::removeSource(m_timer);
+    m_timer = seat::addTimer(secondsShown, [this] { hide(); });
     if (m_isShown && superview() == window) return;
     m_isShown = true;
     window->addSubview(self(this));
@@ -49,7 +49,7 @@ void FailureBanner::showInWindow(const std::shared_ptr<UIWindow>& window) {
 }
 
 void FailureBanner::hide() {
-    host::removeSource(m_timer);
+    seat::removeSource(m_timer);
     m_timer = 0;
     if (!m_isShown) return;
     m_isShown = false;

@@ -3,7 +3,7 @@
 #include "platform/uikit/UILabel.h"
 #include "platform/uikit/UIView.h"
 
-#include "host/dispatch/run_loop_sources.h"
+#include "kit/dispatch/run_loop_sources.h"
 
 #include <memory>
 #include <string>
@@ -37,7 +37,7 @@ private:
     void place();
 
     std::shared_ptr<UILabel> m_label;
-    host::SourceToken m_timer = 0;
+    seat::SourceToken m_timer = 0;
     bool m_isShown = false;
 };
 

@@ -1,6 +1,6 @@
-#include "app/line_process.h"
+#include "app/LineProcess.h"
 
-#include "host/process/child_environment.h"
+#include "system/process/child_environment.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -17,14 +17,14 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 struct Pipe {
-    host::Descriptor readEnd = host::Descriptor();
-    host::Descriptor writeEnd = host::Descriptor();
+    seat::Descriptor readEnd = seat::Descriptor();
+    seat::Descriptor writeEnd = seat::Descriptor();
 };
 
 Pipe makePipe() {
     int ends[2] = {-1, -1};
     if (pipe2(ends, O_CLOEXEC) != 0) return {};
-    return {host::Descriptor(ends[0]), host::Descriptor(ends[1])};
+    return {seat::Descriptor(ends[0]), seat::Descriptor(ends[1])};
 }
 
 std::vector<char*> pointers(std::vector<std::string>& strings) {
@@ -36,7 +36,7 @@ std::vector<char*> pointers(std::vector<std::string>& strings) {
 
 // False when it has not ended by then.
 bool reap(pid_t child, double seconds) {
-    const host::Descriptor process(static_cast<int>(syscall(SYS_pidfd_open, child, 0)));
+    const seat::Descriptor process(static_cast<int>(syscall(SYS_pidfd_open, child, 0)));
     pollfd entry{process.get(), POLLIN, 0};
     if (process && poll(&entry, 1, static_cast<int>(seconds * 1000)) == 0) return false;
     while (waitpid(child, nullptr, 0) == -1 && errno == EINTR) {
@@ -68,7 +68,7 @@ std::unique_ptr<app::LineProcess> app::LineProcess::start(const std::string& pro
     posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
     std::vector<std::string> words{program};
     words.insert(words.end(), arguments.begin(), arguments.end());
-    auto environment = host::childEnvironment();
+    auto environment = seat::childEnvironment();
 
     std::unique_ptr<LineProcess> process(new LineProcess);
     const int error = posix_spawn(&process->m_child, program.c_str(), &actions, &attributes, pointers(words).data(),
@@ -83,14 +83,14 @@ std::unique_ptr<app::LineProcess> app::LineProcess::start(const std::string& pro
     process->m_input = std::move(input.writeEnd);
     process->m_output = std::move(output.readEnd);
     fcntl(process->m_output.get(), F_SETFL, O_NONBLOCK);
-    process->m_source = host::addReadableSource(process->m_output.get(), [self = process.get()] {
-        if (!self->readSome()) host::removeSource(std::exchange(self->m_source, 0));
+    process->m_source = seat::addReadableSource(process->m_output.get(), [self = process.get()] {
+        if (!self->readSome()) seat::removeSource(std::exchange(self->m_source, 0));
     });
     return process;
 }
 
 app::LineProcess::~LineProcess() {
-    host::removeSource(m_source);
+    seat::removeSource(m_source);
     if (m_child == 0) return;
     m_input.reset();
     kill(m_child, SIGTERM);

@@ -2,8 +2,8 @@
 
 // A child process that is spoken to in lines.
 
-#include "host/dispatch/run_loop_sources.h"
-#include "host/foundation/Descriptor.h"
+#include "kit/dispatch/run_loop_sources.h"
+#include "system/files/Descriptor.h"
 
 #include <functional>
 #include <memory>
@@ -35,9 +35,9 @@ private:
     bool readSome();
 
     ::pid_t m_child = 0;
-    host::Descriptor m_input;
-    host::Descriptor m_output;
-    host::SourceToken m_source = 0;
+    seat::Descriptor m_input;
+    seat::Descriptor m_output;
+    seat::SourceToken m_source = 0;
     std::string m_partial; // a line without its end yet
     std::string m_lastLine;
     std::function<void(const std::string&)> m_heard;

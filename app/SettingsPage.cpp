@@ -1,15 +1,15 @@
-#include "app/settings_page.h"
+#include "app/SettingsPage.h"
 
-#include "app/failure_banner.h"
-#include "host/controllers/front_controller.h"
-#include "host/notify/NotifyListener.h"
-#include "host/settings_framework/bundle.h"
+#include "app/FailureBanner.h"
+#include "kit/settings_framework/bundle.h"
+#include "kit/uikit/front_controller.h"
 #include "platform/foundation/NSArray.h"
 #include "platform/uikit/UINavigationController.h"
+#include "system/notify/NotifyListener.h"
 
 app::SettingsPage::SettingsPage(const Bundle& bundle, Class principalClass, CGSize points, double scale)
     : m_name(bundle.name), m_scene(points, scale) {
-    host::setResourceFolder(bundle.folder);
+    seat::setResourceFolder(bundle.folder);
     const auto page = makePage(principalClass);
     if (!page) return;
     listenForFailures(*bundle.manifest);
@@ -26,16 +26,16 @@ void app::SettingsPage::listenForFailures(const NSDictionary& manifest) {
     if (!failure || !text) return;
     m_banner = FailureBanner::alloc()->initWithText(*text);
     m_listeners.push_back(
-        std::make_unique<host::NotifyListener>(*failure, [this] { m_banner->showInWindow(m_scene.window()); }));
+        std::make_unique<seat::NotifyListener>(*failure, [this] { m_banner->showInWindow(m_scene.window()); }));
     const auto recoveries = manifest.objectForKey("JVNRecoveryNotifications").object<NSArray>();
     if (!recoveries) return;
     for (const id& name : *recoveries)
         if (name.string())
-            m_listeners.push_back(std::make_unique<host::NotifyListener>(*name.string(), [this] { m_banner->hide(); }));
+            m_listeners.push_back(std::make_unique<seat::NotifyListener>(*name.string(), [this] { m_banner->hide(); }));
 }
 
 std::string app::SettingsPage::title() const {
-    const auto front = host::frontController(*m_scene.window());
+    const auto front = seat::frontController(*m_scene.window());
     const std::string title = front ? front->title() : std::string();
     return title.empty() ? m_name : title;
 }

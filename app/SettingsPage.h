@@ -2,8 +2,8 @@
 
 // A bundle's page in a scene: what a window shows, and what the tour walks through.
 
-#include "app/bundle.h"
-#include "host/uikit/window_scene.h"
+#include "app/Bundle.h"
+#include "kit/uikit/WindowScene.h"
 
 #include <memory>
 #include <string>
@@ -11,7 +11,7 @@
 
 class UINavigationController;
 
-namespace host {
+namespace seat {
 class NotifyListener;
 }
 
@@ -28,7 +28,7 @@ public:
     SettingsPage& operator=(const SettingsPage&) = delete;
 
     bool isShown() const { return m_navigation != nullptr; }
-    host::WindowScene& scene() { return m_scene; }
+    seat::WindowScene& scene() { return m_scene; }
     const std::shared_ptr<UINavigationController>& navigation() const { return m_navigation; }
     // The front screen's, else the bundle's.
     std::string title() const;
@@ -40,10 +40,10 @@ private:
     void listenForFailures(const NSDictionary& manifest);
 
     std::string m_name;
-    host::WindowScene m_scene;
+    seat::WindowScene m_scene;
     std::shared_ptr<UINavigationController> m_navigation;
     std::shared_ptr<FailureBanner> m_banner;
-    std::vector<std::unique_ptr<host::NotifyListener>> m_listeners;
+    std::vector<std::unique_ptr<seat::NotifyListener>> m_listeners;
 };
 
 } // namespace app

@@ -1,9 +1,9 @@
-#include "app/simulation.h"
+#include "app/Simulation.h"
 
-#include "app/bundle.h"
-#include "app/line_process.h"
-#include "host/foundation/root.h"
+#include "app/Bundle.h"
+#include "app/LineProcess.h"
 #include "platform/foundation/NSDictionary.h"
+#include "system/files/root.h"
 
 #include <filesystem>
 #include <system_error>
@@ -64,7 +64,7 @@ void app::Simulation::placeTools(std::string& problem) {
     if (!m_state->tools) return;
     m_state->tools->enumerate([&](const std::string& logicalPath, const id& name) {
         const std::string program = name.string() ? standInPath(*name.string()) : std::string();
-        const fs::path place(host::hostPath(logicalPath));
+        const fs::path place(seat::hostPath(logicalPath));
         std::error_code error;
         if (program.empty()) {
             problem = "simulate: there is no stand-in for " + logicalPath;
@@ -109,7 +109,7 @@ void app::Simulation::startDaemon(std::string& problem) {
         return;
     }
     m_state->daemon =
-        LineProcess::start(program, {"--root", host::root()}, [state = m_state.get()](const std::string& line) {
+        LineProcess::start(program, {"--root", seat::root()}, [state = m_state.get()](const std::string& line) {
             if (state->listener) state->listener(state->daemonName + ": " + line);
         });
     if (m_state->daemon && m_state->daemon->waitForLine("ready", readyPatience)) return;

@@ -1,16 +1,16 @@
 #include "app/application.h"
 
-#include "app/bundle.h"
-#include "app/settings_page.h"
-#include "app/simulation.h"
+#include "app/Bundle.h"
+#include "app/SettingsPage.h"
+#include "app/Simulation.h"
 #include "app/tour/tour.h"
-#include "host/bus/SessionBus.h"
-#include "host/bus/session_bus_address.h"
-#include "host/dispatch/main_queue.h"
-#include "host/foundation/root.h"
-#include "host/mail/browser.h"
-#include "host/window/scene_window.h"
-#include "host/window/toolkit.h"
+#include "desktop/links/browser.h"
+#include "desktop/window/SceneWindow.h"
+#include "desktop/window/Toolkit.h"
+#include "kit/dispatch/main_queue.h"
+#include "system/bus/SessionBus.h"
+#include "system/bus/session_bus_address.h"
+#include "system/files/root.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -49,14 +49,14 @@ bool settleRoot(const std::string& given) {
         complain("root " + root.string() + ": " + (error ? error.message() : "is no folder"));
         return false;
     }
-    host::setRoot(root.string());
+    seat::setRoot(root.string());
     return true;
 }
 
-int showWindow(host::Toolkit& toolkit, const app::Options& options, const app::Bundle& bundle, Class principalClass) {
+int showWindow(seat::Toolkit& toolkit, const app::Options& options, const app::Bundle& bundle, Class principalClass) {
     // Asked for first: the window system makes the window while we make the page.
     auto window =
-        std::make_unique<host::SceneWindow>(host::SceneWindowOptions{.size = options.size, .scale = options.scale});
+        std::make_unique<seat::SceneWindow>(seat::SceneWindowOptions{.size = options.size, .scale = options.scale});
     toolkit.awaitFonts();
     app::SettingsPage page(bundle, principalClass, window->size(), window->scale());
     if (!page.isShown()) {
@@ -69,7 +69,7 @@ int showWindow(host::Toolkit& toolkit, const app::Options& options, const app::B
     toolkit.onTermination([&toolkit] { toolkit.quit(app::ExitSuccess); });
     const int code = toolkit.run();
     page.close();
-    host::drainMainQueue();
+    seat::drainMainQueue();
     window.reset(); // before the scene
     return code;
 }
@@ -86,11 +86,11 @@ int app::runApplication(const Options& options) {
         return ExitBundleRefused;
     }
     if (!settleRoot(options.root)) return ExitFailure;
-    host::settleSessionBus(busPatience);
+    seat::settleSessionBus(busPatience);
 
     // The module is read through on another thread while the toolkit starts.
-    auto check = std::async(std::launch::async, host::moduleProblem, bundle.modulePath, bundle.seal);
-    host::Toolkit toolkit({.needsDisplay = !isTour, .noDisplay = noDisplay});
+    auto check = std::async(std::launch::async, seat::moduleProblem, bundle.modulePath, bundle.seal);
+    seat::Toolkit toolkit({.needsDisplay = !isTour, .noDisplay = noDisplay});
     if (const auto reason = check.get(); !reason.empty()) {
         complain("bundle refused: " + bundle.modulePath + " " + reason);
         return ExitBundleRefused;
@@ -101,7 +101,7 @@ int app::runApplication(const Options& options) {
         return ExitBundleRefused;
     }
 
-    host::installBrowser();
+    seat::installBrowser();
     Simulation simulation;
     if (options.simulate && !simulation.start(bundle, problem)) {
         complain(problem);
@@ -109,6 +109,6 @@ int app::runApplication(const Options& options) {
     }
     const int code = isTour ? playTour(toolkit, options, bundle, principalClass, simulation)
                             : showWindow(toolkit, options, bundle, principalClass);
-    host::SessionBus::shared().close();
+    seat::SessionBus::shared().close();
     return code;
 }

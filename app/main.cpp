@@ -1,6 +1,6 @@
+#include "app/Options.h"
 #include "app/application.h"
-#include "app/options.h"
-#include "host/dispatch/shutdown.h"
+#include "kit/dispatch/shutdown.h"
 
 #include <cstdio>
 #include <malloc.h>
@@ -20,5 +20,5 @@ int main(int argumentCount, char** arguments) {
         const std::string text = options.showHelp ? app::helpText() : "joyvane-settings " JOYVANE_VERSION "\n";
         return std::fputs(text.c_str(), stdout) >= 0 && std::fflush(stdout) == 0 ? app::ExitSuccess : app::ExitFailure;
     }
-    return host::finishProcess(app::runApplication(options));
+    return seat::finishProcess(app::runApplication(options));
 }

@@ -8,7 +8,7 @@
 class MFMailComposeViewController;
 class NSError;
 
-namespace host {
+namespace seat {
 class ComposeHeader;
 }
 
@@ -56,7 +56,7 @@ private:
     bool m_finished = false;
     std::shared_ptr<UIView> m_bar;
     std::shared_ptr<UIView> m_barLine;
-    std::shared_ptr<host::ComposeHeader> m_recipients;
-    std::shared_ptr<host::ComposeHeader> m_subject;
+    std::shared_ptr<seat::ComposeHeader> m_recipients;
+    std::shared_ptr<seat::ComposeHeader> m_subject;
     std::shared_ptr<UIScrollView> m_message;
 };

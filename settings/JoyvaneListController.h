@@ -1,5 +1,6 @@
 #pragma once
 
+#include "daemonlink/JVNControllerType.h"
 #include "ledcolour/JVNColorPickerController.h"
 #include "platform/mail.h"
 #include "platform/messaging_center.h"
@@ -8,7 +9,6 @@
 #include "platform/task.h"
 #include "platform/uikit/UIAlertView.h"
 #include "platform/uikit/UIProgressHUD.h"
-#include "settings/JVNControllerType.h"
 
 #include <atomic>
 #include <cstdint>

@@ -1,6 +1,6 @@
 #include "settings/discovery_states.h"
 
-#include "settings/JVNControllerType.h"
+#include "daemonlink/JVNControllerType.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #include "simulator/ControlSocket.h"
 
-#include "host/socket/address.h"
+#include "system/socket/address.h"
 
 #include <cerrno>
 #include <cstring>
@@ -68,7 +68,7 @@ std::string ControlSocket::open(DaemonManner::Door door) {
     }
     m_listener.reset(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
     const ::mode_t mask = ::umask(0077);
-    const int error = host::bindToPath(m_listener.get(), m_path);
+    const int error = seat::bindToPath(m_listener.get(), m_path);
     ::umask(mask);
     if (error != 0) return reason(m_path, error);
     if (::lstat(m_path.c_str(), &there) == 0) m_file = there.st_ino;
@@ -78,14 +78,14 @@ std::string ControlSocket::open(DaemonManner::Door door) {
     if (::listen(m_listener.get(), deaf ? 0 : backlog) != 0) return reason(m_path, errno);
     for (bool room = deaf; room;) {
         m_queue.emplace_back(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
-        room = m_queue.size() < backlog && host::connectToPath(m_queue.back().get(), m_path) == 0;
+        room = m_queue.size() < backlog && seat::connectToPath(m_queue.back().get(), m_path) == 0;
     }
     return {};
 }
 
-host::Descriptor ControlSocket::accept() const {
-    host::Descriptor accepted(::accept4(m_listener.get(), nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK));
-    if (accepted && !host::peerIsTrusted(accepted.get())) accepted.reset();
+seat::Descriptor ControlSocket::accept() const {
+    seat::Descriptor accepted(::accept4(m_listener.get(), nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK));
+    if (accepted && !seat::peerIsTrusted(accepted.get())) accepted.reset();
     return accepted;
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "host/foundation/Descriptor.h"
 #include "simulator/daemon_manner.h"
+#include "system/files/Descriptor.h"
 
 #include <string>
 #include <sys/types.h>
@@ -26,16 +26,16 @@ public:
     // Readable when somebody connects.
     int descriptor() const { return m_listener.get(); }
     // None when nobody is there (any more) who may be.
-    host::Descriptor accept() const;
+    seat::Descriptor accept() const;
 
 private:
     void close();
 
     std::string m_path;
-    host::Descriptor m_lock;
-    host::Descriptor m_listener;
+    seat::Descriptor m_lock;
+    seat::Descriptor m_listener;
     ::ino_t m_file = 0;
-    std::vector<host::Descriptor> m_queue; // callers of our own that keep the queue full
+    std::vector<seat::Descriptor> m_queue; // callers of our own that keep the queue full
 };
 
 } // namespace simulator

@@ -1,8 +1,8 @@
 #include "simulator/Daemon.h"
 
-#include "host/dispatch/main_queue.h"
-#include "host/foundation/root.h"
+#include "kit/dispatch/main_queue.h"
 #include "simulator/output_lines.h"
+#include "system/files/root.h"
 
 #include <fstream>
 #include <utility>
@@ -16,18 +16,18 @@ constexpr const char* heard[] = {"com.quorrel.jvninitbt", "com.quorrel.jvnprefs.
 } // namespace
 
 Daemon::Daemon() = default;
-Daemon::~Daemon() { host::removeSource(m_callers); }
+Daemon::~Daemon() { seat::removeSource(m_callers); }
 
 std::string Daemon::start() {
-    if (auto problem = m_socket.claim(host::hostPath(socketPath)); !problem.empty()) return problem;
+    if (auto problem = m_socket.claim(seat::hostPath(socketPath)); !problem.empty()) return problem;
     if (auto problem = applyScript(); !problem.empty()) return problem;
     for (const char* const name : heard)
-        m_listeners.push_back(std::make_unique<host::NotifyListener>(name, [name] { say("heard %s", name); }));
+        m_listeners.push_back(std::make_unique<seat::NotifyListener>(name, [name] { say("heard %s", name); }));
     return openDoor();
 }
 
 std::string Daemon::applyScript() {
-    std::ifstream script(host::hostPath(scriptPath));
+    std::ifstream script(seat::hostPath(scriptPath));
     for (std::string line; std::getline(script, line);)
         if (auto problem = changeManner(m_manner, line); !problem.empty()) return problem;
     return {};
@@ -41,10 +41,10 @@ void Daemon::change(const std::string& line) {
 }
 
 std::string Daemon::openDoor() {
-    host::removeSource(std::exchange(m_callers, 0));
+    seat::removeSource(std::exchange(m_callers, 0));
     auto problem = m_socket.open(m_manner.door);
     if (problem.empty() && m_manner.door == DaemonManner::Door::Open)
-        m_callers = host::addReadableSource(m_socket.descriptor(), [this] { acceptCaller(); });
+        m_callers = seat::addReadableSource(m_socket.descriptor(), [this] { acceptCaller(); });
     return problem;
 }
 
@@ -53,7 +53,7 @@ void Daemon::acceptCaller() {
     if (!caller) return;
     const int number = ++m_lastNumber;
     const auto ended = [this, number, alive = std::weak_ptr<int>(m_alive)] {
-        host::queueOnMain([this, number, alive] {
+        seat::queueOnMain([this, number, alive] {
             if (!alive.expired()) m_connections.erase(number);
         });
     };

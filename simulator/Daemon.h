@@ -1,8 +1,8 @@
 #pragma once
 
-#include "host/notify/NotifyListener.h"
 #include "simulator/ControlSocket.h"
 #include "simulator/DaemonConnection.h"
+#include "system/notify/NotifyListener.h"
 
 #include <map>
 #include <memory>
@@ -41,10 +41,10 @@ private:
     ControlSocket m_socket;
     DaemonManner m_manner;
     std::optional<std::uint32_t> m_connectedType;
-    host::SourceToken m_callers = 0;
+    seat::SourceToken m_callers = 0;
     int m_lastNumber = 0;
     std::map<int, std::unique_ptr<DaemonConnection>> m_connections;
-    std::vector<std::unique_ptr<host::NotifyListener>> m_listeners;
+    std::vector<std::unique_ptr<seat::NotifyListener>> m_listeners;
     std::shared_ptr<int> m_alive = std::make_shared<int>(); // held weakly by what waits on the main queue
 };
 

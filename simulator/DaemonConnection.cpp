@@ -11,21 +11,21 @@ namespace simulator {
 
 using CloseAt = DaemonManner::CloseAt;
 
-DaemonConnection::DaemonConnection(int number, host::Descriptor descriptor, DaemonManner manner,
+DaemonConnection::DaemonConnection(int number, seat::Descriptor descriptor, DaemonManner manner,
                                    std::function<Bytes(std::span<const std::uint8_t>)> answer,
                                    std::function<void()> ended)
     : m_number(number), m_descriptor(std::move(descriptor)), m_manner(std::move(manner)), m_answer(std::move(answer)),
       m_ended(std::move(ended)) {
     say("%d opened", m_number);
     if (m_manner.closeAt == CloseAt::Accept)
-        m_timer = host::addTimer(0, [this] { hangUp("closed on accepting"); });
+        m_timer = seat::addTimer(0, [this] { hangUp("closed on accepting"); });
     else if (m_manner.reads)
-        m_source = host::addReadableSource(m_descriptor.get(), [this] { readable(); });
+        m_source = seat::addReadableSource(m_descriptor.get(), [this] { readable(); });
 }
 
 DaemonConnection::~DaemonConnection() {
-    host::removeSource(m_source);
-    host::removeSource(m_timer);
+    seat::removeSource(m_source);
+    seat::removeSource(m_timer);
 }
 
 void DaemonConnection::readable() {
@@ -80,7 +80,7 @@ Bytes DaemonConnection::inOurManner(Bytes reply, Command asked) const {
 void DaemonConnection::sendLater(double seconds, std::size_t at) {
     if (at == 0 && seconds == 0 && m_manner.trickle == 0) return sendFrom(0);
     const double wait = at == 0 ? seconds : m_manner.trickle / 1000.0;
-    m_timer = host::addTimer(wait, [this, at] { sendFrom(at); });
+    m_timer = seat::addTimer(wait, [this, at] { sendFrom(at); });
 }
 
 void DaemonConnection::sendFrom(std::size_t at) {
@@ -96,8 +96,8 @@ void DaemonConnection::sendFrom(std::size_t at) {
 }
 
 void DaemonConnection::hangUp(const char* why) {
-    host::removeSource(std::exchange(m_source, 0));
-    host::removeSource(std::exchange(m_timer, 0));
+    seat::removeSource(std::exchange(m_source, 0));
+    seat::removeSource(std::exchange(m_timer, 0));
     m_descriptor.reset();
     say("%d %s", m_number, why);
     m_ended();

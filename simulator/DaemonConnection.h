@@ -1,8 +1,8 @@
 #pragma once
 
-#include "host/dispatch/run_loop_sources.h"
-#include "host/foundation/Descriptor.h"
+#include "kit/dispatch/run_loop_sources.h"
 #include "simulator/daemon_manner.h"
+#include "system/files/Descriptor.h"
 
 #include <functional>
 
@@ -13,7 +13,7 @@ class DaemonConnection {
 public:
     // `answer` takes a whole frame and gives the reply; empty: none is owed. `ended` must
     // leave this object alone until the call has returned.
-    DaemonConnection(int number, host::Descriptor descriptor, DaemonManner manner,
+    DaemonConnection(int number, seat::Descriptor descriptor, DaemonManner manner,
                      std::function<Bytes(std::span<const std::uint8_t>)> answer, std::function<void()> ended);
     ~DaemonConnection();
     DaemonConnection(const DaemonConnection&) = delete;
@@ -28,12 +28,12 @@ private:
     void hangUp(const char* why);
 
     int m_number;
-    host::Descriptor m_descriptor;
+    seat::Descriptor m_descriptor;
     DaemonManner m_manner;
     std::function<Bytes(std::span<const std::uint8_t>)> m_answer;
     std::function<void()> m_ended;
-    host::SourceToken m_source = 0;
-    host::SourceToken m_timer = 0;
+    seat::SourceToken m_source = 0;
+    seat::SourceToken m_timer = 0;
     Bytes m_received;
     Bytes m_reply; // what is on its way
     Command m_asked = Command::QueryConnection;

@@ -1,11 +1,11 @@
 #include "simulator/Discovery.h"
 
-#include "host/bus/SessionBus.h"
-#include "host/messaging/message_sender.h"
-#include "host/preferences/preferences_store.h"
 #include "platform/foundation/NSData.h"
 #include "platform/notify.h"
 #include "simulator/output_lines.h"
+#include "system/bus/SessionBus.h"
+#include "system/messaging/message_sender.h"
+#include "system/preferences/preferences_store.h"
 
 #include <algorithm>
 #include <csignal>
@@ -34,10 +34,10 @@ Discovery::Discovery(Program& program, DiscoveryScript script) : m_program(progr
     nextAfter(0);
 }
 
-Discovery::~Discovery() { host::removeSource(m_timer); }
+Discovery::~Discovery() { seat::removeSource(m_timer); }
 
 void Discovery::nextAfter(double seconds) {
-    m_timer = host::addTimer(seconds, [this] {
+    m_timer = seat::addTimer(seconds, [this] {
         m_timer = 0;
         next();
     });
@@ -80,7 +80,7 @@ void Discovery::play(const DiscoveryStep& step) {
 
 // The next step waits for the answer, so that reports arrive as they are written.
 void Discovery::report(const std::shared_ptr<NSDictionary>& carried) {
-    host::sendMessage(center, message, carried, [this, alive = std::weak_ptr<int>(m_alive)](bool) {
+    seat::sendMessage(center, message, carried, [this, alive = std::weak_ptr<int>(m_alive)](bool) {
         if (!alive.expired()) nextAfter(0);
     });
 }
@@ -89,17 +89,17 @@ void Discovery::flood(int left) {
     if (left <= 0) return nextAfter(0);
     int batch = 0;
     // What the bus does not take yet waits with us, not in its connection.
-    if (host::SessionBus::shared().isFlushed()) {
+    if (seat::SessionBus::shared().isFlushed()) {
         batch = std::min(left, floodBatch);
         for (int i = 0; i < batch; ++i)
-            host::sendMessage(center, message, dictionary(stateKey, NSNumber::numberWithInt(searching)));
+            seat::sendMessage(center, message, dictionary(stateKey, NSNumber::numberWithInt(searching)));
     }
-    m_timer = host::addTimer(0, [this, rest = left - batch] { flood(rest); });
+    m_timer = seat::addTimer(0, [this, rest = left - batch] { flood(rest); });
 }
 
 void Discovery::store(const DiscoveryStep& step) {
     const bool stored =
-        host::setPreferenceValue("com.quorrel.joyvane", "PS4BluetoothAddress", id(NSData::dataWithBytes(step.bytes)));
+        seat::setPreferenceValue("com.quorrel.joyvane", "PS4BluetoothAddress", id(NSData::dataWithBytes(step.bytes)));
     say("jvndiscovery: address %s", stored ? "stored" : "not stored");
     if (stored) notify_post("com.quorrel.jvnprefs.changed");
     nextAfter(0);

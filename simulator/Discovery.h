@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/dispatch/run_loop_sources.h"
+#include "kit/dispatch/run_loop_sources.h"
 #include "platform/foundation/NSDictionary.h"
 #include "simulator/discovery_script.h"
 #include "simulator/program.h"
@@ -32,7 +32,7 @@ private:
     Program& m_program;
     DiscoveryScript m_script;
     std::size_t m_next = 0;
-    host::SourceToken m_timer = 0;
+    seat::SourceToken m_timer = 0;
     std::shared_ptr<int> m_alive = std::make_shared<int>(); // held weakly by answers that are awaited
 };
 

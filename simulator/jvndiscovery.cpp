@@ -1,12 +1,12 @@
 // jvndiscovery: stands in for the add-on's discovery tool. Started by the settings page with no arguments; finds the
 // root in the environment. An interrupt ends it, and so does the end of who started it.
 
-#include "host/bus/SessionBus.h"
-#include "host/dispatch/shutdown.h"
-#include "host/foundation/root.h"
-#include "host/process/child_environment.h"
+#include "kit/dispatch/shutdown.h"
 #include "simulator/Discovery.h"
 #include "simulator/program.h"
+#include "system/bus/SessionBus.h"
+#include "system/files/root.h"
+#include "system/process/child_environment.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -18,7 +18,7 @@ namespace {
 constexpr double flushPatience = 1; // seconds
 
 std::string scriptText() {
-    std::ifstream file(host::hostPath(simulator::Discovery::scriptPath));
+    std::ifstream file(seat::hostPath(simulator::Discovery::scriptPath));
     if (!file) return simulator::believableDiscovery;
     return {std::istreambuf_iterator<char>(file), {}};
 }
@@ -26,15 +26,15 @@ std::string scriptText() {
 } // namespace
 
 int main(int argc, char**) {
-    const char* const root = std::getenv(host::rootVariable);
+    const char* const root = std::getenv(seat::rootVariable);
     if (argc != 1 || !root || !*root) {
         std::fprintf(stderr,
                      "Usage: %s=DIR jvndiscovery\nStands in for the discovery tool of the phone whose files are "
                      "in DIR.\n",
-                     host::rootVariable);
+                     seat::rootVariable);
         return 2;
     }
-    host::setRoot(root);
+    seat::setRoot(root);
     auto script = simulator::parseDiscoveryScript(scriptText());
     if (!script.problem.empty()) {
         std::fprintf(stderr, "jvndiscovery: %s\n", script.problem.c_str());
@@ -48,7 +48,7 @@ int main(int argc, char**) {
         const simulator::Discovery discovery(program, std::move(script));
         code = program.run();
     }
-    program.runUntil([] { return host::SessionBus::shared().isFlushed(); }, flushPatience);
-    host::SessionBus::shared().close();
-    return host::finishProcess(code);
+    program.runUntil([] { return seat::SessionBus::shared().isFlushed(); }, flushPatience);
+    seat::SessionBus::shared().close();
+    return seat::finishProcess(code);
 }

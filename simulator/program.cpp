@@ -1,6 +1,6 @@
 #include "simulator/program.h"
 
-#include "host/process/pidfd.h"
+#include "system/process/pidfd.h"
 
 #include <csignal>
 #include <sys/signalfd.h>
@@ -17,20 +17,20 @@ Program::Program() {
     for (const int number : {SIGINT, SIGTERM, SIGHUP}) ::sigaddset(&set, number);
     ::sigprocmask(SIG_BLOCK, &set, nullptr);
     m_signals.reset(::signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK));
-    m_signalSource = host::addReadableSource(m_signals.get(), [this] { signalArrived(); });
+    m_signalSource = seat::addReadableSource(m_signals.get(), [this] { signalArrived(); });
     m_signalled = [this](int) { end(0); };
 }
 
 Program::~Program() {
-    for (const auto source : {m_signalSource, m_parentSource, m_inputSource}) host::removeSource(source);
+    for (const auto source : {m_signalSource, m_parentSource, m_inputSource}) seat::removeSource(source);
 }
 
 void Program::endWithParent() {
     const ::pid_t parent = ::getppid();
     m_parent.reset(::pidfd_open(parent, 0));
     if (!m_parent || ::getppid() != parent) return end(0);
-    m_parentSource = host::addReadableSource(m_parent.get(), [this] {
-        host::removeSource(std::exchange(m_parentSource, 0));
+    m_parentSource = seat::addReadableSource(m_parent.get(), [this] {
+        seat::removeSource(std::exchange(m_parentSource, 0));
         end(0);
     });
 }
@@ -39,7 +39,7 @@ void Program::readLines(std::function<void(const std::string&)> line) {
     struct ::stat input;
     if (::fstat(STDIN_FILENO, &input) != 0 || (!S_ISFIFO(input.st_mode) && ::isatty(STDIN_FILENO) == 0)) return;
     m_line = std::move(line);
-    m_inputSource = host::addReadableSource(STDIN_FILENO, [this] { inputArrived(); });
+    m_inputSource = seat::addReadableSource(STDIN_FILENO, [this] { inputArrived(); });
 }
 
 int Program::run() {
@@ -62,7 +62,7 @@ void Program::inputArrived() {
     char bytes[4096];
     const ::ssize_t got = ::read(STDIN_FILENO, bytes, sizeof bytes);
     if (got <= 0) {
-        host::removeSource(std::exchange(m_inputSource, 0));
+        seat::removeSource(std::exchange(m_inputSource, 0));
         if (!::isatty(STDIN_FILENO)) end(0); // whoever held the other end has gone
         return;
     }

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "host/dispatch/run_loop_sources.h"
-#include "host/foundation/Descriptor.h"
-#include "host/testing/poll_loop.h"
+#include "kit/dispatch/run_loop_sources.h"
+#include "system/files/Descriptor.h"
+#include "system/run_loop/PollLoop.h"
 
 #include <functional>
 #include <string>
@@ -35,12 +35,12 @@ private:
     void signalArrived();
     void inputArrived();
 
-    host::PollLoop m_loop;
-    host::Descriptor m_signals;
-    host::Descriptor m_parent;
-    host::SourceToken m_signalSource = 0;
-    host::SourceToken m_parentSource = 0;
-    host::SourceToken m_inputSource = 0;
+    seat::PollLoop m_loop;
+    seat::Descriptor m_signals;
+    seat::Descriptor m_parent;
+    seat::SourceToken m_signalSource = 0;
+    seat::SourceToken m_parentSource = 0;
+    seat::SourceToken m_inputSource = 0;
     std::function<void(int)> m_signalled;
     std::function<void(const std::string&)> m_line;
     std::string m_partialLine;

@@ -1,13 +1,13 @@
-#include "app/tour/recorder.h"
+#include "app/tour/Recorder.h"
 
 #include "app/tour/describe.h"
-#include "host/dispatch/main_queue.h"
-#include "host/foundation/log.h"
-#include "host/foundation/root.h"
-#include "host/notify/NotifyListener.h"
-#include "host/process/children.h"
+#include "kit/dispatch/main_queue.h"
 #include "platform/foundation/NSDictionary.h"
 #include "platform/foundation/time.h"
+#include "system/files/root.h"
+#include "system/log/log.h"
+#include "system/notify/NotifyListener.h"
+#include "system/process/children.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -17,9 +17,9 @@
 struct app::Recorder::WatchedFile {
     std::string logicalPath;
     std::shared_ptr<NSDictionary> contents; // as noted last; nil when there were none
-    host::Descriptor watch;
-    host::SourceToken source = 0;
-    ~WatchedFile() { host::removeSource(source); }
+    seat::Descriptor watch;
+    seat::SourceToken source = 0;
+    ~WatchedFile() { seat::removeSource(source); }
 };
 
 app::Recorder::Recorder(const std::string& path)
@@ -27,8 +27,8 @@ app::Recorder::Recorder(const std::string& path)
 
 app::Recorder::~Recorder() {
     if (m_self) {
-        host::setChildListener(nullptr);
-        host::setLogSink({});
+        seat::setChildListener(nullptr);
+        seat::setLogSink({});
     }
     m_listeners.clear();
     m_watched.clear();
@@ -49,15 +49,15 @@ int app::Recorder::count(const std::string& text) const {
 }
 
 void app::Recorder::watchNotification(const std::string& name) {
-    m_listeners.push_back(std::make_unique<host::NotifyListener>(name, [this, name] { note("notification " + name); }));
+    m_listeners.push_back(std::make_unique<seat::NotifyListener>(name, [this, name] { note("notification " + name); }));
 }
 
 void app::Recorder::watchProcesses() {
     m_self = std::make_shared<Recorder*>(this);
-    host::setChildListener([this](const std::string& sentence) { note(sentence); });
-    host::setLogSink([self = std::weak_ptr(m_self)](std::string_view line) {
+    seat::setChildListener([this](const std::string& sentence) { note(sentence); });
+    seat::setLogSink([self = std::weak_ptr(m_self)](std::string_view line) {
         std::fprintf(stderr, "%.*s\n", static_cast<int>(line.size()), line.data());
-        host::queueOnMain([self, text = "log " + std::string(line)] {
+        seat::queueOnMain([self, text = "log " + std::string(line)] {
             if (const auto alive = self.lock()) (*alive)->note(text);
         });
     });
@@ -67,7 +67,7 @@ void app::Recorder::watchProcesses() {
 void app::Recorder::watchPropertyList(const std::string& logicalPath) {
     auto file = std::make_unique<WatchedFile>();
     file->logicalPath = logicalPath;
-    const std::filesystem::path path(host::hostPath(logicalPath));
+    const std::filesystem::path path(seat::hostPath(logicalPath));
     std::error_code error;
     std::filesystem::create_directories(path.parent_path(), error);
     file->watch.reset(inotify_init1(IN_CLOEXEC | IN_NONBLOCK));
@@ -75,7 +75,7 @@ void app::Recorder::watchPropertyList(const std::string& logicalPath) {
         inotify_add_watch(file->watch.get(), path.parent_path().c_str(), IN_CLOSE_WRITE | IN_MOVED_TO | IN_DELETE) < 0)
         return note("file " + logicalPath + " cannot be watched");
     file->contents = NSDictionary::dictionaryWithContentsOfFile(logicalPath);
-    file->source = host::addReadableSource(file->watch.get(), [this, watched = file.get()] { fileChanged(*watched); });
+    file->source = seat::addReadableSource(file->watch.get(), [this, watched = file.get()] { fileChanged(*watched); });
     m_watched.push_back(std::move(file));
 }
 
@@ -83,7 +83,7 @@ void app::Recorder::fileChanged(WatchedFile& file) {
     alignas(inotify_event) char events[4096];
     while (read(file.watch.get(), events, sizeof events) > 0) {
     }
-    const auto now = std::filesystem::exists(host::hostPath(file.logicalPath))
+    const auto now = std::filesystem::exists(seat::hostPath(file.logicalPath))
                          ? NSDictionary::dictionaryWithContentsOfFile(file.logicalPath)
                          : nullptr;
     for (const auto& change : describeChanges(file.contents.get(), now.get()))

@@ -2,8 +2,8 @@
 
 // The tour's log: what was done, and what really went out meanwhile, with the seconds since the tour began.
 
-#include "host/dispatch/run_loop_sources.h"
-#include "host/foundation/Descriptor.h"
+#include "kit/dispatch/run_loop_sources.h"
+#include "system/files/Descriptor.h"
 
 #include <cstdio>
 #include <map>
@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-namespace host {
+namespace seat {
 class NotifyListener;
 }
 
@@ -47,7 +47,7 @@ private:
     std::FILE* m_file;
     double m_start;
     std::vector<std::string> m_lines;
-    std::vector<std::unique_ptr<host::NotifyListener>> m_listeners;
+    std::vector<std::unique_ptr<seat::NotifyListener>> m_listeners;
     std::vector<std::unique_ptr<WatchedFile>> m_watched;
     std::shared_ptr<Recorder*> m_self; // for notes that come from other threads by way of the main queue
 };

@@ -1,4 +1,4 @@
-#include "app/tour/script.h"
+#include "app/tour/Script.h"
 
 namespace {
 

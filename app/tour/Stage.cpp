@@ -1,11 +1,11 @@
-#include "app/tour/stage.h"
+#include "app/tour/Stage.h"
 
-#include "host/dispatch/main_queue.h"
-#include "host/quartz/png.h"
-#include "host/testing/snapshot.h"
-#include "host/uikit/application.h"
-#include "host/uikit/window_scene.h"
-#include "host/window/toolkit.h"
+#include "desktop/painting/png.h"
+#include "desktop/painting/snapshot.h"
+#include "desktop/window/Toolkit.h"
+#include "kit/dispatch/main_queue.h"
+#include "kit/uikit/WindowScene.h"
+#include "kit/uikit/application.h"
 #include "platform/foundation/time.h"
 
 #include <algorithm>
@@ -25,7 +25,7 @@ bool matches(const std::string& name, const std::string& wanted) {
 }
 
 // In the order in which a reader comes across them.
-const host::AccessibilityNode* firstMatch(const host::AccessibilityTree& tree, host::AccessibilityIdentity from,
+const seat::AccessibilityNode* firstMatch(const seat::AccessibilityTree& tree, seat::AccessibilityIdentity from,
                                           UIAccessibilityRole role, const std::string& name) {
     const auto* const node = tree.node(from);
     if (!node) return nullptr;
@@ -61,21 +61,21 @@ std::optional<UIAccessibilityRole> app::roleNamed(std::string_view word) {
     return {};
 }
 
-app::Stage::Stage(host::Toolkit& toolkit, host::WindowScene& scene) : m_toolkit(toolkit), m_scene(scene) {
+app::Stage::Stage(seat::Toolkit& toolkit, seat::WindowScene& scene) : m_toolkit(toolkit), m_scene(scene) {
     m_scene.setNeedsFrame([this] { wantFrame(0); });
 }
 
 app::Stage::~Stage() {
     m_scene.setNeedsFrame(nullptr);
-    host::removeSource(m_frameTimer);
+    seat::removeSource(m_frameTimer);
 }
 
 void app::Stage::wantFrame(double seconds) {
-    if (m_frameTimer == 0) m_frameTimer = host::addTimer(seconds, [this] { frame(); });
+    if (m_frameTimer == 0) m_frameTimer = seat::addTimer(seconds, [this] { frame(); });
 }
 
 void app::Stage::frame() {
-    host::removeSource(std::exchange(m_frameTimer, 0));
+    seat::removeSource(std::exchange(m_frameTimer, 0));
     m_scene.prepareFrame();
     if (m_scene.isAnimating()) wantFrame(frameSeconds);
 }
@@ -86,10 +86,10 @@ bool app::Stage::waitUntil(const std::function<bool()>& done, double seconds) {
 
 void app::Stage::settle() {
     // The end of a transition is a block on the main queue: until it has run, the window takes no touches.
-    waitUntil([this] { return m_frameTimer == 0 && host::mainQueueIsEmpty(); }, 1);
+    waitUntil([this] { return m_frameTimer == 0 && seat::mainQueueIsEmpty(); }, 1);
 }
 
-const host::AccessibilityNode* app::Stage::find(const NodeQuery& query) {
+const seat::AccessibilityNode* app::Stage::find(const NodeQuery& query) {
     const auto role = roleNamed(query.role);
     if (!role) return nullptr;
     auto& tree = m_scene.accessibility();
@@ -143,9 +143,9 @@ void app::Stage::scroll(CGPoint location, double points) {
 }
 
 void app::Stage::key(long usage, unsigned modifiers) {
-    host::sendKeyEvent(UIKeyEvent::keyEvent(usage, /*isKeyDown=*/true, /*isRepeat=*/false, modifiers));
+    seat::sendKeyEvent(UIKeyEvent::keyEvent(usage, /*isKeyDown=*/true, /*isRepeat=*/false, modifiers));
     waitUntil([] { return false; }, tapSeconds);
-    host::sendKeyEvent(UIKeyEvent::keyEvent(usage, /*isKeyDown=*/false, /*isRepeat=*/false, modifiers));
+    seat::sendKeyEvent(UIKeyEvent::keyEvent(usage, /*isKeyDown=*/false, /*isRepeat=*/false, modifiers));
 }
 
 void app::Stage::type(std::string_view text) {
@@ -156,9 +156,9 @@ void app::Stage::type(std::string_view text) {
         while (length < text.size() && (static_cast<unsigned char>(text[length]) & 0xC0) == 0x80) ++length;
         const long usage = text[0] == ' ' ? spaceKey : someKey;
         const std::string character(text.substr(0, length));
-        host::sendKeyEvent(
+        seat::sendKeyEvent(
             UIKeyEvent::keyEvent(usage, /*isKeyDown=*/true, /*isRepeat=*/false, /*modifiers=*/0, character));
-        host::sendKeyEvent(UIKeyEvent::keyEvent(usage, /*isKeyDown=*/false));
+        seat::sendKeyEvent(UIKeyEvent::keyEvent(usage, /*isKeyDown=*/false));
         waitUntil([] { return false; }, tapSeconds / 2);
         text.remove_prefix(length);
     }
@@ -174,6 +174,6 @@ void app::Stage::resize(CGSize points, double scale) { m_scene.resize(points, sc
 CGSize app::Stage::size() const { return m_scene.size(); }
 
 bool app::Stage::writePicture(const std::string& path) {
-    const auto picture = host::snapshot(m_scene);
-    return picture && host::writePng(path, *picture);
+    const auto picture = seat::snapshot(m_scene);
+    return picture && seat::writePng(path, *picture);
 }

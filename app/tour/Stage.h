@@ -3,8 +3,8 @@
 // A page that nobody sees, with somebody's hands on it: real touches and keys, found by what assistive technology would
 // find, and pictures of what a window would show.
 
-#include "host/dispatch/run_loop_sources.h"
-#include "host/uikit/accessibility_tree.h"
+#include "kit/dispatch/run_loop_sources.h"
+#include "kit/uikit/AccessibilityTree.h"
 #include "platform/quartz/CGGeometry.h"
 
 #include <functional>
@@ -13,10 +13,10 @@
 #include <string_view>
 #include <vector>
 
-namespace host {
+namespace seat {
 class Toolkit;
 class WindowScene;
-} // namespace host
+} // namespace seat
 
 namespace app {
 
@@ -33,7 +33,7 @@ std::optional<UIAccessibilityRole> roleNamed(std::string_view word);
 class Stage {
 public:
     // Both non-owning.
-    Stage(host::Toolkit& toolkit, host::WindowScene& scene);
+    Stage(seat::Toolkit& toolkit, seat::WindowScene& scene);
     ~Stage();
     Stage(const Stage&) = delete;
     Stage& operator=(const Stage&) = delete;
@@ -44,7 +44,7 @@ public:
     void settle();
 
     // The first one; nullptr when there is none now. Valid until the next call.
-    const host::AccessibilityNode* find(const NodeQuery& query);
+    const seat::AccessibilityNode* find(const NodeQuery& query);
     // Scrolls until the node's middle can be touched. False when it cannot be had.
     bool reveal(const NodeQuery& query);
 
@@ -65,9 +65,9 @@ private:
     void wantFrame(double seconds);
     void frame();
 
-    host::Toolkit& m_toolkit;
-    host::WindowScene& m_scene;
-    host::SourceToken m_frameTimer = 0;
+    seat::Toolkit& m_toolkit;
+    seat::WindowScene& m_scene;
+    seat::SourceToken m_frameTimer = 0;
 };
 
 } // namespace app

@@ -1,4 +1,4 @@
-#include "app/tour/stand_in_desktop.h"
+#include "app/tour/StandInDesktop.h"
 
 #include <cstdlib>
 #include <filesystem>

@@ -1,11 +1,11 @@
 #include "app/tour/steps.h"
 
-#include "app/simulation.h"
+#include "app/Simulation.h"
+#include "app/tour/Recorder.h"
+#include "app/tour/Stage.h"
+#include "app/tour/StandInDesktop.h"
 #include "app/tour/key_names.h"
-#include "app/tour/recorder.h"
-#include "app/tour/stage.h"
-#include "app/tour/stand_in_desktop.h"
-#include "host/uikit/application.h"
+#include "kit/uikit/application.h"
 #include "platform/foundation/NSString.h"
 
 #include <algorithm>
@@ -218,7 +218,7 @@ std::string desktop(Words words, Tour& tour) {
 
 std::string background(Words words, Tour& tour) {
     if (!words.empty()) return "takes nothing";
-    host::applicationDidEnterBackground();
+    seat::applicationDidEnterBackground();
     tour.stage.settle();
     return {};
 }

@@ -27,7 +27,7 @@
 //
 // Roles: any, row, button, switch, slider, canvas, field, text, heading, list, image, alert, progress, bar, group.
 
-#include "app/tour/script.h"
+#include "app/tour/Script.h"
 
 #include <string>
 

@@ -1,14 +1,14 @@
 #include "app/tour/tour.h"
 
-#include "app/settings_page.h"
-#include "app/simulation.h"
-#include "app/tour/recorder.h"
-#include "app/tour/script.h"
-#include "app/tour/stage.h"
-#include "app/tour/stand_in_desktop.h"
+#include "app/SettingsPage.h"
+#include "app/Simulation.h"
+#include "app/tour/Recorder.h"
+#include "app/tour/Script.h"
+#include "app/tour/Stage.h"
+#include "app/tour/StandInDesktop.h"
 #include "app/tour/steps.h"
-#include "host/foundation/files.h"
-#include "host/window/toolkit.h"
+#include "desktop/window/Toolkit.h"
+#include "system/files/files.h"
 
 #include <cstdio>
 #include <filesystem>
@@ -25,7 +25,7 @@ int failed(const std::string& sentence) {
 
 app::Script readScript(const std::string& path) {
     std::shared_ptr<NSError> error;
-    const auto data = host::readFile(path, maximumScriptLength, &error);
+    const auto data = seat::readFile(path, maximumScriptLength, &error);
     if (!data) return {{}, error ? error->localizedDescription() : path + " cannot be read"};
     const auto bytes = data->bytes();
     return app::parseScript({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
@@ -46,7 +46,7 @@ std::string prepareFolder(const std::string& folder) {
 
 } // namespace
 
-int app::playTour(host::Toolkit& toolkit, const Options& options, const Bundle& bundle, Class principalClass,
+int app::playTour(seat::Toolkit& toolkit, const Options& options, const Bundle& bundle, Class principalClass,
                   Simulation& simulation) {
     const Script script = readScript(bundle.folder + "/tour.txt");
     if (!script.problem.empty()) return failed(script.problem);

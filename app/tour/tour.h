@@ -1,9 +1,9 @@
 #pragma once
 
-#include "app/bundle.h"
-#include "app/options.h"
+#include "app/Bundle.h"
+#include "app/Options.h"
 
-namespace host {
+namespace seat {
 class Toolkit;
 }
 
@@ -14,7 +14,7 @@ class Simulation;
 // Shows the bundle's page to nobody and follows the bundle's "tour.txt"; pictures and the log go to the tour's folder,
 // which is made. ExitSuccess when every step could be done; else ExitFailure, the step has been named on standard error
 // and a picture shows where it stood.
-int playTour(host::Toolkit& toolkit, const Options& options, const Bundle& bundle, Class principalClass,
+int playTour(seat::Toolkit& toolkit, const Options& options, const Bundle& bundle, Class principalClass,
              Simulation& simulation);
 
 } // namespace app

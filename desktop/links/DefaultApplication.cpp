@@ -1,9 +1,9 @@
-#include "host/mail/default_application.h"
+#include "desktop/links/DefaultApplication.h"
 
-#include "host/process/child_environment.h"
-#include "host/process/children.h"
-#include "host/process/spawn.h"
 #include "platform/log.h"
+#include "system/process/child_environment.h"
+#include "system/process/children.h"
+#include "system/process/spawn.h"
 
 #include <chrono>
 #include <cstdlib>
@@ -14,7 +14,7 @@
 #include <string_view>
 #include <unistd.h>
 
-namespace host {
+namespace seat {
 namespace {
 
 std::string environment(const char* name) {
@@ -217,4 +217,4 @@ bool openWithApplication(const DefaultApplication& application, const std::strin
     return true;
 }
 
-} // namespace host
+} // namespace seat

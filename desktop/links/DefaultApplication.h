@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-namespace host {
+namespace seat {
 
 // The user's default program for a media type ("message/rfc822", "x-scheme-handler/https"), as desktops keep it: the
 // lists "mimeapps.list" and "mimeinfo.cache" in the XDG folders, and the program's desktop file. Reads files only.
@@ -25,4 +25,4 @@ bool openWithApplication(const DefaultApplication& application, const std::strin
 // The arguments of an "Exec=" line, quotes and escapes taken away. Empty when it is malformed.
 std::vector<std::string> splitExecLine(const std::string& line);
 
-} // namespace host
+} // namespace seat

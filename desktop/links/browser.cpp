@@ -1,10 +1,10 @@
-#include "host/mail/browser.h"
+#include "desktop/links/browser.h"
 
-#include "host/mail/default_application.h"
-#include "host/uikit/url_opener.h"
+#include "desktop/links/DefaultApplication.h"
+#include "kit/uikit/url_opener.h"
 #include "platform/log.h"
 
-namespace host {
+namespace seat {
 
 bool openInBrowser(const std::string& url) {
     const bool secure = url.starts_with("https://");
@@ -23,4 +23,4 @@ bool openInBrowser(const std::string& url) {
 
 void installBrowser() { setURLOpener(openInBrowser); }
 
-} // namespace host
+} // namespace seat

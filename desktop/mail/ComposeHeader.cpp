@@ -1,13 +1,13 @@
-#include "host/mail/ComposeHeader.h"
+#include "desktop/mail/ComposeHeader.h"
 
-#include "host/mail/message_body.h"
-#include "host/tables/CellParts.h"
-#include "host/tables/appearance.h"
+#include "desktop/mail/message_body.h"
+#include "kit/tables/CellParts.h"
+#include "kit/uikit/appearance.h"
 
 #include <algorithm>
 #include <cmath>
 
-namespace host {
+namespace seat {
 
 NS_CLASS_IMPLEMENTATION(ComposeHeader, UIView)
 
@@ -43,4 +43,4 @@ void ComposeHeader::layoutSubviews() {
         {{left, size.height - appearance::hairline()}, {std::max(0.0, size.width - left), appearance::hairline()}});
 }
 
-} // namespace host
+} // namespace seat

@@ -3,7 +3,7 @@
 #include "platform/uikit/UILabel.h"
 #include "platform/uikit/UITextField.h"
 
-namespace host {
+namespace seat {
 
 // A line at the head of a new message: what it is, and a field to type it into.
 class ComposeHeader final : public UIView {
@@ -27,4 +27,4 @@ private:
     std::shared_ptr<UIView> m_line;
 };
 
-} // namespace host
+} // namespace seat

@@ -1,12 +1,12 @@
 #include "platform/mail.h"
 
-#include "host/controllers/TextButton.h"
-#include "host/mail/ComposeHeader.h"
-#include "host/mail/default_application.h"
-#include "host/mail/html_blocks.h"
-#include "host/mail/mail_draft.h"
-#include "host/mail/message_body.h"
-#include "host/tables/appearance.h"
+#include "desktop/links/DefaultApplication.h"
+#include "desktop/mail/ComposeHeader.h"
+#include "desktop/mail/html_blocks.h"
+#include "desktop/mail/mail_draft.h"
+#include "desktop/mail/message_body.h"
+#include "kit/controllers/TextButton.h"
+#include "kit/uikit/appearance.h"
 #include "platform/foundation/NSError.h"
 #include "platform/runtime/method.h"
 #include "platform/uikit/UILabel.h"
@@ -31,7 +31,7 @@ constexpr int titleTag = 3;
 MFMailComposeViewController::MFMailComposeViewController() = default;
 MFMailComposeViewController::~MFMailComposeViewController() = default;
 
-bool MFMailComposeViewController::canSendMail() { return host::defaultApplication(messageType).has_value(); }
+bool MFMailComposeViewController::canSendMail() { return seat::defaultApplication(messageType).has_value(); }
 
 std::shared_ptr<MFMailComposeViewController> MFMailComposeViewController::init() {
     if (!UIViewController::init()) return nullptr;
@@ -51,8 +51,8 @@ void MFMailComposeViewController::setMessageBody_isHTML(std::string body, bool i
 }
 
 void MFMailComposeViewController::loadView() {
-    using host::TextButton;
-    namespace appearance = host::appearance;
+    using seat::TextButton;
+    namespace appearance = seat::appearance;
     const auto root = UIView::alloc()->initWithFrame(CGRectMake(0, 0, 375, 667));
     root->setBackgroundColor(UIColor::whiteColor());
 
@@ -77,8 +77,8 @@ void MFMailComposeViewController::loadView() {
     m_bar->addSubview(m_barLine);
     root->addSubview(m_bar);
 
-    m_recipients = host::ComposeHeader::alloc()->initWithName("To");
-    m_subject = host::ComposeHeader::alloc()->initWithName("Subject");
+    m_recipients = seat::ComposeHeader::alloc()->initWithName("To");
+    m_subject = seat::ComposeHeader::alloc()->initWithName("Subject");
     root->addSubview(m_recipients);
     root->addSubview(m_subject);
 
@@ -98,9 +98,9 @@ void MFMailComposeViewController::viewDidLayoutSubviews() {
     UIViewController::viewDidLayoutSubviews();
     const auto root = viewIfLoaded();
     if (!root || !m_bar || !m_message) return;
-    using host::appearance::barHeight;
-    using host::appearance::hairline;
-    using host::appearance::sideMargin;
+    using seat::appearance::barHeight;
+    using seat::appearance::hairline;
+    using seat::appearance::sideMargin;
     const double width = root->bounds().size.width;
     m_bar->setFrame(CGRectMake(0, 0, width, barHeight));
     m_barLine->setFrame(CGRectMake(0, barHeight - hairline(), width, hairline()));
@@ -116,16 +116,16 @@ void MFMailComposeViewController::viewDidLayoutSubviews() {
 
     double y = barHeight;
     for (const auto& header : {m_recipients, m_subject}) {
-        header->setFrame(CGRectMake(0, y, width, host::ComposeHeader::height));
-        y += host::ComposeHeader::height;
+        header->setFrame(CGRectMake(0, y, width, seat::ComposeHeader::height));
+        y += seat::ComposeHeader::height;
     }
     m_message->setFrame(CGRectMake(0, y, width, std::max(0.0, root->bounds().size.height - y)));
-    std::vector<host::HTMLBlock> blocks;
+    std::vector<seat::HTMLBlock> blocks;
     if (m_bodyIsHTML)
-        blocks = host::htmlBlocks(m_body);
+        blocks = seat::htmlBlocks(m_body);
     else if (!m_body.empty())
-        blocks.push_back({host::HTMLBlock::Kind::Paragraph, "", {{m_body, false}}});
-    m_message->setContentSize(CGSizeMake(width, host::layOutMessage(*m_message, blocks, width)));
+        blocks.push_back({seat::HTMLBlock::Kind::Paragraph, "", {{m_body, false}}});
+    m_message->setContentSize(CGSizeMake(width, seat::layOutMessage(*m_message, blocks, width)));
 }
 
 bool MFMailComposeViewController::accessibilityPerformEscape() {
@@ -136,10 +136,10 @@ bool MFMailComposeViewController::accessibilityPerformEscape() {
 void MFMailComposeViewController::cancelTapped() { finish(MFMailComposeResult::Cancelled, nullptr); }
 
 void MFMailComposeViewController::sendTapped() {
-    const auto program = host::defaultApplication(messageType);
+    const auto program = seat::defaultApplication(messageType);
     const std::string draft =
-        program ? host::saveMailDraft({m_recipients->field()->text(), m_subject->field()->text(), m_body}) : "";
-    if (!draft.empty() && host::openWithApplication(*program, draft))
+        program ? seat::saveMailDraft({m_recipients->field()->text(), m_subject->field()->text(), m_body}) : "";
+    if (!draft.empty() && seat::openWithApplication(*program, draft))
         finish(MFMailComposeResult::Sent, nullptr);
     else
         finish(MFMailComposeResult::Failed, NSError::errorWithDescription("the mail program could not be started"));

@@ -1,13 +1,13 @@
-#include "host/mail/header_text.h"
+#include "desktop/mail/header_text.h"
 
-#include "host/foundation/base64.h"
-#include "host/foundation/utf8.h"
+#include "kit/foundation/base64.h"
+#include "kit/foundation/utf8.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <vector>
 
-namespace host {
+namespace seat {
 
 namespace {
 
@@ -114,4 +114,4 @@ std::string headerRecipients(std::string_view recipients) {
     return list;
 }
 
-} // namespace host
+} // namespace seat

@@ -1,11 +1,11 @@
-#include "host/mail/html_blocks.h"
+#include "desktop/mail/html_blocks.h"
 
 #include <cctype>
 #include <charconv>
 #include <cstdint>
 #include <utility>
 
-namespace host {
+namespace seat {
 namespace {
 
 bool isSpace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
@@ -140,4 +140,4 @@ std::string HTMLBlock::text() const {
 
 std::vector<HTMLBlock> htmlBlocks(std::string_view html) { return BlockReader().read(html); }
 
-} // namespace host
+} // namespace seat

@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-namespace host {
+namespace seat {
 
 // A message body for showing: its text in blocks. Knows the elements p, h1, h2, ol, ul, li, a and br, and character
 // references; text in other elements counts, the elements do not.
@@ -23,4 +23,4 @@ struct HTMLBlock {
 // White space is folded. Never fails: what is malformed is text.
 std::vector<HTMLBlock> htmlBlocks(std::string_view html);
 
-} // namespace host
+} // namespace seat

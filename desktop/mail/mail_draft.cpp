@@ -1,9 +1,9 @@
-#include "host/mail/mail_draft.h"
+#include "desktop/mail/mail_draft.h"
 
-#include "host/foundation/atomic_file.h"
-#include "host/foundation/base64.h"
-#include "host/mail/header_text.h"
+#include "desktop/mail/header_text.h"
+#include "kit/foundation/base64.h"
 #include "platform/log.h"
+#include "system/files/atomic_file.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -12,7 +12,7 @@
 #include <span>
 #include <string_view>
 
-namespace host {
+namespace seat {
 namespace {
 
 // Lines of 76 characters, as messages want them.
@@ -57,4 +57,4 @@ std::string saveMailDraft(const MailMessage& message) {
     return {};
 }
 
-} // namespace host
+} // namespace seat

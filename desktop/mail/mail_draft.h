@@ -2,7 +2,7 @@
 
 #include <string>
 
-namespace host {
+namespace seat {
 
 struct MailMessage {
     std::string recipients; // as typed: addresses, with names or without, separated by commas
@@ -18,4 +18,4 @@ std::string mailDraft(const MailMessage& message);
 // written. A later draft replaces an earlier one.
 std::string saveMailDraft(const MailMessage& message);
 
-} // namespace host
+} // namespace seat

@@ -1,11 +1,11 @@
-#include "host/mail/message_body.h"
+#include "desktop/mail/message_body.h"
 
-#include "host/tables/appearance.h"
+#include "kit/uikit/appearance.h"
 #include "platform/uikit/UILabel.h"
 
 #include <algorithm>
 
-namespace host {
+namespace seat {
 
 namespace {
 
@@ -68,4 +68,4 @@ double layOutMessage(UIView& view, const std::vector<HTMLBlock>& blocks, double 
     return y + appearance::sideMargin;
 }
 
-} // namespace host
+} // namespace seat

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "host/mail/html_blocks.h"
+#include "desktop/mail/html_blocks.h"
 #include "platform/uikit/UIView.h"
 
 #include <vector>
 
-namespace host {
+namespace seat {
 
 // From either edge of a window so wide to the text of a message: lines keep a readable length.
 double messageMargin(double width);
@@ -14,4 +14,4 @@ double messageMargin(double width);
 // they take at that width.
 double layOutMessage(UIView& view, const std::vector<HTMLBlock>& blocks, double width);
 
-} // namespace host
+} // namespace seat

@@ -1,7 +1,7 @@
-#include "host/quartz/context.h"
-#include "host/quartz/painting.h"
-#include "host/quartz/path_coverage.h"
-#include "host/quartz/snapping.h"
+#include "desktop/painting/context.h"
+#include "desktop/painting/painting.h"
+#include "kit/quartz/PathCoverage.h"
+#include "kit/quartz/snapping.h"
 
 #include <QPainter>
 #include <QPainterPath>
@@ -21,12 +21,12 @@ bool isNumber(CGRect rect) { return std::isfinite(rect.origin.x + rect.origin.y 
 
 QPolygonF corners(CGRect rect, const CGAffineTransform& t) {
     QPolygonF polygon(QRectF(rect.origin.x, rect.origin.y, rect.size.width, rect.size.height));
-    return host::toolkitTransform(t).map(polygon);
+    return seat::toolkitTransform(t).map(polygon);
 }
 
 } // namespace
 
-CGContext::CGContext(host::Canvas& canvas, const CGAffineTransform& toPixels)
+CGContext::CGContext(seat::Canvas& canvas, const CGAffineTransform& toPixels)
     : m_canvas(canvas),
       m_outerClip(canvas.clip()), m_state{toPixels, canvas.clip(), opaqueBlack(), opaqueBlack(), 1, 1} {}
 
@@ -47,7 +47,7 @@ void CGContext::clipTo(CGRect rect) {
     } else {
         // Cut in floating point first: an edge far away does not fit a whole number.
         const auto edge = [](double value) {
-            return static_cast<int>(host::nearestPixelEdge(std::clamp(value, -1e6, 1e6)));
+            return static_cast<int>(seat::nearestPixelEdge(std::clamp(value, -1e6, 1e6)));
         };
         bounds = bounds.intersected({edge(CGRectGetMinX(extent)), edge(CGRectGetMinY(extent)),
                                      edge(CGRectGetMaxX(extent)), edge(CGRectGetMaxY(extent))});
@@ -107,8 +107,8 @@ void CGContextFillRect(CGContextRef context, CGRect rect) {
                                    CGRectGetMaxY(pixels), *state.fillColor, state.alpha);
         return;
     }
-    const auto color = host::toolkitColor(*state.fillColor, state.alpha);
-    if (!color || !isNumber(rect) || !host::isFinite(state.toPixels)) return;
+    const auto color = seat::toolkitColor(*state.fillColor, state.alpha);
+    if (!color || !isNumber(rect) || !seat::isFinite(state.toPixels)) return;
     if (QPainter* const painter = context->canvas().painter()) {
         painter->setBrush(*color);
         painter->drawPolygon(corners(rect, state.toPixels));
@@ -118,27 +118,27 @@ void CGContextFillRect(CGContextRef context, CGRect rect) {
 void CGContextFillPath(CGContextRef context, const CGPath& path) {
     if (!context || !context->state().fillColor) return;
     const auto& state = context->state();
-    const auto color = host::toolkitColor(*state.fillColor, state.alpha);
-    if (!color || !host::isFinite(state.toPixels)) return;
-    host::Canvas& canvas = context->canvas();
+    const auto color = seat::toolkitColor(*state.fillColor, state.alpha);
+    if (!color || !seat::isFinite(state.toPixels)) return;
+    seat::Canvas& canvas = context->canvas();
     if (!state.clip.shape) {
-        if (const auto covered = host::convexPathCoverage(path, state.toPixels, canvas.clip().rect)) {
+        if (const auto covered = seat::convexPathCoverage(path, state.toPixels, canvas.clip().rect)) {
             canvas.fillCovered(*covered->runs, covered->x, covered->y, *state.fillColor, state.alpha);
             return;
         }
     }
     if (QPainter* const painter = canvas.painter())
-        painter->fillPath(host::toolkitTransform(state.toPixels).map(host::painterPath(path)), *color);
+        painter->fillPath(seat::toolkitTransform(state.toPixels).map(seat::painterPath(path)), *color);
 }
 
 void CGContextStrokePath(CGContextRef context, const CGPath& path) {
     if (!context || !context->state().strokeColor) return;
     const auto& state = context->state();
-    const auto color = host::toolkitColor(*state.strokeColor, state.alpha);
-    if (!color || !host::isFinite(state.toPixels) || !(state.lineWidth > 0)) return;
+    const auto color = seat::toolkitColor(*state.strokeColor, state.alpha);
+    if (!color || !seat::isFinite(state.toPixels) || !(state.lineWidth > 0)) return;
     if (QPainter* const painter = context->canvas().painter()) {
-        painter->setTransform(host::toolkitTransform(state.toPixels));
-        painter->strokePath(host::painterPath(path),
+        painter->setTransform(seat::toolkitTransform(state.toPixels));
+        painter->strokePath(seat::painterPath(path),
                             QPen(*color, state.lineWidth, Qt::SolidLine, Qt::FlatCap, Qt::MiterJoin));
         painter->resetTransform();
     }
@@ -147,7 +147,7 @@ void CGContextStrokePath(CGContextRef context, const CGPath& path) {
 void CGContextDrawImage(CGContextRef context, CGRect rect, const CGImageRef& image) {
     if (!context || !image || CGRectIsEmpty(rect) || !isNumber(rect)) return;
     const auto& state = context->state();
-    if (!host::isFinite(state.toPixels)) return;
+    if (!seat::isFinite(state.toPixels)) return;
     const CGAffineTransform placed{rect.size.width, 0, 0, rect.size.height, rect.origin.x, rect.origin.y};
     context->canvas().drawImage(*image, CGAffineTransformConcat(placed, state.toPixels), state.alpha);
 }

@@ -1,7 +1,7 @@
-#include "host/quartz/canvas.h"
+#include "desktop/painting/Canvas.h"
 
-#include "host/quartz/painting.h"
-#include "host/quartz/snapping.h"
+#include "desktop/painting/painting.h"
+#include "kit/quartz/snapping.h"
 
 #include <QImage>
 #include <QPainter>
@@ -10,7 +10,7 @@
 #include <array>
 #include <cmath>
 
-namespace host {
+namespace seat {
 
 namespace {
 
@@ -230,4 +230,4 @@ QPainterPath painterPath(const Outline& outline) {
     return result;
 }
 
-} // namespace host
+} // namespace seat

@@ -3,8 +3,8 @@
 // Pixels to draw into, in device pixels: rectangles by plain loops, everything else by the toolkit's painter, which is
 // started only when it is needed. A canvas belongs to the thread that draws in it.
 
-#include "host/quartz/outline.h"
-#include "host/quartz/pixels.h"
+#include "kit/quartz/outline.h"
+#include "kit/quartz/pixels.h"
 #include "platform/quartz/CGAffineTransform.h"
 #include "platform/quartz/CGImage.h"
 #include "platform/quartz/CGPath.h"
@@ -17,7 +17,7 @@ class QImage;
 class QPainter;
 class QPainterPath;
 
-namespace host {
+namespace seat {
 
 QPainterPath painterPath(const CGPath& path);
 QPainterPath painterPath(const Outline& outline);
@@ -72,4 +72,4 @@ private:
     std::unique_ptr<QPainter> m_painter;
 };
 
-} // namespace host
+} // namespace seat

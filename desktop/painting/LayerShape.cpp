@@ -1,10 +1,10 @@
-#include "host/quartz/layer_shape.h"
+#include "desktop/painting/LayerShape.h"
 
-#include "host/quartz/coverage.h"
-#include "host/quartz/gradient_rows.h"
-#include "host/quartz/painting.h"
-#include "host/quartz/rounded_coverage.h"
-#include "host/quartz/snapping.h"
+#include "desktop/painting/painting.h"
+#include "kit/quartz/Coverage.h"
+#include "kit/quartz/GradientRows.h"
+#include "kit/quartz/rounded_coverage.h"
+#include "kit/quartz/snapping.h"
 #include "platform/quartz/CAGradientLayer.h"
 
 #include <QBrush>
@@ -15,7 +15,7 @@
 #include <array>
 #include <cmath>
 
-namespace host {
+namespace seat {
 
 namespace {
 
@@ -261,4 +261,4 @@ void LayerShape::drawInside(Canvas& canvas, PixelRows& rows, double inset) const
     }
 }
 
-} // namespace host
+} // namespace seat

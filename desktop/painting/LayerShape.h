@@ -2,15 +2,15 @@
 
 // Where a layer's bounds stand in device pixels, and how they are filled.
 
-#include "host/quartz/canvas.h"
-#include "host/quartz/layer_values.h"
+#include "desktop/painting/Canvas.h"
+#include "kit/quartz/LayerValues.h"
 
 #include <optional>
 #include <vector>
 
 class CAGradientLayer;
 
-namespace host {
+namespace seat {
 
 class LayerShape {
 public:
@@ -75,4 +75,4 @@ private:
     double m_pixelsPerPoint = 1;
 };
 
-} // namespace host
+} // namespace seat

@@ -1,15 +1,15 @@
-#include "host/quartz/text_layout.h"
+#include "desktop/painting/TextLayout.h"
 
-#include "host/quartz/fonts.h"
-#include "host/quartz/snapping.h"
-#include "host/quartz/text_cache.h"
+#include "desktop/painting/fonts.h"
+#include "desktop/painting/text_cache.h"
+#include "kit/quartz/snapping.h"
 
 #include <QTextLayout>
 
 #include <cmath>
 #include <limits>
 
-namespace host {
+namespace seat {
 
 namespace {
 
@@ -189,4 +189,4 @@ std::shared_ptr<const TextLayout> textLayout(std::span<const TextRun> runs, doub
     return make(maxWidth + widthAllowance);
 }
 
-} // namespace host
+} // namespace seat

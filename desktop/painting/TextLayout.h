@@ -2,14 +2,14 @@
 
 // Text, shaped and broken into lines, in device pixels.
 
-#include "host/quartz/text.h"
+#include "kit/seat.h"
 
 #include <QGlyphRun>
 
 #include <memory>
 #include <vector>
 
-namespace host {
+namespace seat {
 
 struct TextLayout {
     struct Piece {
@@ -29,4 +29,4 @@ struct TextLayout {
 // `maxWidth` in pixels. What was laid out before on this thread comes from memory.
 std::shared_ptr<const TextLayout> textLayout(std::span<const TextRun> runs, double maxWidth, int lines, double scale);
 
-} // namespace host
+} // namespace seat

@@ -1,4 +1,4 @@
-#include "host/quartz/fonts.h"
+#include "desktop/painting/fonts.h"
 
 #include "platform/dispatch.h"
 #include "platform/uikit/UIScreen.h"
@@ -14,7 +14,7 @@
 #include <map>
 #include <tuple>
 
-namespace host {
+namespace seat {
 
 namespace {
 
@@ -110,4 +110,4 @@ QFont toolkitFont(const UIFont& font, double scale) {
     return kept.emplace(key, make()).first->second;
 }
 
-} // namespace host
+} // namespace seat

@@ -1,14 +1,14 @@
-#include "host/quartz/layer_painter.h"
+#include "desktop/painting/layer_painter.h"
 
-#include "host/quartz/context.h"
-#include "host/quartz/layer_internals.h"
-#include "host/quartz/layer_shape.h"
+#include "desktop/painting/LayerShape.h"
+#include "desktop/painting/context.h"
+#include "kit/quartz/LayerInternals.h"
 
 #include <QPainterPath>
 
 #include <vector>
 
-namespace host {
+namespace seat {
 
 namespace {
 
@@ -206,4 +206,4 @@ void paintLayerTree(CALayer& layer, Canvas& canvas, const CGAffineTransform& toP
     LayerPainter(canvas).paint(layer, toPixels);
 }
 
-} // namespace host
+} // namespace seat

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "host/quartz/canvas.h"
+#include "desktop/painting/Canvas.h"
 #include "platform/quartz/CALayer.h"
 
-namespace host {
+namespace seat {
 
 // Paints the layer with all that stands in it inside the canvas's clip. `toPixels`: from the superlayer's coordinates.
 void paintLayerTree(CALayer& layer, Canvas& canvas, const CGAffineTransform& toPixels);
 
-} // namespace host
+} // namespace seat

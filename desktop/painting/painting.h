@@ -12,7 +12,7 @@
 #include <cmath>
 #include <optional>
 
-namespace host {
+namespace seat {
 
 // Nothing for a colour that paints nothing.
 inline std::optional<QColor> toolkitColor(const CGColor& color, double alpha = 1) {
@@ -27,4 +27,4 @@ inline QTransform toolkitTransform(const CGAffineTransform& t) { return {t.a, t.
 
 inline bool isFinite(const CGAffineTransform& t) { return std::isfinite(t.a + t.b + t.c + t.d + t.tx + t.ty); }
 
-} // namespace host
+} // namespace seat

@@ -1,4 +1,4 @@
-#include "host/quartz/png.h"
+#include "desktop/painting/png.h"
 
 #include "platform/log.h"
 
@@ -7,7 +7,7 @@
 
 #include <cstring>
 
-namespace host {
+namespace seat {
 
 bool writePng(const std::string& path, const PixelTarget& pixels) {
     const QImage image(reinterpret_cast<const uchar*>(pixels.pixels), pixels.width, pixels.height, pixels.bytesPerLine,
@@ -37,4 +37,4 @@ CGImageRef readPng(const std::string& path) {
     return result;
 }
 
-} // namespace host
+} // namespace seat

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "host/quartz/pixels.h"
+#include "kit/quartz/pixels.h"
 #include "platform/quartz/CGImage.h"
 
 #include <string>
 
-namespace host {
+namespace seat {
 
 // False, and one line is logged, when the file cannot be written.
 bool writePng(const std::string& path, const PixelTarget& pixels);
@@ -14,4 +14,4 @@ bool writePng(const std::string& path, const CGImage& image);
 // nil when the file is no picture.
 CGImageRef readPng(const std::string& path);
 
-} // namespace host
+} // namespace seat

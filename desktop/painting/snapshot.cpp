@@ -1,7 +1,7 @@
-#include "host/testing/snapshot.h"
+#include "desktop/painting/snapshot.h"
 
-#include "host/quartz/png.h"
-#include "host/uikit/window_scene.h"
+#include "desktop/painting/png.h"
+#include "kit/uikit/WindowScene.h"
 
 #include <algorithm>
 #include <cmath>
@@ -9,7 +9,7 @@
 #include <filesystem>
 #include <string_view>
 
-namespace host {
+namespace seat {
 
 namespace {
 
@@ -100,4 +100,4 @@ std::string compareWithGolden(const CGImageRef& actual, const std::string& folde
            std::to_string(difference.most) + "; see " + differenceFile;
 }
 
-} // namespace host
+} // namespace seat

@@ -4,7 +4,7 @@
 
 #include <string>
 
-namespace host {
+namespace seat {
 
 class WindowScene;
 
@@ -31,4 +31,4 @@ PictureDifference comparePictures(const CGImage& expected, const CGImage& actual
 std::string compareWithGolden(const CGImageRef& actual, const std::string& folder, const std::string& name,
                               const std::string& failures, PictureTolerance tolerance = {});
 
-} // namespace host
+} // namespace seat

@@ -1,17 +1,20 @@
-#include "host/quartz/text.h"
+// Text as labels show it: shaped once and kept, so that a repaint only draws.
 
-#include "host/quartz/context.h"
-#include "host/quartz/painting.h"
-#include "host/quartz/snapping.h"
-#include "host/quartz/text_layout.h"
+#include "kit/seat.h"
+
+#include "desktop/painting/TextLayout.h"
+#include "desktop/painting/context.h"
+#include "desktop/painting/painting.h"
+#include "kit/quartz/snapping.h"
 #include "platform/uikit/UIScreen.h"
 
 #include <QPainter>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
-namespace host {
+namespace seat {
 
 namespace {
 
@@ -27,23 +30,6 @@ double shapingScale(const CGAffineTransform& t) {
 }
 
 } // namespace
-
-std::vector<TextRun> textRuns(std::string text, std::shared_ptr<UIFont> font, CGColorRef color) {
-    if (!font) font = UIFont::systemFontOfSize(17);
-    return {{std::move(text), std::move(font), std::move(color)}};
-}
-
-std::vector<TextRun> textRuns(const NSAttributedString& text, const std::shared_ptr<UIFont>& font,
-                              const CGColorRef& color) {
-    std::vector<TextRun> result;
-    for (const auto& run : text.runs()) {
-        auto runFont = run.attributes.font ? run.attributes.font : font;
-        if (!runFont) runFont = UIFont::systemFontOfSize(17);
-        const auto& own = run.attributes.foregroundColor;
-        result.push_back({run.text, std::move(runFont), own ? own->CGColor() : color});
-    }
-    return result;
-}
 
 TextSize measureText(std::span<const TextRun> runs, double maxWidth, int lines) {
     if (isEmpty(runs)) return {};
@@ -90,4 +76,4 @@ void drawText(CGContextRef context, std::span<const TextRun> runs, CGRect rect, 
     if (!pixelForPixel) painter->resetTransform();
 }
 
-} // namespace host
+} // namespace seat

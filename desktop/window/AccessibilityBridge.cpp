@@ -1,18 +1,18 @@
-#include "host/window/accessibility_bridge.h"
+#include "desktop/window/AccessibilityBridge.h"
 
-#include "host/dispatch/main_queue.h"
-#include "host/window/accessible_node.h"
+#include "desktop/window/AccessibleNode.h"
+#include "kit/dispatch/main_queue.h"
 
 #include <QGuiApplication>
 #include <QWindow>
 
-host::AccessibilityBridge::AccessibilityBridge(QWindow& window, AccessibilityTree& tree, std::function<void()> refresh)
+seat::AccessibilityBridge::AccessibilityBridge(QWindow& window, AccessibilityTree& tree, std::function<void()> refresh)
     : m_window(window), m_tree(tree), m_refresh(std::move(refresh)) {
     m_tree.setListener(
         [this](AccessibilityIdentity identity, AccessibilityChange change) { changed(identity, change); });
 }
 
-host::AccessibilityBridge::~AccessibilityBridge() {
+seat::AccessibilityBridge::~AccessibilityBridge() {
     m_tree.setListener(nullptr);
     m_lives = nullptr;
     // The root dies with the window.
@@ -22,18 +22,18 @@ host::AccessibilityBridge::~AccessibilityBridge() {
     }
 }
 
-host::AccessibilityTree& host::AccessibilityBridge::freshTree() const {
+seat::AccessibilityTree& seat::AccessibilityBridge::freshTree() const {
     if (m_refresh) m_refresh();
     return m_tree;
 }
 
-QAccessibleInterface* host::AccessibilityBridge::makeRoot() {
+QAccessibleInterface* seat::AccessibilityBridge::makeRoot() {
     auto* const root = new AccessibleNode(*this, m_tree.root());
     m_interfaces[m_tree.root()] = root;
     return root;
 }
 
-QAccessibleInterface* host::AccessibilityBridge::interfaceOf(AccessibilityIdentity identity) {
+QAccessibleInterface* seat::AccessibilityBridge::interfaceOf(AccessibilityIdentity identity) {
     if (!m_tree.node(identity)) return nullptr;
     if (identity == m_tree.root()) return QAccessible::queryAccessibleInterface(&m_window);
     auto& interface = m_interfaces[identity];
@@ -44,21 +44,21 @@ QAccessibleInterface* host::AccessibilityBridge::interfaceOf(AccessibilityIdenti
     return interface;
 }
 
-QRect host::AccessibilityBridge::onScreen(CGRect points) const {
+QRect seat::AccessibilityBridge::onScreen(CGRect points) const {
     const double factor = pointsPerUnit ? pointsPerUnit() : 1;
     const QPointF topLeft(points.origin.x / factor, points.origin.y / factor);
     const QPointF bottomRight(CGRectGetMaxX(points) / factor, CGRectGetMaxY(points) / factor);
     return QRectF(m_window.mapToGlobal(topLeft), m_window.mapToGlobal(bottomRight)).toRect();
 }
 
-CGPoint host::AccessibilityBridge::fromScreen(QPoint position) const {
+CGPoint seat::AccessibilityBridge::fromScreen(QPoint position) const {
     const double factor = pointsPerUnit ? pointsPerUnit() : 1;
     const QPointF local = m_window.mapFromGlobal(QPointF(position));
     return {local.x() * factor, local.y() * factor};
 }
 
 // Only nodes that somebody has asked for have anybody to tell; a new node is told of by its parent.
-void host::AccessibilityBridge::changed(AccessibilityIdentity identity, AccessibilityChange change) {
+void seat::AccessibilityBridge::changed(AccessibilityIdentity identity, AccessibilityChange change) {
     if (change == AccessibilityChange::Destroyed) {
         const auto found = m_interfaces.find(identity);
         if (found == m_interfaces.end()) return;
@@ -124,7 +124,7 @@ void host::AccessibilityBridge::changed(AccessibilityIdentity identity, Accessib
 }
 
 // The event says which states may have changed; who hears it reads the new ones.
-void host::AccessibilityBridge::tellState(AccessibleNode& node, const AccessibilityNode& now) {
+void seat::AccessibilityBridge::tellState(AccessibleNode& node, const AccessibilityNode& now) {
     QAccessible::State changed;
     changed.disabled = true;
     changed.offscreen = true;

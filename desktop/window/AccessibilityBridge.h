@@ -2,7 +2,7 @@
 
 // Between a window's accessibility tree and the toolkit.
 
-#include "host/uikit/accessibility_tree.h"
+#include "kit/uikit/AccessibilityTree.h"
 
 #include <QRect>
 
@@ -13,7 +13,7 @@
 class QAccessibleInterface;
 class QWindow;
 
-namespace host {
+namespace seat {
 
 class AccessibleNode;
 
@@ -54,4 +54,4 @@ private:
     std::shared_ptr<bool> m_lives = std::make_shared<bool>(true); // nil once this is ending
 };
 
-} // namespace host
+} // namespace seat

@@ -1,6 +1,6 @@
-#include "host/window/accessible_node.h"
+#include "desktop/window/AccessibleNode.h"
 
-#include "host/window/accessibility_bridge.h"
+#include "desktop/window/AccessibilityBridge.h"
 
 #include <QGuiApplication>
 #include <QWindow>
@@ -64,7 +64,7 @@ constexpr StepAction canvasActions[] = {
     {"Far Down", UIAccessibilityDirection::Down, UIAccessibilityStep::Large},
 };
 
-QStringList possibleActions(const host::AccessibilityNode& node) {
+QStringList possibleActions(const seat::AccessibilityNode& node) {
     using Actions = QAccessibleActionInterface;
     QStringList names;
     if (node.canPress) names << (node.isOn ? Actions::toggleAction() : Actions::pressAction());
@@ -77,41 +77,41 @@ QStringList possibleActions(const host::AccessibilityNode& node) {
 
 } // namespace
 
-host::AccessibleNode::AccessibleNode(AccessibilityBridge& bridge, AccessibilityIdentity identity)
+seat::AccessibleNode::AccessibleNode(AccessibilityBridge& bridge, AccessibilityIdentity identity)
     : m_bridge(&bridge), m_identity(identity) {
     rememberParent();
     if (const auto* const found = bridge.tree().node(identity); found && isLabel(*found))
         m_announcedText = nameOf(*found);
 }
 
-host::AccessibleNode::~AccessibleNode() {
+seat::AccessibleNode::~AccessibleNode() {
     if (m_bridge) m_bridge->forget(m_identity);
 }
 
-void host::AccessibleNode::rememberParent() {
+void seat::AccessibleNode::rememberParent() {
     if (const auto* const found = m_bridge->tree().node(m_identity)) m_parent = found->parent;
 }
 
-void host::AccessibleNode::announceDeparture() {
+void seat::AccessibleNode::announceDeparture() {
     m_isLeaving = true;
     QAccessibleEvent event(this, QAccessible::ObjectDestroyed);
     QAccessible::updateAccessibility(&event);
     m_isLeaving = false;
 }
 
-const host::AccessibilityNode* host::AccessibleNode::node() const {
+const seat::AccessibilityNode* seat::AccessibleNode::node() const {
     return m_bridge ? m_bridge->freshTree().node(m_identity) : nullptr;
 }
 
-bool host::AccessibleNode::isValid() const { return m_isLeaving || node(); }
+bool seat::AccessibleNode::isValid() const { return m_isLeaving || node(); }
 
-QObject* host::AccessibleNode::object() const {
+QObject* seat::AccessibleNode::object() const {
     return m_bridge && m_bridge->tree().root() == m_identity ? &m_bridge->window() : nullptr;
 }
 
-QWindow* host::AccessibleNode::window() const { return m_bridge ? &m_bridge->window() : nullptr; }
+QWindow* seat::AccessibleNode::window() const { return m_bridge ? &m_bridge->window() : nullptr; }
 
-void* host::AccessibleNode::interface_cast(QAccessible::InterfaceType type) {
+void* seat::AccessibleNode::interface_cast(QAccessible::InterfaceType type) {
     const auto* const found = node();
     if (!found) return nullptr;
     // Clients ask once what interfaces a node has, so that it does not depend on what can be done just now.
@@ -125,25 +125,25 @@ void* host::AccessibleNode::interface_cast(QAccessible::InterfaceType type) {
     return nullptr;
 }
 
-QAccessibleInterface* host::AccessibleNode::parent() const {
+QAccessibleInterface* seat::AccessibleNode::parent() const {
     if (!m_bridge) return nullptr;
     if (m_identity == m_bridge->tree().root()) return QAccessible::queryAccessibleInterface(qApp);
     const auto* const found = node();
     return m_bridge->interfaceOf(found ? found->parent : m_parent);
 }
 
-QAccessibleInterface* host::AccessibleNode::child(int index) const {
+QAccessibleInterface* seat::AccessibleNode::child(int index) const {
     const auto* const found = node();
     if (!found || index < 0 || static_cast<std::size_t>(index) >= found->children.size()) return nullptr;
     return m_bridge->interfaceOf(found->children[static_cast<std::size_t>(index)]);
 }
 
-int host::AccessibleNode::childCount() const {
+int seat::AccessibleNode::childCount() const {
     const auto* const found = node();
     return found ? static_cast<int>(found->children.size()) : 0;
 }
 
-int host::AccessibleNode::indexOfChild(const QAccessibleInterface* child) const {
+int seat::AccessibleNode::indexOfChild(const QAccessibleInterface* child) const {
     const auto* const other = dynamic_cast<const AccessibleNode*>(child);
     const auto* const found = node();
     if (!other || !found) return -1;
@@ -151,7 +151,7 @@ int host::AccessibleNode::indexOfChild(const QAccessibleInterface* child) const 
     return at == found->children.end() ? -1 : static_cast<int>(at - found->children.begin());
 }
 
-QAccessibleInterface* host::AccessibleNode::childAt(int x, int y) const {
+QAccessibleInterface* seat::AccessibleNode::childAt(int x, int y) const {
     if (!node()) return nullptr;
     auto& tree = m_bridge->tree();
     // The innermost one there, if it is in here.
@@ -161,12 +161,12 @@ QAccessibleInterface* host::AccessibleNode::childAt(int x, int y) const {
     return nullptr;
 }
 
-QAccessibleInterface* host::AccessibleNode::focusChild() const {
+QAccessibleInterface* seat::AccessibleNode::focusChild() const {
     return node() ? m_bridge->interfaceOf(m_bridge->tree().focusedNode()) : nullptr;
 }
 
 // The bus has no text beside a number for a value, so the text comes as the description, before the hint.
-QString host::AccessibleNode::text(QAccessible::Text kind) const {
+QString seat::AccessibleNode::text(QAccessible::Text kind) const {
     const auto* const found = node();
     if (!found) return {};
     switch (kind) {
@@ -184,22 +184,22 @@ QString host::AccessibleNode::text(QAccessible::Text kind) const {
     }
 }
 
-QString host::AccessibleNode::nameOf(const AccessibilityNode& node) const {
+QString seat::AccessibleNode::nameOf(const AccessibilityNode& node) const {
     return node.role == Role::Window && node.name.empty() ? m_bridge->window().title()
                                                           : QString::fromStdString(node.name);
 }
 
-QRect host::AccessibleNode::rect() const {
+QRect seat::AccessibleNode::rect() const {
     const auto* const found = node();
     return found ? m_bridge->onScreen(found->extent) : QRect();
 }
 
-QAccessible::Role host::AccessibleNode::role() const {
+QAccessible::Role seat::AccessibleNode::role() const {
     const auto* const found = node();
     return found ? toolkitRole(found->role) : QAccessible::NoRole;
 }
 
-QAccessible::State host::AccessibleNode::state() const {
+QAccessible::State seat::AccessibleNode::state() const {
     QAccessible::State state;
     const auto* const found = node();
     if (!found) {
@@ -230,12 +230,12 @@ QAccessible::State host::AccessibleNode::state() const {
 }
 
 // The toolkit has no refusal for an action on offer, so that what would do nothing is not on offer.
-QStringList host::AccessibleNode::actionNames() const {
+QStringList seat::AccessibleNode::actionNames() const {
     const auto* const found = node();
     return found && m_bridge->tree().canAct(m_identity) ? possibleActions(*found) : QStringList();
 }
 
-void host::AccessibleNode::doAction(const QString& name) {
+void seat::AccessibleNode::doAction(const QString& name) {
     if (!m_bridge) return;
     auto& tree = m_bridge->freshTree();
     using Direction = UIAccessibilityDirection;
@@ -252,26 +252,26 @@ void host::AccessibleNode::doAction(const QString& name) {
             if (name == QLatin1String(action.name)) tree.step(m_identity, action.direction, action.step);
 }
 
-QVariant host::AccessibleNode::currentValue() const {
+QVariant seat::AccessibleNode::currentValue() const {
     const auto* const found = node();
     return found && found->range ? found->range->current : QVariant();
 }
 
-void host::AccessibleNode::setCurrentValue(const QVariant& value) {
+void seat::AccessibleNode::setCurrentValue(const QVariant& value) {
     if (m_bridge) m_bridge->freshTree().setValue(m_identity, value.toDouble());
 }
 
-QVariant host::AccessibleNode::maximumValue() const {
+QVariant seat::AccessibleNode::maximumValue() const {
     const auto* const found = node();
     return found && found->range ? found->range->maximum : QVariant();
 }
 
-QVariant host::AccessibleNode::minimumValue() const {
+QVariant seat::AccessibleNode::minimumValue() const {
     const auto* const found = node();
     return found && found->range ? found->range->minimum : QVariant();
 }
 
-QVariant host::AccessibleNode::minimumStepSize() const {
+QVariant seat::AccessibleNode::minimumStepSize() const {
     const auto* const found = node();
     return found && found->range ? found->range->step : QVariant();
 }

@@ -2,12 +2,12 @@
 
 // One node of the accessibility tree as the toolkit, and through it the accessibility bus, wants it.
 
-#include "host/uikit/accessibility_tree.h"
-#include "host/window/accessible_text.h"
+#include "desktop/window/AccessibleText.h"
+#include "kit/uikit/AccessibilityTree.h"
 
 #include <QAccessible>
 
-namespace host {
+namespace seat {
 
 class AccessibilityBridge;
 
@@ -93,4 +93,4 @@ private:
     bool m_isLeaving = false;
 };
 
-} // namespace host
+} // namespace seat

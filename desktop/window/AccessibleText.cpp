@@ -1,7 +1,7 @@
-#include "host/window/accessible_text.h"
+#include "desktop/window/AccessibleText.h"
 
-#include "host/window/accessibility_bridge.h"
-#include "host/window/accessible_node.h"
+#include "desktop/window/AccessibilityBridge.h"
+#include "desktop/window/AccessibleNode.h"
 
 #include <algorithm>
 
@@ -18,7 +18,7 @@ std::size_t bytesUpTo(const QString& text, int units) {
 
 } // namespace
 
-host::AccessibleText::Units host::AccessibleText::units() const {
+seat::AccessibleText::Units seat::AccessibleText::units() const {
     const auto* const node = m_node.node();
     if (!node || !node->text) return {};
     const UIAccessibilityText& text = *node->text;
@@ -26,7 +26,7 @@ host::AccessibleText::Units host::AccessibleText::units() const {
             unitsUpTo(text.text, text.selectionEnd), unitsUpTo(text.text, text.caret)};
 }
 
-void host::AccessibleText::tell() {
+void seat::AccessibleText::tell() {
     const Units now = units();
     const Units former = std::exchange(m_told, now); // who is told may ask, and be told more
     if (now.text != former.text) {
@@ -59,60 +59,60 @@ void host::AccessibleText::tell() {
     }
 }
 
-void host::AccessibleText::select(int start, int end) {
+void seat::AccessibleText::select(int start, int end) {
     const QString text = units().text;
     if (m_node.m_bridge)
         m_node.m_bridge->tree().selectText(m_node.m_identity, bytesUpTo(text, start), bytesUpTo(text, end));
 }
 
-int host::AccessibleText::selectionCount() const {
+int seat::AccessibleText::selectionCount() const {
     const Units now = units();
     return now.start == now.end ? 0 : 1;
 }
 
-void host::AccessibleText::selection(int index, int* start, int* end) const {
+void seat::AccessibleText::selection(int index, int* start, int* end) const {
     const Units now = units();
     const bool isThere = index == 0 && now.start != now.end;
     *start = isThere ? now.start : 0;
     *end = isThere ? now.end : 0;
 }
 
-void host::AccessibleText::addSelection(int start, int end) { select(start, end); }
+void seat::AccessibleText::addSelection(int start, int end) { select(start, end); }
 
-void host::AccessibleText::setSelection(int index, int start, int end) {
+void seat::AccessibleText::setSelection(int index, int start, int end) {
     if (index == 0) select(start, end);
 }
 
-void host::AccessibleText::removeSelection(int index) {
+void seat::AccessibleText::removeSelection(int index) {
     const int caret = cursorPosition();
     if (index == 0) select(caret, caret);
 }
 
-int host::AccessibleText::cursorPosition() const { return units().caret; }
-void host::AccessibleText::setCursorPosition(int position) { select(position, position); }
+int seat::AccessibleText::cursorPosition() const { return units().caret; }
+void seat::AccessibleText::setCursorPosition(int position) { select(position, position); }
 
-QString host::AccessibleText::text(int start, int end) const {
+QString seat::AccessibleText::text(int start, int end) const {
     const QString all = units().text;
     return all.mid(start, end < 0 ? -1 : std::max(0, end - start));
 }
 
-int host::AccessibleText::characterCount() const { return static_cast<int>(units().text.size()); }
+int seat::AccessibleText::characterCount() const { return static_cast<int>(units().text.size()); }
 
 // The field is one line high: its extent is near enough for whoever follows the caret.
-QRect host::AccessibleText::characterRect(int) const { return m_node.rect(); }
-int host::AccessibleText::offsetAtPoint(const QPoint&) const { return -1; }
-void host::AccessibleText::scrollToSubstring(int start, int) { setCursorPosition(start); }
+QRect seat::AccessibleText::characterRect(int) const { return m_node.rect(); }
+int seat::AccessibleText::offsetAtPoint(const QPoint&) const { return -1; }
+void seat::AccessibleText::scrollToSubstring(int start, int) { setCursorPosition(start); }
 
-QString host::AccessibleText::attributes(int, int* start, int* end) const {
+QString seat::AccessibleText::attributes(int, int* start, int* end) const {
     *start = 0;
     *end = characterCount();
     return {};
 }
 
-void host::AccessibleText::deleteText(int start, int end) { replaceText(start, end, {}); }
-void host::AccessibleText::insertText(int offset, const QString& text) { replaceText(offset, offset, text); }
+void seat::AccessibleText::deleteText(int start, int end) { replaceText(start, end, {}); }
+void seat::AccessibleText::insertText(int offset, const QString& text) { replaceText(offset, offset, text); }
 
-void host::AccessibleText::replaceText(int start, int end, const QString& text) {
+void seat::AccessibleText::replaceText(int start, int end, const QString& text) {
     if (!m_node.m_bridge) return;
     QString all = units().text;
     const int length = static_cast<int>(all.size());

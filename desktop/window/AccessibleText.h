@@ -6,7 +6,7 @@
 
 #include <QAccessible>
 
-namespace host {
+namespace seat {
 
 class AccessibleNode;
 
@@ -50,4 +50,4 @@ private:
     Units m_told;
 };
 
-} // namespace host
+} // namespace seat

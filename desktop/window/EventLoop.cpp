@@ -1,12 +1,12 @@
-#include "host/window/event_loop.h"
+#include "desktop/window/EventLoop.h"
 
-#include "host/dispatch/main_queue.h"
-#include "host/foundation/clock.h"
+#include "kit/dispatch/main_queue.h"
+#include "kit/seat.h"
 
 #include <sys/eventfd.h>
 #include <unistd.h>
 
-class host::EventLoop::Wake {
+class seat::EventLoop::Wake {
 public:
     Wake() : m_descriptor(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
     ~Wake() { close(m_descriptor); }
@@ -25,7 +25,7 @@ private:
 };
 
 // Other threads write to a descriptor and never call into the toolkit, whose own locks a race detector cannot see.
-host::EventLoop::EventLoop()
+seat::EventLoop::EventLoop()
     : m_wake(std::make_shared<Wake>()),
       m_wakeNotifier(std::make_unique<QSocketNotifier>(m_wake->descriptor(), QSocketNotifier::Read)) {
     QObject::connect(m_wakeNotifier.get(), &QSocketNotifier::activated, [this] { drain(); });
@@ -36,23 +36,23 @@ host::EventLoop::EventLoop()
     setWakeMainQueue([wake = m_wake] { wake->signal(); });
 }
 
-host::EventLoop::~EventLoop() {
+seat::EventLoop::~EventLoop() {
     setWakeMainQueue(nullptr);
     setRunLoopDriver(nullptr);
 }
 
-void host::EventLoop::drain() {
+void seat::EventLoop::drain() {
     m_wake->clear();
     drainMainQueue();
 }
 
-void host::EventLoop::watchReadable(SourceToken token, int descriptor) {
+void seat::EventLoop::watchReadable(SourceToken token, int descriptor) {
     auto notifier = std::make_unique<QSocketNotifier>(descriptor, QSocketNotifier::Read);
     QObject::connect(notifier.get(), &QSocketNotifier::activated, [token] { readableSourceFired(token); });
     m_notifiers.insert_or_assign(token, std::move(notifier));
 }
 
-void host::EventLoop::unwatchReadable(SourceToken token) {
+void seat::EventLoop::unwatchReadable(SourceToken token) {
     const auto found = m_notifiers.find(token);
     if (found == m_notifiers.end()) return;
     // A source may remove itself from within its callback, in the middle of its notifier's signal.
@@ -61,7 +61,7 @@ void host::EventLoop::unwatchReadable(SourceToken token) {
     m_notifiers.erase(found);
 }
 
-void host::EventLoop::setNextDeadline(std::optional<double> deadline) {
+void seat::EventLoop::setNextDeadline(std::optional<double> deadline) {
     // A held clock does not reach the deadline by waiting: whoever moves it fires the timers.
     if (!deadline || clockIsHeld()) return m_timer.stop();
     const double milliseconds = std::ceil((*deadline - platform::CACurrentMediaTime()) * 1000);

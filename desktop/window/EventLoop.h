@@ -3,7 +3,7 @@
 // The main run loop on the toolkit's event loop: main queue, readable descriptors, timers. One at a time, main thread
 // only. Nothing runs, and no timer is set, while there is nothing to do.
 
-#include "host/dispatch/run_loop_sources.h"
+#include "kit/dispatch/run_loop_sources.h"
 
 #include <QSocketNotifier>
 #include <QTimer>
@@ -11,7 +11,7 @@
 #include <map>
 #include <memory>
 
-namespace host {
+namespace seat {
 
 class EventLoop final : public RunLoopDriver {
 public:
@@ -37,4 +37,4 @@ private:
     QTimer m_timer;
 };
 
-} // namespace host
+} // namespace seat

@@ -1,4 +1,4 @@
-#include "host/window/frame_pacer.h"
+#include "desktop/window/FramePacer.h"
 
 #include <QAbstractEventDispatcher>
 
@@ -12,7 +12,7 @@ double now() { return std::chrono::duration<double>(std::chrono::steady_clock::n
 
 } // namespace
 
-host::FramePacer::FramePacer(std::function<void()> frameIsDue) : m_frameIsDue(std::move(frameIsDue)) {
+seat::FramePacer::FramePacer(std::function<void()> frameIsDue) : m_frameIsDue(std::move(frameIsDue)) {
     m_timer.setSingleShot(true);
     m_timer.setTimerType(Qt::PreciseTimer);
     QObject::connect(&m_timer, &QTimer::timeout, [this] { m_frameIsDue(); });
@@ -21,23 +21,23 @@ host::FramePacer::FramePacer(std::function<void()> frameIsDue) : m_frameIsDue(st
         QObject::connect(loop, &QAbstractEventDispatcher::aboutToBlock, &m_timer, [this] { runIfDue(); });
 }
 
-double host::FramePacer::wait() const { return m_lastFrame + m_interval - now(); }
+double seat::FramePacer::wait() const { return m_lastFrame + m_interval - now(); }
 
-void host::FramePacer::runIfDue() {
+void seat::FramePacer::runIfDue() {
     if (!m_timer.isActive() || wait() > 0) return;
     m_timer.stop();
     m_frameIsDue();
 }
 
-void host::FramePacer::request() {
+void seat::FramePacer::request() {
     if (m_timer.isActive()) return;
     m_timer.start(static_cast<int>(std::lround(std::clamp(wait(), 0.0, m_interval) * 1000)));
 }
 
-void host::FramePacer::cancel() { m_timer.stop(); }
+void seat::FramePacer::cancel() { m_timer.stop(); }
 
-void host::FramePacer::frameBegins() { m_lastFrame = now(); }
+void seat::FramePacer::frameBegins() { m_lastFrame = now(); }
 
-void host::FramePacer::setRefreshRate(double hertz) {
+void seat::FramePacer::setRefreshRate(double hertz) {
     m_interval = 1 / std::clamp(std::isfinite(hertz) ? hertz : 60.0, 20.0, 360.0);
 }

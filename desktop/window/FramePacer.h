@@ -7,7 +7,7 @@
 
 #include <functional>
 
-namespace host {
+namespace seat {
 
 class FramePacer {
 public:
@@ -31,4 +31,4 @@ private:
     double m_lastFrame = -1;      // on a clock of its own: frames are for the eye, whatever the host clock says
 };
 
-} // namespace host
+} // namespace seat

@@ -1,11 +1,11 @@
-#include "host/window/key_translator.h"
+#include "desktop/window/KeyTranslator.h"
 
-#include "host/window/hid_usage.h"
 #include "platform/uikit/UIKeyEvent.h"
+#include "system/input/hid_usage.h"
 
 #include <cstdint>
 
-std::shared_ptr<UIKeyEvent> host::KeyTranslator::translate(const RawKeyEvent& event) {
+std::shared_ptr<UIKeyEvent> seat::KeyTranslator::translate(const RawKeyEvent& event) {
     const long usage = hidUsageForScanCode(event.scanCode);
     if (usage == 0) return nullptr;
     const bool wasHeld = m_held.contains(usage);
@@ -21,7 +21,7 @@ std::shared_ptr<UIKeyEvent> host::KeyTranslator::translate(const RawKeyEvent& ev
                                 typedText(event.characters, event.modifiers));
 }
 
-std::string host::typedText(const std::string& characters, unsigned modifiers) {
+std::string seat::typedText(const std::string& characters, unsigned modifiers) {
     if (characters.empty()) return {};
     const auto first = static_cast<std::uint8_t>(characters.front());
     if (first >= 0x20 && first != 0x7F) return characters;

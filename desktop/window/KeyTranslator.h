@@ -8,7 +8,7 @@
 
 class UIKeyEvent;
 
-namespace host {
+namespace seat {
 
 struct RawKeyEvent {
     unsigned scanCode = 0; // the window system's: the kernel's number of the key plus 8
@@ -35,4 +35,4 @@ private:
     std::set<long> m_held; // usages
 };
 
-} // namespace host
+} // namespace seat

@@ -1,23 +1,23 @@
-#include "host/window/scene_window.h"
+#include "desktop/window/SceneWindow.h"
 
-#include "host/window/surface_window.h"
+#include "desktop/window/SurfaceWindow.h"
 
-struct host::SceneWindow::State {
+struct seat::SceneWindow::State {
     explicit State(const SceneWindowOptions& options) : window(options) {}
     SurfaceWindow window;
 };
 
-host::SceneWindow::SceneWindow(const SceneWindowOptions& options) : m_state(std::make_unique<State>(options)) {}
-host::SceneWindow::~SceneWindow() = default;
+seat::SceneWindow::SceneWindow(const SceneWindowOptions& options) : m_state(std::make_unique<State>(options)) {}
+seat::SceneWindow::~SceneWindow() = default;
 
-CGSize host::SceneWindow::size() const { return m_state->window.sizeInPoints(); }
-double host::SceneWindow::scale() const { return m_state->window.scale(); }
-void host::SceneWindow::setScene(WindowScene& scene) { m_state->window.setScene(scene); }
+CGSize seat::SceneWindow::size() const { return m_state->window.sizeInPoints(); }
+double seat::SceneWindow::scale() const { return m_state->window.scale(); }
+void seat::SceneWindow::setScene(WindowScene& scene) { m_state->window.setScene(scene); }
 
-void host::SceneWindow::setTitleSource(std::function<std::string()> title) {
+void seat::SceneWindow::setTitleSource(std::function<std::string()> title) {
     m_state->window.setTitleSource(std::move(title));
 }
-void host::SceneWindow::setCloseHandler(std::function<void()> closed) { m_state->window.closed = std::move(closed); }
-void host::SceneWindow::setFrameHandler(std::function<void(double seconds)> painted) {
+void seat::SceneWindow::setCloseHandler(std::function<void()> closed) { m_state->window.closed = std::move(closed); }
+void seat::SceneWindow::setFrameHandler(std::function<void(double seconds)> painted) {
     m_state->window.framePainted = std::move(painted);
 }

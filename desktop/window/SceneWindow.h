@@ -8,7 +8,7 @@
 #include <memory>
 #include <string>
 
-namespace host {
+namespace seat {
 
 class WindowScene;
 
@@ -45,4 +45,4 @@ private:
     std::unique_ptr<State> m_state;
 };
 
-} // namespace host
+} // namespace seat

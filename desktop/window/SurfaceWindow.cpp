@@ -1,8 +1,9 @@
-#include "host/window/surface_window.h"
+#include "desktop/window/SurfaceWindow.h"
 
-#include "host/uikit/application.h"
-#include "host/uikit/window_scene.h"
-#include "host/window/accessibility_bridge.h"
+#include "desktop/window/AccessibilityBridge.h"
+#include "kit/quartz/pixels.h"
+#include "kit/uikit/WindowScene.h"
+#include "kit/uikit/application.h"
 #include "platform/foundation/time.h"
 
 #include <QGuiApplication>
@@ -32,14 +33,14 @@ bool holdsPixelsAsWeDo(const QImage& image) {
 // drops them.
 bool showsUnexposed() { return QGuiApplication::platformName() == QLatin1String("xcb"); }
 
-host::PixelTarget target(QImage& image) {
+seat::PixelTarget target(QImage& image) {
     return {reinterpret_cast<std::uint32_t*>(image.bits()), image.width(), image.height(),
             static_cast<int>(image.bytesPerLine())};
 }
 
 } // namespace
 
-host::SurfaceWindow::SurfaceWindow(const SceneWindowOptions& options)
+seat::SurfaceWindow::SurfaceWindow(const SceneWindowOptions& options)
     : m_fixedScale(options.scale), m_store(this), m_pacer([this] { frameIsDue(); }) {
     setSurfaceType(QSurface::RasterSurface);
     const double unit = scale() / devicePixelRatio();
@@ -52,20 +53,20 @@ host::SurfaceWindow::SurfaceWindow(const SceneWindowOptions& options)
     show();
 }
 
-host::SurfaceWindow::~SurfaceWindow() {
+seat::SurfaceWindow::~SurfaceWindow() {
     // Going away is not going to the background.
     m_isInForeground = false;
     if (m_scene) m_scene->setNeedsFrame(nullptr);
 }
 
-double host::SurfaceWindow::scale() const { return m_fixedScale > 0 ? m_fixedScale : devicePixelRatio(); }
+double seat::SurfaceWindow::scale() const { return m_fixedScale > 0 ? m_fixedScale : devicePixelRatio(); }
 
-CGSize host::SurfaceWindow::sizeInPoints() const {
+CGSize seat::SurfaceWindow::sizeInPoints() const {
     const double unit = scale() / devicePixelRatio();
     return {width() / unit, height() / unit};
 }
 
-void host::SurfaceWindow::setScene(WindowScene& scene) {
+void seat::SurfaceWindow::setScene(WindowScene& scene) {
     m_scene = &scene;
     m_surfaceIsWhole = false;
     scene.setNeedsFrame([this] { wantFrame(); });
@@ -73,16 +74,16 @@ void host::SurfaceWindow::setScene(WindowScene& scene) {
     makeFrame();
 }
 
-void host::SurfaceWindow::wantFrame() {
+void seat::SurfaceWindow::wantFrame() {
     m_frameIsWanted = true;
     if (m_scene && isExposed()) m_pacer.request();
 }
 
-void host::SurfaceWindow::frameIsDue() {
+void seat::SurfaceWindow::frameIsDue() {
     if (m_scene && isExposed()) makeFrame();
 }
 
-void host::SurfaceWindow::makeFrame() {
+void seat::SurfaceWindow::makeFrame() {
     const double start = platform::CACurrentMediaTime();
     m_pacer.frameBegins();
     m_frameIsWanted = false;
@@ -99,7 +100,7 @@ void host::SurfaceWindow::makeFrame() {
 }
 
 // The surface follows the window's size, the scene the surface's.
-void host::SurfaceWindow::fitScene() {
+void seat::SurfaceWindow::fitScene() {
     if (m_store.size() != size()) {
         m_store.resize(size());
         m_surfaceIsWhole = false;
@@ -113,7 +114,7 @@ void host::SurfaceWindow::fitScene() {
     if (screen()) m_pacer.setRefreshRate(screen()->refreshRate());
 }
 
-CGRect host::SurfaceWindow::alignedToPixels(CGRect points) const {
+CGRect seat::SurfaceWindow::alignedToPixels(CGRect points) const {
     const double left = std::floor(CGRectGetMinX(points) * m_sceneScale);
     const double top = std::floor(CGRectGetMinY(points) * m_sceneScale);
     const double right = std::ceil(CGRectGetMaxX(points) * m_sceneScale);
@@ -121,7 +122,7 @@ CGRect host::SurfaceWindow::alignedToPixels(CGRect points) const {
     return {{left, top}, {right - left, bottom - top}};
 }
 
-void host::SurfaceWindow::paint(std::span<const CGRect> damage) {
+void seat::SurfaceWindow::paint(std::span<const CGRect> damage) {
     std::vector<CGRect> pixels;
     for (const CGRect& rect : damage) pixels.push_back(alignedToPixels(rect));
     const QRegion changed = region(pixels, devicePixelRatio()) & QRect(QPoint(), size());
@@ -138,7 +139,7 @@ void host::SurfaceWindow::paint(std::span<const CGRect> damage) {
     if (isExposed() || showsUnexposed()) m_store.flush(changed);
 }
 
-void host::SurfaceWindow::paintSurface(std::span<const CGRect> damage) {
+void seat::SurfaceWindow::paintSurface(std::span<const CGRect> damage) {
     auto* const surface = m_store.paintDevice();
     if (!surface) return;
     if (surface->devType() == QInternal::Image)
@@ -159,7 +160,7 @@ void host::SurfaceWindow::paintSurface(std::span<const CGRect> damage) {
     painter.drawImage(QPointF(), m_picture);
 }
 
-bool host::SurfaceWindow::event(QEvent* event) {
+bool seat::SurfaceWindow::event(QEvent* event) {
     switch (event->type()) {
     case QEvent::Close:
         event->ignore();
@@ -181,7 +182,7 @@ bool host::SurfaceWindow::event(QEvent* event) {
     return QWindow::event(event);
 }
 
-void host::SurfaceWindow::exposeEvent(QExposeEvent*) {
+void seat::SurfaceWindow::exposeEvent(QExposeEvent*) {
     noteVisibility();
     if (!isExposed()) return m_pacer.cancel();
     if (!m_scene) return;
@@ -193,9 +194,9 @@ void host::SurfaceWindow::exposeEvent(QExposeEvent*) {
     if (m_frameIsWanted || m_scene->isAnimating()) wantFrame();
 }
 
-void host::SurfaceWindow::resizeEvent(QResizeEvent*) { wantFrame(); }
+void seat::SurfaceWindow::resizeEvent(QResizeEvent*) { wantFrame(); }
 
-void host::SurfaceWindow::noteVisibility() {
+void seat::SurfaceWindow::noteVisibility() {
     const bool isInForeground = isExposed() && isVisible() && !(windowStates() & Qt::WindowMinimized);
     if (isInForeground == m_isInForeground) return;
     m_isInForeground = isInForeground;
@@ -204,12 +205,12 @@ void host::SurfaceWindow::noteVisibility() {
     applicationDidEnterBackground();
 }
 
-void host::SurfaceWindow::setTitleSource(std::function<std::string()> source) {
+void seat::SurfaceWindow::setTitleSource(std::function<std::string()> source) {
     m_titleSource = std::move(source);
     refreshTitle();
 }
 
-void host::SurfaceWindow::refreshTitle() {
+void seat::SurfaceWindow::refreshTitle() {
     if (!m_titleSource) return;
     if (const auto text = QString::fromStdString(m_titleSource()); text != title()) setTitle(text);
 }

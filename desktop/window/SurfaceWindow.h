@@ -2,9 +2,9 @@
 
 // The toolkit's window behind a SceneWindow: a raster surface, and the place where the toolkit's events become ours.
 
-#include "host/window/frame_pacer.h"
-#include "host/window/key_translator.h"
-#include "host/window/scene_window.h"
+#include "desktop/window/FramePacer.h"
+#include "desktop/window/KeyTranslator.h"
+#include "desktop/window/SceneWindow.h"
 
 #include <QBackingStore>
 #include <QImage>
@@ -16,7 +16,7 @@
 
 class QInputMethodQueryEvent;
 
-namespace host {
+namespace seat {
 
 class AccessibilityBridge;
 
@@ -91,4 +91,4 @@ private:
     std::unique_ptr<AccessibilityBridge> m_accessibility; // once assistive technology has asked
 };
 
-} // namespace host
+} // namespace seat

@@ -1,13 +1,13 @@
 // Where the toolkit's mouse, touch, wheel and key events become ours.
 
-#include "host/uikit/application.h"
-#include "host/uikit/keyboard.h"
-#include "host/uikit/window_scene.h"
-#include "host/window/hid_usage.h"
-#include "host/window/surface_window.h"
+#include "desktop/window/SurfaceWindow.h"
+#include "kit/uikit/WindowScene.h"
+#include "kit/uikit/application.h"
+#include "kit/uikit/keyboard.h"
 #include "platform/foundation/time.h"
 #include "platform/uikit/UIKeyEvent.h"
 #include "platform/uikit/UITextField.h"
+#include "system/input/hid_usage.h"
 
 #include <QGuiApplication>
 #include <QInputMethod>
@@ -34,43 +34,43 @@ unsigned modifiers(Qt::KeyboardModifiers keys) {
 
 } // namespace
 
-CGPoint host::SurfaceWindow::toPoints(QPointF position) const {
+CGPoint seat::SurfaceWindow::toPoints(QPointF position) const {
     const double unit = scale() / devicePixelRatio();
     return {position.x() / unit, position.y() / unit};
 }
 
-void host::SurfaceWindow::touchBegins(long identifier, CGPoint location) {
+void seat::SurfaceWindow::touchBegins(long identifier, CGPoint location) {
     if (!m_scene || !m_touches.insert(identifier).second) return;
     m_scene->window()->touchBegan(identifier, location, platform::CACurrentMediaTime());
 }
 
-void host::SurfaceWindow::touchMoves(long identifier, CGPoint location) {
+void seat::SurfaceWindow::touchMoves(long identifier, CGPoint location) {
     if (m_scene && m_touches.contains(identifier))
         m_scene->window()->touchMoved(identifier, location, platform::CACurrentMediaTime());
 }
 
-void host::SurfaceWindow::touchEnds(long identifier, CGPoint location) {
+void seat::SurfaceWindow::touchEnds(long identifier, CGPoint location) {
     if (m_scene && m_touches.erase(identifier) != 0)
         m_scene->window()->touchEnded(identifier, location, platform::CACurrentMediaTime());
 }
 
-void host::SurfaceWindow::cancelTouches() {
+void seat::SurfaceWindow::cancelTouches() {
     for (const long identifier : std::exchange(m_touches, {}))
         m_scene->window()->touchCancelled(identifier, platform::CACurrentMediaTime());
 }
 
-void host::SurfaceWindow::mousePressEvent(QMouseEvent* event) {
+void seat::SurfaceWindow::mousePressEvent(QMouseEvent* event) {
     if (event->button() == Qt::LeftButton) touchBegins(mouse, toPoints(event->position()));
 }
 
-void host::SurfaceWindow::mouseMoveEvent(QMouseEvent* event) { touchMoves(mouse, toPoints(event->position())); }
+void seat::SurfaceWindow::mouseMoveEvent(QMouseEvent* event) { touchMoves(mouse, toPoints(event->position())); }
 
-void host::SurfaceWindow::mouseReleaseEvent(QMouseEvent* event) {
+void seat::SurfaceWindow::mouseReleaseEvent(QMouseEvent* event) {
     if (event->button() == Qt::LeftButton) touchEnds(mouse, toPoints(event->position()));
 }
 
 // Accepted, so that no mouse events are made of it.
-void host::SurfaceWindow::touchEvent(QTouchEvent* event) {
+void seat::SurfaceWindow::touchEvent(QTouchEvent* event) {
     event->accept();
     if (event->type() == QEvent::TouchCancel) return cancelTouches();
     for (const auto& finger : event->points()) {
@@ -92,7 +92,7 @@ void host::SurfaceWindow::touchEvent(QTouchEvent* event) {
     }
 }
 
-void host::SurfaceWindow::wheelEvent(QWheelEvent* event) {
+void seat::SurfaceWindow::wheelEvent(QWheelEvent* event) {
     if (!m_scene) return;
     // A touchpad tells pixels, a wheel tells its angle; both point where the content shall go.
     CGPoint delta = toPoints(event->pixelDelta());
@@ -103,11 +103,11 @@ void host::SurfaceWindow::wheelEvent(QWheelEvent* event) {
     m_scene->window()->scrolled(toPoints(event->position()), {-delta.x, -delta.y}, platform::CACurrentMediaTime());
 }
 
-void host::SurfaceWindow::keyPressEvent(QKeyEvent* event) { deliverKey(*event, /*isDown=*/true); }
+void seat::SurfaceWindow::keyPressEvent(QKeyEvent* event) { deliverKey(*event, /*isDown=*/true); }
 
-void host::SurfaceWindow::keyReleaseEvent(QKeyEvent* event) { deliverKey(*event, /*isDown=*/false); }
+void seat::SurfaceWindow::keyReleaseEvent(QKeyEvent* event) { deliverKey(*event, /*isDown=*/false); }
 
-void host::SurfaceWindow::deliverKey(const QKeyEvent& event, bool isDown) {
+void seat::SurfaceWindow::deliverKey(const QKeyEvent& event, bool isDown) {
     const unsigned held = modifiers(event.modifiers());
     const std::string characters = event.text().toStdString();
     if (const auto key = m_keys.translate({event.nativeScanCode(), isDown, event.isAutoRepeat(), held, characters}))
@@ -116,18 +116,18 @@ void host::SurfaceWindow::deliverKey(const QKeyEvent& event, bool isDown) {
     if (isDown && hidUsageForScanCode(event.nativeScanCode()) == 0) typeText(typedText(characters, held));
 }
 
-void host::SurfaceWindow::typeText(const std::string& text) {
+void seat::SurfaceWindow::typeText(const std::string& text) {
     const auto field = m_scene ? fieldForText(*m_scene->window()) : nullptr;
     if (field && !text.empty()) field->insertText(text);
 }
 
 // Dead keys, composing and input methods are at work only while there is a field for what they make.
-void host::SurfaceWindow::noteTextInput() {
+void seat::SurfaceWindow::noteTextInput() {
     const bool takesText = m_scene && fieldForText(*m_scene->window());
     if (std::exchange(m_takesText, takesText) != takesText) QGuiApplication::inputMethod()->update(Qt::ImEnabled);
 }
 
-void host::SurfaceWindow::answerInputMethod(QInputMethodQueryEvent& query) const {
+void seat::SurfaceWindow::answerInputMethod(QInputMethodQueryEvent& query) const {
     const auto field = m_scene ? fieldForText(*m_scene->window()) : nullptr;
     query.setValue(Qt::ImEnabled, field != nullptr);
     if (!field) return;
@@ -138,4 +138,4 @@ void host::SurfaceWindow::answerInputMethod(QInputMethodQueryEvent& query) const
     query.setValue(Qt::ImHints, int(Qt::ImhNoPredictiveText | Qt::ImhNoAutoUppercase));
 }
 
-void host::SurfaceWindow::focusOutEvent(QFocusEvent*) { m_keys.forgetHeldKeys(); }
+void seat::SurfaceWindow::focusOutEvent(QFocusEvent*) { m_keys.forgetHeldKeys(); }

@@ -1,10 +1,10 @@
-#include "host/window/toolkit.h"
+#include "desktop/window/Toolkit.h"
 
-#include "host/process/child_environment.h"
-#include "host/uikit/pasteboard.h"
-#include "host/window/event_loop.h"
-#include "host/window/key_repeat.h"
+#include "desktop/window/EventLoop.h"
+#include "desktop/window/key_repeat.h"
+#include "kit/uikit/Pasteboard.h"
 #include "platform/log.h"
+#include "system/process/child_environment.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
@@ -73,7 +73,7 @@ void readFontConfiguration() {
 
 } // namespace
 
-struct host::Toolkit::State {
+struct seat::Toolkit::State {
     int argumentCount = 1;
     std::string name;
     std::string platformOption = "-platform";
@@ -87,7 +87,7 @@ struct host::Toolkit::State {
     bool hasQuit = false;
 };
 
-host::Toolkit::Toolkit(const ToolkitOptions& options) : m_state(std::make_unique<State>()) {
+seat::Toolkit::Toolkit(const ToolkitOptions& options) : m_state(std::make_unique<State>()) {
     auto& state = *m_state;
     state.name = options.name;
     state.arguments[0] = state.name.data();
@@ -121,7 +121,7 @@ host::Toolkit::Toolkit(const ToolkitOptions& options) : m_state(std::make_unique
     state.loop = std::make_unique<EventLoop>();
 }
 
-host::Toolkit::~Toolkit() {
+seat::Toolkit::~Toolkit() {
     if (m_state->signalSource != 0) {
         removeSource(m_state->signalSource);
         for (const int number : {SIGTERM, SIGINT, SIGHUP}) std::signal(number, SIG_IGN);
@@ -133,17 +133,17 @@ host::Toolkit::~Toolkit() {
     qInstallMessageHandler(nullptr);
 }
 
-void host::Toolkit::awaitFonts() {
+void seat::Toolkit::awaitFonts() {
     if (m_state->fonts.valid()) m_state->fonts.get();
 }
 
-int host::Toolkit::run() {
+int seat::Toolkit::run() {
     if (!m_state->hasQuit) QGuiApplication::exec();
     m_state->hasQuit = false;
     return m_state->exitCode;
 }
 
-bool host::Toolkit::runUntil(const std::function<bool()>& done, double seconds) {
+bool seat::Toolkit::runUntil(const std::function<bool()>& done, double seconds) {
     QTimer patience;
     patience.setSingleShot(true);
     patience.start(static_cast<int>(seconds * 1000));
@@ -154,14 +154,14 @@ bool host::Toolkit::runUntil(const std::function<bool()>& done, double seconds) 
     return true;
 }
 
-void host::Toolkit::quit(int code) {
+void seat::Toolkit::quit(int code) {
     m_state->exitCode = code;
     m_state->hasQuit = true;
     QGuiApplication::exit(code);
 }
 
 // A handler and a pipe, and not a blocked signal and a descriptor for it: the block would be inherited by children.
-void host::Toolkit::onTermination(std::function<void()> terminated) {
+void seat::Toolkit::onTermination(std::function<void()> terminated) {
     if (pipe2(signalPipe, O_CLOEXEC | O_NONBLOCK) != 0) return;
     m_state->signalSource = addReadableSource(signalPipe[0], [run = std::move(terminated)]() mutable {
         char bytes[16];

@@ -6,7 +6,7 @@
 #include <memory>
 #include <string>
 
-namespace host {
+namespace seat {
 
 struct ToolkitOptions {
     std::string name = "joyvane-settings";            // what the window system calls us
@@ -44,4 +44,4 @@ private:
     std::unique_ptr<State> m_state;
 };
 
-} // namespace host
+} // namespace seat

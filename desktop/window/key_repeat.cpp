@@ -1,10 +1,10 @@
-#include "host/window/key_repeat.h"
+#include "desktop/window/key_repeat.h"
 
 #include <QGuiApplication>
 
 #include <dlfcn.h>
 
-void host::askForPlainKeyRepeat() {
+void seat::askForPlainKeyRepeat() {
 #if QT_CONFIG(xcb)
     const auto* const x11 = qApp->nativeInterface<QNativeInterface::QX11Application>();
     if (!x11 || !x11->display()) return;

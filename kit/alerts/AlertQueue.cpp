@@ -1,6 +1,6 @@
-#include "host/alerts/AlertQueue.h"
+#include "kit/alerts/AlertQueue.h"
 
-#include "host/alerts/alert_state.h"
+#include "kit/alerts/alert_state.h"
 #include "platform/uikit/UIApplication.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-#include "host/alerts/Spinner.h"
+#include "kit/alerts/Spinner.h"
 
 #include "platform/uikit/UIBezierPath.h"
 
@@ -6,7 +6,7 @@
 #include <numbers>
 #include <utility>
 
-namespace host {
+namespace seat {
 
 NS_CLASS_IMPLEMENTATION(Spinner, UIView)
 
@@ -61,4 +61,4 @@ void Spinner::drawRect(CGRect) {
     }
 }
 
-} // namespace host
+} // namespace seat

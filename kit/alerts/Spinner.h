@@ -1,9 +1,9 @@
 #pragma once
 
-#include "host/dispatch/run_loop_sources.h"
+#include "kit/dispatch/run_loop_sources.h"
 #include "platform/uikit/UIView.h"
 
-namespace host {
+namespace seat {
 
 // Twelve white spokes, the brightest of which goes round, a spoke's width twelve times a second. Turns only while it
 // is told to; nothing wakes up otherwise.
@@ -24,4 +24,4 @@ private:
     SourceToken m_timer = 0; // 0: stands still
 };
 
-} // namespace host
+} // namespace seat

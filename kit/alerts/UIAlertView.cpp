@@ -1,17 +1,17 @@
 #include "platform/uikit/UIAlertView.h"
 
-#include "host/alerts/AlertQueue.h"
-#include "host/alerts/alert_state.h"
-#include "host/tables/CellParts.h"
-#include "host/tables/appearance.h"
+#include "kit/alerts/AlertQueue.h"
+#include "kit/alerts/alert_state.h"
+#include "kit/tables/CellParts.h"
+#include "kit/uikit/appearance.h"
 #include "platform/runtime/method.h"
 
 #include <algorithm>
 #include <cmath>
 #include <utility>
 
-using namespace host;
-using namespace host::appearance;
+using namespace seat;
+using namespace seat::appearance;
 
 NS_CLASS_IMPLEMENTATION(UIAlertView, UIView, method<&UIAlertView::buttonTapped>("buttonTapped:"))
 

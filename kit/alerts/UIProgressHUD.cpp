@@ -1,13 +1,13 @@
 #include "platform/uikit/UIProgressHUD.h"
 
-#include "host/alerts/Spinner.h"
-#include "host/tables/CellParts.h"
-#include "host/tables/appearance.h"
+#include "kit/alerts/Spinner.h"
+#include "kit/tables/CellParts.h"
+#include "kit/uikit/appearance.h"
 
 #include <algorithm>
 #include <cmath>
 
-using namespace host;
+using namespace seat;
 
 NS_CLASS_IMPLEMENTATION(UIProgressHUD, UIView)
 

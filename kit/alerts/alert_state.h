@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/controllers/TextButton.h"
+#include "kit/controllers/TextButton.h"
 #include "platform/uikit/UIAlertView.h"
 #include "platform/uikit/UIScrollView.h"
 #include "platform/uikit/UIWindow.h"
@@ -15,7 +15,7 @@ struct UIAlertView::State {
     std::shared_ptr<UIScrollView> texts; // scrolls only where the window is too low for them
     std::shared_ptr<UILabel> titleLabel;
     std::shared_ptr<UILabel> messageLabel;
-    std::vector<std::shared_ptr<host::TextButton>> buttons;
+    std::vector<std::shared_ptr<seat::TextButton>> buttons;
     std::vector<std::shared_ptr<UIView>> lines; // above and between the buttons
 
     bool hasAppeared = false;

@@ -29,6 +29,4 @@ struct ControllerInternals {
     // On the way, but not there yet.
     static bool isArriving(const UIViewController& controller);
     static CGSize& placedSize(UIViewController& controller);
-    // What this very controller presents; `presentedViewController` asks the containers around it too.
-    static std::shared_ptr<UIViewController> ownPresented(const UIViewController& controller);
 };

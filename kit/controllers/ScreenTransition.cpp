@@ -1,4 +1,4 @@
-#include "host/controllers/controller_internals.h"
+#include "kit/controllers/ControllerInternals.h"
 
 #include <utility>
 

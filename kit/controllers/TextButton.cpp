@@ -1,13 +1,13 @@
-#include "host/controllers/TextButton.h"
+#include "kit/controllers/TextButton.h"
 
-#include "host/tables/CellParts.h"
-#include "host/tables/appearance.h"
+#include "kit/tables/CellParts.h"
+#include "kit/uikit/appearance.h"
 #include "platform/uikit/UIBezierPath.h"
 
 #include <algorithm>
 #include <cmath>
 
-namespace host {
+namespace seat {
 
 using namespace appearance;
 
@@ -77,4 +77,4 @@ bool TextButton::accessibilityActivate() {
     return true;
 }
 
-} // namespace host
+} // namespace seat

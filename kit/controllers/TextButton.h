@@ -3,7 +3,7 @@
 #include "platform/uikit/UIControl.h"
 #include "platform/uikit/UILabel.h"
 
-namespace host {
+namespace seat {
 
 // Tappable text, pale while it is pressed; sends touch-up-inside, also when it is activated by key or by assistive
 // technology. With a chevron before the text it is the way back.
@@ -31,4 +31,4 @@ private:
     std::shared_ptr<UILabel> m_label;
 };
 
-} // namespace host
+} // namespace seat

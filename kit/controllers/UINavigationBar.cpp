@@ -1,15 +1,15 @@
 #include "platform/uikit/UINavigationBar.h"
 
-#include "host/controllers/TextButton.h"
-#include "host/controllers/navigation_bar_internals.h"
-#include "host/tables/appearance.h"
+#include "kit/controllers/NavigationBarInternals.h"
+#include "kit/controllers/TextButton.h"
+#include "kit/uikit/appearance.h"
 #include "platform/uikit/UINavigationController.h"
 
 #include <algorithm>
 #include <cmath>
 
-using namespace host;
-using namespace host::appearance;
+using namespace seat;
+using namespace seat::appearance;
 
 NS_CLASS_IMPLEMENTATION(UINavigationBar, UIView)
 

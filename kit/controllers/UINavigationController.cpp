@@ -1,13 +1,13 @@
 #include "platform/uikit/UINavigationController.h"
 
-#include "host/controllers/navigation_state.h"
-#include "host/tables/appearance.h"
+#include "kit/controllers/navigation_state.h"
+#include "kit/uikit/appearance.h"
 #include "platform/log.h"
 #include "platform/runtime/method.h"
 
 #include <algorithm>
 
-using namespace host;
+using namespace seat;
 
 NS_CLASS_IMPLEMENTATION(UINavigationController, UIViewController, method<&UINavigationController::goBack>("goBack"))
 
@@ -53,6 +53,11 @@ const std::vector<std::shared_ptr<UIViewController>>& UINavigationController::vi
 
 std::shared_ptr<UIViewController> UINavigationController::topViewController() const {
     return m_navigation->stack.empty() ? nullptr : m_navigation->stack.back();
+}
+
+std::shared_ptr<UIViewController> UINavigationController::childInFront() const {
+    auto presented = UIViewController::childInFront();
+    return presented ? presented : topViewController();
 }
 
 const std::shared_ptr<UINavigationBar>& UINavigationController::navigationBar() { return m_navigation->bar; }

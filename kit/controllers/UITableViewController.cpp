@@ -1,6 +1,6 @@
 #include "platform/uikit/UITableViewController.h"
 
-#include "host/controllers/controller_internals.h"
+#include "kit/controllers/ControllerInternals.h"
 
 NS_CLASS_IMPLEMENTATION(UITableViewController, UIViewController)
 
@@ -27,6 +27,11 @@ void UITableViewController::loadView() {
 
 // The table asks its data source when it is first laid out; nothing is left to do here.
 void UITableViewController::viewWillAppear(bool animated) { UIViewController::viewWillAppear(animated); }
+
+bool UITableViewController::waitsForKey() const {
+    const auto table = std::dynamic_pointer_cast<UITableView>(viewIfLoaded());
+    return table && table->indexPathForSelectedRow();
+}
 
 long UITableViewController::numberOfSectionsInTableView(UITableView&) { return 1; }
 long UITableViewController::tableView_numberOfRowsInSection(UITableView&, long) { return 0; }

@@ -1,8 +1,8 @@
 #include "platform/uikit/UIViewController.h"
 
-#include "host/controllers/controller_state.h"
-#include "host/controllers/navigation_state.h"
-#include "host/uikit/view_controller.h"
+#include "kit/controllers/controller_state.h"
+#include "kit/controllers/navigation_state.h"
+#include "kit/uikit/view_controller.h"
 #include "platform/uikit/UINavigationController.h"
 #include "platform/uikit/UIScreen.h"
 
@@ -29,9 +29,9 @@ const std::shared_ptr<UIView>& UIViewController::view() {
 
 void UIViewController::setView(std::shared_ptr<UIView> view) {
     if (view == m_controller->view) return;
-    if (m_controller->view) host::setViewController(*m_controller->view, nullptr);
+    if (m_controller->view) seat::setViewController(*m_controller->view, nullptr);
     m_controller->view = std::move(view);
-    if (m_controller->view) host::setViewController(*m_controller->view, self(this));
+    if (m_controller->view) seat::setViewController(*m_controller->view, self(this));
 }
 
 bool UIViewController::isViewLoaded() const { return m_controller->view != nullptr; }
@@ -124,6 +124,4 @@ bool ControllerInternals::isArriving(const UIViewController& controller) {
     return controller.m_controller->appearance == UIViewController::State::Appearance::Appearing;
 }
 
-std::shared_ptr<UIViewController> ControllerInternals::ownPresented(const UIViewController& controller) {
-    return controller.m_controller->presented;
-}
+bool UIViewController::waitsForKey() const { return false; }

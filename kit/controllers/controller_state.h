@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/controllers/controller_internals.h"
+#include "kit/controllers/ControllerInternals.h"
 
 #include <memory>
 #include <string>

@@ -1,14 +1,14 @@
 // Bringing what a navigation controller shows in line with its stack.
 
-#include "host/controllers/navigation_bar_internals.h"
-#include "host/controllers/navigation_state.h"
-#include "host/controllers/screen_place.h"
-#include "host/tables/appearance.h"
+#include "kit/controllers/NavigationBarInternals.h"
+#include "kit/controllers/navigation_state.h"
+#include "kit/controllers/screen_place.h"
+#include "kit/uikit/appearance.h"
 
 #include <algorithm>
 #include <optional>
 
-using namespace host;
+using namespace seat;
 
 namespace {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/controllers/controller_internals.h"
+#include "kit/controllers/ControllerInternals.h"
 #include "platform/uikit/UINavigationController.h"
 
 // What a navigation controller keeps. The stack changes at once; what is shown is then brought in line with it.

@@ -1,9 +1,7 @@
 // Screens over the whole window.
 
-#include "host/controllers/controller_state.h"
-#include "host/controllers/front_controller.h"
+#include "kit/controllers/controller_state.h"
 #include "platform/log.h"
-#include "platform/uikit/UINavigationController.h"
 #include "platform/uikit/UIWindow.h"
 
 #include <utility>
@@ -104,16 +102,4 @@ void UIViewController::dismissViewControllerAnimated_completion(bool animated, s
     if (transition->isRunning()) state.presentation = transition;
 }
 
-std::shared_ptr<UIViewController> host::frontController(const UIWindow& window) {
-    auto front = window.rootViewController();
-    while (front) {
-        if (auto presented = ControllerInternals::ownPresented(*front)) {
-            front = std::move(presented);
-            continue;
-        }
-        const auto navigation = std::dynamic_pointer_cast<UINavigationController>(front);
-        if (!navigation || !navigation->topViewController()) break;
-        front = navigation->topViewController();
-    }
-    return front;
-}
+std::shared_ptr<UIViewController> UIViewController::childInFront() const { return m_controller->presented; }

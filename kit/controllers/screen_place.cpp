@@ -1,12 +1,12 @@
-#include "host/controllers/screen_place.h"
+#include "kit/controllers/screen_place.h"
 
-#include "host/controllers/controller_internals.h"
-#include "host/tables/appearance.h"
+#include "kit/controllers/ControllerInternals.h"
+#include "kit/uikit/appearance.h"
 
 #include <algorithm>
 #include <cmath>
 
-namespace host {
+namespace seat {
 
 namespace {
 
@@ -40,4 +40,4 @@ void placeScreen(UIViewController& screen, CGSize area, double barHeight) {
     view->setCenter({left + size.width * zoom / 2, barHeight + (size.height / 2 - barHeight) * zoom});
 }
 
-} // namespace host
+} // namespace seat

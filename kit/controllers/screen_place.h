@@ -5,7 +5,7 @@
 
 #include <memory>
 
-namespace host {
+namespace seat {
 
 // The scroll view that carries the screen, as a table does: its view, or the first one in it. nil for other screens.
 std::shared_ptr<UIScrollView> screenCarrier(UIViewController& screen);
@@ -15,4 +15,4 @@ std::shared_ptr<UIScrollView> screenCarrier(UIViewController& screen);
 // placed, and from then on it is zoomed with the area.
 void placeScreen(UIViewController& screen, CGSize area, double barHeight);
 
-} // namespace host
+} // namespace seat

@@ -1,6 +1,6 @@
-#include "host/testing/manual_clock.h"
+#include "kit/dispatch/ManualClock.h"
 
-#include "host/dispatch/run_loop_sources.h"
+#include "kit/dispatch/run_loop_sources.h"
 
 #include <algorithm>
 #include <cmath>
@@ -11,10 +11,10 @@ constexpr std::int64_t microsecondsASecond = 1'000'000;
 
 }
 
-host::ManualClock::ManualClock() { setClockSource(this); }
-host::ManualClock::~ManualClock() { setClockSource(nullptr); }
+seat::ManualClock::ManualClock() { setClockSource(this); }
+seat::ManualClock::~ManualClock() { setClockSource(nullptr); }
 
-void host::ManualClock::advance(double seconds) {
+void seat::ManualClock::advance(double seconds) {
     const double end = m_mediaTime + std::max(seconds, 0.0);
     for (auto next = nextTimerDeadline(); next && *next <= end; next = nextTimerDeadline()) {
         moveTo(std::max(*next, mediaTime()));
@@ -23,16 +23,16 @@ void host::ManualClock::advance(double seconds) {
     moveTo(end);
 }
 
-void host::ManualClock::moveTo(double mediaTime) {
+void seat::ManualClock::moveTo(double mediaTime) {
     m_microseconds += std::llround((mediaTime - m_mediaTime) * static_cast<double>(microsecondsASecond));
     m_mediaTime = mediaTime;
 }
 
-void host::ManualClock::setTimeOfDay(platform::timeval time) {
+void seat::ManualClock::setTimeOfDay(platform::timeval time) {
     m_microseconds = time.tv_sec * microsecondsASecond + time.tv_usec;
 }
 
-platform::timeval host::ManualClock::timeOfDay() const {
+platform::timeval seat::ManualClock::timeOfDay() const {
     const std::int64_t now = m_microseconds;
     return {now / microsecondsASecond, now % microsecondsASecond};
 }

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "host/foundation/clock.h"
+#include "kit/seat.h"
 
 #include <atomic>
 #include <cstdint>
 
-namespace host {
+namespace seat {
 
 // Holds the one clock while it lives: time passes only by advance(). Made, moved and destroyed on the main thread; read
 // from any.
@@ -31,4 +31,4 @@ private:
     std::atomic<std::int64_t> m_microseconds = 1'700'000'000'000'000; // since 1970
 };
 
-} // namespace host
+} // namespace seat

@@ -1,6 +1,6 @@
-#include "host/dispatch/WorkerPool.h"
+#include "kit/dispatch/WorkerPool.h"
 
-#include "host/dispatch/shutdown.h"
+#include "kit/dispatch/shutdown.h"
 #include "platform/log.h"
 
 #include <algorithm>
@@ -29,7 +29,7 @@ private:
 
 } // namespace
 
-host::WorkerPool& host::WorkerPool::shared() {
+seat::WorkerPool& seat::WorkerPool::shared() {
     static auto* const pool = [] {
         // Nothing runs once main() has returned, even in a program that does not end through finishProcess() itself.
         ::on_exit([](int code, void*) { finishProcess(code); }, nullptr);
@@ -38,7 +38,7 @@ host::WorkerPool& host::WorkerPool::shared() {
     return *pool;
 }
 
-void host::WorkerPool::run(std::function<void()> block) {
+void seat::WorkerPool::run(std::function<void()> block) {
     const std::lock_guard lock(m_mutex);
     if (m_shutDown || !block) return;
     m_blocks.push_back(std::move(block));
@@ -47,7 +47,7 @@ void host::WorkerPool::run(std::function<void()> block) {
     m_changed.notify_one();
 }
 
-void host::WorkerPool::startWorker() {
+void seat::WorkerPool::startWorker() {
     const QuietThreadStart quiet;
     auto worker = std::make_unique<Worker>();
     try {
@@ -59,7 +59,7 @@ void host::WorkerPool::startWorker() {
     m_workers.push_back(std::move(worker));
 }
 
-void host::WorkerPool::work(Worker& worker) {
+void seat::WorkerPool::work(Worker& worker) {
     std::unique_lock lock(m_mutex);
     while (!m_shutDown) {
         if (m_blocks.empty()) {
@@ -79,7 +79,7 @@ void host::WorkerPool::work(Worker& worker) {
     m_ended.notify_all();
 }
 
-bool host::WorkerPool::shutDown(std::chrono::milliseconds grace) {
+bool seat::WorkerPool::shutDown(std::chrono::milliseconds grace) {
     std::deque<std::function<void()>> dropped;
     std::unique_lock lock(m_mutex);
     m_shutDown = true;
@@ -102,7 +102,7 @@ bool host::WorkerPool::shutDown(std::chrono::milliseconds grace) {
     return noneLeft;
 }
 
-std::size_t host::WorkerPool::workerCount() const {
+std::size_t seat::WorkerPool::workerCount() const {
     const std::lock_guard lock(m_mutex);
     return m_workers.size();
 }

@@ -12,7 +12,7 @@
 #include <thread>
 #include <vector>
 
-namespace host {
+namespace seat {
 
 // Workers are made when a block finds none idle, up to `most`; beyond that blocks wait for one. An idle worker sleeps
 // until there is something for it. Signals are handled on other threads, so that no wait of a block is interrupted.
@@ -50,4 +50,4 @@ private:
     bool m_shutDown = false;
 };
 
-} // namespace host
+} // namespace seat

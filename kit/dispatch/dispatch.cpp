@@ -1,12 +1,12 @@
 #include "platform/dispatch.h"
 
-#include "host/dispatch/WorkerPool.h"
-#include "host/dispatch/main_queue.h"
-#include "host/dispatch/shutdown.h"
+#include "kit/dispatch/WorkerPool.h"
+#include "kit/dispatch/main_queue.h"
+#include "kit/dispatch/shutdown.h"
+#include "kit/seat.h"
 
 #include <cstdio>
 #include <iostream>
-#include <unistd.h>
 
 // The global queues share their workers: nothing here has a priority other than the default.
 class DispatchQueue {
@@ -27,19 +27,19 @@ dispatch_queue_t dispatch_get_global_queue(long, unsigned long) {
 void dispatch_async(dispatch_queue_t queue, std::function<void()> block) {
     if (!queue || !block) return;
     if (queue->isMain)
-        host::queueOnMain(std::move(block));
+        seat::queueOnMain(std::move(block));
     else
-        host::WorkerPool::shared().run(std::move(block));
+        seat::WorkerPool::shared().run(std::move(block));
 }
 
 bool dispatch_is_main_thread() {
-    thread_local const bool isMain = ::gettid() == ::getpid();
+    thread_local const bool isMain = seat::isMainThread();
     return isMain;
 }
 
-bool host::shutdownDispatch(std::chrono::milliseconds grace) { return WorkerPool::shared().shutDown(grace); }
+bool seat::shutdownDispatch(std::chrono::milliseconds grace) { return WorkerPool::shared().shutDown(grace); }
 
-int host::finishProcess(int code) {
+int seat::finishProcess(int code) {
     if (shutdownDispatch()) return code;
     std::cout.flush();
     std::fflush(nullptr);

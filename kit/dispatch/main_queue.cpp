@@ -1,4 +1,4 @@
-#include "host/dispatch/main_queue.h"
+#include "kit/dispatch/main_queue.h"
 
 #include <cstdint>
 #include <deque>
@@ -32,7 +32,7 @@ struct MainQueue {
 
 } // namespace
 
-void host::setWakeMainQueue(std::function<void()> wake) {
+void seat::setWakeMainQueue(std::function<void()> wake) {
     auto& queue = MainQueue::shared();
     auto replaced = wake ? std::make_shared<std::function<void()>>(std::move(wake)) : nullptr;
     std::unique_lock lock(queue.mutex);
@@ -41,14 +41,14 @@ void host::setWakeMainQueue(std::function<void()> wake) {
     queue.wakeIfNeeded(lock);
 }
 
-void host::queueOnMain(std::function<void()> block) {
+void seat::queueOnMain(std::function<void()> block) {
     auto& queue = MainQueue::shared();
     std::unique_lock lock(queue.mutex);
     queue.blocks.push_back(std::move(block));
     queue.wakeIfNeeded(lock);
 }
 
-std::size_t host::drainMainQueue() {
+std::size_t seat::drainMainQueue() {
     auto& queue = MainQueue::shared();
     std::size_t ran = 0;
     std::unique_lock lock(queue.mutex);
@@ -69,7 +69,7 @@ std::size_t host::drainMainQueue() {
     return ran;
 }
 
-bool host::mainQueueIsEmpty() {
+bool seat::mainQueueIsEmpty() {
     const std::lock_guard lock(MainQueue::shared().mutex);
     return MainQueue::shared().blocks.empty();
 }

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <functional>
 
-namespace host {
+namespace seat {
 
 // `wake` is called when the first block is queued since the last drain, on whatever thread queues it, and asks the run
 // loop to call drainMainQueue() soon; it must not call it itself. When something waits already it is called at once. An
@@ -20,4 +20,4 @@ bool mainQueueIsEmpty();
 
 void queueOnMain(std::function<void()> block);
 
-} // namespace host
+} // namespace seat

@@ -1,4 +1,4 @@
-#include "host/dispatch/run_loop_sources.h"
+#include "kit/dispatch/run_loop_sources.h"
 
 #include "platform/foundation/time.h"
 
@@ -8,7 +8,7 @@
 
 namespace {
 
-using namespace host;
+using namespace seat;
 
 struct Source {
     int descriptor;
@@ -44,7 +44,7 @@ struct Sources {
 
 } // namespace
 
-SourceToken host::addReadableSource(int descriptor, std::function<void()> callback) {
+SourceToken seat::addReadableSource(int descriptor, std::function<void()> callback) {
     auto& sources = Sources::shared();
     const SourceToken token = ++sources.last;
     sources.readable.emplace(token, Source{descriptor, std::make_shared<std::function<void()>>(std::move(callback))});
@@ -52,7 +52,7 @@ SourceToken host::addReadableSource(int descriptor, std::function<void()> callba
     return token;
 }
 
-SourceToken host::addTimer(double seconds, std::function<void()> callback) {
+SourceToken seat::addTimer(double seconds, std::function<void()> callback) {
     auto& sources = Sources::shared();
     const SourceToken token = ++sources.last;
     sources.timers.emplace(TimerKey{platform::CACurrentMediaTime() + seconds, token}, std::move(callback));
@@ -60,7 +60,7 @@ SourceToken host::addTimer(double seconds, std::function<void()> callback) {
     return token;
 }
 
-void host::removeSource(SourceToken token) {
+void seat::removeSource(SourceToken token) {
     auto& sources = Sources::shared();
     // What a callback holds may remove sources itself when it dies: it dies last.
     if (const auto source = sources.readable.extract(token)) {
@@ -74,7 +74,7 @@ void host::removeSource(SourceToken token) {
     sources.announceDeadline();
 }
 
-void host::setRunLoopDriver(RunLoopDriver* driver) {
+void seat::setRunLoopDriver(RunLoopDriver* driver) {
     auto& sources = Sources::shared();
     if (sources.driver) {
         for (const auto& [token, source] : sources.readable) sources.driver->unwatchReadable(token);
@@ -86,7 +86,7 @@ void host::setRunLoopDriver(RunLoopDriver* driver) {
     driver->setNextDeadline(nextTimerDeadline());
 }
 
-void host::readableSourceFired(SourceToken token) {
+void seat::readableSourceFired(SourceToken token) {
     auto& readable = Sources::shared().readable;
     const auto found = readable.find(token);
     if (found == readable.end()) return;
@@ -95,7 +95,7 @@ void host::readableSourceFired(SourceToken token) {
     if (*callback) (*callback)();
 }
 
-void host::fireDueTimers() {
+void seat::fireDueTimers() {
     auto& sources = Sources::shared();
     const double now = platform::CACurrentMediaTime();
     const SourceToken newest = sources.last;
@@ -111,7 +111,7 @@ void host::fireDueTimers() {
     sources.announceDeadline();
 }
 
-std::optional<double> host::nextTimerDeadline() {
+std::optional<double> seat::nextTimerDeadline() {
     const auto& timers = Sources::shared().timers;
     if (timers.empty()) return std::nullopt;
     return timers.begin()->first.deadline;

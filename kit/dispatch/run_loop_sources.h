@@ -7,7 +7,7 @@
 #include <functional>
 #include <optional>
 
-namespace host {
+namespace seat {
 
 using SourceToken = std::uint64_t; // 0 is never given out
 
@@ -47,4 +47,4 @@ void fireDueTimers();
 // The time of the earliest timer, on the host clock.
 std::optional<double> nextTimerDeadline();
 
-} // namespace host
+} // namespace seat

@@ -2,7 +2,7 @@
 
 #include <chrono>
 
-namespace host {
+namespace seat {
 
 // How long shutdownDispatch() waits for blocks that are running.
 inline constexpr std::chrono::milliseconds shutdownGrace{200};
@@ -12,10 +12,10 @@ inline constexpr std::chrono::milliseconds shutdownGrace{200};
 // again.
 bool shutdownDispatch(std::chrono::milliseconds grace = shutdownGrace);
 
-// The last thing in main(): `return host::finishProcess(code);`. Shuts down; when a block is still waiting then, ends
+// The last thing in main(): `return seat::finishProcess(code);`. Shuts down; when a block is still waiting then, ends
 // the process here and now with `code`, after flushing the standard streams, so that the block can never wake up
 // among destroyed statics. Otherwise gives back `code`. exit() does the same for a program that has used a queue, but
 // only among the handlers that it runs.
 int finishProcess(int code);
 
-} // namespace host
+} // namespace seat

@@ -1,5 +1,5 @@
-#include "host/foundation/property_list.h"
-#include "host/foundation/utf8.h"
+#include "kit/foundation/property_list.h"
+#include "kit/foundation/utf8.h"
 #include "platform/foundation/NSArray.h"
 #include "platform/foundation/NSDictionary.h"
 
@@ -9,7 +9,7 @@
 
 namespace {
 
-using namespace host;
+using namespace seat;
 
 using Bytes = std::span<const std::uint8_t>;
 
@@ -311,6 +311,6 @@ id BinaryReader::build(std::size_t index) {
 
 } // namespace
 
-id host::readBinaryPropertyList(std::span<const std::uint8_t> bytes, std::string& refusal) {
+id seat::readBinaryPropertyList(std::span<const std::uint8_t> bytes, std::string& refusal) {
     return BinaryReader(bytes).read(refusal);
 }

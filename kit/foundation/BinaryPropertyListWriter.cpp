@@ -1,5 +1,5 @@
-#include "host/foundation/property_list.h"
-#include "host/foundation/utf8.h"
+#include "kit/foundation/property_list.h"
+#include "kit/foundation/utf8.h"
 #include "platform/foundation/NSArray.h"
 #include "platform/foundation/NSDictionary.h"
 
@@ -9,7 +9,7 @@
 
 namespace {
 
-using namespace host;
+using namespace seat;
 
 // How many bytes a number takes: 1, 2, 4 or 8.
 unsigned width(std::uint64_t value) { return value < 0x100 ? 1 : value < 0x10000 ? 2 : value >> 32 ? 8 : 4; }
@@ -229,6 +229,6 @@ void BinaryWriter::writeMarker(std::uint8_t kind, std::size_t count) {
 
 } // namespace
 
-std::shared_ptr<NSData> host::writeBinaryPropertyList(const id& value, std::string& refusal) {
+std::shared_ptr<NSData> seat::writeBinaryPropertyList(const id& value, std::string& refusal) {
     return BinaryWriter().write(value, refusal);
 }

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-namespace host {
+namespace seat {
 
 class KeySet {
 public:
@@ -84,4 +84,4 @@ private:
     std::size_t m_count = 0;
 };
 
-} // namespace host
+} // namespace seat

@@ -1,30 +1,11 @@
 #include "platform/foundation/NSString.h"
 
+#include "kit/seat.h"
+
 #include <charconv>
 #include <cstdarg>
 #include <cstdio>
 #include <limits>
-#include <locale.h>
-
-namespace {
-
-// printf takes the decimal point from the thread's locale.
-class PlainLocale {
-public:
-    PlainLocale() : m_previous(::uselocale(plain())) {}
-    ~PlainLocale() { ::uselocale(m_previous); }
-    PlainLocale(const PlainLocale&) = delete;
-    PlainLocale& operator=(const PlainLocale&) = delete;
-
-private:
-    static locale_t plain() {
-        static const locale_t locale = ::newlocale(LC_ALL_MASK, "C", nullptr);
-        return locale;
-    }
-    locale_t m_previous;
-};
-
-} // namespace
 
 std::int64_t NSStringIntegerValue(std::string_view string) {
     const auto start = string.find_first_not_of(" \t\n\v\f\r");
@@ -47,7 +28,7 @@ std::string NSStringFromInteger(std::int64_t value) {
 }
 
 std::string NSStringWithFormat(const char* format, ...) {
-    const PlainLocale plain;
+    const seat::PlainNumbers plain;
     char text[256];
     std::va_list arguments;
     va_start(arguments, format);

@@ -1,9 +1,9 @@
-#include "host/foundation/base64.h"
-#include "host/foundation/property_list.h"
-#include "host/foundation/property_list_scalars.h"
-#include "host/foundation/utf8.h"
-#include "host/foundation/xml_property_list_scan.h"
-#include "host/foundation/xml_property_list_words.h"
+#include "kit/foundation/base64.h"
+#include "kit/foundation/property_list.h"
+#include "kit/foundation/property_list_scalars.h"
+#include "kit/foundation/utf8.h"
+#include "kit/foundation/xml_property_list_scan.h"
+#include "kit/foundation/xml_property_list_words.h"
 #include "platform/foundation/NSArray.h"
 #include "platform/foundation/NSDictionary.h"
 
@@ -15,8 +15,8 @@
 
 namespace {
 
-using namespace host;
-using namespace host::xml;
+using namespace seat;
+using namespace seat::xml;
 using namespace std::literals;
 
 // Builds the value while the tokeniser reports elements, and stops it at the first thing that does not belong.
@@ -200,7 +200,7 @@ void XMLReader::add(id value) {
 
 } // namespace
 
-id host::readXMLPropertyList(std::span<const std::uint8_t> bytes, std::string& refusal) {
+id seat::readXMLPropertyList(std::span<const std::uint8_t> bytes, std::string& refusal) {
     const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
     // Found out before anything is built: whatever the tokeniser would say, it would say it later.
     constexpr std::size_t longestEpilogue = 4096;
@@ -216,4 +216,4 @@ id host::readXMLPropertyList(std::span<const std::uint8_t> bytes, std::string& r
     return refusal.empty() ? buildXMLPropertyList(text, refusal) : nullptr;
 }
 
-id host::buildXMLPropertyList(std::string_view text, std::string& refusal) { return XMLReader().read(text, refusal); }
+id seat::buildXMLPropertyList(std::string_view text, std::string& refusal) { return XMLReader().read(text, refusal); }

@@ -1,4 +1,4 @@
-#include "host/foundation/base64.h"
+#include "kit/foundation/base64.h"
 
 #include <algorithm>
 #include <array>
@@ -21,7 +21,7 @@ constexpr auto meanings = [] {
 
 } // namespace
 
-std::optional<std::vector<std::uint8_t>> host::decodeBase64(std::string_view text) {
+std::optional<std::vector<std::uint8_t>> seat::decodeBase64(std::string_view text) {
     if (!isBase64(text)) return std::nullopt;
     std::vector<std::uint8_t> bytes;
     bytes.reserve(text.size() / 4 * 3 + 3);
@@ -40,7 +40,7 @@ std::optional<std::vector<std::uint8_t>> host::decodeBase64(std::string_view tex
     return bytes;
 }
 
-std::string host::encodeBase64(std::string_view bytes) {
+std::string seat::encodeBase64(std::string_view bytes) {
     static constexpr char digits[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
     std::string text;
     for (std::size_t i = 0; i < bytes.size(); i += 3) {
@@ -53,7 +53,7 @@ std::string host::encodeBase64(std::string_view bytes) {
     return text;
 }
 
-bool host::isBase64(std::string_view text) {
+bool seat::isBase64(std::string_view text) {
     std::size_t blanks = 0;
     std::size_t pads = 0;
     bool hasStrangers = false;

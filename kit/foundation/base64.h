@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-namespace host {
+namespace seat {
 
 // White space may stand anywhere. Nothing when another character comes, the padding is not what the length asks for, or
 // bits are set that stand for no byte.
@@ -17,4 +17,4 @@ std::string encodeBase64(std::string_view bytes);
 // Whether decodeBase64() takes it.
 bool isBase64(std::string_view text);
 
-} // namespace host
+} // namespace seat

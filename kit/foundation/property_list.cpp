@@ -1,12 +1,12 @@
-#include "host/foundation/property_list.h"
+#include "kit/foundation/property_list.h"
 
-#include "host/foundation/files.h"
+#include "kit/seat.h"
 #include "platform/log.h"
 
 #include <algorithm>
 #include <string_view>
 
-id host::readPropertyList(std::span<const std::uint8_t> bytes, NSPropertyListFormat* format, std::string& refusal) {
+id seat::readPropertyList(std::span<const std::uint8_t> bytes, NSPropertyListFormat* format, std::string& refusal) {
     if (bytes.empty()) {
         refusal = "is empty";
         return nullptr;
@@ -21,7 +21,7 @@ id host::readPropertyList(std::span<const std::uint8_t> bytes, NSPropertyListFor
     return isBinary ? readBinaryPropertyList(bytes, refusal) : readXMLPropertyList(bytes, refusal);
 }
 
-id host::readPropertyListFile(const std::string& path, std::shared_ptr<NSError>* error) {
+id seat::readPropertyListFile(const std::string& path, std::shared_ptr<NSError>* error) {
     const auto data = readFile(path, propertyListMaximumLength, error);
     if (!data) return nullptr;
     std::string refusal;
@@ -35,7 +35,7 @@ NSPropertyListSerialization::dataWithPropertyList_format_options_error(const id&
                                                                        unsigned long, std::shared_ptr<NSError>* error) {
     std::string refusal = "is asked for in a format other than the binary one";
     auto data =
-        format == NSPropertyListBinaryFormat_v1_0 ? host::writeBinaryPropertyList(propertyList, refusal) : nullptr;
+        format == NSPropertyListBinaryFormat_v1_0 ? seat::writeBinaryPropertyList(propertyList, refusal) : nullptr;
     if (data) return data;
     const std::string reason = "property list to write " + refusal;
     // Whoever asks for the error says what it was about; otherwise nobody would hear of it.
@@ -51,7 +51,7 @@ id NSPropertyListSerialization::propertyListWithData_options_format_error(const 
                                                                           std::shared_ptr<NSError>* error) {
     std::string refusal;
     NSPropertyListFormat found{};
-    id value = host::readPropertyList(data.bytes(), &found, refusal);
+    id value = seat::readPropertyList(data.bytes(), &found, refusal);
     if (value) {
         if (format) *format = found;
         return value;

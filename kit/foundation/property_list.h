@@ -16,7 +16,7 @@
 #include <string>
 #include <string_view>
 
-namespace host {
+namespace seat {
 
 // What is larger is neither read nor written: everything written can be read back.
 inline constexpr std::size_t propertyListMaximumLength = 4u << 20;
@@ -42,4 +42,4 @@ id readBinaryPropertyList(std::span<const std::uint8_t> bytes, std::string& refu
 // slowly. The text is UTF-8.
 id buildXMLPropertyList(std::string_view text, std::string& refusal);
 
-} // namespace host
+} // namespace seat

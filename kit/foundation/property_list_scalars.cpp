@@ -1,4 +1,4 @@
-#include "host/foundation/property_list_scalars.h"
+#include "kit/foundation/property_list_scalars.h"
 
 #include <charconv>
 #include <chrono>
@@ -24,7 +24,7 @@ std::optional<unsigned> digits(std::string_view text) {
 
 } // namespace
 
-std::optional<NSNumber> host::integerFromText(std::string_view text) {
+std::optional<NSNumber> seat::integerFromText(std::string_view text) {
     const bool negative = text.starts_with('-');
     if (negative || text.starts_with('+')) text.remove_prefix(1);
     const bool hexadecimal = text.starts_with("0x") || text.starts_with("0X");
@@ -41,7 +41,7 @@ std::optional<NSNumber> host::integerFromText(std::string_view text) {
     return NSNumber::numberWithInteger(static_cast<std::int64_t>(*magnitude));
 }
 
-std::optional<NSNumber> host::realFromText(std::string_view text) {
+std::optional<NSNumber> seat::realFromText(std::string_view text) {
     if (text.starts_with('+')) {
         text.remove_prefix(1);
         if (text.starts_with('-')) return std::nullopt;
@@ -52,7 +52,7 @@ std::optional<NSNumber> host::realFromText(std::string_view text) {
     return value ? std::optional(NSNumber::numberWithDouble(*value)) : std::nullopt;
 }
 
-std::optional<NSDate> host::dateFromText(std::string_view text) {
+std::optional<NSDate> seat::dateFromText(std::string_view text) {
     using namespace std::chrono;
     if (text.size() != 20 || text[4] != '-' || text[7] != '-' || text[10] != 'T' || text[13] != ':' ||
         text[16] != ':' || text[19] != 'Z')

@@ -8,7 +8,7 @@
 #include <optional>
 #include <string_view>
 
-namespace host {
+namespace seat {
 
 // Decimal, or hexadecimal after "0x", with a sign; from -2^63 to 2^64-1. Signed unless only the unsigned type holds it.
 std::optional<NSNumber> integerFromText(std::string_view text);
@@ -17,4 +17,4 @@ std::optional<NSNumber> realFromText(std::string_view text);
 // YYYY-MM-DDThh:mm:ssZ of the Gregorian calendar.
 std::optional<NSDate> dateFromText(std::string_view text);
 
-} // namespace host
+} // namespace seat

@@ -1,4 +1,4 @@
-#include "host/foundation/utf8.h"
+#include "kit/foundation/utf8.h"
 
 #include <cstring>
 
@@ -59,9 +59,9 @@ void appendUTF8(std::string& text, std::uint32_t c) {
 
 } // namespace
 
-bool host::isASCII(std::string_view text) { return asciiPrefix(text) == text.size(); }
+bool seat::isASCII(std::string_view text) { return asciiPrefix(text) == text.size(); }
 
-bool host::isUTF8(std::string_view text) {
+bool seat::isUTF8(std::string_view text) {
     for (;;) {
         text.remove_prefix(asciiPrefix(text));
         if (text.empty()) return true;
@@ -71,7 +71,7 @@ bool host::isUTF8(std::string_view text) {
     }
 }
 
-std::size_t host::utf16Length(std::string_view text) {
+std::size_t seat::utf16Length(std::string_view text) {
     std::size_t units = 0;
     for (const char c : text) {
         const auto byte = static_cast<std::uint8_t>(c);
@@ -81,7 +81,7 @@ std::size_t host::utf16Length(std::string_view text) {
     return units;
 }
 
-void host::writeUTF16BigEndian(std::uint8_t* bytes, std::string_view text) {
+void seat::writeUTF16BigEndian(std::uint8_t* bytes, std::string_view text) {
     const auto append = [&](std::uint32_t unit) {
         *bytes++ = static_cast<std::uint8_t>(unit >> 8);
         *bytes++ = static_cast<std::uint8_t>(unit);
@@ -99,7 +99,7 @@ void host::writeUTF16BigEndian(std::uint8_t* bytes, std::string_view text) {
     }
 }
 
-bool host::isUTF16BigEndian(std::span<const std::uint8_t> bytes) {
+bool seat::isUTF16BigEndian(std::span<const std::uint8_t> bytes) {
     bool afterHigh = false;
     for (std::size_t at = 0; at + 1 < bytes.size(); at += 2) {
         const bool isLow = (bytes[at] & 0xfc) == 0xdc;
@@ -109,7 +109,7 @@ bool host::isUTF16BigEndian(std::span<const std::uint8_t> bytes) {
     return !afterHigh && bytes.size() % 2 == 0;
 }
 
-std::string host::utf8FromUTF16BigEndian(std::span<const std::uint8_t> bytes) {
+std::string seat::utf8FromUTF16BigEndian(std::span<const std::uint8_t> bytes) {
     const auto unit = [&](std::size_t at) { return static_cast<std::uint32_t>(bytes[at] << 8 | bytes[at + 1]); };
     std::string text;
     text.reserve(bytes.size());

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-namespace host {
+namespace seat {
 
 bool isASCII(std::string_view text);
 
@@ -23,4 +23,4 @@ bool isUTF16BigEndian(std::span<const std::uint8_t> bytes);
 // `bytes` must be well-formed.
 std::string utf8FromUTF16BigEndian(std::span<const std::uint8_t> bytes);
 
-} // namespace host
+} // namespace seat

@@ -1,9 +1,9 @@
-#include "host/foundation/xml_property_list_scan.h"
+#include "kit/foundation/xml_property_list_scan.h"
 
-#include "host/foundation/KeySet.h"
-#include "host/foundation/base64.h"
-#include "host/foundation/property_list_scalars.h"
-#include "host/foundation/xml_property_list_words.h"
+#include "kit/foundation/KeySet.h"
+#include "kit/foundation/base64.h"
+#include "kit/foundation/property_list_scalars.h"
+#include "kit/foundation/xml_property_list_words.h"
 
 #include <algorithm>
 #include <array>
@@ -12,8 +12,8 @@
 
 namespace {
 
-using namespace host;
-using namespace host::xml;
+using namespace seat;
+using namespace seat::xml;
 
 constexpr const char* badTag = "is no XML: mismatched tag";
 constexpr const char* badToken = "is no XML: not well-formed (invalid token)";
@@ -292,4 +292,4 @@ private:
 
 } // namespace
 
-std::string host::faultOfXMLPropertyList(std::string_view text) { return Scan(text).fault(); }
+std::string seat::faultOfXMLPropertyList(std::string_view text) { return Scan(text).fault(); }

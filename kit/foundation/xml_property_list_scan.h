@@ -6,10 +6,10 @@
 #include <string>
 #include <string_view>
 
-namespace host {
+namespace seat {
 
 // Why the text is refused; empty when nothing was found, which leaves the last word to the reader proper. Never refuses
 // what the reader takes. The text is UTF-8.
 std::string faultOfXMLPropertyList(std::string_view text);
 
-} // namespace host
+} // namespace seat

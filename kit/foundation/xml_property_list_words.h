@@ -2,13 +2,13 @@
 
 // What the scan and the reader of XML property lists share: the elements' names, and the words of a refusal.
 
-#include "host/foundation/property_list.h"
+#include "kit/foundation/property_list.h"
 
 #include <cstdint>
 #include <optional>
 #include <string_view>
 
-namespace host::xml {
+namespace seat::xml {
 
 enum class Element { Plist, Dict, Array, Key, String, Integer, Real, Date, Data, True, False };
 
@@ -82,4 +82,4 @@ inline constexpr const char* noValue = "holds no value";
 inline constexpr const char* strayText = "has text between its elements";
 inline constexpr const char* badScalar = "has a text that is no value of its type";
 
-} // namespace host::xml
+} // namespace seat::xml

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "host/quartz/animation.h"
+#include "kit/quartz/animation.h"
 
-namespace host {
+namespace seat {
 
 struct AnimationBlock {
     double duration = 0;
@@ -12,4 +12,4 @@ struct AnimationBlock {
 // The innermost block of this thread, when changes move in it; else nullptr.
 const AnimationBlock* currentAnimationBlock();
 
-} // namespace host
+} // namespace seat

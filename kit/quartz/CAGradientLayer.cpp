@@ -1,7 +1,7 @@
 #include "platform/quartz/CAGradientLayer.h"
 
-#include "host/quartz/layer_internals.h"
-#include "host/quartz/repaint.h"
+#include "kit/quartz/LayerInternals.h"
+#include "kit/quartz/repaint.h"
 
 #include <algorithm>
 
@@ -14,17 +14,17 @@ std::shared_ptr<CAGradientLayer> CAGradientLayer::init() { return self(this); }
 std::shared_ptr<CAGradientLayer> CAGradientLayer::initWithLayer(const std::shared_ptr<CALayer>&) { return self(this); }
 
 void CAGradientLayer::setColors(std::vector<CGColorRef> colors) {
-    const bool changes = !std::ranges::equal(m_colors, colors, host::isSameColor);
+    const bool changes = !std::ranges::equal(m_colors, colors, seat::isSameColor);
     m_colors = std::move(colors);
-    if (changes) host::reportRepaint(*this, host::Reach::Layer);
+    if (changes) seat::reportRepaint(*this, seat::Reach::Layer);
 }
 
 void CAGradientLayer::setStartPoint(CGPoint point) {
     m_startPoint = point;
-    host::reportRepaint(*this, host::Reach::Layer);
+    seat::reportRepaint(*this, seat::Reach::Layer);
 }
 
 void CAGradientLayer::setEndPoint(CGPoint point) {
     m_endPoint = point;
-    host::reportRepaint(*this, host::Reach::Layer);
+    seat::reportRepaint(*this, seat::Reach::Layer);
 }

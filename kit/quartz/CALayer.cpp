@@ -1,13 +1,13 @@
 #include "platform/quartz/CALayer.h"
 
-#include "host/quartz/layer_change.h"
-#include "host/quartz/layer_internals.h"
-#include "host/quartz/repaint.h"
+#include "kit/quartz/LayerInternals.h"
+#include "kit/quartz/layer_change.h"
+#include "kit/quartz/repaint.h"
 
 #include <cmath>
 
-using host::LayerValues;
-using host::Reach;
+using seat::LayerValues;
+using seat::Reach;
 
 NS_CLASS_IMPLEMENTATION(CALayer, NSObject)
 
@@ -25,7 +25,7 @@ std::shared_ptr<CALayer> CALayer::initWithLayer(const std::shared_ptr<CALayer>&)
 
 CGRect CALayer::frame() const {
     if (m_layer->exactFrame) return *m_layer->exactFrame;
-    return CGRectApplyAffineTransform(m_layer->model.bounds, host::transformToSuperlayer(m_layer->model));
+    return CGRectApplyAffineTransform(m_layer->model.bounds, seat::transformToSuperlayer(m_layer->model));
 }
 
 void CALayer::setFrame(CGRect frame) {
@@ -42,19 +42,19 @@ void CALayer::setFrame(CGRect frame) {
                            (a * frame.size.height - b * frame.size.width) / determinant};
     }
     const CGPoint position{CGRectGetMidX(frame) - t.tx, CGRectGetMidY(frame) - t.ty};
-    host::changeGeometry(*this, bounds, position);
+    seat::changeGeometry(*this, bounds, position);
     if (t == CGAffineTransformIdentity) m_layer->exactFrame = frame;
 }
 
 CGRect CALayer::bounds() const { return m_layer->model.bounds; }
-void CALayer::setBounds(CGRect bounds) { host::changeGeometry(*this, bounds, m_layer->model.position); }
+void CALayer::setBounds(CGRect bounds) { seat::changeGeometry(*this, bounds, m_layer->model.position); }
 CGPoint CALayer::position() const { return m_layer->model.position; }
-void CALayer::setPosition(CGPoint position) { host::changeGeometry(*this, m_layer->model.bounds, position); }
+void CALayer::setPosition(CGPoint position) { seat::changeGeometry(*this, m_layer->model.bounds, position); }
 const CATransform3D& CALayer::transform() const { return m_layer->model.transform; }
 
 void CALayer::setTransform(const CATransform3D& transform) {
     if (!(transform == m_layer->model.transform)) m_layer->exactFrame.reset();
-    host::change(*this, &LayerValues::transform, transform, Reach::Tree);
+    seat::change(*this, &LayerValues::transform, transform, Reach::Tree);
 }
 
 CGAffineTransform CALayer::affineTransform() const { return CATransform3DGetAffineTransform(m_layer->model.transform); }
@@ -66,32 +66,32 @@ void CALayer::setAffineTransform(CGAffineTransform transform) {
 
 double CALayer::cornerRadius() const { return m_layer->model.cornerRadius; }
 void CALayer::setCornerRadius(double radius) {
-    host::change(*this, &LayerValues::cornerRadius, radius, m_layer->masksToBounds ? Reach::Tree : Reach::Layer);
+    seat::change(*this, &LayerValues::cornerRadius, radius, m_layer->masksToBounds ? Reach::Tree : Reach::Layer);
 }
 double CALayer::borderWidth() const { return m_layer->model.borderWidth; }
-void CALayer::setBorderWidth(double width) { host::change(*this, &LayerValues::borderWidth, width, Reach::Layer); }
+void CALayer::setBorderWidth(double width) { seat::change(*this, &LayerValues::borderWidth, width, Reach::Layer); }
 const CGColorRef& CALayer::borderColor() const { return m_layer->model.borderColor; }
 void CALayer::setBorderColor(CGColorRef color) {
-    host::change(*this, &LayerValues::borderColor, std::move(color), Reach::Layer);
+    seat::change(*this, &LayerValues::borderColor, std::move(color), Reach::Layer);
 }
 const CGColorRef& CALayer::backgroundColor() const { return m_layer->model.backgroundColor; }
 void CALayer::setBackgroundColor(CGColorRef color) {
-    host::change(*this, &LayerValues::backgroundColor, std::move(color), Reach::Layer);
+    seat::change(*this, &LayerValues::backgroundColor, std::move(color), Reach::Layer);
 }
 double CALayer::opacity() const { return m_layer->model.opacity; }
-void CALayer::setOpacity(double opacity) { host::change(*this, &LayerValues::opacity, opacity, Reach::Tree); }
+void CALayer::setOpacity(double opacity) { seat::change(*this, &LayerValues::opacity, opacity, Reach::Tree); }
 
 bool CALayer::isHidden() const { return m_layer->hidden; }
 void CALayer::setHidden(bool hidden) {
     if (hidden == m_layer->hidden) return;
-    const host::RepaintAround repaint(*this, Reach::Tree);
+    const seat::RepaintAround repaint(*this, Reach::Tree);
     m_layer->hidden = hidden;
 }
 
 bool CALayer::masksToBounds() const { return m_layer->masksToBounds; }
 void CALayer::setMasksToBounds(bool masks) {
     if (masks == m_layer->masksToBounds) return;
-    const host::RepaintAround repaint(*this, Reach::Tree);
+    const seat::RepaintAround repaint(*this, Reach::Tree);
     m_layer->masksToBounds = masks;
 }
 
@@ -99,13 +99,13 @@ const CGImageRef& CALayer::contents() const { return m_layer->contents; }
 void CALayer::setContents(CGImageRef contents) {
     if (contents == m_layer->contents) return;
     m_layer->contents = std::move(contents);
-    host::reportRepaint(*this, Reach::Layer);
+    seat::reportRepaint(*this, Reach::Layer);
 }
 
 CALayerDelegate* CALayer::delegate() const { return m_layer->delegate; }
 void CALayer::setDelegate(CALayerDelegate* delegate) { m_layer->delegate = delegate; }
 
-void CALayer::setNeedsDisplay() { host::reportRepaint(*this, Reach::Layer); }
+void CALayer::setNeedsDisplay() { seat::reportRepaint(*this, Reach::Layer); }
 void CALayer::setNeedsDisplayInRect(CGRect rect) {
-    host::reportRepaint(*this, CGRectIntersection(rect, LayerInternals::shown(*this).bounds));
+    seat::reportRepaint(*this, CGRectIntersection(rect, LayerInternals::shown(*this).bounds));
 }

@@ -1,8 +1,8 @@
 // The tree of layers, and who shows it.
 
-#include "host/quartz/animation.h"
-#include "host/quartz/layer_internals.h"
-#include "host/quartz/repaint.h"
+#include "kit/quartz/LayerInternals.h"
+#include "kit/quartz/animation.h"
+#include "kit/quartz/repaint.h"
 
 #include <algorithm>
 
@@ -24,7 +24,7 @@ void CALayer::insertSublayer_atIndex(const std::shared_ptr<CALayer>& layer, unsi
     sublayers.insert(sublayers.begin() + static_cast<std::ptrdiff_t>(at), kept);
     kept->m_layer->superlayer = this;
     if (!LayerInternals::host(*this)) LayerInternals::cancelAnimations(*kept);
-    host::reportRepaint(*kept, host::Reach::Tree);
+    seat::reportRepaint(*kept, seat::Reach::Tree);
 }
 
 void CALayer::removeFromSuperlayer() {
@@ -32,12 +32,12 @@ void CALayer::removeFromSuperlayer() {
     if (kept) LayerInternals::cancelAnimations(*this);
 }
 
-void CALayer::setHost(host::LayerHost* host) {
+void CALayer::setHost(seat::LayerHost* host) {
     m_layer->host = host;
     if (!host) LayerInternals::cancelAnimations(*this);
 }
 
-host::LayerHost* LayerInternals::host(const CALayer& layer) {
+seat::LayerHost* LayerInternals::host(const CALayer& layer) {
     const CALayer* root = &layer;
     while (const CALayer* const superlayer = root->m_layer->superlayer) root = superlayer;
     return root->m_layer->host;
@@ -46,7 +46,7 @@ host::LayerHost* LayerInternals::host(const CALayer& layer) {
 std::shared_ptr<CALayer> LayerInternals::takeOut(CALayer& layer) {
     CALayer* const superlayer = layer.m_layer->superlayer;
     if (!superlayer) return nullptr;
-    host::reportRepaint(layer, host::Reach::Tree);
+    seat::reportRepaint(layer, seat::Reach::Tree);
     auto& siblings = superlayer->m_layer->sublayers;
     const auto at = std::find_if(siblings.begin(), siblings.end(),
                                  [&layer](const std::shared_ptr<CALayer>& sibling) { return sibling.get() == &layer; });
@@ -61,7 +61,7 @@ void LayerInternals::cancelAnimations(CALayer& layer) {
     if (state.animations) {
         for (const auto& animation : state.animations->running) animation.group->cutShort();
         state.animations.reset();
-        host::removeAnimatedLayer(layer);
+        seat::removeAnimatedLayer(layer);
     }
     for (const auto& sublayer : state.sublayers) cancelAnimations(*sublayer);
 }

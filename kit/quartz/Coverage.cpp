@@ -1,8 +1,8 @@
-#include "host/quartz/coverage.h"
+#include "kit/quartz/Coverage.h"
 
 #include <cmath>
 
-namespace host {
+namespace seat {
 
 namespace {
 
@@ -137,4 +137,4 @@ CoveredRuns Coverage::runs() const {
     return std::make_shared<const std::vector<CoveredRun>>(std::move(result));
 }
 
-} // namespace host
+} // namespace seat

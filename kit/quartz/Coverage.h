@@ -2,13 +2,13 @@
 
 // How much of each pixel a shape covers: the area of what lies inside, added up from its edges without sampling.
 
-#include "host/quartz/outline.h"
-#include "host/quartz/pixels.h"
+#include "kit/quartz/outline.h"
+#include "kit/quartz/pixels.h"
 
 #include <memory>
 #include <vector>
 
-namespace host {
+namespace seat {
 
 using CoveredRuns = std::shared_ptr<const std::vector<CoveredRun>>;
 
@@ -40,4 +40,4 @@ private:
     std::vector<Row> m_rows;
 };
 
-} // namespace host
+} // namespace seat

@@ -1,9 +1,9 @@
-#include "host/quartz/gradient_rows.h"
+#include "kit/quartz/GradientRows.h"
 
 #include <algorithm>
 #include <cmath>
 
-namespace host {
+namespace seat {
 
 namespace {
 constexpr double nothing = 0.5; // so that cutting a component rounds it
@@ -50,4 +50,4 @@ const std::uint32_t* GradientRows::at(int x, int y) {
     return m_row.data() + (x - m_pixels.left);
 }
 
-} // namespace host
+} // namespace seat

@@ -2,14 +2,14 @@
 
 // The pixels of a linear gradient, row by row.
 
-#include "host/quartz/pixels.h"
+#include "kit/quartz/pixels.h"
 #include "platform/quartz/CGGeometry.h"
 
 #include <array>
 #include <span>
 #include <vector>
 
-namespace host {
+namespace seat {
 
 class GradientRows final : public PixelRows {
 public:
@@ -32,4 +32,4 @@ private:
     int m_madeFor; // the row that m_row holds
 };
 
-} // namespace host
+} // namespace seat

@@ -2,8 +2,8 @@
 
 // The movements that run in one layer.
 
-#include "host/quartz/animation.h"
-#include "host/quartz/layer_values.h"
+#include "kit/quartz/LayerValues.h"
+#include "kit/quartz/animation.h"
 
 #include <memory>
 #include <variant>
@@ -11,7 +11,7 @@
 
 class CALayer;
 
-namespace host {
+namespace seat {
 
 // One property on its way.
 template <class T> struct AnimationTrack {
@@ -46,4 +46,4 @@ bool moveShownValues(LayerAnimations& animations, double now);
 void addAnimatedLayer(CALayer& layer);
 void removeAnimatedLayer(CALayer& layer);
 
-} // namespace host
+} // namespace seat

@@ -2,7 +2,7 @@
 
 #include "platform/quartz/CGGeometry.h"
 
-namespace host {
+namespace seat {
 
 // Who shows a layer tree. Main thread only.
 class LayerHost {
@@ -14,4 +14,4 @@ public:
     virtual void animationsStarted() = 0;
 };
 
-} // namespace host
+} // namespace seat

@@ -2,8 +2,8 @@
 
 // What the files of this folder know of a layer.
 
-#include "host/quartz/layer_animations.h"
-#include "host/quartz/layer_values.h"
+#include "kit/quartz/LayerAnimations.h"
+#include "kit/quartz/LayerValues.h"
 #include "platform/quartz/CALayer.h"
 
 #include <optional>
@@ -12,7 +12,7 @@ class CAGradientLayer;
 
 // Reached only through LayerInternals.
 struct CALayer::State {
-    host::LayerValues model;
+    seat::LayerValues model;
     // As it was set; a frame derived from bounds and position could differ in the last digit.
     std::optional<CGRect> exactFrame;
     bool hidden = false;
@@ -22,8 +22,8 @@ struct CALayer::State {
     CALayer* superlayer = nullptr;                     // non-owning: the superlayer owns this one
     CALayerDelegate* delegate = nullptr;               // non-owning
     const CAGradientLayer* gradient = nullptr;         // this very layer, when it is one
-    host::LayerHost* host = nullptr;                   // non-owning; root layers only
-    std::unique_ptr<host::LayerAnimations> animations; // while some run
+    seat::LayerHost* host = nullptr;                   // non-owning; root layers only
+    std::unique_ptr<seat::LayerAnimations> animations; // while some run
 };
 
 struct LayerInternals {
@@ -33,13 +33,13 @@ struct LayerInternals {
     static const CALayer::State& state(const CALayer& layer) { return *layer.m_layer; }
 
     // What is drawn now: the model, or what stands between two models.
-    static const host::LayerValues& shown(const CALayer& layer) {
+    static const seat::LayerValues& shown(const CALayer& layer) {
         const auto& animations = layer.m_layer->animations;
         return animations ? animations->shown : layer.m_layer->model;
     }
 
     // nullptr while the layer is in no tree that is shown.
-    static host::LayerHost* host(const CALayer& layer);
+    static seat::LayerHost* host(const CALayer& layer);
 
     // Takes the layer from its superlayer; nil when it stands in none.
     static std::shared_ptr<CALayer> takeOut(CALayer& layer);

@@ -4,7 +4,7 @@
 #include "platform/quartz/CGColor.h"
 #include "platform/quartz/CGGeometry.h"
 
-namespace host {
+namespace seat {
 
 // The properties of a layer that can move over time.
 struct LayerValues {
@@ -34,4 +34,4 @@ inline CGAffineTransform transformToSuperlayer(const LayerValues& values) {
             t.ty + values.position.y - (t.b * x + t.d * y)};
 }
 
-} // namespace host
+} // namespace seat

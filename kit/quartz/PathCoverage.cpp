@@ -1,11 +1,11 @@
-#include "host/quartz/path_coverage.h"
+#include "kit/quartz/PathCoverage.h"
 
-#include "host/quartz/recently_used.h"
+#include "kit/quartz/recently_used.h"
 
 #include <algorithm>
 #include <cmath>
 
-namespace host {
+namespace seat {
 
 namespace {
 
@@ -74,4 +74,4 @@ std::optional<PathCoverage> convexPathCoverage(const CGPath& path, const CGAffin
     return PathCoverage{covered(*outline, pixelsOf(*outline).intersected(clip)), 0, 0};
 }
 
-} // namespace host
+} // namespace seat

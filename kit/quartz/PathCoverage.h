@@ -2,12 +2,12 @@
 
 // What a path without dents covers; the paths that were filled last are remembered.
 
-#include "host/quartz/coverage.h"
+#include "kit/quartz/Coverage.h"
 #include "platform/quartz/CGPath.h"
 
 #include <optional>
 
-namespace host {
+namespace seat {
 
 struct PathCoverage {
     CoveredRuns runs; // counted from (x, y)
@@ -19,4 +19,4 @@ struct PathCoverage {
 std::optional<PathCoverage> convexPathCoverage(const CGPath& path, const CGAffineTransform& toPixels,
                                                const PixelRect& clip);
 
-} // namespace host
+} // namespace seat

@@ -1,6 +1,6 @@
 #include "platform/uikit/UIFont.h"
 
-#include "host/quartz/fonts.h"
+#include "kit/seat.h"
 
 #include <algorithm>
 #include <cmath>
@@ -51,6 +51,6 @@ std::shared_ptr<UIFont> UIFont::systemFont(double pointSize, bool bold) {
     return font;
 }
 
-double UIFont::ascender() const { return host::metricsOfSystemFont(m_bold).ascent * m_pointSize; }
-double UIFont::descender() const { return -host::metricsOfSystemFont(m_bold).descent * m_pointSize; }
+double UIFont::ascender() const { return seat::metricsOfSystemFont(m_bold).ascent * m_pointSize; }
+double UIFont::descender() const { return -seat::metricsOfSystemFont(m_bold).descent * m_pointSize; }
 double UIFont::lineHeight() const { return ascender() - descender(); }

@@ -1,6 +1,6 @@
 #include "platform/uikit/UIScreen.h"
 
-#include "host/quartz/screen.h"
+#include "kit/quartz/screen.h"
 
 #include <atomic>
 #include <cmath>
@@ -16,7 +16,7 @@ std::atomic<double> screenHeight = 667;
 
 } // namespace
 
-void host::setMainScreen(CGSize points, double scale) {
+void seat::setMainScreen(CGSize points, double scale) {
     screenScale = scale > 0 && std::isfinite(scale) ? scale : 1;
     screenWidth = points.width;
     screenHeight = points.height;

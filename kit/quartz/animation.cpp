@@ -1,8 +1,8 @@
-#include "host/quartz/animation.h"
+#include "kit/quartz/animation.h"
 
-#include "host/quartz/animation_block.h"
-#include "host/quartz/layer_internals.h"
-#include "host/quartz/repaint.h"
+#include "kit/quartz/AnimationBlock.h"
+#include "kit/quartz/LayerInternals.h"
+#include "kit/quartz/repaint.h"
 #include "platform/dispatch.h"
 #include "platform/quartz/CATransaction.h"
 
@@ -10,7 +10,7 @@
 #include <cmath>
 #include <utility>
 
-namespace host {
+namespace seat {
 
 namespace {
 
@@ -127,4 +127,4 @@ bool advanceAnimations(double now) {
     return animationsAreRunning();
 }
 
-} // namespace host
+} // namespace seat

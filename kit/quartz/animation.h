@@ -8,7 +8,7 @@
 #include <functional>
 #include <memory>
 
-namespace host {
+namespace seat {
 
 // The changes of one block: its completion is queued on the main queue exactly once, when the last of its movements
 // has ended and the block is over. The argument is false when one of them was cut short: by another change, or because
@@ -41,4 +41,4 @@ bool advanceAnimations(double now);
 
 bool animationsAreRunning();
 
-} // namespace host
+} // namespace seat

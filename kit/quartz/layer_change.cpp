@@ -1,13 +1,13 @@
-#include "host/quartz/layer_change.h"
+#include "kit/quartz/layer_change.h"
 
-#include "host/quartz/animation_block.h"
-#include "host/quartz/layer_host.h"
-#include "host/quartz/layer_internals.h"
+#include "kit/quartz/AnimationBlock.h"
+#include "kit/quartz/LayerHost.h"
+#include "kit/quartz/LayerInternals.h"
 #include "platform/foundation/time.h"
 
 #include <algorithm>
 
-namespace host {
+namespace seat {
 
 namespace {
 
@@ -100,4 +100,4 @@ void changeGeometry(CALayer& layer, const CGRect& bounds, CGPoint position) {
     if (newPosition) jump(layer, &LayerValues::position, position);
 }
 
-} // namespace host
+} // namespace seat

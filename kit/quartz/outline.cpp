@@ -1,10 +1,10 @@
-#include "host/quartz/outline.h"
+#include "kit/quartz/outline.h"
 
 #include <algorithm>
 #include <cmath>
 #include <numbers>
 
-namespace host {
+namespace seat {
 
 namespace {
 
@@ -125,4 +125,4 @@ std::optional<Outline> convexOutline(const CGPath& path, const CGAffineTransform
     return outline;
 }
 
-} // namespace host
+} // namespace seat

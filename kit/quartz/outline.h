@@ -8,7 +8,7 @@
 #include <optional>
 #include <vector>
 
-namespace host {
+namespace seat {
 
 // The last corner is joined to the first.
 using Outline = std::vector<CGPoint>;
@@ -22,4 +22,4 @@ Outline transformed(Outline outline, const CGAffineTransform& transform);
 // on the rule for filling what is inside.
 std::optional<Outline> convexOutline(const CGPath& path, const CGAffineTransform& toPixels);
 
-} // namespace host
+} // namespace seat

@@ -1,4 +1,4 @@
-#include "host/quartz/pixels.h"
+#include "kit/quartz/pixels.h"
 
 #include <cmath>
 #include <cstring>
@@ -11,7 +11,7 @@
 #define JOYVANE_WIDE_LOOP
 #endif
 
-namespace host {
+namespace seat {
 
 namespace {
 
@@ -128,4 +128,4 @@ void blendRow(std::uint32_t* pixels, const std::uint32_t* source, std::size_t co
         blendWeakened(pixels, source, count, weight, static_cast<std::uint32_t>(std::lround(part * 0x1000000 / 255)));
 }
 
-} // namespace host
+} // namespace seat

@@ -10,7 +10,7 @@
 #include <cstdint>
 #include <span>
 
-namespace host {
+namespace seat {
 
 // Premultiplied, one word each: alpha in the top byte, then red, green, blue. Non-owning.
 struct PixelTarget {
@@ -94,4 +94,4 @@ public:
 // Lays `source` (premultiplied), weakened by `opacity` from 0 to 1, over the pixels.
 void blendRow(std::uint32_t* pixels, const std::uint32_t* source, std::size_t count, double opacity);
 
-} // namespace host
+} // namespace seat

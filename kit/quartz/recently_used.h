@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-namespace host {
+namespace seat {
 
 template <class Key, class Value, std::size_t most> class RecentlyUsed {
 public:
@@ -29,4 +29,4 @@ private:
     std::vector<std::pair<Key, Value>> m_newestFirst;
 };
 
-} // namespace host
+} // namespace seat

@@ -1,13 +1,13 @@
-#include "host/quartz/repaint.h"
+#include "kit/quartz/repaint.h"
 
-#include "host/quartz/layer_host.h"
-#include "host/quartz/layer_internals.h"
-#include "host/quartz/snapping.h"
+#include "kit/quartz/LayerHost.h"
+#include "kit/quartz/LayerInternals.h"
+#include "kit/quartz/snapping.h"
 #include "platform/uikit/UIScreen.h"
 
 #include <cmath>
 
-namespace host {
+namespace seat {
 
 namespace {
 
@@ -51,4 +51,4 @@ void reportRepaint(const CALayer& layer, CGRect rect) {
     host->layerNeedsRepaint(CGRectMake(left / scale, top / scale, (right - left) / scale, (bottom - top) / scale));
 }
 
-} // namespace host
+} // namespace seat

@@ -4,7 +4,7 @@
 
 class CALayer;
 
-namespace host {
+namespace seat {
 
 enum class Reach {
     Layer, // what the layer itself draws
@@ -28,4 +28,4 @@ private:
     Reach m_reach;
 };
 
-} // namespace host
+} // namespace seat

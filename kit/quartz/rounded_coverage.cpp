@@ -1,10 +1,10 @@
-#include "host/quartz/rounded_coverage.h"
+#include "kit/quartz/rounded_coverage.h"
 
-#include "host/quartz/recently_used.h"
+#include "kit/quartz/recently_used.h"
 
 #include <algorithm>
 
-namespace host {
+namespace seat {
 
 namespace {
 
@@ -48,4 +48,4 @@ CoveredRuns roundedCoverage(const RoundedShape& shape, const PixelRect& pixels) 
     return known.get(key, [&key] { return find(key); });
 }
 
-} // namespace host
+} // namespace seat

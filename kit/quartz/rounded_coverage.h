@@ -3,9 +3,9 @@
 // What a rounded rectangle, or a rounded frame, covers of the pixels where its edge is soft. The same few discs and
 // corners are painted again and again, so what was found is kept.
 
-#include "host/quartz/coverage.h"
+#include "kit/quartz/Coverage.h"
 
-namespace host {
+namespace seat {
 
 struct RoundedShape {
     double left = 0;
@@ -22,4 +22,4 @@ struct RoundedShape {
 // The runs are counted from the corner of `pixels`.
 CoveredRuns roundedCoverage(const RoundedShape& shape, const PixelRect& pixels);
 
-} // namespace host
+} // namespace seat

@@ -2,9 +2,9 @@
 
 #include "platform/quartz/CGGeometry.h"
 
-namespace host {
+namespace seat {
 
 // What UIScreen tells from now on, on every thread. A scale that is no positive number counts as 1.
 void setMainScreen(CGSize points, double scale);
 
-} // namespace host
+} // namespace seat

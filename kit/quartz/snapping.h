@@ -4,7 +4,7 @@
 
 #include <cmath>
 
-namespace host {
+namespace seat {
 
 inline constexpr double snappingAllowance = 1e-4;
 
@@ -14,4 +14,4 @@ inline double pixelEdgeAbove(double edge) { return std::ceil(edge - snappingAllo
 inline double nearestPixelEdge(double edge) { return std::floor(edge + 0.5 + snappingAllowance); }
 inline bool isOnPixelEdge(double edge) { return std::abs(edge - std::round(edge)) <= snappingAllowance; }
 
-} // namespace host
+} // namespace seat

@@ -1,12 +1,12 @@
 #include "platform/settings_framework/PSListController.h"
 
-#include "host/controllers/controller_internals.h"
-#include "host/preferences/preferences_store.h"
-#include "host/settings_framework/bundle.h"
-#include "host/settings_framework/cell_factory.h"
-#include "host/settings_framework/list_state.h"
-#include "host/settings_framework/specifier_resource.h"
-#include "host/tables/appearance.h"
+#include "kit/controllers/ControllerInternals.h"
+#include "kit/seat.h"
+#include "kit/settings_framework/SpecifierResource.h"
+#include "kit/settings_framework/bundle.h"
+#include "kit/settings_framework/cell_factory.h"
+#include "kit/settings_framework/list_state.h"
+#include "kit/uikit/appearance.h"
 #include "platform/log.h"
 #include "platform/notify.h"
 #include "platform/runtime/method.h"
@@ -28,12 +28,12 @@ const PSSpecifierList& PSListController::specifiers() {
 
 PSSpecifierList PSListController::loadSpecifiersFromPlistName_target(const std::string& name,
                                                                      const std::shared_ptr<NSObject>& target) {
-    if (name.empty() || name.find('/') != std::string::npos || host::resourceFolder().empty()) {
+    if (name.empty() || name.find('/') != std::string::npos || seat::resourceFolder().empty()) {
         NSLog("reading the rows of \"%s\": %s", name.c_str(),
-              host::resourceFolder().empty() ? "no bundle is loaded" : "that is no resource's name");
+              seat::resourceFolder().empty() ? "no bundle is loaded" : "that is no resource's name");
         return {};
     }
-    auto resource = host::readSpecifierResource(host::resourceFolder() + "/" + name + ".plist", target);
+    auto resource = seat::readSpecifierResource(seat::resourceFolder() + "/" + name + ".plist", target);
     if (!resource) return {};
     if (title().empty()) setTitle(resource->title);
     return std::move(resource->specifiers);
@@ -61,7 +61,7 @@ void PSListController::reloadSpecifiers() {
 
 void PSListController::reloadSpecifier(const std::shared_ptr<PSSpecifier>& specifier) {
     if (!specifier) return;
-    if (specifier->cellType() != PSCellType::Group) return host::refreshCell(specifier);
+    if (specifier->cellType() != PSCellType::Group) return seat::refreshCell(specifier);
     if (m_list->table && containsSpecifier(specifier)) m_list->table->reloadData();
 }
 
@@ -71,7 +71,7 @@ id PSListController::readPreferenceValue(const std::shared_ptr<PSSpecifier>& spe
     if (!specifier) return {};
     const id domain = specifier->propertyForKey("defaults");
     const id key = specifier->propertyForKey("key");
-    return domain.string() && key.string() ? host::preferenceValue(*domain.string(), *key.string()) : id();
+    return domain.string() && key.string() ? seat::preferenceValue(*domain.string(), *key.string()) : id();
 }
 
 void PSListController::setPreferenceValue_specifier(const id& value, const std::shared_ptr<PSSpecifier>& specifier) {
@@ -84,7 +84,7 @@ void PSListController::setPreferenceValue_specifier(const id& value, const std::
         if (!name.empty()) notify_post(name.c_str());
     };
     // Who listens reads the file: a value that gets there later is announced again.
-    host::setPreferenceValue(*domain.string(), *key.string(), value, announce);
+    seat::setPreferenceValue(*domain.string(), *key.string(), value, announce);
     announce();
 }
 
@@ -93,7 +93,7 @@ std::shared_ptr<UITableView> PSListController::table() const { return m_list->ta
 void PSListController::loadView() {
     // The table stands in a plain view, so that an overlay over the page does not scroll away with the rows.
     const auto container = UIView::alloc()->initWithFrame(ControllerInternals::initialFrame());
-    container->setBackgroundColor(host::appearance::pageColor());
+    container->setBackgroundColor(seat::appearance::pageColor());
     m_list->table = UITableView::alloc()->initWithFrame_style(container->bounds(), UITableViewStyleGrouped);
     m_list->table->setAutoresizingMask(UIViewAutoresizingFlexibleWidth | UIViewAutoresizingFlexibleHeight);
     const auto me = self(this);

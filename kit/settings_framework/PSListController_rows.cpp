@@ -1,7 +1,7 @@
 // The list of rows, and how it changes.
 
-#include "host/settings_framework/cell_factory.h"
-#include "host/settings_framework/list_state.h"
+#include "kit/settings_framework/cell_factory.h"
+#include "kit/settings_framework/list_state.h"
 
 #include <algorithm>
 #include <unordered_set>
@@ -12,14 +12,14 @@ bool contains(const PSSpecifierList& list, const std::shared_ptr<PSSpecifier>& s
     return std::find(list.begin(), list.end(), specifier) != list.end();
 }
 
-std::vector<PSSpecifier*> groupsOf(const std::vector<host::ListSection>& sections) {
+std::vector<PSSpecifier*> groupsOf(const std::vector<seat::ListSection>& sections) {
     std::vector<PSSpecifier*> groups;
     for (const auto& section : sections) groups.push_back(section.group.get());
     return groups;
 }
 
 // Where the rows stand that are in one list only.
-NSIndexPathList pathsMissingFrom(const PSSpecifierList& other, const std::vector<host::ListSection>& sections) {
+NSIndexPathList pathsMissingFrom(const PSSpecifierList& other, const std::vector<seat::ListSection>& sections) {
     const std::unordered_set<std::shared_ptr<PSSpecifier>> known(other.begin(), other.end());
     NSIndexPathList paths;
     for (std::size_t section = 0; section < sections.size(); ++section)
@@ -32,7 +32,7 @@ NSIndexPathList pathsMissingFrom(const PSSpecifierList& other, const std::vector
 
 } // namespace
 
-std::vector<host::ListSection> host::sectionsOf(const PSSpecifierList& specifiers) {
+std::vector<seat::ListSection> seat::sectionsOf(const PSSpecifierList& specifiers) {
     std::vector<ListSection> sections;
     for (const auto& specifier : specifiers) {
         if (!specifier) continue;
@@ -62,8 +62,8 @@ std::shared_ptr<NSIndexPath> PSListController::State::pathOf(const PSSpecifier* 
 
 void PSListController::State::showChange(const PSSpecifierList& before, const PSSpecifierList& after, bool animated) {
     if (!table) return;
-    const auto oldSections = host::sectionsOf(before);
-    const auto newSections = host::sectionsOf(after);
+    const auto oldSections = seat::sectionsOf(before);
+    const auto newSections = seat::sectionsOf(after);
     const auto gone = pathsMissingFrom(after, oldSections);
     const auto come = pathsMissingFrom(before, newSections);
     // Rows that only came or only went can slide; anything else is shown anew.
@@ -130,7 +130,7 @@ void PSListController::insertContiguousSpecifiers_afterSpecifier_animated(const 
     }
     list.insert(list.begin() + place, rows.begin(), rows.end());
     _specifiers = list;
-    for (const auto& row : rows) host::refreshCell(row);
+    for (const auto& row : rows) seat::refreshCell(row);
     m_list->showChange(before, list, animated);
 }
 

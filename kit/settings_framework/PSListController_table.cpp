@@ -1,15 +1,20 @@
 // The rows as a table shows them, and what a tap on each kind does.
 
-#include "host/settings_framework/PSListItemsController.h"
-#include "host/settings_framework/cell_factory.h"
-#include "host/settings_framework/list_state.h"
-#include "host/settings_framework/row_value.h"
+#include "kit/settings_framework/PSListItemsController.h"
+#include "kit/settings_framework/cell_factory.h"
+#include "kit/settings_framework/list_state.h"
+#include "kit/settings_framework/row_value.h"
 #include "platform/uikit/UINavigationController.h"
 
 // The first thing that a table asks for when it asks for everything.
 long PSListController::numberOfSectionsInTableView(UITableView&) {
-    m_list->sections = host::sectionsOf(specifiers());
+    m_list->sections = seat::sectionsOf(specifiers());
     return std::ssize(m_list->sections);
+}
+
+bool PSListController::waitsForKey() const {
+    const auto list = table();
+    return list && list->indexPathForSelectedRow();
 }
 
 long PSListController::tableView_numberOfRowsInSection(UITableView&, long section) {
@@ -20,7 +25,7 @@ long PSListController::tableView_numberOfRowsInSection(UITableView&, long sectio
 std::shared_ptr<UITableViewCell>
 PSListController::tableView_cellForRowAtIndexPath(UITableView&, const std::shared_ptr<NSIndexPath>& indexPath) {
     const auto row = m_list->row(*indexPath);
-    return row ? host::cellFor(row) : nullptr;
+    return row ? seat::cellFor(row) : nullptr;
 }
 
 std::string PSListController::tableView_titleForHeaderInSection(UITableView&, long section) {
@@ -32,7 +37,7 @@ std::string PSListController::tableView_titleForHeaderInSection(UITableView&, lo
 std::string PSListController::tableView_titleForFooterInSection(UITableView&, long section) {
     if (section < 0 || section >= std::ssize(m_list->sections)) return {};
     const auto& group = m_list->sections[static_cast<std::size_t>(section)].group;
-    return group ? host::textOf(group->propertyForKey("footerText")) : std::string();
+    return group ? seat::textOf(group->propertyForKey("footerText")) : std::string();
 }
 
 bool PSListController::tableView_shouldHighlightRowAtIndexPath(UITableView&,

@@ -1,6 +1,6 @@
-#include "host/settings_framework/PSListItemsController.h"
+#include "kit/settings_framework/PSListItemsController.h"
 
-#include "host/settings_framework/row_value.h"
+#include "kit/settings_framework/row_value.h"
 #include "platform/uikit/UINavigationController.h"
 
 NS_CLASS_IMPLEMENTATION(PSListItemsController, UITableViewController)
@@ -18,32 +18,32 @@ PSListItemsController::initWithSpecifier_page(const std::shared_ptr<PSSpecifier>
 }
 
 long PSListItemsController::tableView_numberOfRowsInSection(UITableView&, long) {
-    return static_cast<long>(host::choicesOf(*m_specifier).size());
+    return static_cast<long>(seat::choicesOf(*m_specifier).size());
 }
 
 std::shared_ptr<UITableViewCell>
 PSListItemsController::tableView_cellForRowAtIndexPath(UITableView&, const std::shared_ptr<NSIndexPath>& indexPath) {
-    const auto choices = host::choicesOf(*m_specifier);
+    const auto choices = seat::choicesOf(*m_specifier);
     const auto index = static_cast<std::size_t>(indexPath->row());
     auto cell = UITableViewCell::alloc()->initWithStyle_reuseIdentifier(UITableViewCellStyleDefault, "");
     if (index >= choices.size()) return cell;
     cell->textLabel()->setText(choices[index].title);
-    if (host::choiceOf(choices, host::shownValue(m_specifier)) == index)
+    if (seat::choiceOf(choices, seat::shownValue(m_specifier)) == index)
         cell->setAccessoryType(UITableViewCellAccessoryType::Checkmark);
     return cell;
 }
 
 std::string PSListItemsController::tableView_titleForFooterInSection(UITableView&, long) {
-    return host::textOf(m_specifier->propertyForKey("footerText"));
+    return seat::textOf(m_specifier->propertyForKey("footerText"));
 }
 
 void PSListItemsController::tableView_didSelectRowAtIndexPath(UITableView& tableView,
                                                               const std::shared_ptr<NSIndexPath>& indexPath) {
-    const auto choices = host::choicesOf(*m_specifier);
+    const auto choices = seat::choicesOf(*m_specifier);
     const auto index = static_cast<std::size_t>(indexPath->row());
     if (index >= choices.size()) return;
     const auto keepAlive = shared_from_this();
-    host::storeValue(m_specifier, choices[index].value);
+    seat::storeValue(m_specifier, choices[index].value);
     for (long row = 0; row < tableView.numberOfRowsInSection(0); ++row)
         if (const auto cell = tableView.cellForRowAtIndexPath(NSIndexPath::indexPathForRow_inSection(row, 0)))
             cell->setAccessoryType(row == indexPath->row() ? UITableViewCellAccessoryType::Checkmark

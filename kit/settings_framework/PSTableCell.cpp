@@ -1,6 +1,6 @@
 #include "platform/settings_framework/PSTableCell.h"
 
-#include "host/settings_framework/row_value.h"
+#include "kit/settings_framework/row_value.h"
 #include "platform/runtime/method.h"
 
 NS_CLASS_IMPLEMENTATION(
@@ -21,7 +21,7 @@ PSTableCell::initWithStyle_reuseIdentifier_specifier(long style, const std::stri
 }
 
 void PSTableCell::setValue(const id& value) {
-    if (detailTextLabel()) detailTextLabel()->setText(host::textOf(value));
+    if (detailTextLabel()) detailTextLabel()->setText(seat::textOf(value));
 }
 
 void PSTableCell::refreshCellContentsWithSpecifier(const std::shared_ptr<PSSpecifier>& specifier) {

@@ -1,6 +1,6 @@
-#include "host/settings_framework/specifier_resource.h"
+#include "kit/settings_framework/SpecifierResource.h"
 
-#include "host/foundation/files.h"
+#include "kit/seat.h"
 #include "platform/foundation/NSArray.h"
 #include "platform/foundation/NSPropertyListSerialization.h"
 #include "platform/log.h"
@@ -8,7 +8,7 @@
 #include <array>
 #include <utility>
 
-namespace host {
+namespace seat {
 namespace {
 
 constexpr std::size_t largest = 4u << 20;
@@ -96,4 +96,4 @@ std::optional<SpecifierResource> readSpecifierResource(const std::string& realPa
     return resource;
 }
 
-} // namespace host
+} // namespace seat

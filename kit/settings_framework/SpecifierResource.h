@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-namespace host {
+namespace seat {
 
 struct SpecifierResource {
     std::string title; // of the page; empty when it names none
@@ -19,4 +19,4 @@ struct SpecifierResource {
 std::optional<SpecifierResource> readSpecifierResource(const std::string& realPath,
                                                        const std::shared_ptr<NSObject>& target);
 
-} // namespace host
+} // namespace seat

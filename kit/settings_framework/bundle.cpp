@@ -1,8 +1,8 @@
-#include "host/settings_framework/bundle.h"
+#include "kit/settings_framework/bundle.h"
 
 #include <utility>
 
-namespace host {
+namespace seat {
 namespace {
 
 std::string& folder() {
@@ -15,4 +15,4 @@ std::string& folder() {
 void setResourceFolder(std::string realPath) { folder() = std::move(realPath); }
 const std::string& resourceFolder() { return folder(); }
 
-} // namespace host
+} // namespace seat

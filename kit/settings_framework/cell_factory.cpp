@@ -1,10 +1,10 @@
-#include "host/settings_framework/cell_factory.h"
+#include "kit/settings_framework/cell_factory.h"
 
-#include "host/settings_framework/cell_kinds.h"
-#include "host/settings_framework/row_value.h"
+#include "kit/settings_framework/cell_kinds.h"
+#include "kit/settings_framework/row_value.h"
 #include "platform/log.h"
 
-namespace host {
+namespace seat {
 namespace {
 
 Class kindClass(const PSSpecifier& row) {
@@ -71,4 +71,4 @@ void refreshCell(const std::shared_ptr<PSSpecifier>& row) {
     cell->setNeedsLayout();
 }
 
-} // namespace host
+} // namespace seat

@@ -4,7 +4,7 @@
 
 #include <memory>
 
-namespace host {
+namespace seat {
 
 // The row's kept cell ("cellObject"), or a new one of the row's "cellClass" (a class or a class's name), else of its
 // kind, which is kept from then on. A new one has been given its value, by the row's property "value" and by
@@ -17,4 +17,4 @@ std::shared_ptr<PSTableCell> keptCell(const PSSpecifier& row);
 // Title and value of the row, read again into the cell it has; nothing when it has none.
 void refreshCell(const std::shared_ptr<PSSpecifier>& row);
 
-} // namespace host
+} // namespace seat

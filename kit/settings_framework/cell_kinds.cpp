@@ -1,7 +1,7 @@
-#include "host/settings_framework/cell_kinds.h"
+#include "kit/settings_framework/cell_kinds.h"
 
-#include "host/settings_framework/row_value.h"
-#include "host/tables/appearance.h"
+#include "kit/settings_framework/row_value.h"
+#include "kit/uikit/appearance.h"
 #include "platform/runtime/method.h"
 
 NS_CLASS_IMPLEMENTATION(
@@ -47,7 +47,7 @@ void PSSwitchTableCell::switchChanged() {
     const auto row = specifier();
     // Storing may rebuild the page, and the last reference to this cell go with the old row.
     const auto keepAlive = shared_from_this();
-    if (row) host::storeValue(row, NSNumber::numberWithBool(m_switch->isOn()));
+    if (row) seat::storeValue(row, NSNumber::numberWithBool(m_switch->isOn()));
 }
 
 std::shared_ptr<PSButtonTableCell>
@@ -55,7 +55,7 @@ PSButtonTableCell::initWithStyle_reuseIdentifier_specifier(long, const std::stri
                                                            const std::shared_ptr<PSSpecifier>& specifier) {
     if (!PSTableCell::initWithStyle_reuseIdentifier_specifier(UITableViewCellStyleDefault, reuseIdentifier, specifier))
         return nullptr;
-    textLabel()->setTextColor(host::appearance::tintColor());
+    textLabel()->setTextColor(seat::appearance::tintColor());
     return self(this);
 }
 
@@ -73,9 +73,9 @@ PSLinkListTableCell::initWithStyle_reuseIdentifier_specifier(long, const std::st
 void PSLinkListTableCell::setValue(const id& value) {
     const auto row = specifier();
     if (!row) return;
-    const auto choices = host::choicesOf(*row);
-    const auto chosen = host::choiceOf(choices, value);
-    detailTextLabel()->setText(chosen ? choices[*chosen].title : host::textOf(value));
+    const auto choices = seat::choicesOf(*row);
+    const auto chosen = seat::choiceOf(choices, value);
+    detailTextLabel()->setText(chosen ? choices[*chosen].title : seat::textOf(value));
 }
 
 std::shared_ptr<PSStaticTextTableCell>

@@ -4,7 +4,7 @@
 
 #include <optional>
 
-namespace host {
+namespace seat {
 
 // A group with the rows up to the next one.
 struct ListSection {
@@ -14,12 +14,12 @@ struct ListSection {
 
 std::vector<ListSection> sectionsOf(const PSSpecifierList& specifiers);
 
-} // namespace host
+} // namespace seat
 
 // What a settings page keeps beside its rows.
 struct PSListController::State {
     std::shared_ptr<UITableView> table; // nil while the view is not loaded
-    std::vector<host::ListSection> sections;
+    std::vector<seat::ListSection> sections;
     // Where the page was scrolled to before its rows were rebuilt; put back when the rows that are inserted in code
     // stand there again.
     std::optional<double> scrolledBeforeReload; // points from the top

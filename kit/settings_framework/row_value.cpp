@@ -1,11 +1,11 @@
-#include "host/settings_framework/row_value.h"
+#include "kit/settings_framework/row_value.h"
 
 #include "platform/foundation/NSArray.h"
 #include "platform/foundation/NSString.h"
 
 #include <algorithm>
 
-namespace host {
+namespace seat {
 
 id shownValue(const std::shared_ptr<PSSpecifier>& row) {
     const auto target = row->target();
@@ -52,4 +52,4 @@ std::optional<std::size_t> choiceOf(const std::vector<Choice>& choices, const id
     });
 }
 
-} // namespace host
+} // namespace seat

@@ -7,7 +7,7 @@
 #include <optional>
 #include <string>
 
-namespace host {
+namespace seat {
 
 // From the row's getter, else the row's "default"; nil when there is neither.
 id shownValue(const std::shared_ptr<PSSpecifier>& row);
@@ -28,4 +28,4 @@ std::vector<Choice> choicesOf(const PSSpecifier& row);
 // value would see it.
 std::optional<std::size_t> choiceOf(const std::vector<Choice>& choices, const id& value);
 
-} // namespace host
+} // namespace seat

@@ -6,7 +6,7 @@
 
 class UITableView;
 
-namespace host {
+namespace seat {
 
 // Where in its card a row stands.
 struct CellPlace {
@@ -16,10 +16,10 @@ struct CellPlace {
     friend bool operator==(CellPlace, CellPlace) = default;
 };
 
-} // namespace host
+} // namespace seat
 
 struct CellInternals {
-    static void setPlace(UITableViewCell& cell, host::CellPlace place);
+    static void setPlace(UITableViewCell& cell, seat::CellPlace place);
     // Weak; nil for a cell in no table.
     static void setTable(UITableViewCell& cell, const std::shared_ptr<UITableView>& table);
     // The texts and the accessory come in softly; the card stays as it is.

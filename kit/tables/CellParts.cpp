@@ -1,13 +1,13 @@
-#include "host/tables/CellParts.h"
+#include "kit/tables/CellParts.h"
 
-#include "host/tables/appearance.h"
+#include "kit/uikit/appearance.h"
 #include "platform/uikit/UIBezierPath.h"
 #include "platform/uikit/UIImage.h"
 
 #include <algorithm>
 #include <cmath>
 
-namespace host {
+namespace seat {
 
 using namespace appearance;
 
@@ -131,4 +131,4 @@ void CellContent::layoutSubviews() {
     m_title.label->setFrame(CGRectMake(sideMargin, 0, titleWidth, size.height));
 }
 
-} // namespace host
+} // namespace seat

@@ -2,10 +2,10 @@
 
 // The pieces that a table cell is made of.
 
-#include "host/tables/cell_internals.h"
+#include "kit/tables/CellInternals.h"
 #include "platform/uikit/UILabel.h"
 
-namespace host {
+namespace seat {
 
 // The row's part of its card: filled, rounded at the ends of the card, with a separator towards the next row.
 class CellCard final : public UIView {
@@ -83,4 +83,4 @@ private:
     Text m_value;
 };
 
-} // namespace host
+} // namespace seat

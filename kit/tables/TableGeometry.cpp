@@ -1,11 +1,11 @@
-#include "host/tables/TableGeometry.h"
+#include "kit/tables/TableGeometry.h"
 
-#include "host/tables/appearance.h"
+#include "kit/uikit/appearance.h"
 
 #include <algorithm>
 #include <cmath>
 
-namespace host {
+namespace seat {
 namespace {
 
 using namespace appearance;
@@ -119,4 +119,4 @@ std::optional<TableRow> TableGeometry::neighbour(TableRow row, bool forward) con
     return row;
 }
 
-} // namespace host
+} // namespace seat

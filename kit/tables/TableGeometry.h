@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-namespace host {
+namespace seat {
 
 struct TableRow {
     long section = 0;
@@ -72,4 +72,4 @@ private:
     double m_height = 0;
 };
 
-} // namespace host
+} // namespace seat

@@ -1,8 +1,8 @@
-#include "host/tables/TableText.h"
+#include "kit/tables/TableText.h"
 
-#include "host/tables/appearance.h"
+#include "kit/uikit/appearance.h"
 
-namespace host {
+namespace seat {
 
 NS_CLASS_IMPLEMENTATION(TableText, UILabel)
 
@@ -24,4 +24,4 @@ double TableText::heightOf(const std::string& text, double width) {
     return label->sizeThatFits(CGSizeMake(width, 1e6)).height;
 }
 
-} // namespace host
+} // namespace seat

@@ -2,7 +2,7 @@
 
 #include "platform/uikit/UILabel.h"
 
-namespace host {
+namespace seat {
 
 // The small grey text above or below a section, wrapped to as many lines as it takes.
 class TableText final : public UILabel {
@@ -21,4 +21,4 @@ private:
     UIAccessibilityRole m_role = UIAccessibilityRole::StaticText;
 };
 
-} // namespace host
+} // namespace seat

@@ -1,13 +1,13 @@
 #include "platform/uikit/UITableView.h"
 
-#include "host/tables/appearance.h"
-#include "host/tables/cell_internals.h"
-#include "host/tables/table_state.h"
+#include "kit/tables/CellInternals.h"
+#include "kit/tables/table_state.h"
+#include "kit/uikit/appearance.h"
 
 #include <algorithm>
 #include <set>
 
-using namespace host;
+using namespace seat;
 
 NS_CLASS_IMPLEMENTATION(UITableView, UIScrollView)
 

@@ -1,26 +1,26 @@
 #include "platform/uikit/UITableViewCell.h"
 
-#include "host/tables/CellParts.h"
-#include "host/tables/appearance.h"
-#include "host/tables/cell_internals.h"
+#include "kit/tables/CellInternals.h"
+#include "kit/tables/CellParts.h"
+#include "kit/uikit/appearance.h"
 #include "platform/runtime/method.h"
 #include "platform/uikit/UITableView.h"
 
 #include <algorithm>
 
-using namespace host::appearance;
+using namespace seat::appearance;
 
 NS_CLASS_IMPLEMENTATION(UITableViewCell, UIView,
                         method<&UITableViewCell::initWithStyle_reuseIdentifier>("initWithStyle:reuseIdentifier:"))
 
 struct UITableViewCell::State {
     std::string reuseIdentifier;
-    std::shared_ptr<host::CellCard> card;
-    std::shared_ptr<host::CellCard> pressedCard; // over the card, seen while the row is pressed or selected
+    std::shared_ptr<seat::CellCard> card;
+    std::shared_ptr<seat::CellCard> pressedCard; // over the card, seen while the row is pressed or selected
     std::shared_ptr<UIView> contentView;
-    std::shared_ptr<host::CellContent> content; // the same view
+    std::shared_ptr<seat::CellContent> content; // the same view
     std::shared_ptr<UIView> accessoryView;
-    std::shared_ptr<host::CellMark> mark; // nil without an accessory type
+    std::shared_ptr<seat::CellMark> mark; // nil without an accessory type
     UITableViewCellSelectionStyle selectionStyle = UITableViewCellSelectionStyle::Default;
     bool isSelected = false;
     bool isHighlighted = false;
@@ -48,10 +48,10 @@ std::shared_ptr<UITableViewCell> UITableViewCell::initWithStyle_reuseIdentifier(
                                                                                 const std::string& reuseIdentifier) {
     if (!UIView::initWithFrame(CGRectMake(0, 0, 320, rowHeight))) return nullptr;
     m_cell->reuseIdentifier = reuseIdentifier;
-    m_cell->card = host::CellCard::alloc()->initWithColor(cardColor(), /*hasSeparator=*/true);
-    m_cell->pressedCard = host::CellCard::alloc()->initWithColor(pressedColor(), /*hasSeparator=*/false);
+    m_cell->card = seat::CellCard::alloc()->initWithColor(cardColor(), /*hasSeparator=*/true);
+    m_cell->pressedCard = seat::CellCard::alloc()->initWithColor(pressedColor(), /*hasSeparator=*/false);
     m_cell->pressedCard->setAlpha(0);
-    m_cell->content = host::CellContent::alloc()->initWithValue(style == UITableViewCellStyleValue1);
+    m_cell->content = seat::CellContent::alloc()->initWithValue(style == UITableViewCellStyleValue1);
     m_cell->contentView = m_cell->content;
     addSubview(m_cell->card);
     addSubview(m_cell->pressedCard);
@@ -86,7 +86,7 @@ void UITableViewCell::setAccessoryType(UITableViewCellAccessoryType type) {
     if (m_cell->mark) m_cell->mark->removeFromSuperview();
     m_cell->mark = nullptr;
     if (type != UITableViewCellAccessoryType::None) {
-        m_cell->mark = host::CellMark::alloc()->initWithType(type);
+        m_cell->mark = seat::CellMark::alloc()->initWithType(type);
         m_cell->mark->setHidden(m_cell->accessoryView != nullptr);
         addSubview(m_cell->mark);
     }
@@ -175,7 +175,7 @@ bool UITableViewCell::accessibilityActivate() {
     return true;
 }
 
-void CellInternals::setPlace(UITableViewCell& cell, host::CellPlace place) {
+void CellInternals::setPlace(UITableViewCell& cell, seat::CellPlace place) {
     cell.m_cell->card->setPlace(place);
     cell.m_cell->pressedCard->setPlace(place);
 }

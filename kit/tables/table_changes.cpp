@@ -1,10 +1,10 @@
-#include "host/tables/cell_internals.h"
-#include "host/tables/table_state.h"
+#include "kit/tables/CellInternals.h"
+#include "kit/tables/table_state.h"
 
 #include <algorithm>
 #include <utility>
 
-using namespace host;
+using namespace seat;
 
 namespace {
 

@@ -1,10 +1,10 @@
-#include "host/tables/table_focus.h"
+#include "kit/tables/table_focus.h"
 
-#include "host/tables/table_state.h"
-#include "host/uikit/window_internals.h"
+#include "kit/tables/table_state.h"
+#include "kit/uikit/WindowInternals.h"
 #include "platform/uikit/UIApplication.h"
 
-std::shared_ptr<UIView> host::firstFocusable(const std::shared_ptr<UIView>& view) {
+std::shared_ptr<UIView> seat::firstFocusable(const std::shared_ptr<UIView>& view) {
     if (view->isHidden() || !view->isUserInteractionEnabled()) return nullptr;
     if (view->canBecomeFocused()) return view;
     for (const auto& subview : view->subviews())
@@ -12,7 +12,7 @@ std::shared_ptr<UIView> host::firstFocusable(const std::shared_ptr<UIView>& view
     return nullptr;
 }
 
-void UITableView::State::loseFocus(host::TableRow row, const UITableViewCell& cell) {
+void UITableView::State::loseFocus(seat::TableRow row, const UITableViewCell& cell) {
     const auto window = table.window();
     const auto focused = window ? window->focusedView() : nullptr;
     if (!focused || !focused->isDescendantOfView(&cell)) return;
@@ -38,7 +38,7 @@ void UITableView::State::regainFocus() {
     // The same view, wherever its row stands now; else what is in its row.
     const auto same = lostFocus->view.lock();
     const auto cell = cellAt(lostFocus->row);
-    const auto view = same && same->isDescendantOfView(&table) ? same : cell ? host::firstFocusable(cell) : nullptr;
+    const auto view = same && same->isDescendantOfView(&table) ? same : cell ? seat::firstFocusable(cell) : nullptr;
     if (!view) return;
     lostFocus.reset();
     window->setFocusedView(view);

@@ -4,9 +4,9 @@
 
 #include <memory>
 
-namespace host {
+namespace seat {
 
 // The view itself, or the first one in it that can be focused; nil when none can.
 std::shared_ptr<UIView> firstFocusable(const std::shared_ptr<UIView>& view);
 
-} // namespace host
+} // namespace seat

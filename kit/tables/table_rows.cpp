@@ -1,15 +1,15 @@
-#include "host/tables/TableText.h"
-#include "host/tables/appearance.h"
-#include "host/tables/cell_internals.h"
-#include "host/tables/table_state.h"
+#include "kit/tables/CellInternals.h"
+#include "kit/tables/TableText.h"
+#include "kit/tables/table_state.h"
+#include "kit/uikit/appearance.h"
 #include "platform/log.h"
 #include "platform/uikit/UIScreen.h"
 
 #include <algorithm>
 #include <utility>
 
-using namespace host;
-using namespace host::appearance;
+using namespace seat;
+using namespace seat::appearance;
 
 void UITableView::State::askForSections() {
     isLoaded = true;

@@ -1,10 +1,10 @@
-#include "host/tables/table_focus.h"
-#include "host/tables/table_state.h"
+#include "kit/tables/table_focus.h"
+#include "kit/tables/table_state.h"
 #include "platform/uikit/UITouch.h"
 
 #include <utility>
 
-using namespace host;
+using namespace seat;
 
 namespace {
 

@@ -4,8 +4,8 @@
 // (rows that come and go), table_selection.cpp (touches, selection, focus),
 // table_focus.cpp (focus that outlives cells).
 
-#include "host/dispatch/run_loop_sources.h"
-#include "host/tables/TableGeometry.h"
+#include "kit/dispatch/run_loop_sources.h"
+#include "kit/tables/TableGeometry.h"
 #include "platform/uikit/UITableView.h"
 
 #include <functional>
@@ -14,7 +14,7 @@
 #include <unordered_map>
 #include <unordered_set>
 
-namespace host {
+namespace seat {
 
 // A view of the table's content, in reading order.
 struct TableItem {
@@ -27,11 +27,11 @@ struct TableItem {
 
 inline TableItem itemFor(TableRow row) { return {row.section, TableItem::Kind::Row, row.row}; }
 
-} // namespace host
+} // namespace seat
 
 struct UITableView::State {
     explicit State(UITableView& owner) : table(owner) {}
-    ~State() { host::removeSource(pressTimer); }
+    ~State() { seat::removeSource(pressTimer); }
 
     // Rows.
     void askForSections();
@@ -41,10 +41,10 @@ struct UITableView::State {
     // As far as the table's width and the screen's pixels go.
     bool isLaidOutForNow() const;
     void showVisibleItems();
-    std::shared_ptr<UITableViewCell> cellAt(host::TableRow row) const; // nil when not on screen
-    std::optional<host::TableRow> rowOf(const UIView& view) const;     // of the cell that is or holds the view
-    std::shared_ptr<UITableViewCell> askForCell(host::TableRow row);
-    void showCell(host::TableRow row, const std::shared_ptr<UITableViewCell>& cell);
+    std::shared_ptr<UITableViewCell> cellAt(seat::TableRow row) const; // nil when not on screen
+    std::optional<seat::TableRow> rowOf(const UIView& view) const;     // of the cell that is or holds the view
+    std::shared_ptr<UITableViewCell> askForCell(seat::TableRow row);
+    void showCell(seat::TableRow row, const std::shared_ptr<UITableViewCell>& cell);
     void recycle(const std::shared_ptr<UITableViewCell>& cell);
     void recycleAll();
     void clampOffset();
@@ -52,8 +52,8 @@ struct UITableView::State {
 
     // Changes. `newRow` says where an old row stands afterwards, nothing when it has gone; `isNew` which rows came.
     struct Change {
-        std::function<std::optional<host::TableRow>(host::TableRow)> newRow;
-        std::function<bool(host::TableRow)> isNew;
+        std::function<std::optional<seat::TableRow>(seat::TableRow)> newRow;
+        std::function<bool(seat::TableRow)> isNew;
         bool animated = false;
     };
     void apply(const Change& change);
@@ -64,13 +64,13 @@ struct UITableView::State {
     };
 
     // Selection.
-    bool canSelect(host::TableRow row) const;
-    void select(host::TableRow row, bool animated);
+    bool canSelect(seat::TableRow row) const;
+    void select(seat::TableRow row, bool animated);
     void deselect(bool animated);
     void endPress(bool animated);
 
     // Focus (table_focus.cpp). It stays with a row that is reloaded, or scrolled away and back.
-    void loseFocus(host::TableRow row, const UITableViewCell& cell); // the cell will stand for the row no more
+    void loseFocus(seat::TableRow row, const UITableViewCell& cell); // the cell will stand for the row no more
     void forgetFocus(const UITableViewCell& cell);                   // it is given to another row
     void regainFocus();
     void showPress();
@@ -85,35 +85,35 @@ struct UITableView::State {
     long style = UITableViewStylePlain;
     std::shared_ptr<UIView> headerView;
 
-    host::TableGeometry geometry;
+    seat::TableGeometry geometry;
     double laidOutWidth = -1;
     double laidOutScale = 0; // of the screen: on pixels of another size texts have another height
     bool isLoaded = false;
     bool isShowing = false;
     std::uint64_t generation = 0; // of the data; a data source may change it while it is asked
-    std::map<host::TableItem, std::shared_ptr<UIView>> items; // on screen
+    std::map<seat::TableItem, std::shared_ptr<UIView>> items; // on screen
     std::unordered_map<std::string, double> measured;         // heights of texts at the laid out width
 
     std::unordered_map<std::string, Class> classes;
     std::unordered_map<std::string, std::vector<std::shared_ptr<UITableViewCell>>> free; // only identifiers asked for
 
-    std::optional<host::TableRow> selected;
-    std::optional<host::TableRow> pressed; // under a finger
-    host::SourceToken pressTimer = 0;
+    std::optional<seat::TableRow> selected;
+    std::optional<seat::TableRow> pressed; // under a finger
+    seat::SourceToken pressTimer = 0;
 
     struct LostFocus {
-        host::TableRow row;
+        seat::TableRow row;
         std::weak_ptr<UIView> view;    // what had it, until its cell is given to another row
         std::weak_ptr<UIView> instead; // what has had it since
     };
     std::optional<LostFocus> lostFocus;
 
 private:
-    void insertInOrder(const host::TableItem& item, const std::shared_ptr<UIView>& view);
+    void insertInOrder(const seat::TableItem& item, const std::shared_ptr<UIView>& view);
     void showTexts(long section, double top, double bottom);
-    void showText(const host::TableItem& item, const std::string& text, CGRect frame);
+    void showText(const seat::TableItem& item, const std::string& text, CGRect frame);
     void removeItemsOutside(double top, double bottom);
-    void placeCell(host::TableRow row, UITableViewCell& cell);
+    void placeCell(seat::TableRow row, UITableViewCell& cell);
     void animateIn(const Change& change, const std::map<const UIView*, CGRect>& startFrames, double shift);
     void animateOut(const std::vector<LeavingCell>& leaving);
 };

@@ -1,13 +1,13 @@
-#include "host/uikit/accessibility_tree.h"
+#include "kit/uikit/AccessibilityTree.h"
 
-#include "host/uikit/focus_order.h"
-#include "host/uikit/reachable.h"
-#include "host/uikit/view_internals.h"
-#include "host/uikit/visible_rect.h"
-#include "host/uikit/window_internals.h"
+#include "kit/uikit/ViewInternals.h"
+#include "kit/uikit/WindowInternals.h"
+#include "kit/uikit/focus_order.h"
+#include "kit/uikit/reachable.h"
+#include "kit/uikit/visible_rect.h"
 #include "platform/dispatch.h"
 
-namespace host {
+namespace seat {
 
 namespace {
 
@@ -220,4 +220,4 @@ bool AccessibilityTree::escape(AccessibilityIdentity identity) {
     return perform(identity, [](UIView& view) { return view.accessibilityPerformEscape(); });
 }
 
-} // namespace host
+} // namespace seat

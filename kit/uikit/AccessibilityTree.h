@@ -14,7 +14,7 @@
 class UIView;
 class UIWindow;
 
-namespace host {
+namespace seat {
 
 using AccessibilityIdentity = std::uint64_t; // of a view, for as long as it lives; 0 is none
 
@@ -107,4 +107,4 @@ private:
     Listener m_listener;
 };
 
-} // namespace host
+} // namespace seat

@@ -1,8 +1,8 @@
-#include "host/uikit/frame_steps.h"
+#include "kit/uikit/FrameSteps.h"
 
 #include <algorithm>
 
-namespace host {
+namespace seat {
 
 void FrameSteps::start(const std::shared_ptr<void>& owner, std::function<bool(double)> step) {
     stop(owner.get());
@@ -22,4 +22,4 @@ void FrameSteps::run(double time) {
     }
 }
 
-} // namespace host
+} // namespace seat

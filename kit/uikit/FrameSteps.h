@@ -6,7 +6,7 @@
 
 class UIView;
 
-namespace host {
+namespace seat {
 
 // Movements that go on from frame to frame and change model values as they go, such as scrolling with momentum. Main
 // thread only.
@@ -28,4 +28,4 @@ private:
     std::vector<std::shared_ptr<Step>> m_steps;
 };
 
-} // namespace host
+} // namespace seat

@@ -3,7 +3,7 @@
 #include <functional>
 #include <string>
 
-namespace host {
+namespace seat {
 
 // Where cut and copied text goes and comes from. Without one it stays in the process.
 struct Pasteboard {
@@ -12,4 +12,4 @@ struct Pasteboard {
 };
 void setPasteboard(Pasteboard pasteboard);
 
-} // namespace host
+} // namespace seat

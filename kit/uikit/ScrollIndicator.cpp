@@ -1,4 +1,4 @@
-#include "host/uikit/scroll_indicator.h"
+#include "kit/uikit/ScrollIndicator.h"
 
 #include "platform/quartz/CATransaction.h"
 #include "platform/uikit/UIColor.h"
@@ -6,7 +6,7 @@
 
 #include <algorithm>
 
-namespace host {
+namespace seat {
 
 namespace {
 
@@ -48,4 +48,4 @@ void ScrollIndicator::fade() {
     UIView::animateWithDuration_animations(fadeSeconds, [bar = m_bar] { bar->setOpacity(0); });
 }
 
-} // namespace host
+} // namespace seat

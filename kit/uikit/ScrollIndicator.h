@@ -1,9 +1,9 @@
 #pragma once
 
-#include "host/uikit/scroll_motion.h"
+#include "kit/uikit/ScrollMotion.h"
 #include "platform/quartz/CALayer.h"
 
-namespace host {
+namespace seat {
 
 // The thin bar at the right edge that says where in the content one is: there while the content moves, then it fades.
 class ScrollIndicator {
@@ -16,4 +16,4 @@ private:
     std::shared_ptr<CALayer> m_bar; // nil until first shown
 };
 
-} // namespace host
+} // namespace seat

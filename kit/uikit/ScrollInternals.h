@@ -1,7 +1,7 @@
 #pragma once
 
-#include "host/uikit/scroll_indicator.h"
-#include "host/uikit/scroll_motion.h"
+#include "kit/uikit/ScrollIndicator.h"
+#include "kit/uikit/ScrollMotion.h"
 #include "platform/uikit/UIPanGestureRecognizer.h"
 #include "platform/uikit/UIScrollView.h"
 
@@ -25,7 +25,7 @@ struct UIScrollView::State {
     CGSize contentSize;
     UIEdgeInsets contentInset;
     std::shared_ptr<UIScrollViewPanGestureRecognizer> pan;
-    host::ScrollIndicator indicator;
+    seat::ScrollIndicator indicator;
     double grabbedOffset = 0; // where the content would stand without a rubber band when the drag began
     bool dragging = false;
     bool decelerating = false;
@@ -36,7 +36,7 @@ struct ScrollInternals {
     static UIScrollView::State& state(UIScrollView& view) { return *view.m_scroll; }
     static const UIScrollView::State& state(const UIScrollView& view) { return *view.m_scroll; }
 
-    static host::ScrollRange verticalRange(const UIScrollView& view);
+    static seat::ScrollRange verticalRange(const UIScrollView& view);
     static bool canScroll(const UIScrollView& view);
     static void handlePan(UIScrollView& view);
     // Ends every movement that runs by itself, where it stands.

@@ -1,9 +1,9 @@
-#include "host/uikit/scroll_motion.h"
+#include "kit/uikit/ScrollMotion.h"
 
 #include <algorithm>
 #include <cmath>
 
-namespace host {
+namespace seat {
 
 namespace {
 
@@ -81,4 +81,4 @@ double ScrollMotion::offsetAt(double seconds) const {
     return m_spring.offsetAt(std::max(seconds - m_glide.seconds, 0.0));
 }
 
-} // namespace host
+} // namespace seat

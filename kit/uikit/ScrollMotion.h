@@ -1,6 +1,6 @@
 #pragma once
 
-namespace host {
+namespace seat {
 
 // How far content may move: offsets from `least` to `most` (never below `least`), seen through `extent` points.
 struct ScrollRange {
@@ -49,4 +49,4 @@ private:
     double m_end = 0;
 };
 
-} // namespace host
+} // namespace seat

@@ -1,11 +1,11 @@
-#include "host/uikit/text_editor.h"
+#include "kit/uikit/TextEditor.h"
 
-#include "host/foundation/utf8.h"
+#include "kit/foundation/utf8.h"
 
 #include <algorithm>
 #include <cstdint>
 
-namespace host {
+namespace seat {
 
 namespace {
 
@@ -135,4 +135,4 @@ std::string onOneLine(std::string_view text) {
     return line;
 }
 
-} // namespace host
+} // namespace seat

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-namespace host {
+namespace seat {
 
 // One line of text with a caret and a selection, as keys change it. Places are bytes of the text and always lie between
 // two characters; an accent that is a character of its own stays with its letter.
@@ -53,4 +53,4 @@ private:
 // Text on one line: line ends and tabs become blanks, other control characters go, and so does what is no UTF-8.
 std::string onOneLine(std::string_view text);
 
-} // namespace host
+} // namespace seat

@@ -1,6 +1,6 @@
-#include "host/uikit/touch_dispatcher.h"
+#include "kit/uikit/TouchDispatcher.h"
 
-#include "host/uikit/gesture_internals.h"
+#include "kit/uikit/GestureInternals.h"
 #include "platform/uikit/UIControl.h"
 #include "platform/uikit/UITapGestureRecognizer.h"
 #include "platform/uikit/UIWindow.h"

@@ -1,15 +1,15 @@
-#include "host/testing/touches.h"
+#include "kit/uikit/Touches.h"
 
-#include "host/dispatch/main_queue.h"
-#include "host/testing/manual_clock.h"
-#include "host/uikit/application.h"
-#include "host/uikit/window_scene.h"
+#include "kit/dispatch/ManualClock.h"
+#include "kit/dispatch/main_queue.h"
+#include "kit/uikit/WindowScene.h"
+#include "kit/uikit/application.h"
 #include "platform/foundation/time.h"
 
 #include <chrono>
 #include <thread>
 
-namespace host {
+namespace seat {
 
 namespace {
 
@@ -141,4 +141,4 @@ bool Touches::settle(double seconds) {
     return true;
 }
 
-} // namespace host
+} // namespace seat

@@ -6,7 +6,7 @@
 
 class UIView;
 
-namespace host {
+namespace seat {
 
 class ManualClock;
 class WindowScene;
@@ -58,4 +58,4 @@ private:
     CGPoint m_last; // where the finger is
 };
 
-} // namespace host
+} // namespace seat

@@ -1,8 +1,8 @@
 #include "platform/uikit/UIApplication.h"
 
-#include "host/uikit/application.h"
-#include "host/uikit/keyboard.h"
-#include "host/uikit/url_opener.h"
+#include "kit/uikit/application.h"
+#include "kit/uikit/keyboard.h"
+#include "kit/uikit/url_opener.h"
 #include "platform/foundation/NSNotificationCenter.h"
 #include "platform/log.h"
 #include "platform/runtime/method.h"
@@ -30,7 +30,7 @@ void UIApplication::setKeyWindow(const std::shared_ptr<UIWindow>& window) { m_ke
 
 void UIApplication::handleKeyUIEvent(const std::shared_ptr<UIKeyEvent>& event) {
     const auto window = keyWindow();
-    if (window && event) host::handleKey(*window, *event);
+    if (window && event) seat::handleKey(*window, *event);
 }
 
 bool UIApplication::openURL(const std::string& url) {
@@ -40,7 +40,7 @@ bool UIApplication::openURL(const std::string& url) {
     return false;
 }
 
-namespace host {
+namespace seat {
 
 void sendKeyEvent(const std::shared_ptr<UIKeyEvent>& event) {
     const auto application = UIApplication::sharedApplication();
@@ -54,4 +54,4 @@ void applicationDidEnterBackground() {
 
 void setURLOpener(std::function<bool(const std::string&)> opener) { urlOpener() = std::move(opener); }
 
-} // namespace host
+} // namespace seat

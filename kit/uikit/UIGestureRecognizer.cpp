@@ -1,7 +1,7 @@
 #include "platform/uikit/UIGestureRecognizer.h"
 
-#include "host/uikit/gesture_internals.h"
-#include "host/uikit/touch_dispatcher.h"
+#include "kit/uikit/GestureInternals.h"
+#include "kit/uikit/TouchDispatcher.h"
 #include "platform/foundation/id.h"
 
 #include <algorithm>

@@ -1,6 +1,7 @@
 #include "platform/uikit/UILabel.h"
 
-#include "host/quartz/text.h"
+#include "kit/quartz/text_runs.h"
+#include "kit/seat.h"
 #include "platform/uikit/UIImage.h"
 
 #include <algorithm>
@@ -14,16 +15,16 @@ namespace {
 constexpr double unlimited = std::numeric_limits<double>::infinity();
 constexpr double disabledAlpha = 0.4;
 
-host::TextAlignment hostAlignment(NSTextAlignment alignment) {
+seat::TextAlignment hostAlignment(NSTextAlignment alignment) {
     switch (alignment) {
     case NSTextAlignmentCenter:
-        return host::TextAlignment::Center;
+        return seat::TextAlignment::Center;
     case NSTextAlignmentRight:
-        return host::TextAlignment::Right;
+        return seat::TextAlignment::Right;
     case NSTextAlignmentLeft:
         break;
     }
-    return host::TextAlignment::Left;
+    return seat::TextAlignment::Left;
 }
 
 bool isSameColor(const std::shared_ptr<UIColor>& a, const std::shared_ptr<UIColor>& b) {
@@ -113,15 +114,15 @@ void UILabel::textChanged() {
     invalidateIntrinsicContentSize();
 }
 
-std::vector<host::TextRun> UILabel::runs() const {
+std::vector<seat::TextRun> UILabel::runs() const {
     const auto& color = m_textColor->CGColor();
-    return m_attributedText ? host::textRuns(*m_attributedText, m_font, color) : host::textRuns(m_text, m_font, color);
+    return m_attributedText ? seat::textRuns(*m_attributedText, m_font, color) : seat::textRuns(m_text, m_font, color);
 }
 
 CGSize UILabel::sizeThatFits(CGSize size) const {
     // One line is never wrapped: it wants all of its width.
     const double width = m_numberOfLines != 1 && size.width > 0 ? size.width : unlimited;
-    return host::measureText(runs(), width, m_numberOfLines).size;
+    return seat::measureText(runs(), width, m_numberOfLines).size;
 }
 
 CGSize UILabel::intrinsicContentSize() const { return sizeThatFits(bounds().size); }
@@ -130,7 +131,7 @@ void UILabel::drawRect(CGRect rect) {
     const CGContextRef context = UIGraphicsGetCurrentContext();
     CGContextSaveGState(context);
     if (!m_enabled) CGContextSetAlpha(context, disabledAlpha);
-    host::drawText(context, runs(), rect, hostAlignment(m_textAlignment), m_numberOfLines);
+    seat::drawText(context, runs(), rect, hostAlignment(m_textAlignment), m_numberOfLines);
     CGContextRestoreGState(context);
 }
 

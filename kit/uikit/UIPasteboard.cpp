@@ -1,6 +1,6 @@
 #include "platform/uikit/UIPasteboard.h"
 
-#include "host/uikit/pasteboard.h"
+#include "kit/uikit/Pasteboard.h"
 
 #include <utility>
 
@@ -8,8 +8,8 @@ NS_CLASS_IMPLEMENTATION(UIPasteboard, NSObject)
 
 namespace {
 
-host::Pasteboard& desktopPasteboard() {
-    static auto* const pasteboard = new host::Pasteboard; // outlives every static
+seat::Pasteboard& desktopPasteboard() {
+    static auto* const pasteboard = new seat::Pasteboard; // outlives every static
     return *pasteboard;
 }
 
@@ -37,4 +37,4 @@ void UIPasteboard::setString(const std::string& text) {
         ownText() = text;
 }
 
-void host::setPasteboard(Pasteboard pasteboard) { desktopPasteboard() = std::move(pasteboard); }
+void seat::setPasteboard(Pasteboard pasteboard) { desktopPasteboard() = std::move(pasteboard); }

@@ -1,8 +1,8 @@
 #include "platform/uikit/UIScrollView.h"
 
-#include "host/uikit/frame_steps.h"
-#include "host/uikit/scroll_internals.h"
-#include "host/uikit/window_internals.h"
+#include "kit/uikit/FrameSteps.h"
+#include "kit/uikit/ScrollInternals.h"
+#include "kit/uikit/WindowInternals.h"
 #include "platform/runtime/method.h"
 
 #include <algorithm>

@@ -1,9 +1,9 @@
 // How the content of a scroll view moves: by the finger, by its momentum, by itself.
 
-#include "host/uikit/frame_steps.h"
-#include "host/uikit/scroll_internals.h"
-#include "host/uikit/view_internals.h"
-#include "host/uikit/window_internals.h"
+#include "kit/uikit/FrameSteps.h"
+#include "kit/uikit/ScrollInternals.h"
+#include "kit/uikit/ViewInternals.h"
+#include "kit/uikit/WindowInternals.h"
 #include "platform/foundation/time.h"
 
 #include <algorithm>
@@ -15,14 +15,14 @@ namespace {
 
 constexpr double animatedSeconds = 0.3;
 
-host::FrameSteps* frameSteps(UIScrollView& view) {
+seat::FrameSteps* frameSteps(UIScrollView& view) {
     UIWindow* const window = ViewInternals::window(view);
     return window ? WindowInternals::state(*window).frameSteps : nullptr;
 }
 
 void start(UIScrollView& view, std::function<bool(double seconds)> step) {
     const double began = platform::CACurrentMediaTime();
-    if (host::FrameSteps* const steps = frameSteps(view)) {
+    if (seat::FrameSteps* const steps = frameSteps(view)) {
         steps->start(view.shared_from_this(),
                      [began, step = std::move(step)](double now) { return step(now - began); });
         WindowInternals::requestFrame(*ViewInternals::window(view));
@@ -54,7 +54,7 @@ bool UIScrollViewPanGestureRecognizer::shouldBegin() const {
     return m_catches || std::abs(movement().y) > std::abs(movement().x);
 }
 
-host::ScrollRange ScrollInternals::verticalRange(const UIScrollView& view) {
+seat::ScrollRange ScrollInternals::verticalRange(const UIScrollView& view) {
     const auto& [size, inset] = std::pair(state(view).contentSize, state(view).contentInset);
     const double extent = view.bounds().size.height;
     return {-inset.top, std::max(size.height + inset.bottom - extent, -inset.top), extent};
@@ -77,7 +77,7 @@ void ScrollInternals::settle(UIScrollView& view) {
 void ScrollInternals::stop(UIScrollView& view) {
     if (!state(view).decelerating && !state(view).movesByItself) return;
     state(view).decelerating = state(view).movesByItself = false;
-    if (host::FrameSteps* const steps = frameSteps(view)) steps->stop(&view);
+    if (seat::FrameSteps* const steps = frameSteps(view)) steps->stop(&view);
     state(view).indicator.fade();
 }
 
@@ -107,11 +107,11 @@ void ScrollInternals::handlePan(UIScrollView& view) {
     case UIGestureRecognizerStateBegan:
         stop(view);
         state.dragging = true;
-        state.grabbedOffset = host::unbanded(view.contentOffset().y, range);
+        state.grabbedOffset = seat::unbanded(view.contentOffset().y, range);
         [[fallthrough]];
     case UIGestureRecognizerStateChanged: {
         const double pulled = state.grabbedOffset - state.pan->translationInView(nullptr).y;
-        moveTo(view, {x, host::rubberBanded(pulled, range)});
+        moveTo(view, {x, seat::rubberBanded(pulled, range)});
         showIndicator(view);
         break;
     }
@@ -120,7 +120,7 @@ void ScrollInternals::handlePan(UIScrollView& view) {
         state.dragging = false;
         const bool wasCut = state.pan->state() == UIGestureRecognizerStateCancelled;
         const double velocity = wasCut ? 0 : -state.pan->velocityInView(nullptr).y;
-        const host::ScrollMotion motion(view.contentOffset().y, velocity, range);
+        const seat::ScrollMotion motion(view.contentOffset().y, velocity, range);
         if (motion.duration() <= 0 || !frameSteps(view)) {
             moveTo(view, {x, motion.end()});
             state.indicator.fade();

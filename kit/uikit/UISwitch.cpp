@@ -1,6 +1,6 @@
 #include "platform/uikit/UISwitch.h"
 
-#include "host/uikit/UISwitchPanGestureRecognizer.h"
+#include "kit/uikit/UISwitchPanGestureRecognizer.h"
 #include "platform/runtime/method.h"
 #include "platform/uikit/UITapGestureRecognizer.h"
 

@@ -1,4 +1,4 @@
-#include "host/uikit/UISwitchPanGestureRecognizer.h"
+#include "kit/uikit/UISwitchPanGestureRecognizer.h"
 
 #include <cmath>
 

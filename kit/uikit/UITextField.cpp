@@ -1,8 +1,9 @@
 #include "platform/uikit/UITextField.h"
 
-#include "host/quartz/text.h"
-#include "host/tables/appearance.h"
-#include "host/uikit/text_field_state.h"
+#include "kit/quartz/text_runs.h"
+#include "kit/seat.h"
+#include "kit/uikit/appearance.h"
+#include "kit/uikit/text_field_state.h"
 #include "platform/uikit/UIImage.h"
 #include "platform/uikit/UIWindow.h"
 
@@ -54,8 +55,8 @@ void UITextField::layoutSubviews() { showCaret(); }
 double UITextField::leftOf(std::size_t place) const {
     if (place == 0) return 0;
     const auto width = [this](std::string text) {
-        const auto runs = host::textRuns(std::move(text), m_field->font, UIColor::blackColor()->CGColor());
-        return host::measureText(runs, std::numeric_limits<double>::infinity(), 1).size.width;
+        const auto runs = seat::textRuns(std::move(text), m_field->font, UIColor::blackColor()->CGColor());
+        return seat::measureText(runs, std::numeric_limits<double>::infinity(), 1).size.width;
     };
     return width(text().substr(0, place) + "|") - width("|");
 }
@@ -88,7 +89,7 @@ void UITextField::drawRect(CGRect) {
     const bool isFocused = owner && owner->focusedView().get() == this;
     const CGSize size = bounds().size;
     const double lineHeight = std::min(size.height, std::ceil(m_field->font->lineHeight()));
-    const double top = host::appearance::roundToPixel((size.height - lineHeight) / 2);
+    const double top = seat::appearance::roundToPixel((size.height - lineHeight) / 2);
     const double left = sideRoom - m_field->scroll;
 
     CGContextSaveGState(context);
@@ -96,7 +97,7 @@ void UITextField::drawRect(CGRect) {
     if (!isEnabled()) CGContextSetAlpha(context, disabledAlpha);
     if (isFocused && editor.hasSelection()) {
         const double from = leftOf(editor.selectionStart());
-        const auto& tint = host::appearance::tintColor();
+        const auto& tint = seat::appearance::tintColor();
         CGContextSaveGState(context);
         CGContextSetAlpha(context, 0.22);
         CGContextSetFillColorWithColor(context, tint->CGColor());
@@ -104,13 +105,13 @@ void UITextField::drawRect(CGRect) {
         CGContextRestoreGState(context);
     }
     const bool isEmpty = text().empty();
-    const auto& color = isEmpty ? host::appearance::markColor() : host::appearance::textColor();
-    const auto runs = host::textRuns(isEmpty ? m_field->placeholder : text(), m_field->font, color->CGColor());
+    const auto& color = isEmpty ? seat::appearance::markColor() : seat::appearance::textColor();
+    const auto runs = seat::textRuns(isEmpty ? m_field->placeholder : text(), m_field->font, color->CGColor());
     const double width = std::max(size.width - 2 * sideRoom, isEmpty ? 0 : leftOf(text().size()) + 1);
-    host::drawText(context, runs, {{left, 0}, {width, size.height}}, host::TextAlignment::Left, 1);
+    seat::drawText(context, runs, {{left, 0}, {width, size.height}}, seat::TextAlignment::Left, 1);
     if (isFocused && !editor.hasSelection()) {
-        CGContextSetFillColorWithColor(context, host::appearance::tintColor()->CGColor());
-        const double caret = host::appearance::roundToPixel(left + leftOf(editor.caret()) - caretWidth / 2);
+        CGContextSetFillColorWithColor(context, seat::appearance::tintColor()->CGColor());
+        const double caret = seat::appearance::roundToPixel(left + leftOf(editor.caret()) - caretWidth / 2);
         CGContextFillRect(context, {{std::max(0.0, caret), top}, {caretWidth, lineHeight}});
     }
     CGContextRestoreGState(context);

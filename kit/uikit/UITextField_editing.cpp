@@ -1,14 +1,14 @@
 // What keys, fingers and assistive technology do to the text.
 
-#include "host/uikit/hid_keys.h"
-#include "host/uikit/text_field_state.h"
+#include "kit/uikit/hid_keys.h"
+#include "kit/uikit/text_field_state.h"
 #include "platform/uikit/UIKeyEvent.h"
 #include "platform/uikit/UIPasteboard.h"
 #include "platform/uikit/UIWindow.h"
 
 namespace {
 
-using host::TextEditor;
+using seat::TextEditor;
 
 constexpr unsigned commandKeys = UIKeyEvent::Control | UIKeyEvent::Alt | UIKeyEvent::GUI;
 
@@ -26,7 +26,7 @@ void UITextField::insertText(const std::string& added) {
 }
 
 bool UITextField::takeKey(const UIKeyEvent& event) {
-    namespace hid = host::hid;
+    namespace hid = seat::hid;
     const unsigned command = event.modifiers() & commandKeys;
     if (command != 0 && command != UIKeyEvent::Control) return false;
     const bool isControl = command == UIKeyEvent::Control;

@@ -1,7 +1,7 @@
 #include "platform/uikit/UIView.h"
 
-#include "host/quartz/graphics_stack.h"
-#include "host/uikit/view_internals.h"
+#include "kit/seat.h"
+#include "kit/uikit/ViewInternals.h"
 #include "platform/foundation/NSArray.h"
 #include "platform/uikit/UIGestureRecognizer.h"
 #include "platform/uikit/UIViewController.h"
@@ -98,7 +98,7 @@ void UIView::setNeedsDisplayInRect(CGRect rect) { m_view->layer->setNeedsDisplay
 void UIView::drawRect(CGRect) {}
 
 void UIView::drawLayer_inContext(CALayer&, CGContextRef context) {
-    const host::CurrentContext current(context);
+    const seat::CurrentContext current(context);
     drawRect(bounds());
 }
 

@@ -1,6 +1,6 @@
 // What assistive technology and the keyboard learn of a view that says nothing itself.
 
-#include "host/uikit/view_internals.h"
+#include "kit/uikit/ViewInternals.h"
 
 bool UIView::canBecomeFocused() const { return false; }
 void UIView::focusDidChange() {}

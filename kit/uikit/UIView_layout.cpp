@@ -1,8 +1,8 @@
 // Layout: autoresizing, the layout pass, intrinsic sizes, alignment rectangles.
 
-#include "host/uikit/autoresizing.h"
-#include "host/uikit/view_internals.h"
-#include "host/uikit/window_internals.h"
+#include "kit/uikit/ViewInternals.h"
+#include "kit/uikit/WindowInternals.h"
+#include "kit/uikit/autoresizing.h"
 #include "platform/uikit/UIViewController.h"
 #include "platform/uikit/UIWindow.h"
 

@@ -1,7 +1,7 @@
 // Who is hit, in whose coordinates, and whose gestures are listened for.
 
-#include "host/uikit/gesture_internals.h"
-#include "host/uikit/view_internals.h"
+#include "kit/uikit/GestureInternals.h"
+#include "kit/uikit/ViewInternals.h"
 #include "platform/uikit/UIGestureRecognizer.h"
 
 #include <algorithm>

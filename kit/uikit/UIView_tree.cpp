@@ -1,8 +1,8 @@
 // The tree of views: who holds whom, and who is told.
 
-#include "host/uikit/view_controller.h"
-#include "host/uikit/view_internals.h"
-#include "host/uikit/window_internals.h"
+#include "kit/uikit/ViewInternals.h"
+#include "kit/uikit/WindowInternals.h"
+#include "kit/uikit/view_controller.h"
 #include "platform/uikit/UIWindow.h"
 
 #include <algorithm>
@@ -39,11 +39,11 @@ UIWindow* ViewInternals::window(const UIView& view) {
     return dynamic_cast<UIWindow*>(const_cast<UIView*>(&root(view)));
 }
 
-void host::setViewController(UIView& view, const std::shared_ptr<UIViewController>& controller) {
+void seat::setViewController(UIView& view, const std::shared_ptr<UIViewController>& controller) {
     ViewInternals::state(view).controller = controller;
 }
 
-std::shared_ptr<UIViewController> host::viewController(const UIView& view) {
+std::shared_ptr<UIViewController> seat::viewController(const UIView& view) {
     return ViewInternals::state(view).controller.lock();
 }
 

@@ -1,8 +1,8 @@
 #include "platform/uikit/UIWindow.h"
 
-#include "host/uikit/focus_order.h"
-#include "host/uikit/view_internals.h"
-#include "host/uikit/window_internals.h"
+#include "kit/uikit/ViewInternals.h"
+#include "kit/uikit/WindowInternals.h"
+#include "kit/uikit/focus_order.h"
 #include "platform/uikit/UIScrollView.h"
 #include "platform/uikit/UIViewController.h"
 
@@ -72,7 +72,7 @@ std::shared_ptr<UIView> UIWindow::focusedView() const {
 void UIWindow::setFocusedView(const std::shared_ptr<UIView>& view) {
     // The focus moves within what is in front; screens behind it, or away, keep theirs for when they come back.
     const auto former = focusedView();
-    const auto front = host::frontScope(*this);
+    const auto front = seat::frontScope(*this);
     auto& focused = m_window->focused;
     std::erase_if(focused, [&](const auto& weak) {
         const auto other = weak.lock();

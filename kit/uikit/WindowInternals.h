@@ -1,12 +1,12 @@
 #pragma once
 
-#include "host/uikit/touch_dispatcher.h"
+#include "kit/uikit/TouchDispatcher.h"
 #include "platform/uikit/UIWindow.h"
 
 #include <functional>
 #include <set>
 
-namespace host {
+namespace seat {
 class FrameSteps;
 }
 
@@ -22,7 +22,7 @@ struct UIWindow::State {
     std::weak_ptr<UIView> activated;            // what had the focus then
     std::set<long> takenKeys;                   // went down while a row waited for them, and are not up again
     std::function<void()> requestFrame;         // the scene's; empty without one
-    host::FrameSteps* frameSteps = nullptr;     // the scene's, non-owning; nil without one
+    seat::FrameSteps* frameSteps = nullptr;     // the scene's, non-owning; nil without one
 };
 
 struct WindowInternals {

@@ -1,19 +1,19 @@
-#include "host/uikit/window_scene.h"
+#include "kit/uikit/WindowScene.h"
 
-#include "host/quartz/animation.h"
-#include "host/quartz/screen.h"
-#include "host/uikit/accessibility_tree.h"
-#include "host/uikit/damage.h"
-#include "host/uikit/focus_ring.h"
-#include "host/uikit/reachable.h"
-#include "host/uikit/view_internals.h"
-#include "host/uikit/window_internals.h"
+#include "kit/quartz/animation.h"
+#include "kit/quartz/screen.h"
+#include "kit/uikit/AccessibilityTree.h"
+#include "kit/uikit/ViewInternals.h"
+#include "kit/uikit/WindowInternals.h"
+#include "kit/uikit/damage.h"
+#include "kit/uikit/focus_ring.h"
+#include "kit/uikit/reachable.h"
 #include "platform/foundation/time.h"
 #include "platform/uikit/UIApplication.h"
 
 #include <utility>
 
-namespace host {
+namespace seat {
 
 namespace {
 
@@ -116,4 +116,4 @@ void WindowScene::placeFocusRing() {
     if (m_focusRing->cornerRadius() != radius) m_focusRing->setCornerRadius(radius);
 }
 
-} // namespace host
+} // namespace seat

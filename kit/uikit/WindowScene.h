@@ -1,8 +1,8 @@
 #pragma once
 
-#include "host/quartz/layer_host.h"
-#include "host/quartz/layer_renderer.h"
-#include "host/uikit/frame_steps.h"
+#include "kit/quartz/LayerHost.h"
+#include "kit/seat.h"
+#include "kit/uikit/FrameSteps.h"
 #include "platform/uikit/UIWindow.h"
 
 #include <functional>
@@ -12,7 +12,7 @@
 
 class CALayer;
 
-namespace host {
+namespace seat {
 
 class AccessibilityTree;
 
@@ -61,4 +61,4 @@ private:
     bool m_animates = false;
 };
 
-} // namespace host
+} // namespace seat

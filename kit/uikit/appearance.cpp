@@ -1,10 +1,10 @@
-#include "host/tables/appearance.h"
+#include "kit/uikit/appearance.h"
 
 #include "platform/uikit/UIScreen.h"
 
 #include <cmath>
 
-namespace host::appearance {
+namespace seat::appearance {
 namespace {
 
 double pixelsPerPoint() {
@@ -38,4 +38,4 @@ double hairline() { return 1 / pixelsPerPoint(); }
 
 double roundToPixel(double points) { return std::round(points * pixelsPerPoint()) / pixelsPerPoint(); }
 
-} // namespace host::appearance
+} // namespace seat::appearance

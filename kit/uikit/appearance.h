@@ -6,7 +6,7 @@
 
 #include <memory>
 
-namespace host::appearance {
+namespace seat::appearance {
 
 inline constexpr double rowHeight = 44;
 inline constexpr double barHeight = 44;
@@ -30,4 +30,4 @@ const std::shared_ptr<UIColor>& barColor();
 double hairline();
 double roundToPixel(double points);
 
-} // namespace host::appearance
+} // namespace seat::appearance

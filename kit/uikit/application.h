@@ -6,7 +6,7 @@
 
 #include <memory>
 
-namespace host {
+namespace seat {
 
 // Every key event of the process enters here, on the main thread: the message "handleKeyUIEvent:" to the application
 // object, found by the runtime.
@@ -15,4 +15,4 @@ void sendKeyEvent(const std::shared_ptr<UIKeyEvent>& event);
 // The window was minimised, hidden or closed: posts UIApplicationDidEnterBackgroundNotification. Main thread.
 void applicationDidEnterBackground();
 
-} // namespace host
+} // namespace seat

@@ -1,4 +1,4 @@
-#include "host/uikit/autoresizing.h"
+#include "kit/uikit/autoresizing.h"
 
 #include "platform/uikit/UIView.h"
 

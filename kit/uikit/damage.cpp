@@ -1,8 +1,8 @@
-#include "host/uikit/damage.h"
+#include "kit/uikit/damage.h"
 
 #include <cmath>
 
-namespace host {
+namespace seat {
 
 namespace {
 
@@ -33,4 +33,4 @@ void addDamage(std::vector<CGRect>& damage, CGRect rect, CGRect bounds) {
     damage = {all};
 }
 
-} // namespace host
+} // namespace seat

@@ -4,9 +4,9 @@
 
 #include <vector>
 
-namespace host {
+namespace seat {
 
 // Adds what is to be repainted, cut to `bounds`, and keeps the list short: what overlaps, or is cheaper in one, joins.
 void addDamage(std::vector<CGRect>& damage, CGRect rect, CGRect bounds);
 
-} // namespace host
+} // namespace seat

@@ -1,13 +1,13 @@
-#include "host/uikit/focus_order.h"
+#include "kit/uikit/focus_order.h"
 
-#include "host/uikit/reachable.h"
-#include "host/uikit/view_internals.h"
+#include "kit/uikit/ViewInternals.h"
+#include "kit/uikit/reachable.h"
 #include "platform/uikit/UIWindow.h"
 
 #include <algorithm>
 #include <ranges>
 
-namespace host {
+namespace seat {
 
 namespace {
 
@@ -84,4 +84,4 @@ std::shared_ptr<UIView> nextFocus(const UIWindow& window, bool forward) {
     return at == views.begin() ? views.back() : *std::prev(at);
 }
 
-} // namespace host
+} // namespace seat

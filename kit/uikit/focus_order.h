@@ -6,7 +6,7 @@
 class UIView;
 class UIWindow;
 
-namespace host {
+namespace seat {
 
 // The view that keys and assistive technology are confined to: the front modal view, else the window.
 std::shared_ptr<UIView> frontScope(const UIWindow& window);
@@ -22,4 +22,4 @@ std::shared_ptr<UIView> reachableFocus(const UIWindow& window);
 // than what is on screen is asked first. nil when there is no other.
 std::shared_ptr<UIView> nextFocus(const UIWindow& window, bool forward);
 
-} // namespace host
+} // namespace seat

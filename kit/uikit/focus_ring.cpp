@@ -1,13 +1,13 @@
-#include "host/uikit/focus_ring.h"
+#include "kit/uikit/focus_ring.h"
 
-#include "host/uikit/visible_rect.h"
+#include "kit/uikit/visible_rect.h"
 #include "platform/uikit/UIColor.h"
 #include "platform/uikit/UIWindow.h"
 
 #include <algorithm>
 #include <cmath>
 
-namespace host {
+namespace seat {
 
 namespace {
 
@@ -45,4 +45,4 @@ double focusRingRadius(const UIView& view) {
     return own > 0 ? own + gap + thickness : 6;
 }
 
-} // namespace host
+} // namespace seat

@@ -6,7 +6,7 @@
 
 class UIView;
 
-namespace host {
+namespace seat {
 
 std::shared_ptr<CALayer> makeFocusRing();
 
@@ -15,4 +15,4 @@ std::shared_ptr<CALayer> makeFocusRing();
 CGRect focusRingRect(const UIView& view);
 double focusRingRadius(const UIView& view);
 
-} // namespace host
+} // namespace seat

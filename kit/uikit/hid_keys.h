@@ -1,7 +1,7 @@
 #pragma once
 
 // Usages of the Keyboard/Keypad page that the interface kit acts on.
-namespace host::hid {
+namespace seat::hid {
 
 inline constexpr long enter = 40;
 inline constexpr long escape = 41;
@@ -20,4 +20,4 @@ inline constexpr long down = 81;
 inline constexpr long up = 82;
 inline constexpr long keypadEnter = 88;
 
-} // namespace host::hid
+} // namespace seat::hid

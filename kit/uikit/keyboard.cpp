@@ -1,11 +1,10 @@
-#include "host/uikit/keyboard.h"
+#include "kit/uikit/keyboard.h"
 
-#include "host/controllers/front_controller.h"
-#include "host/tables/front_table.h"
-#include "host/uikit/focus_order.h"
-#include "host/uikit/hid_keys.h"
-#include "host/uikit/view_internals.h"
-#include "host/uikit/window_internals.h"
+#include "kit/uikit/ViewInternals.h"
+#include "kit/uikit/WindowInternals.h"
+#include "kit/uikit/focus_order.h"
+#include "kit/uikit/front_controller.h"
+#include "kit/uikit/hid_keys.h"
 #include "platform/dispatch.h"
 #include "platform/uikit/UIKeyEvent.h"
 #include "platform/uikit/UIScrollView.h"
@@ -16,7 +15,15 @@
 #include <optional>
 #include <utility>
 
-namespace host {
+namespace seat {
+
+// A message before the screen takes the keys: what waits behind it waits on.
+bool frontScreenWaits(const UIWindow& window) {
+    for (const auto& view : window.subviews())
+        if (view->accessibilityRole() == UIAccessibilityRole::Alert && view->accessibilityViewIsModal()) return false;
+    const auto front = frontController(window);
+    return front && front->waitsForKey();
+}
 
 namespace {
 
@@ -161,7 +168,7 @@ bool isTaken(UIWindow& window, const UIKeyEvent& event) {
     const bool goesDown = event.isKeyDown() && !event.isRepeat();
     const bool wasTaken = !goesDown && taken.contains(event._keyCode());
     if (goesDown || !event.isKeyDown()) taken.erase(event._keyCode());
-    if (!frontTableWaits(window)) return wasTaken;
+    if (!frontScreenWaits(window)) return wasTaken;
     if (event.isKeyDown()) taken.insert(event._keyCode());
     return true;
 }
@@ -169,7 +176,7 @@ bool isTaken(UIWindow& window, const UIKeyEvent& event) {
 } // namespace
 
 std::shared_ptr<UITextField> fieldForText(const UIWindow& window) {
-    return frontTableWaits(window) ? nullptr : std::dynamic_pointer_cast<UITextField>(reachableFocus(window));
+    return frontScreenWaits(window) ? nullptr : std::dynamic_pointer_cast<UITextField>(reachableFocus(window));
 }
 
 void handleKey(UIWindow& window, const UIKeyEvent& event) {
@@ -191,4 +198,4 @@ void handleKey(UIWindow& window, const UIKeyEvent& event) {
     }
 }
 
-} // namespace host
+} // namespace seat

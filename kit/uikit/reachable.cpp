@@ -1,12 +1,12 @@
-#include "host/uikit/reachable.h"
+#include "kit/uikit/reachable.h"
 
-#include "host/uikit/focus_order.h"
-#include "host/uikit/view_internals.h"
-#include "host/uikit/visible_rect.h"
+#include "kit/uikit/ViewInternals.h"
+#include "kit/uikit/focus_order.h"
+#include "kit/uikit/visible_rect.h"
 #include "platform/uikit/UIScrollView.h"
 #include "platform/uikit/UIWindow.h"
 
-namespace host {
+namespace seat {
 
 namespace {
 
@@ -63,4 +63,4 @@ bool isHeld(const UIView& view) {
     return isHeld;
 }
 
-} // namespace host
+} // namespace seat

@@ -2,7 +2,7 @@
 
 class UIView;
 
-namespace host {
+namespace seat {
 
 // Whether a finger can reach the view, by scrolling if need be: what lies under another view, or behind a modal one, is
 // no key's and no assistive technology's either.
@@ -12,4 +12,4 @@ bool isReachable(const UIView& view);
 // otherwise.
 bool isHeld(const UIView& view);
 
-} // namespace host
+} // namespace seat

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "host/uikit/text_editor.h"
+#include "kit/uikit/TextEditor.h"
 #include "platform/uikit/UITextField.h"
 
 struct UITextField::State {
-    host::TextEditor editor;
+    seat::TextEditor editor;
     std::string placeholder;
     std::shared_ptr<UIFont> font = UIFont::systemFontOfSize(17);
     double scroll = 0;        // points of the text that have gone out at the left

@@ -3,10 +3,10 @@
 #include <functional>
 #include <string>
 
-namespace host {
+namespace seat {
 
 // Who opens addresses for UIApplication::openURL; without one, none is opened. The function does not wait, and says
 // whether a browser could be started. Main thread.
 void setURLOpener(std::function<bool(const std::string& url)> opener);
 
-} // namespace host
+} // namespace seat

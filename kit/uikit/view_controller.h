@@ -7,11 +7,11 @@
 
 #include <memory>
 
-namespace host {
+namespace seat {
 
 // nil unties.
 void setViewController(UIView& view, const std::shared_ptr<UIViewController>& controller);
 // nil for a view that is no screen's.
 std::shared_ptr<UIViewController> viewController(const UIView& view);
 
-} // namespace host
+} // namespace seat

@@ -1,8 +1,8 @@
-#include "host/uikit/visible_rect.h"
+#include "kit/uikit/visible_rect.h"
 
-#include "host/uikit/view_internals.h"
+#include "kit/uikit/ViewInternals.h"
 
-namespace host {
+namespace seat {
 
 CGRect visibleRectInWindow(const UIView& view) {
     CGRect rect = view.bounds();
@@ -20,4 +20,4 @@ CGRect visibleRectInWindow(const UIView& view) {
     return rect;
 }
 
-} // namespace host
+} // namespace seat

@@ -1,6 +1,6 @@
 #pragma once
 
-// The one clock. Animations, gesture time-outs and the logic read it; a test can hold it (host/testing).
+// The one clock. Animations, gesture time-outs and the logic read it; a test can hold it (kit/dispatch/ManualClock.h).
 
 namespace platform {
 

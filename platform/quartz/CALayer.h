@@ -11,7 +11,7 @@
 
 class CALayer;
 struct LayerInternals;
-namespace host {
+namespace seat {
 class LayerHost;
 }
 
@@ -85,7 +85,7 @@ public:
     void setNeedsDisplayInRect(CGRect rect);
 
     // Set on the root layer by whoever shows the tree; non-owning, nullptr when it is shown no more.
-    void setHost(host::LayerHost* host);
+    void setHost(seat::LayerHost* host);
 
 protected:
     CALayer();

@@ -62,6 +62,8 @@ public:
     void loadView() override;
     void viewWillAppear(bool animated) override;
     void viewDidLayoutSubviews() override;
+    // While a row stays selected.
+    bool waitsForKey() const override;
 
     long numberOfSectionsInTableView(UITableView& tableView) override;
     long tableView_numberOfRowsInSection(UITableView& tableView, long section) override;
@@ -79,6 +81,6 @@ protected:
     std::optional<PSSpecifierList> _specifiers;
 
 private:
-    struct State; // host/settings_framework/list_state.h
+    struct State; // kit/settings_framework/list_state.h
     std::unique_ptr<State> m_list;
 };

@@ -48,10 +48,10 @@ public:
 
 private:
     UIAlertView();
-    friend class AlertQueue; // host/alerts
+    friend class AlertQueue; // kit/alerts
     void appearIn(UIWindow& window);
     void layOutButtons(double top);
 
-    struct State; // host/alerts/alert_state.h
+    struct State; // kit/alerts/alert_state.h
     std::unique_ptr<State> m_alert;
 };

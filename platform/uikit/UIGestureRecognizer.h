@@ -56,7 +56,7 @@ protected:
     void letGoOfTouches();
 
 private:
-    friend struct GestureInternals; // host/uikit/gesture_internals.h
+    friend struct GestureInternals; // kit/uikit/GestureInternals.h
     struct State;
     std::unique_ptr<State> m_gesture;
 };

@@ -3,7 +3,7 @@
 #include "platform/uikit/NSAttributedString.h"
 #include "platform/uikit/UIView.h"
 
-namespace host {
+namespace seat {
 struct TextRun;
 }
 
@@ -49,7 +49,7 @@ protected:
 
 private:
     void textChanged();
-    std::vector<host::TextRun> runs() const;
+    std::vector<seat::TextRun> runs() const;
 
     std::string m_text;
     std::shared_ptr<NSAttributedString> m_attributedText;

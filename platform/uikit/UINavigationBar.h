@@ -16,7 +16,7 @@ public:
 
 private:
     UINavigationBar();
-    friend struct NavigationBarInternals; // host/controllers/navigation_bar_internals.h
+    friend struct NavigationBarInternals; // kit/controllers/NavigationBarInternals.h
     struct State;
     std::unique_ptr<State> m_bar;
 };

@@ -32,6 +32,7 @@ public:
     void viewDidLayoutSubviews() override;
     // Goes back; at the root it is somebody else's.
     bool accessibilityPerformEscape() override;
+    std::shared_ptr<UIViewController> childInFront() const override;
     // The back button's action.
     void goBack();
 
@@ -39,7 +40,7 @@ protected:
     UINavigationController();
 
 private:
-    friend struct NavigationInternals; // host/controllers/navigation_state.h
+    friend struct NavigationInternals; // kit/controllers/navigation_state.h
     struct State;
     std::unique_ptr<State> m_navigation;
 };

@@ -37,7 +37,7 @@ protected:
 private:
     void handleScrollPan(const std::shared_ptr<NSObject>& recognizer);
 
-    friend struct ScrollInternals; // host/uikit/scroll_internals.h
+    friend struct ScrollInternals; // kit/uikit/ScrollInternals.h
     struct State;
     std::unique_ptr<State> m_scroll;
 };

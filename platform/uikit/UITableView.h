@@ -97,6 +97,6 @@ protected:
     UITableView();
 
 private:
-    struct State; // host/tables/table_state.h
+    struct State; // kit/tables/table_state.h
     std::unique_ptr<State> m_table;
 };

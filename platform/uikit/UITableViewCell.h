@@ -52,7 +52,7 @@ protected:
     UITableViewCell();
 
 private:
-    friend struct CellInternals; // host/tables/cell_internals.h
+    friend struct CellInternals; // kit/tables/CellInternals.h
     struct State;
     std::unique_ptr<State> m_cell;
 };

@@ -17,6 +17,8 @@ public:
     // Deselects nothing: a row that waits for something stays selected. The table asks for its data when it is first
     // laid out or asked about.
     void viewWillAppear(bool animated) override;
+    // While a row stays selected.
+    bool waitsForKey() const override;
 
     long numberOfSectionsInTableView(UITableView& tableView) override;
     long tableView_numberOfRowsInSection(UITableView& tableView, long section) override;

@@ -23,7 +23,7 @@ class UITouch final : public NSObject {
     CGPoint previousLocationInView(const UIView* view) const;
 
 private:
-    friend class TouchDispatcher; // host/uikit
+    friend class TouchDispatcher; // kit/uikit
     UITouchPhase m_phase = UITouchPhase::Began;
     double m_timestamp = 0;
     unsigned m_tapCount = 0;
@@ -41,7 +41,7 @@ class UIEvent final : public NSObject {
     const std::vector<std::shared_ptr<UITouch>>& allTouches() const { return m_touches; }
 
 private:
-    friend class TouchDispatcher; // host/uikit
+    friend class TouchDispatcher; // kit/uikit
     std::vector<std::shared_ptr<UITouch>> m_touches;
 };
 

@@ -170,7 +170,7 @@ protected:
     UIView();
 
 private:
-    friend struct ViewInternals; // host/uikit/view_internals.h
+    friend struct ViewInternals; // kit/uikit/ViewInternals.h
     struct State;
     std::unique_ptr<State> m_view;
 };

@@ -53,11 +53,16 @@ public:
 
     std::shared_ptr<UIResponder> nextResponder() const override;
 
+    // The screen in or over this one that the user looks at; nil where it is this one. A container overrides it.
+    virtual std::shared_ptr<UIViewController> childInFront() const;
+    // True while something here waits for a key press, whatever key it is: the application then leaves keys alone.
+    virtual bool waitsForKey() const;
+
 protected:
     UIViewController();
 
 private:
-    friend struct ControllerInternals; // host/controllers/controller_internals.h
+    friend struct ControllerInternals; // kit/controllers/ControllerInternals.h
     struct State;
     std::unique_ptr<State> m_controller;
 };

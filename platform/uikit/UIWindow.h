@@ -4,7 +4,7 @@
 
 class UIKeyEvent;
 
-// The root of a view tree. The host feeds it neutral events (host/uikit) and asks it for frames.
+// The root of a view tree. The host feeds it neutral events (kit/uikit) and asks it for frames.
 class UIWindow final : public UIView {
     NS_CLASS(UIWindow)
 public:
@@ -31,7 +31,7 @@ public:
 private:
     UIWindow();
 
-    friend struct WindowInternals; // host/uikit/window_internals.h
+    friend struct WindowInternals; // kit/uikit/WindowInternals.h
     struct State;
     std::unique_ptr<State> m_window;
 };

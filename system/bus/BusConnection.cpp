@@ -1,9 +1,9 @@
-#include "host/bus/BusConnection.h"
+#include "system/bus/BusConnection.h"
 
-#include "host/bus/bus_address.h"
-#include "host/dispatch/main_queue.h"
-#include "host/socket/address.h"
+#include "kit/dispatch/main_queue.h"
 #include "platform/dispatch.h"
+#include "system/bus/bus_address.h"
+#include "system/socket/address.h"
 
 #include <algorithm>
 #include <dbus/dbus.h>
@@ -51,7 +51,7 @@ DBusConnection* openConnection(const std::string& address, std::string& problem)
 } // namespace
 
 // libdbus calls these with the connection object as `data`.
-struct host::BusConnection::Callbacks {
+struct seat::BusConnection::Callbacks {
     static BusConnection& self(void* data) { return *static_cast<BusConnection*>(data); }
 
     static dbus_bool_t addWatch(DBusWatch* watch, void* data) {
@@ -104,16 +104,16 @@ struct host::BusConnection::Callbacks {
     }
 };
 
-host::BusConnection::BusConnection(EventSet& events, Owner& owner)
+seat::BusConnection::BusConnection(EventSet& events, Owner& owner)
     : m_events(events), m_owner(owner), m_again(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
       m_againToken(events.watch(m_again.get(), EPOLLIN, [this](std::uint32_t) { dispatchSome(); })) {}
 
-host::BusConnection::~BusConnection() {
+seat::BusConnection::~BusConnection() {
     close();
     m_events.remove(m_againToken);
 }
 
-void host::BusConnection::open(const std::string& address) {
+void seat::BusConnection::open(const std::string& address) {
     close();
     m_state = State::Opening;
     m_attempt = std::make_shared<int>();
@@ -135,7 +135,7 @@ void host::BusConnection::open(const std::string& address) {
                    });
 }
 
-void host::BusConnection::adopt(DBusConnection* connection) {
+void seat::BusConnection::adopt(DBusConnection* connection) {
     m_connection = connection;
     ::dbus_connection_set_exit_on_disconnect(connection, FALSE);
     int descriptor = -1;
@@ -153,7 +153,7 @@ void host::BusConnection::adopt(DBusConnection* connection) {
     greet();
 }
 
-void host::BusConnection::greet() {
+void seat::BusConnection::greet() {
     m_state = State::Greeting;
     DBusMessage* const hello =
         ::dbus_message_new_method_call(DBUS_SERVICE_DBUS, DBUS_PATH_DBUS, DBUS_INTERFACE_DBUS, "Hello");
@@ -163,7 +163,7 @@ void host::BusConnection::greet() {
     ::dbus_pending_call_set_notify(m_hello, Callbacks::helloAnswered, this, nullptr);
 }
 
-void host::BusConnection::greeted(DBusMessage* reply) {
+void seat::BusConnection::greeted(DBusMessage* reply) {
     const char* name = nullptr;
     if (!reply || ::dbus_message_get_type(reply) != DBUS_MESSAGE_TYPE_METHOD_RETURN ||
         !::dbus_message_get_args(reply, nullptr, DBUS_TYPE_STRING, &name, DBUS_TYPE_INVALID)) {
@@ -178,11 +178,11 @@ void host::BusConnection::greeted(DBusMessage* reply) {
     m_owner.busIsReady();
 }
 
-std::chrono::milliseconds host::BusConnection::age() const {
+std::chrono::milliseconds seat::BusConnection::age() const {
     return std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - m_readySince);
 }
 
-void host::BusConnection::close() {
+void seat::BusConnection::close() {
     m_state = State::Closed;
     m_attempt.reset();
     m_uniqueName.clear();
@@ -204,13 +204,13 @@ void host::BusConnection::close() {
     }
 }
 
-void host::BusConnection::fail(const std::string& reason) {
+void seat::BusConnection::fail(const std::string& reason) {
     const std::string kept = reason; // the argument may live in what is cleared
     close();
     m_owner.busIsGone(kept);
 }
 
-void host::BusConnection::updateWatched(int descriptor) {
+void seat::BusConnection::updateWatched(int descriptor) {
     auto& watched = m_watched[descriptor];
     m_events.remove(std::exchange(watched.token, 0));
     std::uint32_t wanted = 0;
@@ -226,7 +226,7 @@ void host::BusConnection::updateWatched(int descriptor) {
         m_watched.erase(descriptor);
 }
 
-void host::BusConnection::descriptorReady(int descriptor, std::uint32_t events) {
+void seat::BusConnection::descriptorReady(int descriptor, std::uint32_t events) {
     DBusConnection* const connection = ::dbus_connection_ref(m_connection);
     unsigned happened = 0;
     if (events & EPOLLIN) happened |= DBUS_WATCH_READABLE;
@@ -246,7 +246,7 @@ void host::BusConnection::descriptorReady(int descriptor, std::uint32_t events) 
     dispatchSome();
 }
 
-void host::BusConnection::dispatchSome() {
+void seat::BusConnection::dispatchSome() {
     // A handler may run the run loop; libdbus would wait for itself then.
     if (!m_connection || m_isDispatching) return setDispatchWaiting(false);
     DBusConnection* const connection = ::dbus_connection_ref(m_connection);
@@ -262,7 +262,7 @@ void host::BusConnection::dispatchSome() {
     closeIfLost();
 }
 
-void host::BusConnection::setDispatchWaiting(bool waiting) {
+void seat::BusConnection::setDispatchWaiting(bool waiting) {
     ::eventfd_t count = 0;
     if (waiting)
         ::eventfd_write(m_again.get(), 1);
@@ -270,6 +270,6 @@ void host::BusConnection::setDispatchWaiting(bool waiting) {
         ::eventfd_read(m_again.get(), &count);
 }
 
-void host::BusConnection::closeIfLost() {
+void seat::BusConnection::closeIfLost() {
     if (m_connection && !m_lossReason.empty()) fail(m_lossReason);
 }

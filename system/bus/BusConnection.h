@@ -1,7 +1,7 @@
 #pragma once
 
-#include "host/bus/EventSet.h"
-#include "host/foundation/Descriptor.h"
+#include "system/bus/EventSet.h"
+#include "system/files/Descriptor.h"
 
 #include <chrono>
 #include <cstdint>
@@ -16,7 +16,7 @@ struct DBusPendingCall;
 struct DBusTimeout;
 struct DBusWatch;
 
-namespace host {
+namespace seat {
 
 // One connection to the bus, from the first attempt to its loss, on the main run loop. Nothing waits: the socket is
 // connected on a worker, everything else goes on when the descriptor is ready.
@@ -88,4 +88,4 @@ private:
     std::string m_lossReason; // set when the connection is over and has still to be closed
 };
 
-} // namespace host
+} // namespace seat

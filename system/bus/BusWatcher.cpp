@@ -1,4 +1,4 @@
-#include "host/bus/BusWatcher.h"
+#include "system/bus/BusWatcher.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -21,12 +21,12 @@ constexpr std::uint32_t interestingEvents =
 
 } // namespace
 
-host::BusWatcher::BusWatcher(EventSet& events, std::function<void()> tryAgain)
+seat::BusWatcher::BusWatcher(EventSet& events, std::function<void()> tryAgain)
     : m_events(events), m_tryAgain(std::move(tryAgain)) {}
 
-host::BusWatcher::~BusWatcher() { stop(); }
+seat::BusWatcher::~BusWatcher() { stop(); }
 
-void host::BusWatcher::watch(const std::string& socketFile) {
+void seat::BusWatcher::watch(const std::string& socketFile) {
     if (!m_watching || socketFile != m_socketFile) {
         stop();
         m_watching = true;
@@ -42,7 +42,7 @@ void host::BusWatcher::watch(const std::string& socketFile) {
     tryAfter(delay);
 }
 
-void host::BusWatcher::stop() {
+void seat::BusWatcher::stop() {
     m_events.remove(std::exchange(m_folder, 0));
     m_events.remove(std::exchange(m_timer, 0));
     m_inotify.reset();
@@ -50,7 +50,7 @@ void host::BusWatcher::stop() {
     m_delay = milliseconds(0);
 }
 
-void host::BusWatcher::watchFolder() {
+void seat::BusWatcher::watchFolder() {
     m_events.remove(std::exchange(m_folder, 0));
     m_inotify.reset(::inotify_init1(IN_CLOEXEC | IN_NONBLOCK));
     if (!m_inotify) return;
@@ -65,7 +65,7 @@ void host::BusWatcher::watchFolder() {
     m_folder = m_events.watch(m_inotify.get(), EPOLLIN, [this](std::uint32_t) { folderChanged(); });
 }
 
-void host::BusWatcher::folderChanged() {
+void seat::BusWatcher::folderChanged() {
     alignas(::inotify_event) char buffer[4096];
     bool appeared = false;
     bool folderGone = false;
@@ -83,7 +83,7 @@ void host::BusWatcher::folderChanged() {
     tryAfter(firstDelay);
 }
 
-void host::BusWatcher::tryAfter(milliseconds delay) {
+void seat::BusWatcher::tryAfter(milliseconds delay) {
     m_events.remove(m_timer);
     m_timer = m_events.addTimer(delay, EventSet::Timer::Once, [this] {
         m_timer = 0;

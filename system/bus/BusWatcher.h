@@ -1,13 +1,13 @@
 #pragma once
 
-#include "host/bus/EventSet.h"
-#include "host/foundation/Descriptor.h"
+#include "system/bus/EventSet.h"
+#include "system/files/Descriptor.h"
 
 #include <chrono>
 #include <functional>
 #include <string>
 
-namespace host {
+namespace seat {
 
 // Says when a bus that was away may have come back. A bus with a socket file is heard of through its folder, so that
 // nothing runs meanwhile; one without is tried again now and then.
@@ -41,4 +41,4 @@ private:
     std::chrono::milliseconds m_delay{0}; // before the next attempt; zero: wait for the folder
 };
 
-} // namespace host
+} // namespace seat

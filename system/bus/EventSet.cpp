@@ -1,17 +1,17 @@
-#include "host/bus/EventSet.h"
+#include "system/bus/EventSet.h"
 
 #include <array>
 #include <sys/epoll.h>
 #include <sys/timerfd.h>
 #include <unistd.h>
 
-host::EventSet::EventSet() : m_epoll(::epoll_create1(EPOLL_CLOEXEC)) {
+seat::EventSet::EventSet() : m_epoll(::epoll_create1(EPOLL_CLOEXEC)) {
     m_source = addReadableSource(m_epoll.get(), [this] { deliver(); });
 }
 
-host::EventSet::~EventSet() { removeSource(m_source); }
+seat::EventSet::~EventSet() { removeSource(m_source); }
 
-host::EventSet::Token host::EventSet::add(std::shared_ptr<Entry> entry, std::uint32_t events) {
+seat::EventSet::Token seat::EventSet::add(std::shared_ptr<Entry> entry, std::uint32_t events) {
     const Token token = ++m_last;
     ::epoll_event event{};
     event.events = events;
@@ -21,12 +21,12 @@ host::EventSet::Token host::EventSet::add(std::shared_ptr<Entry> entry, std::uin
     return token;
 }
 
-host::EventSet::Token host::EventSet::watch(int descriptor, std::uint32_t events,
+seat::EventSet::Token seat::EventSet::watch(int descriptor, std::uint32_t events,
                                             std::function<void(std::uint32_t)> callback) {
     return add(std::make_shared<Entry>(descriptor, Descriptor(), std::move(callback)), events);
 }
 
-host::EventSet::Token host::EventSet::addTimer(std::chrono::milliseconds delay, Timer timer,
+seat::EventSet::Token seat::EventSet::addTimer(std::chrono::milliseconds delay, Timer timer,
                                                std::function<void()> callback) {
     Descriptor descriptor(::timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC | TFD_NONBLOCK));
     if (delay.count() <= 0) delay = std::chrono::milliseconds(1); // zero would disarm it
@@ -47,7 +47,7 @@ host::EventSet::Token host::EventSet::addTimer(std::chrono::milliseconds delay, 
     return token;
 }
 
-void host::EventSet::remove(Token token) {
+void seat::EventSet::remove(Token token) {
     const auto found = m_entries.find(token);
     if (found == m_entries.end()) return;
     ::epoll_ctl(m_epoll.get(), EPOLL_CTL_DEL, found->second->watched, nullptr);
@@ -55,7 +55,7 @@ void host::EventSet::remove(Token token) {
     m_entries.erase(found);
 }
 
-void host::EventSet::deliver() {
+void seat::EventSet::deliver() {
     std::array<::epoll_event, 16> events;
     const int count = ::epoll_wait(m_epoll.get(), events.data(), events.size(), 0);
     for (int i = 0; i < count; ++i) {

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "host/dispatch/run_loop_sources.h"
-#include "host/foundation/Descriptor.h"
+#include "kit/dispatch/run_loop_sources.h"
+#include "system/files/Descriptor.h"
 
 #include <chrono>
 #include <cstdint>
@@ -9,7 +9,7 @@
 #include <map>
 #include <memory>
 
-namespace host {
+namespace seat {
 
 // Several descriptors, and timers that follow the system's clock even while the host clock is held, as one source of
 // the main run loop. Main thread only. A callback may change or remove anything, the set itself excepted.
@@ -49,4 +49,4 @@ private:
     std::map<Token, std::shared_ptr<Entry>> m_entries;
 };
 
-} // namespace host
+} // namespace seat

@@ -1,8 +1,8 @@
-#include "host/bus/SessionBus.h"
+#include "system/bus/SessionBus.h"
 
-#include "host/bus/SessionBusImplementation.h"
-#include "host/bus/bus_address.h"
 #include "platform/log.h"
+#include "system/bus/SessionBusImplementation.h"
+#include "system/bus/bus_address.h"
 
 #include <dbus/dbus.h>
 #include <utility>
@@ -14,7 +14,7 @@ constexpr std::chrono::milliseconds settledAge{1000};
 
 } // namespace
 
-namespace host {
+namespace seat {
 
 SessionBus::SessionBus() = default;
 
@@ -117,4 +117,4 @@ void SessionBus::Implementation::logAbsence(const std::string& reason) {
         NSLog("session bus%s%s: %s", m_address.empty() ? "" : " ", m_address.c_str(), reason.c_str());
 }
 
-} // namespace host
+} // namespace seat

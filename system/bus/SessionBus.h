@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-namespace host {
+namespace seat {
 
 struct BusSignal {
     std::string path;
@@ -93,4 +93,4 @@ private:
     std::unique_ptr<Implementation> m_implementation;
 };
 
-} // namespace host
+} // namespace seat

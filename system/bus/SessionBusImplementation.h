@@ -1,14 +1,14 @@
 #pragma once
 
-#include "host/bus/BusConnection.h"
-#include "host/bus/BusWatcher.h"
-#include "host/bus/EventSet.h"
-#include "host/bus/SessionBus.h"
+#include "system/bus/BusConnection.h"
+#include "system/bus/BusWatcher.h"
+#include "system/bus/EventSet.h"
+#include "system/bus/SessionBus.h"
 
 #include <deque>
 #include <map>
 
-namespace host {
+namespace seat {
 
 class SessionBus::Implementation final : private BusConnection::Owner {
 public:
@@ -95,4 +95,4 @@ private:
     std::map<Token, std::function<void(const Reply&)>> m_calls; // sent, not yet answered
 };
 
-} // namespace host
+} // namespace seat

@@ -1,7 +1,7 @@
-#include "host/bus/SessionBusImplementation.h"
+#include "system/bus/SessionBusImplementation.h"
 
-#include "host/bus/bus_values.h"
 #include "platform/log.h"
+#include "system/bus/bus_values.h"
 
 #include <dbus/dbus.h>
 #include <limits>
@@ -16,7 +16,7 @@ std::string text(const char* string) { return string ? string : ""; }
 
 } // namespace
 
-namespace host {
+namespace seat {
 
 // What libdbus keeps for a call until its answer comes.
 struct SessionBus::Implementation::PendingCall {
@@ -226,4 +226,4 @@ void SessionBus::Implementation::answer(DBusMessage& call, const char* error, co
     ::dbus_message_unref(reply);
 }
 
-} // namespace host
+} // namespace seat

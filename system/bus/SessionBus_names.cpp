@@ -1,10 +1,10 @@
-#include "host/bus/SessionBusImplementation.h"
+#include "system/bus/SessionBusImplementation.h"
 
 #include "platform/log.h"
 
 #include <dbus/dbus.h>
 
-namespace host {
+namespace seat {
 
 void SessionBus::Implementation::addName(const std::string& name, std::function<void(NameState)> changed) {
     if (!::dbus_validate_bus_name(name.c_str(), nullptr)) return NSLog("%s: not a name for the bus", name.c_str());
@@ -55,4 +55,4 @@ bool SessionBus::Implementation::handleNameSignal(DBusMessage& message) {
     return true;
 }
 
-} // namespace host
+} // namespace seat

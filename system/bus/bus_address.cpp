@@ -1,6 +1,6 @@
-#include "host/bus/bus_address.h"
+#include "system/bus/bus_address.h"
 
-#include "host/bus/session_bus_address.h"
+#include "system/bus/session_bus_address.h"
 
 #include <cstdlib>
 #include <dbus/dbus.h>
@@ -31,7 +31,7 @@ std::string value(DBusAddressEntry* entry, const char* key) {
 
 } // namespace
 
-std::string host::busAddressToTry() {
+std::string seat::busAddressToTry() {
     if (const auto& settled = sessionBusAddress(); !settled.empty()) return settled;
     const std::string folder = environment("XDG_RUNTIME_DIR");
     if (auto address = environment("DBUS_SESSION_BUS_ADDRESS"); !address.empty())
@@ -43,7 +43,7 @@ std::string host::busAddressToTry() {
     return address;
 }
 
-bool host::isPlainBusAddress(const std::string& address) {
+bool seat::isPlainBusAddress(const std::string& address) {
     bool plain = true;
     const bool valid = forEachEntry(address, [&plain](DBusAddressEntry* entry) {
         const std::string_view method = ::dbus_address_entry_get_method(entry);
@@ -53,7 +53,7 @@ bool host::isPlainBusAddress(const std::string& address) {
     return valid && plain;
 }
 
-std::string host::socketFileOfBusAddress(const std::string& address) {
+std::string seat::socketFileOfBusAddress(const std::string& address) {
     std::string file;
     forEachEntry(address, [&file](DBusAddressEntry* entry) {
         if (std::string_view(::dbus_address_entry_get_method(entry)) != "unix") return true;

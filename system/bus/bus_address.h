@@ -2,7 +2,7 @@
 
 #include <string>
 
-namespace host {
+namespace seat {
 
 // The address to try now, in the bus's own notation; empty when there is none: the one that settleSessionBus() found,
 // else the environment's, else the place in the user's run folder where a bus of the session would appear. Main thread.
@@ -15,4 +15,4 @@ bool isPlainBusAddress(const std::string& address);
 // The file of the bus's socket; empty when the address has none (an abstract name, a network address).
 std::string socketFileOfBusAddress(const std::string& address);
 
-} // namespace host
+} // namespace seat

@@ -14,7 +14,7 @@
 struct DBusMessage;
 struct DBusMessageIter;
 
-namespace host {
+namespace seat {
 
 inline constexpr int busValueDepth = 8;
 inline constexpr int busValueCount = 1000;
@@ -37,4 +37,4 @@ std::optional<std::vector<id>> readArguments(DBusMessage& message, std::string& 
 // Appends by signature: s o b i u x t d a{sv} as ah h. False when a value does not fit its place.
 bool appendArguments(DBusMessage& message, const std::string& signature, const std::vector<id>& arguments);
 
-} // namespace host
+} // namespace seat

@@ -1,4 +1,4 @@
-#include "host/bus/bus_values.h"
+#include "system/bus/bus_values.h"
 
 #include "platform/foundation/NSArray.h"
 #include "platform/foundation/NSData.h"
@@ -37,8 +37,8 @@ private:
 };
 
 std::optional<id> Reader::value(DBusMessageIter& at, int depth) {
-    if (depth > host::busValueDepth) return refuse("its values lie too deep");
-    if (++m_values > host::busValueCount) return refuse("it has too many values");
+    if (depth > seat::busValueDepth) return refuse("its values lie too deep");
+    if (++m_values > seat::busValueCount) return refuse("it has too many values");
     switch (::dbus_message_iter_get_arg_type(&at)) {
     case DBUS_TYPE_STRING:
     case DBUS_TYPE_OBJECT_PATH:
@@ -77,7 +77,7 @@ std::optional<id> Reader::value(DBusMessageIter& at, int depth) {
 std::optional<id> Reader::string(DBusMessageIter& at) {
     const char* const text = basic<const char*>(at);
     m_bytes += std::strlen(text);
-    if (m_bytes > host::busValueBytes) return refuse("it is too long");
+    if (m_bytes > seat::busValueBytes) return refuse("it is too long");
     return id(text);
 }
 
@@ -123,13 +123,13 @@ std::optional<id> Reader::bytes(DBusMessageIter& elements) {
     int count = 0;
     ::dbus_message_iter_get_fixed_array(&elements, &first, &count);
     m_bytes += static_cast<std::size_t>(count);
-    if (m_bytes > host::busValueBytes) return refuse("it is too long");
+    if (m_bytes > seat::busValueBytes) return refuse("it is too long");
     return id(NSData::dataWithBytes({first, static_cast<std::size_t>(count)}));
 }
 
 } // namespace
 
-std::optional<std::vector<id>> host::readArguments(DBusMessage& message, std::string& problem) {
+std::optional<std::vector<id>> seat::readArguments(DBusMessage& message, std::string& problem) {
     std::vector<id> arguments;
     DBusMessageIter at;
     if (!::dbus_message_iter_init(&message, &at)) return arguments;

@@ -1,4 +1,4 @@
-#include "host/bus/bus_values.h"
+#include "system/bus/bus_values.h"
 
 #include "platform/foundation/NSArray.h"
 #include "platform/foundation/NSData.h"
@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <dbus/dbus.h>
 
-namespace host {
+namespace seat {
 
 NS_CLASS_IMPLEMENTATION(BusDescriptor, NSObject)
 
@@ -17,11 +17,11 @@ std::shared_ptr<BusDescriptor> BusDescriptor::withDescriptor(int borrowed) {
     return made;
 }
 
-} // namespace host
+} // namespace seat
 
 namespace {
 
-using host::BusDescriptor;
+using seat::BusDescriptor;
 
 class Writer {
 public:
@@ -89,7 +89,7 @@ std::string naturalType(const id& value) {
 }
 
 bool Writer::append(const std::string& type, const id& value, int depth) {
-    if (depth > host::busValueDepth || type.empty()) return false;
+    if (depth > seat::busValueDepth || type.empty()) return false;
     if (type == "ay") {
         const auto* const data = value.objectPointer<NSData>();
         return data && bytes(*data);
@@ -176,7 +176,7 @@ bool Writer::variant(const id& value, int depth) {
 
 } // namespace
 
-bool host::appendArguments(DBusMessage& message, const std::string& signature, const std::vector<id>& arguments) {
+bool seat::appendArguments(DBusMessage& message, const std::string& signature, const std::vector<id>& arguments) {
     DBusMessageIter at;
     ::dbus_message_iter_init_append(&message, &at);
     Writer writer(at);

@@ -1,4 +1,4 @@
-#include "host/bus/session_bus_address.h"
+#include "system/bus/session_bus_address.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -13,7 +13,7 @@
 
 namespace {
 
-using namespace host;
+using namespace seat;
 using Clock = std::chrono::steady_clock;
 
 constexpr const char* addressVariable = "DBUS_SESSION_BUS_ADDRESS";
@@ -183,7 +183,7 @@ std::string addressInRuntimeFolder() {
 
 } // namespace
 
-BusState host::probeBus(std::string_view addresses, std::chrono::milliseconds patience) {
+BusState seat::probeBus(std::string_view addresses, std::chrono::milliseconds patience) {
     const auto deadline = Clock::now() + patience;
     BusState best = BusState::Absent;
     while (!addresses.empty() && best != BusState::Answers) {
@@ -199,7 +199,7 @@ BusState host::probeBus(std::string_view addresses, std::chrono::milliseconds pa
     return best;
 }
 
-BusState host::settleSessionBus(std::chrono::milliseconds patience) {
+BusState seat::settleSessionBus(std::chrono::milliseconds patience) {
     auto& address = knownAddress();
     address = environment(addressVariable);
     if (address.empty()) address = addressInRuntimeFolder();
@@ -208,4 +208,4 @@ BusState host::settleSessionBus(std::chrono::milliseconds patience) {
     return state;
 }
 
-const std::string& host::sessionBusAddress() { return knownAddress(); }
+const std::string& seat::sessionBusAddress() { return knownAddress(); }

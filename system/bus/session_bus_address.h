@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-namespace host {
+namespace seat {
 
 enum class BusState { Answers, Silent, Absent };
 
@@ -27,4 +27,4 @@ BusState settleSessionBus(std::chrono::milliseconds patience);
 // children.
 const std::string& sessionBusAddress();
 
-} // namespace host
+} // namespace seat

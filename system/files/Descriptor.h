@@ -3,7 +3,7 @@
 #include <unistd.h>
 #include <utility>
 
-namespace host {
+namespace seat {
 
 // Owns a file descriptor; -1 is none.
 class Descriptor {
@@ -27,4 +27,4 @@ private:
     int m_descriptor;
 };
 
-} // namespace host
+} // namespace seat

@@ -1,8 +1,8 @@
 #include "platform/foundation/NSFileManager.h"
 
-#include "host/foundation/files.h"
-#include "host/foundation/root.h"
 #include "platform/log.h"
+#include "system/files/files.h"
+#include "system/files/root.h"
 
 #include <cerrno>
 #include <dirent.h>
@@ -17,7 +17,7 @@ std::shared_ptr<NSFileManager> NSFileManager::defaultManager() {
 
 std::optional<std::vector<std::string>>
 NSFileManager::contentsOfDirectoryAtPath_error(const std::string& path, std::shared_ptr<NSError>* error) const {
-    const std::string folder = host::hostPath(path);
+    const std::string folder = seat::hostPath(path);
     std::vector<std::string> names;
     const std::unique_ptr<DIR, int (*)(DIR*)> stream(::opendir(folder.c_str()),
                                                      [](DIR* opened) { return ::closedir(opened); });
@@ -31,7 +31,7 @@ NSFileManager::contentsOfDirectoryAtPath_error(const std::string& path, std::sha
     }
     if (stream && number == 0) return names;
 
-    const auto failure = host::fileError("listing", folder, number);
+    const auto failure = seat::fileError("listing", folder, number);
     if (number != ENOENT) NSLog("%s", failure->localizedDescription().c_str());
     if (error) *error = failure;
     return std::nullopt;

@@ -1,4 +1,4 @@
-#include "host/foundation/temporary_file.h"
+#include "system/files/TemporaryFile.h"
 
 #include <cerrno>
 #include <fcntl.h>
@@ -28,7 +28,7 @@ bool isRemoved(int descriptor) {
 }
 
 void removeIfDead(const std::string& path) {
-    const host::Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY));
+    const seat::Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY));
     if (!file || ::flock(file.get(), LOCK_EX | LOCK_NB) != 0) return;
     // Its writer may have renamed it since it was opened here, and another have taken the name.
     struct stat opened {};
@@ -40,7 +40,7 @@ void removeIfDead(const std::string& path) {
 
 } // namespace
 
-host::TemporaryFile host::TemporaryFile::createBeside(const std::string& path) {
+seat::TemporaryFile seat::TemporaryFile::createBeside(const std::string& path) {
     TemporaryFile made;
     for (;;) {
         made.path = path + randomSuffix();
@@ -58,7 +58,7 @@ host::TemporaryFile host::TemporaryFile::createBeside(const std::string& path) {
     }
 }
 
-void host::removeDeadTemporariesBeside(const std::string& path) {
+void seat::removeDeadTemporariesBeside(const std::string& path) {
     const std::filesystem::path file = path;
     const std::string beginning = file.filename().string() + mark;
     std::error_code error;

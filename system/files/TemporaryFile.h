@@ -1,10 +1,10 @@
 #pragma once
 
-#include "host/foundation/Descriptor.h"
+#include "system/files/Descriptor.h"
 
 #include <string>
 
-namespace host {
+namespace seat {
 
 // A new file beside the one at a real path, to be written and renamed over it: "<path>.saving-<six letters>", its
 // owner's alone (0600). It is locked while it is open, so that one that is not is known for a dead writer's.
@@ -20,4 +20,4 @@ struct TemporaryFile {
 // name like it, stay.
 void removeDeadTemporariesBeside(const std::string& path);
 
-} // namespace host
+} // namespace seat

@@ -1,9 +1,9 @@
-#include "host/foundation/atomic_file.h"
+#include "system/files/atomic_file.h"
 
-#include "host/foundation/Descriptor.h"
-#include "host/foundation/files.h"
-#include "host/foundation/temporary_file.h"
 #include "platform/log.h"
+#include "system/files/Descriptor.h"
+#include "system/files/TemporaryFile.h"
+#include "system/files/files.h"
 
 #include <cerrno>
 #include <fcntl.h>
@@ -29,14 +29,14 @@ int writeAll(int descriptor, std::span<const std::uint8_t> bytes) {
 void flushFolderOf(const std::string& path) {
     const auto slash = path.rfind('/');
     const std::string folder = slash == std::string::npos ? "." : path.substr(0, slash + 1);
-    const host::Descriptor descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const seat::Descriptor descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!descriptor || ::fsync(descriptor.get()) != 0)
-        NSLog("%s", host::fileError("flushing the folder", folder, errno)->localizedDescription().c_str());
+        NSLog("%s", seat::fileError("flushing the folder", folder, errno)->localizedDescription().c_str());
 }
 
 } // namespace
 
-std::shared_ptr<NSError> host::writeFileAtomically(const std::string& path, std::span<const std::uint8_t> bytes) {
+std::shared_ptr<NSError> seat::writeFileAtomically(const std::string& path, std::span<const std::uint8_t> bytes) {
     struct stat existing {};
     const bool exists = ::stat(path.c_str(), &existing) == 0;
     // Renaming would say so as well, but only after all the writing.
@@ -60,7 +60,7 @@ std::shared_ptr<NSError> host::writeFileAtomically(const std::string& path, std:
     return nullptr;
 }
 
-std::shared_ptr<NSError> host::writeFile(const std::string& path, std::span<const std::uint8_t> bytes) {
+std::shared_ptr<NSError> seat::writeFile(const std::string& path, std::span<const std::uint8_t> bytes) {
     // A pipe that nobody reads fails at once instead of waiting.
     const Descriptor file(
         ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, ownerOnly));

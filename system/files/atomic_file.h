@@ -7,7 +7,7 @@
 #include <span>
 #include <string>
 
-namespace host {
+namespace seat {
 
 // Replaces the file at a real path: at every instant it is the old one or the new one, whole. The bytes go to
 // a temporary file beside it (temporary_file.h), which is flushed, renamed over the file, and the folder flushed. An
@@ -19,4 +19,4 @@ std::shared_ptr<NSError> writeFileAtomically(const std::string& path, std::span<
 // Overwrites in place; what was there is lost if it fails half-way. Errors as above.
 std::shared_ptr<NSError> writeFile(const std::string& path, std::span<const std::uint8_t> bytes);
 
-} // namespace host
+} // namespace seat

@@ -1,19 +1,19 @@
-#include "host/foundation/Descriptor.h"
-#include "host/foundation/files.h"
+#include "system/files/Descriptor.h"
+#include "system/files/files.h"
 
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
 
-std::shared_ptr<NSError> host::fileError(const char* operation, const std::string& path, int number) {
+std::shared_ptr<NSError> seat::fileError(const char* operation, const std::string& path, int number) {
     char text[128];
     // The call that is safe on several threads; the "C" locale's words do.
     const char* const words = ::strerror_r(number, text, sizeof text);
     return NSError::errorWithDescription(std::string(operation) + " " + path + ": " + words, number);
 }
 
-std::shared_ptr<NSData> host::readFile(const std::string& path, std::size_t maximumLength,
+std::shared_ptr<NSData> seat::readFile(const std::string& path, std::size_t maximumLength,
                                        std::shared_ptr<NSError>* error) {
     const auto failed = [&](int number) {
         if (error) *error = fileError("reading", path, number);

@@ -1,4 +1,4 @@
-#include "host/foundation/root.h"
+#include "system/files/root.h"
 
 #include <filesystem>
 #include <mutex>
@@ -18,18 +18,18 @@ struct Root {
 
 } // namespace
 
-void host::setRoot(std::string realPath) {
+void seat::setRoot(std::string realPath) {
     while (realPath.ends_with('/')) realPath.pop_back();
     const std::lock_guard lock(Root::shared().mutex);
     Root::shared().path = std::move(realPath);
 }
 
-std::string host::root() {
+std::string seat::root() {
     const std::lock_guard lock(Root::shared().mutex);
     return Root::shared().path;
 }
 
-std::string host::hostPath(const std::string& logicalPath) {
+std::string seat::hostPath(const std::string& logicalPath) {
     const std::string folder = root();
     if (folder.empty() || !logicalPath.starts_with('/')) return logicalPath;
     if (logicalPath.find("/..") == std::string::npos) return folder + logicalPath;

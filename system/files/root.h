@@ -2,12 +2,12 @@
 
 #include <string>
 
-namespace host {
+namespace seat {
 
 // The folder that stands for the phone's file system. Set once, before any file is touched; empty (the default): the
 // machine's own root.
 //
-// Who maps: the functions of platform/ take logical paths and map them here, nobody else does. The functions of host/
+// Who maps: the functions of platform/ take logical paths and map them here, nobody else does. The functions of system/ and desktop/
 // take real paths.
 void setRoot(std::string realPath);
 std::string root();
@@ -16,4 +16,4 @@ std::string root();
 // what it is.
 std::string hostPath(const std::string& logicalPath);
 
-} // namespace host
+} // namespace seat

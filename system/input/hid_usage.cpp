@@ -1,4 +1,4 @@
-#include "host/window/hid_usage.h"
+#include "system/input/hid_usage.h"
 
 #include <array>
 #include <cstdint>
@@ -188,8 +188,8 @@ constexpr auto usageByKernelKey = [] {
 
 } // namespace
 
-long host::hidUsageForKernelKey(unsigned kernelKey) {
+long seat::hidUsageForKernelKey(unsigned kernelKey) {
     return kernelKey < usageByKernelKey.size() ? usageByKernelKey[kernelKey] : 0;
 }
 
-long host::hidUsageForScanCode(unsigned scanCode) { return scanCode < 8 ? 0 : hidUsageForKernelKey(scanCode - 8); }
+long seat::hidUsageForScanCode(unsigned scanCode) { return scanCode < 8 ? 0 : hidUsageForKernelKey(scanCode - 8); }

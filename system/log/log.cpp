@@ -1,4 +1,4 @@
-#include "host/foundation/log.h"
+#include "system/log/log.h"
 
 #include "platform/log.h"
 
@@ -25,7 +25,7 @@ constexpr std::size_t longestLine = 1024;
 
 } // namespace
 
-void host::setLogSink(std::function<void(std::string_view line)> sink) {
+void seat::setLogSink(std::function<void(std::string_view line)> sink) {
     const std::lock_guard lock(Sink::shared().mutex);
     Sink::shared().write = std::move(sink);
 }

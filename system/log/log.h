@@ -3,10 +3,10 @@
 #include <functional>
 #include <string_view>
 
-namespace host {
+namespace seat {
 
 // Replaces what becomes of a logged line (without its line end). An empty function brings back the default, standard
 // error. Any thread; the function is called under a lock, on the thread that logs.
 void setLogSink(std::function<void(std::string_view line)> sink);
 
-} // namespace host
+} // namespace seat

@@ -1,8 +1,8 @@
 #include "platform/messaging_center.h"
 
-#include "host/bus/SessionBus.h"
-#include "host/messaging/message_sender.h"
 #include "platform/runtime.h"
+#include "system/bus/SessionBus.h"
+#include "system/messaging/message_sender.h"
 
 #include <map>
 
@@ -14,17 +14,17 @@ struct CPDistributedMessagingCenter::State {
 
     std::string name;
     std::map<std::string, Registered> messages;
-    host::SessionBus::Token methods = 0; // not 0 while the server runs
+    seat::SessionBus::Token methods = 0; // not 0 while the server runs
 
-    host::SessionBus::CallResult deliver(const host::BusCall& call) const;
+    seat::SessionBus::CallResult deliver(const seat::BusCall& call) const;
 };
 
-host::SessionBus::CallResult CPDistributedMessagingCenter::State::deliver(const host::BusCall& call) const {
+seat::SessionBus::CallResult CPDistributedMessagingCenter::State::deliver(const seat::BusCall& call) const {
     const auto found = messages.find(call.member);
     const auto target = found == messages.end() ? nullptr : found->second.target.lock();
-    if (!target) return host::SessionBus::CallResult::UnknownMethod;
+    if (!target) return seat::SessionBus::CallResult::UnknownMethod;
     objc_msgSend(*target, found->second.selector, {id(call.member), id(call.dictionary)});
-    return host::SessionBus::CallResult::Done;
+    return seat::SessionBus::CallResult::Done;
 }
 
 NS_CLASS_IMPLEMENTATION(CPDistributedMessagingCenter, NSObject)
@@ -47,9 +47,9 @@ std::shared_ptr<CPDistributedMessagingCenter> CPDistributedMessagingCenter::cent
 
 void CPDistributedMessagingCenter::runServerOnCurrentThread() {
     if (m_state->methods != 0) return;
-    auto& bus = host::SessionBus::shared();
+    auto& bus = seat::SessionBus::shared();
     // The methods first: whoever sees the name may call at once.
-    m_state->methods = bus.addMethods(host::messagingCenterPath, m_state->name, [this](const host::BusCall& call) {
+    m_state->methods = bus.addMethods(seat::messagingCenterPath, m_state->name, [this](const seat::BusCall& call) {
         const auto alive = shared_from_this(); // the target may drop the last reference
         return m_state->deliver(call);
     });
@@ -58,7 +58,7 @@ void CPDistributedMessagingCenter::runServerOnCurrentThread() {
 
 void CPDistributedMessagingCenter::stopServer() {
     if (m_state->methods == 0) return;
-    auto& bus = host::SessionBus::shared();
+    auto& bus = seat::SessionBus::shared();
     bus.remove(std::exchange(m_state->methods, 0));
     bus.removeName(m_state->name);
 }

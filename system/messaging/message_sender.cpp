@@ -1,7 +1,7 @@
-#include "host/messaging/message_sender.h"
+#include "system/messaging/message_sender.h"
 
-#include "host/bus/SessionBus.h"
 #include "platform/log.h"
+#include "system/bus/SessionBus.h"
 
 namespace {
 
@@ -9,7 +9,7 @@ constexpr std::chrono::seconds patience{5};
 
 } // namespace
 
-void host::sendMessage(const std::string& center, const std::string& message,
+void seat::sendMessage(const std::string& center, const std::string& message,
                        const std::shared_ptr<NSDictionary>& dictionary, std::function<void(bool)> delivered) {
     std::function<void(const SessionBus::Reply&)> replied;
     if (delivered)

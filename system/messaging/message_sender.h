@@ -6,7 +6,7 @@
 #include <memory>
 #include <string>
 
-namespace host {
+namespace seat {
 
 // The object path of every messaging center.
 inline constexpr const char* messagingCenterPath = "/";
@@ -17,4 +17,4 @@ inline constexpr const char* messagingCenterPath = "/";
 void sendMessage(const std::string& center, const std::string& message, const std::shared_ptr<NSDictionary>& dictionary,
                  std::function<void(bool)> delivered = nullptr);
 
-} // namespace host
+} // namespace seat

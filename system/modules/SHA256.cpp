@@ -1,4 +1,4 @@
-#include "host/modules/sha256.h"
+#include "system/modules/SHA256.h"
 
 #include <algorithm>
 #include <bit>
@@ -21,7 +21,7 @@ std::uint32_t bigEndian32(const std::uint8_t* bytes) {
 
 } // namespace
 
-void host::SHA256::addBlock(const std::uint8_t* block) {
+void seat::SHA256::addBlock(const std::uint8_t* block) {
     std::array<std::uint32_t, 64> w;
     for (std::size_t i = 0; i < 16; ++i) w[i] = bigEndian32(block + 4 * i);
     for (std::size_t i = 16; i < 64; ++i) {
@@ -50,7 +50,7 @@ void host::SHA256::addBlock(const std::uint8_t* block) {
     for (std::size_t i = 0; i < mixed.size(); ++i) m_state[i] += mixed[i];
 }
 
-void host::SHA256::add(std::span<const std::uint8_t> bytes) {
+void seat::SHA256::add(std::span<const std::uint8_t> bytes) {
     const std::size_t held = m_length % m_pending.size();
     m_length += bytes.size();
     if (held != 0) {
@@ -64,7 +64,7 @@ void host::SHA256::add(std::span<const std::uint8_t> bytes) {
     std::copy(bytes.begin(), bytes.end(), m_pending.begin());
 }
 
-std::string host::SHA256::hexDigest() {
+std::string seat::SHA256::hexDigest() {
     const std::uint64_t bits = m_length * 8;
     static constexpr std::array<std::uint8_t, 64> padding{0x80};
     const std::size_t held = m_length % 64;

@@ -6,7 +6,7 @@
 #include <span>
 #include <string>
 
-namespace host {
+namespace seat {
 
 // SHA-256 (FIPS 180-4) over bytes that come in pieces.
 class SHA256 {
@@ -24,4 +24,4 @@ private:
     std::uint64_t m_length = 0; // bytes added so far
 };
 
-} // namespace host
+} // namespace seat

@@ -1,6 +1,6 @@
-#include "host/modules/module_file.h"
+#include "system/modules/module_file.h"
 
-#include "host/modules/sha256.h"
+#include "system/modules/SHA256.h"
 
 #include <cerrno>
 #include <cstring>
@@ -60,7 +60,7 @@ std::string reason(int error) { return std::string("cannot be read: ") + strerro
 
 } // namespace
 
-std::string host::moduleProblem(const std::string& path, const ModuleSeal& seal) {
+std::string seat::moduleProblem(const std::string& path, const ModuleSeal& seal) {
     // A pipe in the module's place must not make us wait.
     const Descriptor file{open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)};
     if (file.number == -1) return errno == ENOENT ? "is missing" : reason(errno);
@@ -89,7 +89,7 @@ std::string host::moduleProblem(const std::string& path, const ModuleSeal& seal)
     return {};
 }
 
-std::string host::loadModule(const std::string& path) {
+std::string seat::loadModule(const std::string& path) {
     if (dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL)) return {};
     const char* const problem = dlerror();
     return problem ? problem : "unknown reason";

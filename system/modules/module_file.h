@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string>
 
-namespace host {
+namespace seat {
 
 // What a manifest says of its module.
 struct ModuleSeal {
@@ -19,4 +19,4 @@ std::string moduleProblem(const std::string& path, const ModuleSeal& seal);
 // Loads the module with its symbols kept to itself, for the rest of the process's life. Empty, or the loader's reason.
 std::string loadModule(const std::string& path);
 
-} // namespace host
+} // namespace seat

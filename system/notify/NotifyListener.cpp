@@ -1,6 +1,6 @@
-#include "host/notify/NotifyListener.h"
+#include "system/notify/NotifyListener.h"
 
-#include "host/notify/signal_name.h"
+#include "system/notify/signal_name.h"
 
 #include <algorithm>
 #include <vector>
@@ -22,7 +22,7 @@ std::vector<Registered>& listeners() {
 
 } // namespace
 
-host::NotifyListener::NotifyListener(const std::string& name, std::function<void()> heard)
+seat::NotifyListener::NotifyListener(const std::string& name, std::function<void()> heard)
     : m_heard(std::make_shared<std::function<void()>>(std::move(heard))), m_name(name) {
     listeners().push_back({name, m_heard});
     if (const auto signal = signalForNotification(name))
@@ -32,12 +32,12 @@ host::NotifyListener::NotifyListener(const std::string& name, std::function<void
                                                   });
 }
 
-host::NotifyListener::~NotifyListener() {
+seat::NotifyListener::~NotifyListener() {
     std::erase_if(listeners(), [this](const Registered& each) { return each.heard.lock() == m_heard; });
     SessionBus::shared().remove(m_signal);
 }
 
-void host::deliverNotification(const std::string& name) {
+void seat::deliverNotification(const std::string& name) {
     // A listener may remove itself or others.
     std::vector<Heard> concerned;
     for (const auto& each : listeners())

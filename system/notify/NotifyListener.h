@@ -1,12 +1,12 @@
 #pragma once
 
-#include "host/bus/SessionBus.h"
+#include "system/bus/SessionBus.h"
 
 #include <functional>
 #include <memory>
 #include <string>
 
-namespace host {
+namespace seat {
 
 // Hears a notification while it lives, whoever posts it: another program over the session bus, or this process, with or
 // without a bus. Main thread; what this process posts is heard in the order of posting, later than notify_post returns.
@@ -26,4 +26,4 @@ private:
 // Delivers to the listeners of this process. Main thread.
 void deliverNotification(const std::string& name);
 
-} // namespace host
+} // namespace seat

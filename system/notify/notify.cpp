@@ -1,11 +1,11 @@
 #include "platform/notify.h"
 
-#include "host/bus/SessionBus.h"
-#include "host/dispatch/main_queue.h"
-#include "host/notify/NotifyListener.h"
-#include "host/notify/signal_name.h"
+#include "kit/dispatch/main_queue.h"
 #include "platform/dispatch.h"
 #include "platform/log.h"
+#include "system/bus/SessionBus.h"
+#include "system/notify/NotifyListener.h"
+#include "system/notify/signal_name.h"
 
 #include <chrono>
 #include <condition_variable>
@@ -40,14 +40,14 @@ private:
 // The bus treats what comes from us in order: when it answers, it has passed on all that was sent before.
 void finishOnceTheBusAnswers(const std::shared_ptr<Handover>& handover) {
     constexpr const char* bus = "org.freedesktop.DBus";
-    host::SessionBus::shared().call({bus, "/org/freedesktop/DBus", bus, "GetId"}, "", {}, patience,
-                                    [handover](const host::SessionBus::Reply&) { handover->finish(); });
+    seat::SessionBus::shared().call({bus, "/org/freedesktop/DBus", bus, "GetId"}, "", {}, patience,
+                                    [handover](const seat::SessionBus::Reply&) { handover->finish(); });
 }
 
 } // namespace
 
 std::uint32_t notify_post(const char* name) {
-    auto signal = host::signalForNotification(name ? name : "");
+    auto signal = seat::signalForNotification(name ? name : "");
     if (!signal) {
         NSLog("notify_post %s: not a name of three parts or more", name ? name : "(null)");
         return NOTIFY_STATUS_FAILED;
@@ -55,10 +55,10 @@ std::uint32_t notify_post(const char* name) {
     // The main queue keeps the order of posting, across threads too, for the bus and for the listeners here.
     // A worker goes on to speak to whoever listens, who must have heard of it by then.
     const auto handover = dispatch_is_main_thread() ? nullptr : std::make_shared<Handover>();
-    host::queueOnMain([posted = std::string(name), signal = std::move(*signal), handover] {
-        host::SessionBus::shared().emitSignal(signal);
+    seat::queueOnMain([posted = std::string(name), signal = std::move(*signal), handover] {
+        seat::SessionBus::shared().emitSignal(signal);
         if (handover) finishOnceTheBusAnswers(handover);
-        host::deliverNotification(posted);
+        seat::deliverNotification(posted);
     });
     if (handover) handover->wait();
     return NOTIFY_STATUS_OK;

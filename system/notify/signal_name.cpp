@@ -1,4 +1,4 @@
-#include "host/notify/signal_name.h"
+#include "system/notify/signal_name.h"
 
 #include <algorithm>
 #include <string_view>
@@ -18,7 +18,7 @@ bool isPart(std::string_view part) {
 
 } // namespace
 
-std::optional<host::BusSignal> host::signalForNotification(const std::string& name) {
+std::optional<seat::BusSignal> seat::signalForNotification(const std::string& name) {
     int parts = 1;
     for (std::string_view rest = name;; ++parts) {
         const auto dot = rest.find('.');

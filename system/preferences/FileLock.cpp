@@ -1,4 +1,4 @@
-#include "host/preferences/FileLock.h"
+#include "system/preferences/FileLock.h"
 
 #include <cerrno>
 #include <cstring>
@@ -6,7 +6,7 @@
 #include <sys/file.h>
 #include <thread>
 
-namespace host {
+namespace seat {
 
 FileLock::FileLock(int folder, const std::string& name, std::chrono::milliseconds patience) {
     // Without waiting for a pipe's other end, should somebody have put one here.
@@ -36,4 +36,4 @@ FileLock::FileLock(int folder, const std::string& name, std::chrono::millisecond
     }
 }
 
-} // namespace host
+} // namespace seat

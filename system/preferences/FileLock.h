@@ -1,11 +1,11 @@
 #pragma once
 
-#include "host/foundation/Descriptor.h"
+#include "system/files/Descriptor.h"
 
 #include <chrono>
 #include <string>
 
-namespace host {
+namespace seat {
 
 // Exclusive right to change a file, held against other processes and other threads through a file beside it. Let go
 // of when this object dies, also when its process is killed. The lock's file stays behind, empty.
@@ -26,4 +26,4 @@ private:
     std::string m_reason;
 };
 
-} // namespace host
+} // namespace seat

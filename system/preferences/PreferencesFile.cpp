@@ -1,14 +1,14 @@
-#include "host/preferences/preferences_file.h"
+#include "system/preferences/PreferencesFile.h"
 
-#include "host/foundation/Descriptor.h"
 #include "platform/foundation/NSData.h"
 #include "platform/foundation/NSPropertyListSerialization.h"
+#include "system/files/Descriptor.h"
 
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
 
-namespace host {
+namespace seat {
 namespace {
 
 constexpr off_t largest = 4 << 20;
@@ -80,4 +80,4 @@ bool PreferencesFile::isUnchanged(int folder, const std::string& name) const {
            now.st_size == status.st_size && sameMoment(now.st_mtim, status.st_mtim);
 }
 
-} // namespace host
+} // namespace seat

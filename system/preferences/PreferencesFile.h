@@ -8,7 +8,7 @@
 #include <string>
 #include <sys/stat.h>
 
-namespace host {
+namespace seat {
 
 struct PreferencesFile {
     enum class State {
@@ -28,4 +28,4 @@ struct PreferencesFile {
     bool isUnchanged(int folder, const std::string& name) const;
 };
 
-} // namespace host
+} // namespace seat

@@ -1,12 +1,12 @@
-#include "host/preferences/preferences_store.h"
+#include "system/preferences/preferences_store.h"
 
-#include "host/foundation/Descriptor.h"
-#include "host/foundation/root.h"
-#include "host/preferences/preferences_file.h"
-#include "host/preferences/preferences_writer.h"
 #include "platform/dispatch.h"
 #include "platform/foundation/NSPropertyListSerialization.h"
 #include "platform/log.h"
+#include "system/files/Descriptor.h"
+#include "system/files/root.h"
+#include "system/preferences/PreferencesFile.h"
+#include "system/preferences/preferences_writer.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -15,7 +15,7 @@
 #include <map>
 #include <mutex>
 
-namespace host {
+namespace seat {
 namespace {
 
 struct KeptValue {
@@ -228,4 +228,4 @@ bool storeKeptPreferences(std::chrono::milliseconds patience) {
     return isAllStored;
 }
 
-} // namespace host
+} // namespace seat

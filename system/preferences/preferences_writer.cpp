@@ -1,13 +1,13 @@
-#include "host/preferences/preferences_writer.h"
+#include "system/preferences/preferences_writer.h"
 
-#include "host/foundation/Descriptor.h"
-#include "host/foundation/temporary_file.h"
-#include "host/preferences/FileLock.h"
-#include "host/preferences/preferences_file.h"
-#include "host/preferences/write_steps.h"
 #include "platform/foundation/NSData.h"
 #include "platform/foundation/NSFileManager.h"
 #include "platform/foundation/NSPropertyListSerialization.h"
+#include "system/files/Descriptor.h"
+#include "system/files/TemporaryFile.h"
+#include "system/preferences/FileLock.h"
+#include "system/preferences/PreferencesFile.h"
+#include "system/preferences/write_steps.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -17,7 +17,7 @@
 #include <random>
 #include <span>
 
-namespace host {
+namespace seat {
 namespace {
 
 // Never destroyed: a worker may still be writing when the process ends.
@@ -232,4 +232,4 @@ void removeDeadWritersLeftovers(const std::string& folder, const std::string& do
     if (lock.isHeld()) removeLeftovers(descriptor.get(), folder, name);
 }
 
-} // namespace host
+} // namespace seat

@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-namespace host {
+namespace seat {
 
 struct PreferencesWriteResult {
     bool isStored = false;
@@ -37,4 +37,4 @@ PreferencesWriteResult changePreferencesFile(const std::string& folder, const st
 // ever. Never waits.
 void removeDeadWritersLeftovers(const std::string& folder, const std::string& domain);
 
-} // namespace host
+} // namespace seat

@@ -4,7 +4,7 @@
 
 #include <functional>
 
-namespace host {
+namespace seat {
 
 enum class PreferencesWriteStep {
     Locked,
@@ -22,4 +22,4 @@ enum class PreferencesWriteStep {
 // number. An empty function removes it. Not for use while writes are under way.
 void setPreferencesWriteProbe(std::function<int(PreferencesWriteStep)> probe);
 
-} // namespace host
+} // namespace seat

@@ -1,10 +1,10 @@
 #include "platform/task.h"
 
-#include "host/foundation/root.h"
-#include "host/process/child_environment.h"
-#include "host/process/children.h"
-#include "host/process/spawn.h"
 #include "platform/log.h"
+#include "system/files/root.h"
+#include "system/process/child_environment.h"
+#include "system/process/children.h"
+#include "system/process/spawn.h"
 
 #include <cstring>
 
@@ -23,17 +23,17 @@ std::shared_ptr<NSTask> NSTask::launchedTaskWithLaunchPath_arguments(const std::
                                                                      const std::vector<std::string>& arguments) {
     auto task = alloc();
     task->init();
-    auto child = host::spawn(host::hostPath(path), arguments, host::childEnvironment(), loadingPatience);
+    auto child = seat::spawn(seat::hostPath(path), arguments, seat::childEnvironment(), loadingPatience);
     if (child.identifier == 0) {
         logFailure(path, child.error);
         return task;
     }
     task->m_processIdentifier = child.identifier;
-    host::adoptChild(std::move(child), [path, launched = std::weak_ptr<NSTask>(task)](int error) {
+    seat::adoptChild(std::move(child), [path, launched = std::weak_ptr<NSTask>(task)](int error) {
         logFailure(path, error);
         if (const auto alive = launched.lock()) alive->m_processIdentifier = 0;
     });
     return task;
 }
 
-int platform::kill(int processIdentifier, int signal) { return host::signalChild(processIdentifier, signal); }
+int platform::kill(int processIdentifier, int signal) { return seat::signalChild(processIdentifier, signal); }

@@ -1,7 +1,7 @@
-#include "host/process/child_environment.h"
+#include "system/process/child_environment.h"
 
-#include "host/bus/session_bus_address.h"
-#include "host/foundation/root.h"
+#include "system/bus/session_bus_address.h"
+#include "system/files/root.h"
 
 #include <cstdlib>
 #include <map>
@@ -23,13 +23,13 @@ void set(std::vector<std::string>& environment, const std::string& name, const s
 
 } // namespace
 
-void host::setVariableForUsAlone(const std::string& name, const std::string& value) {
+void seat::setVariableForUsAlone(const std::string& name, const std::string& value) {
     const char* const former = std::getenv(name.c_str());
     formerValues().try_emplace(name, former ? former : "");
     setenv(name.c_str(), value.c_str(), 1);
 }
 
-std::vector<std::string> host::childEnvironment() {
+std::vector<std::string> seat::childEnvironment() {
     std::vector<std::string> environment;
     for (char** entry = environ; entry && *entry; ++entry) environment.emplace_back(*entry);
     for (const auto& [name, former] : formerValues()) set(environment, name, former);

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-namespace host {
+namespace seat {
 
 // The name under which a child finds the folder that stands for the phone's file system.
 inline constexpr const char* rootVariable = "JOYVANE_ROOT";
@@ -16,4 +16,4 @@ void setVariableForUsAlone(const std::string& name, const std::string& value);
 // (absent without one) and DBUS_SESSION_BUS_ADDRESS to the session's bus.
 std::vector<std::string> childEnvironment();
 
-} // namespace host
+} // namespace seat

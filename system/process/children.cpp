@@ -1,7 +1,7 @@
-#include "host/process/children.h"
+#include "system/process/children.h"
 
-#include "host/dispatch/run_loop_sources.h"
-#include "host/process/pidfd.h"
+#include "kit/dispatch/run_loop_sources.h"
+#include "system/process/pidfd.h"
 
 #include <cerrno>
 #include <map>
@@ -10,7 +10,7 @@
 
 namespace {
 
-using namespace host;
+using namespace seat;
 
 struct Child {
     Descriptor process;
@@ -73,7 +73,7 @@ void reapChild(int identifier) {
 
 } // namespace
 
-void host::adoptChild(SpawnedChild child, std::function<void(int)> couldNotLoad) {
+void seat::adoptChild(SpawnedChild child, std::function<void(int)> couldNotLoad) {
     auto& children = Children::shared();
     const int identifier = child.identifier;
     tell(identifier, "was started: " + child.command);
@@ -92,9 +92,9 @@ void host::adoptChild(SpawnedChild child, std::function<void(int)> couldNotLoad)
     });
 }
 
-void host::setChildListener(std::function<void(const std::string&)> listener) { childListener() = std::move(listener); }
+void seat::setChildListener(std::function<void(const std::string&)> listener) { childListener() = std::move(listener); }
 
-int host::signalChild(int identifier, int signal) {
+int seat::signalChild(int identifier, int signal) {
     auto& children = Children::shared();
     const std::lock_guard lock(children.mutex);
     const auto found = children.all.find(identifier);

@@ -1,4 +1,4 @@
-#include "host/process/process_faults.h"
+#include "system/process/process_faults.h"
 
 #include <atomic>
 
@@ -9,12 +9,12 @@ std::atomic<int> number = 0;
 
 } // namespace
 
-void host::failForks(int times, int errorNumber) {
+void seat::failForks(int times, int errorNumber) {
     number = errorNumber;
     left = times;
 }
 
-int host::takeForkFault() {
+int seat::takeForkFault() {
     int count = left.load(std::memory_order_relaxed);
     while (count > 0)
         if (left.compare_exchange_weak(count, count - 1)) return number;

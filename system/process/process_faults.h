@@ -1,6 +1,6 @@
 #pragma once
 
-namespace host {
+namespace seat {
 
 // For tests: the next `times` children cannot be made, with this error number.
 void failForks(int times, int errorNumber);
@@ -8,4 +8,4 @@ void failForks(int times, int errorNumber);
 // Used when a child is made: the error number with which it is to fail, or 0.
 int takeForkFault();
 
-} // namespace host
+} // namespace seat

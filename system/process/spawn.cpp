@@ -1,7 +1,7 @@
-#include "host/process/spawn.h"
+#include "system/process/spawn.h"
 
-#include "host/process/pidfd.h"
-#include "host/process/process_faults.h"
+#include "system/process/pidfd.h"
+#include "system/process/process_faults.h"
 
 #include <cerrno>
 #include <csignal>
@@ -46,20 +46,20 @@ void reap(::pid_t child) {
     }
 }
 
-host::SpawnedChild failed(int error) {
-    host::SpawnedChild child;
+seat::SpawnedChild failed(int error) {
+    seat::SpawnedChild child;
     child.error = error;
     return child;
 }
 
 } // namespace
 
-int host::loadingResult(const Descriptor& loading) {
+int seat::loadingResult(const Descriptor& loading) {
     int error = 0;
     return ::read(loading.get(), &error, sizeof error) == sizeof error ? error : 0;
 }
 
-host::SpawnedChild host::spawn(const std::string& realPath, const std::vector<std::string>& arguments,
+seat::SpawnedChild seat::spawn(const std::string& realPath, const std::vector<std::string>& arguments,
                                const std::vector<std::string>& environment, std::chrono::milliseconds patience) {
     std::vector<std::string> named{realPath};
     named.insert(named.end(), arguments.begin(), arguments.end());

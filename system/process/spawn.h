@@ -1,13 +1,13 @@
 #pragma once
 
-#include "host/foundation/Descriptor.h"
+#include "system/files/Descriptor.h"
 
 #include <chrono>
 #include <string>
 #include <sys/types.h>
 #include <vector>
 
-namespace host {
+namespace seat {
 
 struct SpawnedChild {
     ::pid_t identifier = 0; // 0: it could not be started, and there is no child
@@ -28,4 +28,4 @@ SpawnedChild spawn(const std::string& realPath, const std::vector<std::string>& 
 // What `loading` says once it is readable: the error number, or 0.
 int loadingResult(const Descriptor& loading);
 
-} // namespace host
+} // namespace seat

@@ -1,7 +1,7 @@
-#include "host/testing/poll_loop.h"
+#include "system/run_loop/PollLoop.h"
 
-#include "host/dispatch/main_queue.h"
-#include "host/foundation/clock.h"
+#include "kit/dispatch/main_queue.h"
+#include "kit/seat.h"
 
 #include <algorithm>
 #include <chrono>
@@ -12,7 +12,7 @@
 #include <unistd.h>
 #include <vector>
 
-class host::PollLoop::Wake {
+class seat::PollLoop::Wake {
 public:
     Wake() : m_descriptor(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
     ~Wake() { ::close(m_descriptor); }
@@ -38,17 +38,17 @@ double realSeconds() {
 
 } // namespace
 
-host::PollLoop::PollLoop() : m_wake(std::make_shared<Wake>()) {
+seat::PollLoop::PollLoop() : m_wake(std::make_shared<Wake>()) {
     setRunLoopDriver(this);
     setWakeMainQueue([wake = m_wake] { wake->signal(); });
 }
 
-host::PollLoop::~PollLoop() {
+seat::PollLoop::~PollLoop() {
     setWakeMainQueue(nullptr);
     setRunLoopDriver(nullptr);
 }
 
-bool host::PollLoop::runUntil(const std::function<bool()>& done, double seconds) {
+bool seat::PollLoop::runUntil(const std::function<bool()>& done, double seconds) {
     const double end = realSeconds() + seconds;
     while (!done()) {
         const double left = end - realSeconds();
@@ -58,9 +58,9 @@ bool host::PollLoop::runUntil(const std::function<bool()>& done, double seconds)
     return true;
 }
 
-void host::PollLoop::runReady() { runOnce(0); }
+void seat::PollLoop::runReady() { runOnce(0); }
 
-void host::PollLoop::runOnce(double longestWait) {
+void seat::PollLoop::runOnce(double longestWait) {
     std::vector<SourceToken> tokens;
     std::vector<pollfd> descriptors{{m_wake->descriptor(), POLLIN, 0}};
     for (const auto& [token, descriptor] : m_watched) {

@@ -1,12 +1,12 @@
 #pragma once
 
-#include "host/dispatch/run_loop_sources.h"
+#include "kit/dispatch/run_loop_sources.h"
 
 #include <functional>
 #include <map>
 #include <memory>
 
-namespace host {
+namespace seat {
 
 // A main run loop without a window: the main queue, readable descriptors and timers, by poll(2). For tests and for
 // programs that show nothing. Main thread only, one at a time.
@@ -38,4 +38,4 @@ private:
     std::optional<double> m_deadline;
 };
 
-} // namespace host
+} // namespace seat

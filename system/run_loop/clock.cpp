@@ -1,4 +1,4 @@
-#include "host/foundation/clock.h"
+#include "kit/seat.h"
 
 #include <atomic>
 #include <time.h>
@@ -11,13 +11,13 @@ timespec read(clockid_t clock) {
     return now;
 }
 
-std::atomic<const host::ClockSource*> replacement = nullptr;
+std::atomic<const seat::ClockSource*> replacement = nullptr;
 
 } // namespace
 
-void host::setClockSource(const ClockSource* source) { replacement = source; }
+void seat::setClockSource(const ClockSource* source) { replacement = source; }
 
-bool host::clockIsHeld() { return replacement != nullptr; }
+bool seat::clockIsHeld() { return replacement != nullptr; }
 
 int platform::gettimeofday(timeval* now) {
     if (!now) return 0;

@@ -1,6 +1,6 @@
-#include "host/socket/address.h"
+#include "system/socket/address.h"
 
-#include "host/foundation/Descriptor.h"
+#include "system/files/Descriptor.h"
 
 #include <cerrno>
 #include <cstdint>
@@ -13,7 +13,7 @@
 
 namespace {
 
-using namespace host;
+using namespace seat;
 
 std::optional<::sockaddr_un> shortAddress(const std::string& path) {
     ::sockaddr_un address{};
@@ -35,7 +35,7 @@ int call(AddressCall function, int descriptor, const std::string& path) {
 
 } // namespace
 
-int host::connectToPath(int descriptor, const std::string& realPath) {
+int seat::connectToPath(int descriptor, const std::string& realPath) {
     if (shortAddress(realPath)) return call(::connect, descriptor, realPath);
     // The link names the socket itself, whatever the length of its own name.
     const Descriptor itself(::open(realPath.c_str(), O_PATH | O_CLOEXEC));
@@ -43,7 +43,7 @@ int host::connectToPath(int descriptor, const std::string& realPath) {
     return call(::connect, descriptor, pathOfDescriptor(itself.get()));
 }
 
-int host::bindToPath(int descriptor, const std::string& realPath) {
+int seat::bindToPath(int descriptor, const std::string& realPath) {
     if (shortAddress(realPath)) return call(::bind, descriptor, realPath);
     const auto slash = realPath.rfind('/');
     if (slash == std::string::npos) return ENAMETOOLONG;
@@ -52,7 +52,7 @@ int host::bindToPath(int descriptor, const std::string& realPath) {
     return call(::bind, descriptor, pathOfDescriptor(folder.get()) + realPath.substr(slash));
 }
 
-bool host::peerIsTrusted(int descriptor) {
+bool seat::peerIsTrusted(int descriptor) {
     ::ucred peer{};
     ::socklen_t size = sizeof peer;
     if (::getsockopt(descriptor, SOL_SOCKET, SO_PEERCRED, &peer, &size) != 0) return false;

@@ -1,4 +1,4 @@
-#include "host/socket/receive.h"
+#include "system/socket/receive.h"
 
 #include <cerrno>
 #include <chrono>
@@ -26,7 +26,7 @@ void setTimeout(int descriptor, microseconds duration) {
 
 } // namespace
 
-std::ptrdiff_t host::receiveAll(int descriptor, void* bytes, std::size_t length) {
+std::ptrdiff_t seat::receiveAll(int descriptor, void* bytes, std::size_t length) {
     const auto start = Clock::now();
     auto* const into = static_cast<std::uint8_t*>(bytes);
     std::size_t received = 0;

@@ -1,10 +1,10 @@
 #include "platform/socket.h"
 
-#include "host/foundation/root.h"
-#include "host/socket/address.h"
-#include "host/socket/receive.h"
-#include "host/socket/socket_faults.h"
 #include "platform/log.h"
+#include "system/files/root.h"
+#include "system/socket/address.h"
+#include "system/socket/receive.h"
+#include "system/socket/socket_faults.h"
 
 #include <cerrno>
 #include <cstring>
@@ -25,7 +25,7 @@ int failed(int errorNumber) {
 int connectAtOnce(int descriptor, const std::string& path) {
     const int flags = ::fcntl(descriptor, F_GETFL);
     if (flags == -1 || ::fcntl(descriptor, F_SETFL, flags | O_NONBLOCK) == -1) return errno;
-    const int error = host::connectToPath(descriptor, path);
+    const int error = seat::connectToPath(descriptor, path);
     ::fcntl(descriptor, F_SETFL, flags);
     return error;
 }
@@ -44,19 +44,19 @@ const char* reason(int errorNumber) {
 } // namespace
 
 int platform::socket(int domain, int type, int protocol) {
-    if (const int fault = host::takeSocketFault(host::SocketCall::Socket)) return failed(fault);
+    if (const int fault = seat::takeSocketFault(seat::SocketCall::Socket)) return failed(fault);
     if (domain != AF_UNIX_FAMILY || type != SOCK_STREAM_TYPE || protocol != 0) return failed(EPROTONOSUPPORT);
     return ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
 }
 
 int platform::connect(int descriptor, const sockaddr_un* address, std::size_t size) {
-    if (const int fault = host::takeSocketFault(host::SocketCall::Connect)) return failed(fault);
+    if (const int fault = seat::takeSocketFault(seat::SocketCall::Connect)) return failed(fault);
     if (!address || size != sizeof *address || address->sun_family != AF_UNIX_FAMILY) return failed(EINVAL);
     const std::string path(address->sun_path, ::strnlen(address->sun_path, sizeof address->sun_path));
     if (path.empty()) return failed(ENOENT);
 
-    int error = connectAtOnce(descriptor, host::hostPath(path));
-    if (error == 0 && !host::peerIsTrusted(descriptor)) {
+    int error = connectAtOnce(descriptor, seat::hostPath(path));
+    if (error == 0 && !seat::peerIsTrusted(descriptor)) {
         ::shutdown(descriptor, SHUT_RDWR); // what the caller sends in spite of the failure goes nowhere
         error = EPERM;
     }
@@ -66,13 +66,13 @@ int platform::connect(int descriptor, const sockaddr_un* address, std::size_t si
 }
 
 std::ptrdiff_t platform::send(int descriptor, const void* bytes, std::size_t length, int) {
-    if (const int fault = host::takeSocketFault(host::SocketCall::Send)) return failed(fault);
+    if (const int fault = seat::takeSocketFault(seat::SocketCall::Send)) return failed(fault);
     return ::send(descriptor, bytes, length, MSG_NOSIGNAL | MSG_DONTWAIT);
 }
 
 std::ptrdiff_t platform::recv(int descriptor, void* bytes, std::size_t length, int flags) {
-    if (const int fault = host::takeSocketFault(host::SocketCall::Receive)) return failed(fault);
-    if (flags & MSG_WAITALL_FLAG) return host::receiveAll(descriptor, bytes, length);
+    if (const int fault = seat::takeSocketFault(seat::SocketCall::Receive)) return failed(fault);
+    if (flags & MSG_WAITALL_FLAG) return seat::receiveAll(descriptor, bytes, length);
     for (;;) {
         const std::ptrdiff_t result = ::recv(descriptor, bytes, length, 0);
         if (result != -1 || errno != EINTR) return result;
@@ -80,7 +80,7 @@ std::ptrdiff_t platform::recv(int descriptor, void* bytes, std::size_t length, i
 }
 
 int platform::setsockopt(int descriptor, int level, int option, const void* value, std::size_t size) {
-    if (const int fault = host::takeSocketFault(host::SocketCall::SetOption)) return failed(fault);
+    if (const int fault = seat::takeSocketFault(seat::SocketCall::SetOption)) return failed(fault);
     if (level != SOL_SOCKET_LEVEL || option != SO_RCVTIMEO_OPTION) return failed(ENOPROTOOPT);
     timeval time;
     if (!value || size != sizeof time) return failed(EINVAL);

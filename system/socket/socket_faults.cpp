@@ -1,4 +1,4 @@
-#include "host/socket/socket_faults.h"
+#include "system/socket/socket_faults.h"
 
 #include <atomic>
 
@@ -8,22 +8,22 @@ struct Fault {
     std::atomic<int> left = 0;
     std::atomic<int> errorNumber = 0;
 };
-constinit Fault faults[host::socketCallCount];
+constinit Fault faults[seat::socketCallCount];
 
-Fault& fault(host::SocketCall call) { return faults[static_cast<std::size_t>(call)]; }
+Fault& fault(seat::SocketCall call) { return faults[static_cast<std::size_t>(call)]; }
 
 } // namespace
 
-void host::failSocketCalls(SocketCall call, int times, int errorNumber) {
+void seat::failSocketCalls(SocketCall call, int times, int errorNumber) {
     fault(call).errorNumber = errorNumber;
     fault(call).left = times;
 }
 
-void host::clearSocketFaults() {
+void seat::clearSocketFaults() {
     for (auto& each : faults) each.left = 0;
 }
 
-int host::takeSocketFault(SocketCall call) {
+int seat::takeSocketFault(SocketCall call) {
     auto& wanted = fault(call);
     int left = wanted.left.load(std::memory_order_relaxed);
     while (left > 0)

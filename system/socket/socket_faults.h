@@ -3,7 +3,7 @@
 #include <cstddef>
 
 // Lets tests make a call of platform/socket.h fail as a system in trouble would.
-namespace host {
+namespace seat {
 
 enum class SocketCall : std::size_t { Socket, Connect, Send, Receive, SetOption };
 inline constexpr std::size_t socketCallCount = 5;
@@ -15,4 +15,4 @@ void clearSocketFaults();
 // Used by the calls themselves: the error number with which this one is to fail, or 0.
 int takeSocketFault(SocketCall call);
 
-} // namespace host
+} // namespace seat

@@ -1,7 +1,7 @@
-#include "app/failure_banner.h"
+#include "app/FailureBanner.h"
 
-#include "host/uikit/accessibility_tree.h"
-#include "tests/uikit/scene_test.h"
+#include "kit/uikit/AccessibilityTree.h"
+#include "tests/kit/uikit/SceneTest.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
-#include "app/line_process.h"
+#include "app/LineProcess.h"
 
-#include "host/testing/poll_loop.h"
+#include "system/run_loop/PollLoop.h"
+#include "tests/support/TemporaryFolder.h"
 #include "tests/support/descriptors.h"
-#include "tests/support/temporary_folder.h"
 
 #include <gtest/gtest.h>
 
@@ -30,7 +30,7 @@ protected:
         return text.str();
     }
 
-    host::PollLoop loop;
+    seat::PollLoop loop;
     testing_support::TemporaryFolder folder;
     std::string heard;
 };

@@ -1,4 +1,4 @@
-#include "app/options.h"
+#include "app/Options.h"
 
 #include <gtest/gtest.h>
 

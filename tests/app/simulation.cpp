@@ -1,11 +1,11 @@
-#include "app/simulation.h"
+#include "app/Simulation.h"
 
-#include "app/bundle.h"
-#include "host/foundation/root.h"
-#include "host/testing/poll_loop.h"
+#include "app/Bundle.h"
 #include "platform/foundation/NSDictionary.h"
+#include "system/files/root.h"
+#include "system/run_loop/PollLoop.h"
+#include "tests/support/TemporaryFolder.h"
 #include "tests/support/descriptors.h"
-#include "tests/support/temporary_folder.h"
 
 #include <gtest/gtest.h>
 
@@ -22,8 +22,8 @@ constexpr const char* socketPath = "/Library/Caches/jvncontrol.sock";
 // The stand-ins are beside this test program, as they are beside the application.
 class SimulationTest : public ::testing::Test {
 protected:
-    SimulationTest() { host::setRoot(folder.path()); }
-    ~SimulationTest() override { host::setRoot({}); }
+    SimulationTest() { seat::setRoot(folder.path()); }
+    ~SimulationTest() override { seat::setRoot({}); }
 
     static app::Bundle bundle(const std::string& daemon, const std::string& toolName, const char* place = tool) {
         app::Bundle result;
@@ -38,7 +38,7 @@ protected:
     fs::path under(const char* logical) const { return folder.path() + logical; }
     bool isEmpty() const { return fs::is_empty(folder.path()); }
 
-    host::PollLoop loop;
+    seat::PollLoop loop;
     testing_support::TemporaryFolder folder;
     std::string problem;
 };

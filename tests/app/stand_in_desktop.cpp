@@ -1,7 +1,7 @@
-#include "app/tour/stand_in_desktop.h"
+#include "app/tour/StandInDesktop.h"
 
-#include "host/mail/default_application.h"
-#include "tests/support/temporary_folder.h"
+#include "desktop/links/DefaultApplication.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -10,7 +10,7 @@
 
 namespace {
 
-bool has(const char* mediaType) { return host::defaultApplication(mediaType).has_value(); }
+bool has(const char* mediaType) { return seat::defaultApplication(mediaType).has_value(); }
 
 TEST(StandInDesktop, HasABrowserAndMailOnlyWhenItIsToHaveIt) {
     const testing_support::TemporaryFolder folder;

@@ -1,5 +1,5 @@
+#include "app/tour/Script.h"
 #include "app/tour/key_names.h"
-#include "app/tour/script.h"
 
 #include <gtest/gtest.h>
 

@@ -2,7 +2,7 @@
 // picture that is reckoned pixel by pixel.
 
 #include "colourpicker/ZKColorMapView.h"
-#include "host/quartz/screen.h"
+#include "kit/quartz/screen.h"
 #include "platform/uikit/UIImage.h"
 
 #include <QGuiApplication>
@@ -22,7 +22,7 @@ constexpr int rows = height / tile;
 constexpr double limit = 0.9f;
 
 void ours(benchmark::State& state) {
-    host::setMainScreen({375, 667}, scale);
+    seat::setMainScreen({375, 667}, scale);
     for (auto _ : state) {
         benchmark::DoNotOptimize(
             ZKColorMapView::colorMapImageWithSize_tileSize_saturationUpperLimit({width, height}, tile, limit));

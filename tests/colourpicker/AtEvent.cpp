@@ -1,4 +1,4 @@
-#include "tests/colourpicker/at_event.h"
+#include "tests/colourpicker/AtEvent.h"
 
 #include "platform/runtime/method.h"
 

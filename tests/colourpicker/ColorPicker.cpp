@@ -1,4 +1,4 @@
-#include "tests/colourpicker/color_picker.h"
+#include "tests/colourpicker/ColorPicker.h"
 
 #include "platform/runtime/method.h"
 

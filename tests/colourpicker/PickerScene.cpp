@@ -1,4 +1,4 @@
-#include "tests/colourpicker/picker_scene.h"
+#include "tests/colourpicker/PickerScene.h"
 
 #include "colourpicker/ZKColorMapView.h"
 #include "platform/runtime/method.h"

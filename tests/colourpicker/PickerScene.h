@@ -1,12 +1,12 @@
 #pragma once
 
-#include "host/testing/manual_clock.h"
-#include "host/testing/poll_loop.h"
-#include "host/testing/touches.h"
-#include "host/uikit/window_scene.h"
+#include "kit/dispatch/ManualClock.h"
+#include "kit/uikit/Touches.h"
+#include "kit/uikit/WindowScene.h"
 #include "platform/uikit/UIControl.h"
 #include "platform/uikit/UIPanGestureRecognizer.h"
 #include "platform/uikit/UITapGestureRecognizer.h"
+#include "system/run_loop/PollLoop.h"
 
 #include <memory>
 #include <optional>
@@ -29,10 +29,10 @@ public:
     // A map keeps itself alive until its field is drawn: each one that a test makes is brought there in the end.
     std::shared_ptr<ZKColorMapView> keep(const std::shared_ptr<ZKColorMapView>& map);
 
-    host::ManualClock clock;
-    host::PollLoop loop;
-    host::WindowScene scene;
-    host::Touches finger{scene, &clock};
+    seat::ManualClock clock;
+    seat::PollLoop loop;
+    seat::WindowScene scene;
+    seat::Touches finger{scene, &clock};
 
 private:
     std::vector<std::weak_ptr<ZKColorMapView>> m_maps;

@@ -3,11 +3,11 @@
 #include "colourpicker/ZKColorCursor.h"
 #include "colourpicker/ZKColorMapView.h"
 #include "colourpicker/ZKColorPickerView.h"
-#include "host/uikit/accessibility_tree.h"
-#include "host/uikit/hid_keys.h"
+#include "kit/uikit/AccessibilityTree.h"
+#include "kit/uikit/hid_keys.h"
 #include "platform/uikit/UIColor.h"
 #include "platform/uikit/UIKeyEvent.h"
-#include "tests/colourpicker/picker_scene.h"
+#include "tests/colourpicker/PickerScene.h"
 
 #include <gtest/gtest.h>
 
@@ -30,7 +30,7 @@ protected:
         sliderEvents = EventLog::listeningTo(*slider);
         reports = EventLog::listeningTo(*picker);
     }
-    const host::AccessibilityNode* node(UIAccessibilityRole role) {
+    const seat::AccessibilityNode* node(UIAccessibilityRole role) {
         window.scene.prepareFrame();
         auto& tree = window.scene.accessibility();
         tree.update();
@@ -205,15 +205,15 @@ TEST_F(PickerAccessibility, PressingWouldChooseTheMiddleAndSoDoesNothing) {
 
 TEST_F(PickerAccessibility, ArrowKeysStepAndShiftStepsFurther) {
     window.scene.window()->setFocusedView(map);
-    press(host::hid::right);
+    press(seat::hid::right);
     expectTile(11, 0);
-    press(host::hid::down, UIKeyEvent::Shift);
+    press(seat::hid::down, UIKeyEvent::Shift);
     expectTile(11, 2);
 
     window.scene.window()->setFocusedView(slider);
-    press(host::hid::right);
+    press(seat::hid::right);
     EXPECT_NEAR(slider->brightness()->doubleValue(), 0.99, 1e-12);
-    press(host::hid::left);
-    press(host::hid::down, UIKeyEvent::Shift);
+    press(seat::hid::left);
+    press(seat::hid::down, UIKeyEvent::Shift);
     EXPECT_NEAR(slider->brightness()->doubleValue(), 0.9, 1e-12);
 }

@@ -4,7 +4,7 @@
 #include "colourpicker/ZKColorMapView.h"
 #include "colourpicker/ZKColorPickerView.h"
 #include "platform/foundation/id.h"
-#include "tests/colourpicker/picker_scene.h"
+#include "tests/colourpicker/PickerScene.h"
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,9 @@
 #include "colourpicker/ZKBrightnessSlider.h"
 
 #include "colourpicker/ZKBrightnessCursor.h"
-#include "host/testing/snapshot.h"
+#include "desktop/painting/snapshot.h"
 #include "platform/quartz/CAGradientLayer.h"
-#include "tests/colourpicker/picker_scene.h"
+#include "tests/colourpicker/PickerScene.h"
 #include "tests/colourpicker/reference_tables.h"
 
 #include <gtest/gtest.h>
@@ -240,7 +240,7 @@ TEST_F(BrightnessSlider, LimitOfOneMakesEveryTouchFullAndAnyLessPutsTheCursorAtI
 
     slider->setColor(hsb(0.6, 0.8, 0.5));
     EXPECT_TRUE(std::isinf(cursorX(*slider)));
-    host::snapshot(window.scene);
+    seat::snapshot(window.scene);
 
     slider->setBrightnessLowerLimit(NSNumber::numberWithDouble(0.4));
     EXPECT_TRUE(std::isfinite(cursorX(*slider)));
@@ -253,7 +253,7 @@ TEST_F(BrightnessSlider, NarrowFramesNeitherCrashNorLoop) {
         window.scene.prepareFrame();
         EXPECT_EQ(slider->sliderLayer()->frame().size.width, width - 40);
         ScriptedTap::on(slider)->send(UIGestureRecognizerStateEnded, CGPoint{10, 15});
-        host::snapshot(window.scene);
+        seat::snapshot(window.scene);
         slider->setColor(hsb(0.6, 0.8, 1));
     }
 }

@@ -5,8 +5,8 @@
 #include "platform/foundation/NSArray.h"
 #include "platform/quartz/CAGradientLayer.h"
 #include "platform/uikit/UILabel.h"
-#include "tests/colourpicker/at_event.h"
-#include "tests/colourpicker/picker_scene.h"
+#include "tests/colourpicker/AtEvent.h"
+#include "tests/colourpicker/PickerScene.h"
 
 #include <gtest/gtest.h>
 

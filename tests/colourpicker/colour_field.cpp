@@ -1,6 +1,6 @@
 #include "colourpicker/TileGrid.h"
 #include "colourpicker/ZKColorMapView.h"
-#include "host/quartz/screen.h"
+#include "kit/quartz/screen.h"
 #include "platform/uikit/UIImage.h"
 #include "tests/colourpicker/reference_tables.h"
 
@@ -80,8 +80,8 @@ int worstDifference(const CGImage& image, const ReferenceField& field, double sc
 
 class ColorField : public ::testing::TestWithParam<int> {
 protected:
-    ColorField() { host::setMainScreen({375, 667}, GetParam()); }
-    ~ColorField() override { host::setMainScreen({375, 667}, 1); }
+    ColorField() { seat::setMainScreen({375, 667}, GetParam()); }
+    ~ColorField() override { seat::setMainScreen({375, 667}, 1); }
 };
 
 } // namespace

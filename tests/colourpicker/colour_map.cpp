@@ -2,7 +2,7 @@
 
 #include "colourpicker/ZKColorCursor.h"
 #include "platform/foundation/NSArray.h"
-#include "tests/colourpicker/picker_scene.h"
+#include "tests/colourpicker/PickerScene.h"
 
 #include <gtest/gtest.h>
 

@@ -3,8 +3,8 @@
 #include "colourpicker/ZKColorCursor.h"
 #include "colourpicker/ZKColorMapView.h"
 #include "platform/uikit/UIImage.h"
-#include "tests/colourpicker/at_event.h"
-#include "tests/colourpicker/picker_scene.h"
+#include "tests/colourpicker/AtEvent.h"
+#include "tests/colourpicker/PickerScene.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "colourpicker/ZKColorCursor.h"
 #include "colourpicker/ZKColorMapView.h"
-#include "tests/colourpicker/picker_scene.h"
+#include "tests/colourpicker/PickerScene.h"
 
 #include <gtest/gtest.h>
 

@@ -2,9 +2,9 @@
 
 #include "colourpicker/ZKBrightnessCursor.h"
 #include "colourpicker/ZKColorCursor.h"
-#include "host/quartz/layer_internals.h"
+#include "kit/quartz/LayerInternals.h"
 #include "platform/uikit/UILabel.h"
-#include "tests/colourpicker/picker_scene.h"
+#include "tests/colourpicker/PickerScene.h"
 
 #include <gtest/gtest.h>
 

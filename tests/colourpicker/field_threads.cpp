@@ -1,9 +1,9 @@
 // The colour field is drawn on a worker while the main thread goes on with the view.
 
 #include "colourpicker/ZKColorMapView.h"
-#include "host/testing/poll_loop.h"
 #include "platform/dispatch.h"
 #include "platform/uikit/UIWindow.h"
+#include "system/run_loop/PollLoop.h"
 
 #include <gtest/gtest.h>
 
@@ -49,7 +49,7 @@ protected:
         return layer && layer->superlayer() == map.layer().get();
     }
 
-    host::PollLoop loop;
+    seat::PollLoop loop;
 };
 
 } // namespace

@@ -2,10 +2,10 @@
 
 #include "colourpicker/ZKColorMapView.h"
 #include "colourpicker/ZKColorPickerView.h"
-#include "host/testing/snapshot.h"
+#include "desktop/painting/snapshot.h"
 #include "ledcolour/hex_colour.h"
 #include "platform/uikit/UIColor.h"
-#include "tests/colourpicker/picker_scene.h"
+#include "tests/colourpicker/PickerScene.h"
 
 #include <gtest/gtest.h>
 
@@ -21,7 +21,7 @@ constexpr Size sizes[] = {{"small", {320, 416}}, {"phone", {375, 623}}, {"tall",
 constexpr const char* colors[] = {"004EFD", "ffffff", "000000", "e8c8b0", "1f7a33"};
 
 // Text is drawn by the fonts of the machine; everything else is exact to a step or two.
-constexpr host::PictureTolerance tolerance{.channel = 3, .share = 0.001};
+constexpr seat::PictureTolerance tolerance{.channel = 3, .share = 0.001};
 
 class PickerPicture : public ::testing::TestWithParam<std::tuple<int, int, int>> {};
 
@@ -38,7 +38,7 @@ TEST_P(PickerPicture, IsAsDrawnBefore) {
     ASSERT_TRUE(window.waitForField(*std::static_pointer_cast<ZKColorMapView>(picker->colorMapView().view())));
 
     const std::string name = color + "-" + size.name + "@" + std::to_string(scale) + "x";
-    EXPECT_EQ(host::compareWithGolden(host::snapshot(window.scene), PICKER_PICTURES, name, PICKER_FAILURES, tolerance),
+    EXPECT_EQ(seat::compareWithGolden(seat::snapshot(window.scene), PICKER_PICTURES, name, PICKER_FAILURES, tolerance),
               "");
 }
 

@@ -1,6 +1,6 @@
 #include "colourpicker/HSVColor.h"
 #include "colourpicker/colour_bytes.h"
-#include "tests/colourpicker/picker_scene.h"
+#include "tests/colourpicker/PickerScene.h"
 #include "tests/colourpicker/reference_tables.h"
 
 #include "platform/uikit/UIColor.h"

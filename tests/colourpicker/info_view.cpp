@@ -1,9 +1,9 @@
 #include "colourpicker/ZKColorInfoView.h"
 
-#include "host/testing/snapshot.h"
+#include "desktop/painting/snapshot.h"
 #include "platform/uikit/UIImage.h"
 #include "platform/uikit/UILabel.h"
-#include "tests/colourpicker/picker_scene.h"
+#include "tests/colourpicker/PickerScene.h"
 
 #include <gtest/gtest.h>
 

@@ -3,7 +3,7 @@
 #include "colourpicker/ZKColorInfoView.h"
 #include "platform/uikit/UIImage.h"
 #include "platform/uikit/UILabel.h"
-#include "tests/colourpicker/picker_scene.h"
+#include "tests/colourpicker/PickerScene.h"
 
 #include <gtest/gtest.h>
 

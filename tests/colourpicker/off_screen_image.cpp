@@ -1,5 +1,5 @@
 #include "colourpicker/UIImage_CoreGraphics.h"
-#include "host/quartz/screen.h"
+#include "kit/quartz/screen.h"
 
 #include <gtest/gtest.h>
 
@@ -9,8 +9,8 @@ constexpr std::uint32_t opaqueRed = 0xffff0000;
 
 class OffScreenImage : public ::testing::TestWithParam<int> {
 protected:
-    OffScreenImage() { host::setMainScreen({375, 667}, GetParam()); }
-    ~OffScreenImage() override { host::setMainScreen({375, 667}, 1); }
+    OffScreenImage() { seat::setMainScreen({375, 667}, GetParam()); }
+    ~OffScreenImage() override { seat::setMainScreen({375, 667}, 1); }
 };
 
 } // namespace

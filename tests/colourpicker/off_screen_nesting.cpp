@@ -1,7 +1,7 @@
 // Off-screen images within one another, beside one another, and of sizes that are no whole pixels.
 
 #include "colourpicker/UIImage_CoreGraphics.h"
-#include "host/quartz/screen.h"
+#include "kit/quartz/screen.h"
 
 #include <gtest/gtest.h>
 
@@ -47,13 +47,13 @@ TEST(OffScreenImages, ThreadsDrawBesideOneAnother) {
 }
 
 TEST(OffScreenImages, RectangleIsTheSizeAskedForAlsoBetweenThePixels) {
-    host::setMainScreen({375, 667}, 2);
+    seat::setMainScreen({375, 667}, 2);
     CGRect given;
     const auto image = zk_imageWithSize_renderer({10.2, 7}, [&](CGContextRef, CGRect rect) { given = rect; });
     EXPECT_EQ(given, (CGRect{{0, 0}, {10.2, 7}}));
     EXPECT_EQ(image->CGImage()->width, 21u);
     EXPECT_EQ(image->CGImage()->height, 14u);
-    host::setMainScreen({375, 667}, 1);
+    seat::setMainScreen({375, 667}, 1);
 }
 
 TEST(OffScreenImages, EachIsANewOne) {

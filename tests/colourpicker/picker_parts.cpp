@@ -1,7 +1,7 @@
 // Parts that a client brings, and what becomes of the former ones.
 
 #include "platform/uikit/UIColor.h"
-#include "tests/colourpicker/color_picker.h"
+#include "tests/colourpicker/ColorPicker.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include "colourpicker/ZKBrightnessCursor.h"
 #include "platform/uikit/UIColor.h"
-#include "tests/colourpicker/color_picker.h"
+#include "tests/colourpicker/ColorPicker.h"
 
 namespace {
 constexpr double float04 = 0.4f;

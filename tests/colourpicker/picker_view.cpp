@@ -1,7 +1,7 @@
 // The picker's colour, the parts that it makes itself, and where it puts them.
 
 #include "platform/uikit/UIColor.h"
-#include "tests/colourpicker/color_picker.h"
+#include "tests/colourpicker/ColorPicker.h"
 
 TEST_F(ColorPicker, IsBlackAndOpaqueUntilAColourIsSet) {
     EXPECT_EQ(color().brightness, 0);

@@ -2,7 +2,7 @@
 
 #include "colourpicker/HSVColor.h"
 #include "platform/uikit/UIColor.h"
-#include "tests/colourpicker/picker_scene.h"
+#include "tests/colourpicker/PickerScene.h"
 #include "tests/colourpicker/reference_tables.h"
 
 #include <gtest/gtest.h>

@@ -1,11 +1,11 @@
 #include "daemonlink/exchanges.h"
 #include "daemonlink/ControlConnection.h"
 #include "daemonlink/control_socket.h"
-#include "host/foundation/root.h"
 #include "platform/socket.h"
+#include "system/files/root.h"
+#include "tests/support/ScriptedDaemon.h"
+#include "tests/support/TemporaryFolder.h"
 #include "tests/support/descriptors.h"
-#include "tests/support/scripted_daemon.h"
-#include "tests/support/temporary_folder.h"
 
 #include <gtest/gtest.h>
 
@@ -24,8 +24,8 @@ using testing_support::ScriptedDaemon;
 
 class Exchange : public testing::Test {
 protected:
-    void SetUp() override { host::setRoot(m_folder.path()); }
-    void TearDown() override { host::setRoot({}); }
+    void SetUp() override { seat::setRoot(m_folder.path()); }
+    void TearDown() override { seat::setRoot({}); }
     const std::string& root() const { return m_folder.path(); }
 
     // Runs `exchange` on a fresh connection and gives what the daemon got on it.

@@ -2,7 +2,7 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     std::string refusal;
-    const id value = host::readBinaryPropertyList({data, size}, refusal);
+    const id value = seat::readBinaryPropertyList({data, size}, refusal);
     expectRoundTrip(value, refusal);
     return 0;
 }

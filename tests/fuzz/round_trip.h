@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/foundation/property_list.h"
+#include "kit/foundation/property_list.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -16,12 +16,12 @@ inline void expectRoundTrip(const id& value, const std::string& refusal) {
     if (!value) return;
 
     std::string reason;
-    const auto data = host::writeBinaryPropertyList(value, reason);
+    const auto data = seat::writeBinaryPropertyList(value, reason);
     if (!data) {
         if (!reason.starts_with("is larger than")) fail(reason.c_str());
         return;
     }
-    const id again = host::readPropertyList(data->bytes(), nullptr, reason);
+    const id again = seat::readPropertyList(data->bytes(), nullptr, reason);
     if (!again) fail(reason.c_str());
     if (again != value) fail("another value came back");
 }

@@ -1,8 +1,8 @@
 // The keymap as a document: what the editor holds of the file, and what its saving does and does not do.
 
-#include "host/notify/NotifyListener.h"
 #include "platform/foundation/NSArray.h"
 #include "platform/foundation/NSPropertyListSerialization.h"
+#include "system/notify/NotifyListener.h"
 #include "tests/keymap/editor_test.h"
 
 #include <filesystem>
@@ -60,7 +60,7 @@ TEST_F(KeymapEditor, SavesNumbersOfThirtyTwoBitsWithoutASignUnderDecimalTexts) {
 
 TEST_F(KeymapEditor, AnnouncesNoSave) {
     int announced = 0;
-    const host::NotifyListener listener("com.quorrel.jvnprefs.changed", [&] { ++announced; });
+    const seat::NotifyListener listener("com.quorrel.jvnprefs.changed", [&] { ++announced; });
     openOver({{"other", integer(1)}});
     app.goBack();
     app.settle();

@@ -3,8 +3,8 @@
 #include "keymap/JVNKeymapViewController.h"
 
 #include "keymap/button_table.h"
-#include "tests/support/logged_lines.h"
-#include "tests/support/settings_host.h"
+#include "tests/support/LoggedLines.h"
+#include "tests/support/SettingsHost.h"
 
 #include <gtest/gtest.h>
 

@@ -2,8 +2,8 @@
 
 #include "settings/JoyvaneListController.h"
 #include "tests/keymap/editor_test.h"
+#include "tests/support/Heartbeat.h"
 #include "tests/support/cpu_time.h"
-#include "tests/support/heartbeat.h"
 
 #include <filesystem>
 #include <fstream>

@@ -2,7 +2,7 @@
 
 #include "settings/JoyvaneListController.h"
 #include "tests/keymap/editor_test.h"
-#include "tests/preferences/child.h"
+#include "tests/system/preferences/Child.h"
 
 #include <algorithm>
 #include <cstdio>

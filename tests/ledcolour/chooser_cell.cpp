@@ -2,7 +2,7 @@
 
 #include "ledcolour/hex_colour.h"
 #include "platform/uikit/UIColor.h"
-#include "tests/colourpicker/picker_scene.h"
+#include "tests/colourpicker/PickerScene.h"
 
 #include <gtest/gtest.h>
 

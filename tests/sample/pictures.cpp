@@ -1,24 +1,24 @@
 // The sample bundle as the application loads it, without a window: what it looks like, and what its page is told.
 // JOYVANE_UPDATE_GOLDEN=1 makes the pictures anew.
 
-#include "app/bundle.h"
-#include "app/settings_page.h"
-#include "host/foundation/root.h"
-#include "host/testing/manual_clock.h"
-#include "host/testing/poll_loop.h"
-#include "host/testing/snapshot.h"
-#include "host/testing/touches.h"
-#include "host/uikit/accessibility_tree.h"
-#include "host/uikit/application.h"
+#include "app/Bundle.h"
+#include "app/SettingsPage.h"
+#include "desktop/painting/snapshot.h"
+#include "kit/dispatch/ManualClock.h"
+#include "kit/uikit/AccessibilityTree.h"
+#include "kit/uikit/Touches.h"
+#include "kit/uikit/application.h"
 #include "platform/uikit/UINavigationController.h"
-#include "tests/support/temporary_folder.h"
+#include "system/files/root.h"
+#include "system/run_loop/PollLoop.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
 // Letters come from the machine's fonts; everything else is exact to a step or two.
-constexpr host::PictureTolerance tolerance{.channel = 3, .share = 0.001};
+constexpr seat::PictureTolerance tolerance{.channel = 3, .share = 0.001};
 
 // A bundle is loaded once in a process.
 const app::Bundle& bundle() {
@@ -33,7 +33,7 @@ const app::Bundle& bundle() {
 
 Class principalClass() {
     static const Class found = [] {
-        std::string problem = host::moduleProblem(bundle().modulePath, bundle().seal);
+        std::string problem = seat::moduleProblem(bundle().modulePath, bundle().seal);
         EXPECT_EQ(problem, "");
         const Class loaded = app::loadPrincipalClass(bundle(), problem);
         EXPECT_EQ(problem, "");
@@ -45,14 +45,14 @@ Class principalClass() {
 class Sample {
 public:
     explicit Sample(CGSize size = {375, 667}, double scale = 2)
-        : page((host::setRoot(m_root.path()), bundle()), principalClass(), size, scale),
+        : page((seat::setRoot(m_root.path()), bundle()), principalClass(), size, scale),
           m_touches(page.scene(), &m_clock) {
         settle();
     }
     ~Sample() {
         page.close();
         settle();
-        host::setRoot({});
+        seat::setRoot({});
     }
 
     void settle() {
@@ -86,19 +86,19 @@ public:
         return told.string() ? *told.string() : "";
     }
     std::string difference(const std::string& name) {
-        return host::compareWithGolden(host::snapshot(page.scene()), SAMPLE_PICTURES, name, SAMPLE_FAILURES, tolerance);
+        return seat::compareWithGolden(seat::snapshot(page.scene()), SAMPLE_PICTURES, name, SAMPLE_FAILURES, tolerance);
     }
 
 private:
     testing_support::TemporaryFolder m_root;
-    host::ManualClock m_clock;
-    host::PollLoop m_loop;
+    seat::ManualClock m_clock;
+    seat::PollLoop m_loop;
 
 public:
     app::SettingsPage page;
 
 private:
-    host::Touches m_touches;
+    seat::Touches m_touches;
 };
 
 using Shape = std::tuple<CGSize, double>;
@@ -159,7 +159,7 @@ TEST(SampleJournal, ThePageHearsOfItsLifeInOrder) {
     sample.page.navigation()->popViewControllerAnimated(/*animated=*/false);
     sample.tap("Show Alert");
     sample.tap("Right");
-    host::applicationDidEnterBackground();
+    seat::applicationDidEnterBackground();
     sample.tap("A switch");
 
     EXPECT_EQ(sample.journal(), "didLoad willAppear didAppear willDisappear didDisappear willAppear didAppear "

@@ -45,32 +45,54 @@ class Includes(Checks):
             "platform/a.h": "#include <memory>\n#include \"platform/b.h\"\n",
             "settings/a.h": "#include \"ledcolour/b.h\"\n#include <cstdint>\n",
             "ledcolour/a.h": "#include \"colourpicker/b.h\"\n",
-            "host/window/a.cpp": "#include <QWindow>\n#include <unistd.h>\n#include \"host/uikit/b.h\"\n",
-            "host/foundation/a.cpp": "#include <expat.h>\n",
-            "app/a.cpp": "#include \"host/window/a.h\"\n#include \"host/testing/touches.h\"\n",
+            "kit/seat.h": "#include \"platform/a.h\"\n",
+            "kit/uikit/a.cpp": "#include \"kit/quartz/b.h\"\n#include \"kit/seat.h\"\n",
+            "kit/foundation/a.cpp": "#include <expat.h>\n",
+            "system/files/a.cpp": "#include <unistd.h>\n#include \"kit/dispatch/b.h\"\n",
+            "desktop/window/a.cpp": "#include <QWindow>\n#include <unistd.h>\n#include \"kit/uikit/b.h\"\n",
+            "app/a.cpp": "#include \"desktop/window/a.h\"\n#include \"kit/uikit/Touches.h\"\n",
+            "services/jvnd/a.cpp": "#include \"daemonlink/JVNControlFrame.h\"\n#include \"services/bluetooth/a.h\"\n",
             "tests/keymap/a.cpp": "#include \"keymap/a.h\"\n#include <gtest/gtest.h>\n",
         })
 
     def test_each_wrong_include_is_found_with_its_line(self):
         for path, include in {
-            "platform/a.h": '"host/window/a.h"',
+            "platform/a.h": '"desktop/window/a.h"',
             "platform/b.h": "<QString>",
             "colourpicker/a.h": '"ledcolour/b.h"',
             "keymap/a.cpp": "<unistd.h>",
             "daemonlink/a.cpp": "<sys/socket.h>",
             "ledcolour/a.cpp": "<QtGui/QColor>",
             "settings/a.cpp": '"colourpicker/b.h"',
-            "host/foundation/a.cpp": "<QFile>",
-            "host/uikit/a.cpp": '"host/testing/clock.h"',
-            "host/socket/a.cpp": '"daemonlink/frames.h"',
+            "kit/seat.h": '"kit/quartz/pixels.h"',
+            "kit/foundation/a.cpp": '"kit/dispatch/b.h"',
+            "kit/quartz/a.cpp": '"kit/uikit/b.h"',
+            "kit/quartz/b.cpp": "<expat.h>",
+            "kit/uikit/a.cpp": '"kit/controllers/b.h"',
+            "kit/alerts/a.cpp": '"kit/settings_framework/b.h"',
+            "kit/tables/a.cpp": '"system/files/b.h"',
+            "kit/dispatch/a.cpp": "<unistd.h>",
+            "system/files/a.cpp": '"kit/uikit/b.h"',
+            "system/socket/a.cpp": '"daemonlink/JVNControlFrame.h"',
+            "system/bus/a.cpp": "<QString>",
+            "desktop/window/a.cpp": '"app/b.h"',
+            "services/jvnd/a.cpp": '"desktop/window/b.h"',
+            "services/jvnd/b.cpp": '"daemonlink/exchanges.h"',
             "app/a.cpp": "<QGuiApplication>",
-            "simulator/a.cpp": '"daemonlink/frames.h"',
             "tests/keymap/a.cpp": "<QImage>",
-            "host/quartz/a.cpp": '"neighbour.h"',
+            "kit/quartz/c.cpp": '"neighbour.h"',
             "elsewhere/a.h": "<vector>",
         }.items():
             with self.subTest(path=path, include=include):
                 self.assert_found("check-includes", {path: f"\n#include {include}\n"}, f"{path}:2: ")
+
+
+    def test_a_circle_of_rooms_is_found_with_the_files_that_make_it(self):
+        self.assert_found("check-includes", {
+            "system/bus/a.h": "#include \"system/notify/b.h\"\n",
+            "system/notify/b.h": "#include \"system/files/c.h\"\n",
+            "system/files/c.h": "#include \"system/bus/a.h\"\n",
+        }, "a circle: ", "system/bus/a.h:1", "system/notify/b.h:1", "system/files/c.h:1")
 
 
 class Headers(Checks):

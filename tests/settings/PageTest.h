@@ -1,8 +1,8 @@
 #pragma once
 
 #include "settings/JoyvaneListController.h"
-#include "tests/support/scripted_daemon.h"
-#include "tests/support/settings_host.h"
+#include "tests/support/ScriptedDaemon.h"
+#include "tests/support/SettingsHost.h"
 
 #include <gtest/gtest.h>
 

@@ -164,7 +164,7 @@ TEST_F(LEDColour, AmbientModeIsAnnouncedAndNotSent) {
 
 TEST_F(LEDColour, WithoutADaemonIsStoredAndTheFailureAnnounced) {
     int failures = 0;
-    const host::NotifyListener failed("com.quorrel.jvnfailure", [&] { ++failures; });
+    const seat::NotifyListener failed("com.quorrel.jvnfailure", [&] { ++failures; });
     show(1);
     ASSERT_TRUE(app.waitUntil([&] { return failures == 1; }));
     const auto screen = JVNColorPickerController::alloc()->initWithColor(UIColor::blackColor());

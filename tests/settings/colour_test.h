@@ -1,12 +1,12 @@
 #pragma once
 
 #include "colourpicker/ZKColorPickerView.h"
-#include "host/notify/NotifyListener.h"
 #include "ledcolour/JVNColorChooserCell.h"
 #include "ledcolour/JVNColorPickerController.h"
 #include "ledcolour/hex_colour.h"
-#include "tests/settings/page_test.h"
-#include "tests/support/logged_lines.h"
+#include "system/notify/NotifyListener.h"
+#include "tests/settings/PageTest.h"
+#include "tests/support/LoggedLines.h"
 
 #include <memory>
 #include <string>
@@ -49,5 +49,5 @@ protected:
     testing_support::LoggedLines log;
 
 private:
-    host::NotifyListener m_changed;
+    seat::NotifyListener m_changed;
 };

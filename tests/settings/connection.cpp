@@ -1,9 +1,9 @@
 // Connecting, disconnecting and asking, over a real socket: what the daemon gets, what the flag and the row become.
 
-#include "host/socket/socket_faults.h"
+#include "system/socket/socket_faults.h"
 #include "tests/settings/connection_test.h"
+#include "tests/support/Heartbeat.h"
 #include "tests/support/descriptors.h"
-#include "tests/support/heartbeat.h"
 
 #include <cerrno>
 
@@ -30,7 +30,7 @@ TEST_F(Connection, QueryWithStateSevenLeavesTheFlagAsItWas) {
         page->setControllerConnected(before);
         app.open(page);
         ASSERT_TRUE(daemon->waitForConnections(1));
-        ASSERT_TRUE(app.waitUntil([&] { return rowIsEnabled() && host::mainQueueIsEmpty(); }));
+        ASSERT_TRUE(app.waitUntil([&] { return rowIsEnabled() && seat::mainQueueIsEmpty(); }));
         EXPECT_EQ(page->controllerConnected(), before);
         EXPECT_EQ(page->connectSpecifier()->name(), before ? "Disconnect Controller" : "Connect Controller");
         app.close();
@@ -47,7 +47,7 @@ TEST_F(Connection, QueryWithAnyOtherStateSetsTheFlag) {
         // And once more, with the flag set already.
         page->viewWillAppear(false);
         ASSERT_TRUE(daemon->waitForConnections(2));
-        EXPECT_TRUE(app.waitUntil([&] { return rowIsEnabled() && host::mainQueueIsEmpty(); }));
+        EXPECT_TRUE(app.waitUntil([&] { return rowIsEnabled() && seat::mainQueueIsEmpty(); }));
         EXPECT_TRUE(page->controllerConnected());
         EXPECT_EQ(page->connectSpecifier()->name(), "Disconnect Controller");
         app.close();
@@ -75,7 +75,7 @@ TEST_F(Connection, AQueryWhoseTimeoutCannotBeSetLeavesTheRowDisabled) {
     showSettled(1, true);
     page->setControllerConnected(false);
 
-    host::failSocketCalls(host::SocketCall::SetOption, 1, EINVAL);
+    seat::failSocketCalls(seat::SocketCall::SetOption, 1, EINVAL);
     page->queryControllerConnected();
     ASSERT_TRUE(daemon->waitForConnections(2));
     app.settle();
@@ -83,7 +83,7 @@ TEST_F(Connection, AQueryWhoseTimeoutCannotBeSetLeavesTheRowDisabled) {
     EXPECT_FALSE(rowIsEnabled());
     EXPECT_EQ(hex(daemon->connections()[1]), "");
     EXPECT_FALSE(page->controllerConnected());
-    host::clearSocketFaults();
+    seat::clearSocketFaults();
     page->viewWillAppear(false);
     EXPECT_TRUE(app.waitUntil([&] { return rowIsEnabled(); }));
 }

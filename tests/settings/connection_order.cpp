@@ -1,9 +1,9 @@
 // What others see of a whole session, in its order: the daemon on its socket, and a listener on the bus.
 
-#include "host/bus/SessionBus.h"
+#include "system/bus/SessionBus.h"
 #include "tests/settings/connection_test.h"
-#include "tests/support/bus_peer.h"
-#include "tests/support/private_bus.h"
+#include "tests/support/BusPeer.h"
+#include "tests/support/PrivateBus.h"
 
 #include <mutex>
 
@@ -12,11 +12,11 @@ namespace {
 class ConnectionOrder : public Connection {
 protected:
     // Tests before this one ran without a bus: the connection begins afresh with this one's.
-    ConnectionOrder() { host::SessionBus::shared().close(); }
+    ConnectionOrder() { seat::SessionBus::shared().close(); }
     ~ConnectionOrder() override {
         app.close();
         page = nullptr;
-        host::SessionBus::shared().close();
+        seat::SessionBus::shared().close();
     }
 
     testing_support::PrivateBus bus;
@@ -76,7 +76,7 @@ TEST_F(ConnectionOrder, TheWholeTalkOfASession) {
     app.navigation()->pushViewController_animated(UIViewController::alloc()->init(), false);
     app.goBack();
     ASSERT_TRUE(daemon->waitForConnections(3));
-    ASSERT_TRUE(app.waitUntil([&] { return rowIsEnabled() && host::mainQueueIsEmpty(); }));
+    ASSERT_TRUE(app.waitUntil([&] { return rowIsEnabled() && seat::mainQueueIsEmpty(); }));
     exchange(); // disconnects
     ASSERT_TRUE(app.tap("Restart Daemons"));
     ASSERT_TRUE(daemon->waitForConnections(5));

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "host/dispatch/main_queue.h"
-#include "host/notify/NotifyListener.h"
+#include "kit/dispatch/main_queue.h"
 #include "platform/foundation/NSData.h"
-#include "tests/settings/page_test.h"
-#include "tests/support/logged_lines.h"
+#include "system/notify/NotifyListener.h"
+#include "tests/settings/PageTest.h"
+#include "tests/support/LoggedLines.h"
 
 #include <cstdint>
 #include <functional>
@@ -72,6 +72,6 @@ protected:
     testing_support::LoggedLines log;
 
 private:
-    host::NotifyListener m_failed;
-    host::NotifyListener m_initialised;
+    seat::NotifyListener m_failed;
+    seat::NotifyListener m_initialised;
 };

@@ -1,6 +1,6 @@
 // A daemon that is away, and a system that refuses what a connection needs.
 
-#include "host/socket/socket_faults.h"
+#include "system/socket/socket_faults.h"
 #include "tests/settings/connection_test.h"
 #include "tests/support/descriptors.h"
 
@@ -10,7 +10,7 @@ namespace {
 
 class DaemonAway : public Connection {
 protected:
-    ~DaemonAway() override { host::clearSocketFaults(); }
+    ~DaemonAway() override { seat::clearSocketFaults(); }
 
     void sendEveryCommand() {
         page->queryControllerConnected();
@@ -36,14 +36,14 @@ TEST_F(DaemonAway, IsAnnouncedByEveryCommandButTheRestartAndLeavesNothingOpen) {
 }
 
 TEST_F(DaemonAway, IsWhatASocketThatCannotBeMadeOrConnectedMeans) {
-    for (const auto call : {host::SocketCall::Socket, host::SocketCall::Connect}) {
+    for (const auto call : {seat::SocketCall::Socket, seat::SocketCall::Connect}) {
         start(answering(reply(0, 7), {}));
         failures = 0;
         show(1, 1);
         ASSERT_TRUE(app.waitUntil([&] { return daemon->connectionCount() == 1 && rowIsEnabled(); }));
         const std::size_t before = testing_support::openDescriptors();
 
-        host::failSocketCalls(call, 4, EMFILE);
+        seat::failSocketCalls(call, 4, EMFILE);
         sendEveryCommand();
 
         EXPECT_EQ(testing_support::openDescriptors(), before);
@@ -58,7 +58,7 @@ TEST_F(DaemonAway, AConnectWhoseTimeoutCannotBeSetSendsNothingAndLeavesTheRowDis
     start(answering(reply(0, 7), reply(8, 0)));
     showSettled(1, true);
 
-    host::failSocketCalls(host::SocketCall::SetOption, 1, EINVAL);
+    seat::failSocketCalls(seat::SocketCall::SetOption, 1, EINVAL);
     ASSERT_TRUE(app.tap("Connect Controller"));
     ASSERT_TRUE(daemon->waitForConnections(2));
     app.settle();

@@ -1,8 +1,8 @@
 // Daemons that answer too little, in pieces, too much, too late or not at all: what the page makes of it.
 
 #include "tests/settings/connection_test.h"
+#include "tests/support/Heartbeat.h"
 #include "tests/support/descriptors.h"
-#include "tests/support/heartbeat.h"
 
 #include <chrono>
 #include <csignal>
@@ -52,7 +52,7 @@ protected:
         const std::size_t before = daemon->connectionCount();
         page->viewWillAppear(false);
         EXPECT_TRUE(app.waitUntil(
-            [&] { return daemon->connectionCount() > before && rowIsEnabled() && host::mainQueueIsEmpty(); }));
+            [&] { return daemon->connectionCount() > before && rowIsEnabled() && seat::mainQueueIsEmpty(); }));
         const auto connections = daemon->connections();
         return connections.size() > before ? hex(connections[before]) : "";
     }

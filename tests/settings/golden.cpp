@@ -1,10 +1,10 @@
 // The page as it looks: every type in both modes, ambient on and off, three sizes, three scales.
 // JOYVANE_UPDATE_GOLDEN=1 makes the pictures anew.
 
-#include "host/testing/snapshot.h"
+#include "desktop/painting/snapshot.h"
 #include "settings/JoyvaneListController.h"
-#include "tests/support/logged_lines.h"
-#include "tests/support/settings_host.h"
+#include "tests/support/LoggedLines.h"
+#include "tests/support/SettingsHost.h"
 
 #include <gtest/gtest.h>
 
@@ -38,7 +38,7 @@ std::vector<Look> looks() {
 }
 
 // Letters come from the machine's fonts; everything else is exact to a step or two.
-constexpr host::PictureTolerance tolerance{.channel = 3, .share = 0.001};
+constexpr seat::PictureTolerance tolerance{.channel = 3, .share = 0.001};
 
 class PagePicture : public testing::TestWithParam<Look> {};
 
@@ -53,7 +53,7 @@ TEST_P(PagePicture, IsAsDrawnBefore) {
     app.waitUntil([] { return false; }, 0.05);
 
     EXPECT_EQ(
-        host::compareWithGolden(host::snapshot(app.scene()), PAGE_PICTURES, nameOf(look), PAGE_FAILURES, tolerance),
+        seat::compareWithGolden(seat::snapshot(app.scene()), PAGE_PICTURES, nameOf(look), PAGE_FAILURES, tolerance),
         "");
 }
 

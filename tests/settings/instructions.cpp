@@ -2,12 +2,12 @@
 
 #include "settings/pairing_instructions.h"
 
-#include "host/foundation/base64.h"
-#include "host/mail/browser.h"
-#include "host/uikit/url_opener.h"
-#include "tests/settings/page_test.h"
-#include "tests/support/fake_desktop.h"
-#include "tests/support/logged_lines.h"
+#include "desktop/links/browser.h"
+#include "kit/foundation/base64.h"
+#include "kit/uikit/url_opener.h"
+#include "tests/settings/PageTest.h"
+#include "tests/support/FakeDesktop.h"
+#include "tests/support/LoggedLines.h"
 
 #include <fstream>
 #include <gmock/gmock.h>
@@ -33,12 +33,12 @@ std::vector<std::string> linkTargets(const std::string& html) {
 class Instructions : public PageTest {
 protected:
     Instructions() {
-        host::setURLOpener([this](const std::string& url) {
+        seat::setURLOpener([this](const std::string& url) {
             ++addressesOpened;
-            return host::openInBrowser(url);
+            return seat::openInBrowser(url);
         });
     }
-    ~Instructions() override { host::setURLOpener(nullptr); }
+    ~Instructions() override { seat::setURLOpener(nullptr); }
 
     void openComposer() {
         desktop.install("message/rfc822", "mailer");
@@ -55,7 +55,7 @@ protected:
         return {std::istreambuf_iterator<char>(file), {}};
     }
     std::string bodyOf(const std::string& draft) {
-        const auto body = host::decodeBase64(draft.substr(draft.find("\r\n\r\n") + 4));
+        const auto body = seat::decodeBase64(draft.substr(draft.find("\r\n\r\n") + 4));
         return body ? std::string(body->begin(), body->end()) : std::string();
     }
     std::string shownIn(const std::string& field) {

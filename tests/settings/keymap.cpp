@@ -1,7 +1,7 @@
 // The way from the page to the keymap editor.
 
 #include "keymap/JVNKeymapViewController.h"
-#include "tests/settings/page_test.h"
+#include "tests/settings/PageTest.h"
 
 #include <utility>
 

@@ -2,9 +2,9 @@
 
 #include "keymap/JVNKeymapViewController.h"
 #include "platform/uikit/UIViewController.h"
-#include "tests/settings/page_test.h"
+#include "tests/settings/PageTest.h"
+#include "tests/support/LoggedLines.h"
 #include "tests/support/descriptors.h"
-#include "tests/support/logged_lines.h"
 
 #include <functional>
 

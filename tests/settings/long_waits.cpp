@@ -3,8 +3,8 @@
 
 #include "tests/settings/connection_test.h"
 #include "tests/settings/pairing_test.h"
+#include "tests/support/Heartbeat.h"
 #include "tests/support/descriptors.h"
-#include "tests/support/heartbeat.h"
 
 #include <chrono>
 #include <csignal>

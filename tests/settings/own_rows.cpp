@@ -1,7 +1,7 @@
 // The page as it is made, and the rows that it makes itself.
 
-#include "tests/settings/page_test.h"
-#include "tests/support/logged_lines.h"
+#include "tests/settings/PageTest.h"
+#include "tests/support/LoggedLines.h"
 
 namespace {
 

@@ -150,7 +150,7 @@ TEST_F(Pairing, LeavingThePageGivesUpTheServerAndItsMessageWhoeverElseHoldsTheCe
     center->runServerOnCurrentThread();
     ASSERT_TRUE(app.waitUntil([&] { return peer.nameHasOwner(server); }));
     std::optional<bool> taken;
-    host::sendMessage(server, "JVNDiscoveryUpdate",
+    seat::sendMessage(server, "JVNDiscoveryUpdate",
                       testing_support::dictionary({{"JVNDiscoveryState", NSNumber::numberWithInt(2)}}),
                       [&](bool delivered) { taken = delivered; });
     ASSERT_TRUE(app.waitUntil([&] { return taken.has_value(); }));

@@ -1,7 +1,7 @@
 // What the page makes of each report, of those that make no sense, and of a bus that comes and goes.
 
 #include "tests/settings/pairing_test.h"
-#include "tests/support/heartbeat.h"
+#include "tests/support/Heartbeat.h"
 
 #include <atomic>
 #include <cmath>
@@ -115,10 +115,10 @@ TEST_F(PairingMessages, EveryStateDoesToEveryTypeWhatItShould) {
 TEST_F(PairingMessages, AReportWithoutAStateOrWithoutADictionaryIsSearching) {
     const std::string searching = "Searching..\nPress the red SYNC button on the back of your controller.";
     startPairing(2);
-    host::sendMessage(server, "JVNDiscoveryUpdate", testing_support::dictionary({{"Other", "x"}}));
+    seat::sendMessage(server, "JVNDiscoveryUpdate", testing_support::dictionary({{"Other", "x"}}));
     EXPECT_TRUE(app.waitUntil([&] { return overlay() == searching; }));
     page->hud()->setText("");
-    host::sendMessage(server, "JVNDiscoveryUpdate", nullptr);
+    seat::sendMessage(server, "JVNDiscoveryUpdate", nullptr);
     EXPECT_TRUE(app.waitUntil([&] { return overlay() == searching; }));
 }
 

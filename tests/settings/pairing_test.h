@@ -1,11 +1,11 @@
 #pragma once
 
-#include "host/bus/SessionBus.h"
-#include "host/messaging/message_sender.h"
-#include "tests/settings/page_test.h"
-#include "tests/support/bus_peer.h"
-#include "tests/support/logged_lines.h"
-#include "tests/support/private_bus.h"
+#include "system/bus/SessionBus.h"
+#include "system/messaging/message_sender.h"
+#include "tests/settings/PageTest.h"
+#include "tests/support/BusPeer.h"
+#include "tests/support/LoggedLines.h"
+#include "tests/support/PrivateBus.h"
 
 #include <filesystem>
 #include <fstream>
@@ -21,11 +21,11 @@ inline const std::string activating =
 class Pairing : public PageTest {
 protected:
     // Tests before this one ran without a bus: the connection begins afresh with this one's.
-    Pairing() { host::SessionBus::shared().close(); }
+    Pairing() { seat::SessionBus::shared().close(); }
     ~Pairing() override {
         app.close();
         page = nullptr;
-        host::SessionBus::shared().close();
+        seat::SessionBus::shared().close();
     }
 
     // A discovery tool that notes its start and the interrupt, and lives until then.
@@ -64,7 +64,7 @@ protected:
     // As the tool does; returns when the page has taken it and what it queued has run.
     void report(int state) {
         bool delivered = false;
-        host::sendMessage(server, "JVNDiscoveryUpdate",
+        seat::sendMessage(server, "JVNDiscoveryUpdate",
                           testing_support::dictionary({{"JVNDiscoveryState", NSNumber::numberWithInt(state)}}),
                           [&](bool taken) { delivered = taken; });
         ASSERT_TRUE(app.waitUntil([&] { return delivered; }));

@@ -1,10 +1,10 @@
 #include "settings/preferences_file.h"
 
-#include "host/foundation/root.h"
-#include "host/preferences/preferences_store.h"
-#include "host/preferences/write_steps.h"
-#include "tests/support/logged_lines.h"
-#include "tests/support/temporary_folder.h"
+#include "system/files/root.h"
+#include "system/preferences/preferences_store.h"
+#include "system/preferences/write_steps.h"
+#include "tests/support/LoggedLines.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -16,8 +16,8 @@ namespace {
 
 class AtomicWrite : public testing::Test {
 protected:
-    void SetUp() override { host::setRoot(m_root.path()); }
-    void TearDown() override { host::setRoot({}); }
+    void SetUp() override { seat::setRoot(m_root.path()); }
+    void TearDown() override { seat::setRoot({}); }
     void put(const std::string& name) {
         const std::filesystem::path folder = m_root.path() + "/var/mobile/Library/Preferences";
         std::filesystem::create_directories(folder);
@@ -70,17 +70,17 @@ TEST_F(AtomicWrite, IsOverWhereTheFolderIsNone) {
 }
 
 TEST_F(AtomicWrite, RunsFromTheFirstByteOfASettingUntilItIsInPlace) {
-    using Step = host::PreferencesWriteStep;
-    host::setPreferenceValue("com.quorrel.joyvane", "key", "before");
+    using Step = seat::PreferencesWriteStep;
+    seat::setPreferenceValue("com.quorrel.joyvane", "key", "before");
     std::map<Step, bool> runs;
-    host::setPreferencesWriteProbe([&](Step step) {
+    seat::setPreferencesWriteProbe([&](Step step) {
         runs[step] = JVNPreferencesFileStillInAtomicWrite();
         return 0;
     });
 
-    host::setPreferenceValue("com.quorrel.joyvane", "key", "after");
+    seat::setPreferenceValue("com.quorrel.joyvane", "key", "after");
 
-    host::setPreferencesWriteProbe({});
+    seat::setPreferencesWriteProbe({});
     EXPECT_EQ(runs, (std::map<Step, bool>{{Step::Locked, false},
                                           {Step::ReadAfresh, false},
                                           {Step::TemporaryCreated, true},

@@ -1,8 +1,8 @@
 // The rows that come from the resource: what the page relies on them for.
 
-#include "host/settings_framework/row_value.h"
-#include "tests/settings/page_test.h"
-#include "tests/support/logged_lines.h"
+#include "kit/settings_framework/row_value.h"
+#include "tests/settings/PageTest.h"
+#include "tests/support/LoggedLines.h"
 
 namespace {
 
@@ -14,7 +14,7 @@ protected:
         std::vector<long> values;
         const auto row = page->specifierForID(identifier);
         if (!row) return values;
-        for (const auto& choice : host::choicesOf(*row)) {
+        for (const auto& choice : seat::choicesOf(*row)) {
             EXPECT_FALSE(choice.title.empty()) << identifier;
             values.push_back(choice.value.integerValue());
         }

@@ -1,5 +1,5 @@
-#include "host/settings_framework/bundle.h"
-#include "tests/settings/page_test.h"
+#include "kit/settings_framework/bundle.h"
+#include "tests/settings/PageTest.h"
 
 #include <filesystem>
 #include <fstream>
@@ -273,7 +273,7 @@ protected:
         std::ofstream(folder + "/Joyvane.plist")
             << "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>items</key><array>" << items
             << "</array></dict></plist>";
-        host::setResourceFolder(folder);
+        seat::setResourceFolder(folder);
         page = JoyvaneListController::alloc()->init();
         app.open(page);
     }

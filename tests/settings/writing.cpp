@@ -1,10 +1,10 @@
 // Settings as they are read from the store and written into it, by touch.
 
-#include "host/notify/NotifyListener.h"
-#include "host/preferences/write_steps.h"
 #include "platform/foundation/NSData.h"
-#include "tests/settings/page_test.h"
-#include "tests/support/logged_lines.h"
+#include "system/notify/NotifyListener.h"
+#include "system/preferences/write_steps.h"
+#include "tests/settings/PageTest.h"
+#include "tests/support/LoggedLines.h"
 
 namespace {
 
@@ -36,7 +36,7 @@ protected:
     testing_support::LoggedLines log;
 
 private:
-    host::NotifyListener m_changed;
+    seat::NotifyListener m_changed;
 };
 
 TEST_F(Settings, OfASwitchAreInTheFileWhenTheyAreAnnounced) {
@@ -73,14 +73,14 @@ TEST_F(Settings, AreWrittenBeforeThePageReacts) {
     show(1);
     const std::string before = rows();
     std::string whileWriting;
-    host::setPreferencesWriteProbe([&](host::PreferencesWriteStep step) {
-        if (step == host::PreferencesWriteStep::Locked) whileWriting = rows();
+    seat::setPreferencesWriteProbe([&](seat::PreferencesWriteStep step) {
+        if (step == seat::PreferencesWriteStep::Locked) whileWriting = rows();
         return 0;
     });
 
     ASSERT_TRUE(app.tapSwitch("Ambient LED Color"));
 
-    host::setPreferencesWriteProbe({});
+    seat::setPreferencesWriteProbe({});
     EXPECT_EQ(whileWriting, before);
     EXPECT_NE(rows(), before);
 }
@@ -90,14 +90,14 @@ TEST_F(Settings, AreWrittenBeforeThePageWarns) {
     const auto views = [&] { return app.scene().window()->subviews().size(); };
     const std::size_t before = views();
     std::size_t whileWriting = 0;
-    host::setPreferencesWriteProbe([&](host::PreferencesWriteStep step) {
-        if (step == host::PreferencesWriteStep::FolderFlushed) whileWriting = views();
+    seat::setPreferencesWriteProbe([&](seat::PreferencesWriteStep step) {
+        if (step == seat::PreferencesWriteStep::FolderFlushed) whileWriting = views();
         return 0;
     });
 
     ASSERT_TRUE(app.tapSwitch("Force Extended Gamepad"));
 
-    host::setPreferencesWriteProbe({});
+    seat::setPreferencesWriteProbe({});
     EXPECT_EQ(whileWriting, before);
     EXPECT_EQ(views(), before + 1);
 }

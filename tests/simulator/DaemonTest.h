@@ -1,10 +1,10 @@
 #pragma once
 
-#include "host/foundation/root.h"
 #include "platform/socket.h"
 #include "simulator/control_frames.h"
-#include "tests/simulator/stand_in.h"
-#include "tests/support/temporary_folder.h"
+#include "system/files/root.h"
+#include "tests/simulator/StandIn.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -13,8 +13,8 @@ class DaemonTest : public ::testing::Test {
 protected:
     using Bytes = simulator::Bytes;
 
-    DaemonTest() { host::setRoot(m_folder.path()); }
-    ~DaemonTest() override { host::setRoot(""); }
+    DaemonTest() { seat::setRoot(m_folder.path()); }
+    ~DaemonTest() override { seat::setRoot(""); }
 
     std::string socketFile() const { return m_folder.file("Library/Caches/jvncontrol.sock"); }
     static int connect() {

@@ -1,6 +1,6 @@
-#include "tests/simulator/stand_in.h"
+#include "tests/simulator/StandIn.h"
 
-#include "host/process/pidfd.h"
+#include "system/process/pidfd.h"
 
 #include <algorithm>
 #include <chrono>
@@ -81,7 +81,7 @@ bool StandIn::hasSaid(const std::string& text) {
 }
 
 std::optional<int> StandIn::end() {
-    const host::Descriptor process(::pidfd_open(m_process, 0));
+    const seat::Descriptor process(::pidfd_open(m_process, 0));
     ::pollfd ended{process.get(), POLLIN, 0};
     if (::poll(&ended, 1, 10'000) != 1) return std::nullopt;
     int status = 0;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/foundation/Descriptor.h"
+#include "system/files/Descriptor.h"
 
 #include <optional>
 #include <string>
@@ -34,8 +34,8 @@ private:
     bool readSome(int milliseconds);
 
     ::pid_t m_process = 0;
-    host::Descriptor m_input;
-    host::Descriptor m_output;
+    seat::Descriptor m_input;
+    seat::Descriptor m_output;
     std::string m_partial;
     std::vector<std::string> m_lines;
 };

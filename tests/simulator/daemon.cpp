@@ -1,8 +1,8 @@
-#include "tests/simulator/daemon_test.h"
+#include "tests/simulator/DaemonTest.h"
 
 #include "simulator/Daemon.h"
-#include "tests/support/bus_peer.h"
-#include "tests/support/private_bus.h"
+#include "tests/support/BusPeer.h"
+#include "tests/support/PrivateBus.h"
 
 #include <algorithm>
 #include <chrono>

@@ -1,4 +1,4 @@
-#include "tests/simulator/daemon_test.h"
+#include "tests/simulator/DaemonTest.h"
 
 #include <csignal>
 #include <filesystem>
@@ -83,7 +83,7 @@ TEST_F(DaemonPlace, WhatIsNoSocketIsLeftAlone) {
 TEST_F(DaemonPlace, TheRootMayBeLong) {
     std::string root = m_folder.path();
     for (int i = 0; i < 4; ++i) root += "/" + std::string(200, 'x');
-    host::setRoot(root);
+    seat::setRoot(root);
     StandIn daemon(JVND_PROGRAM, {"--root", root});
     ASSERT_TRUE(daemon.hears("ready"));
 

@@ -1,13 +1,13 @@
-#include "tests/simulator/stand_in.h"
+#include "tests/simulator/StandIn.h"
 
-#include "host/foundation/root.h"
-#include "host/notify/NotifyListener.h"
-#include "host/preferences/preferences_store.h"
 #include "platform/foundation/NSData.h"
 #include "platform/messaging_center.h"
 #include "platform/runtime.h"
-#include "tests/support/bus_session.h"
-#include "tests/support/temporary_folder.h"
+#include "system/files/root.h"
+#include "system/notify/NotifyListener.h"
+#include "system/preferences/preferences_store.h"
+#include "tests/support/BusSession.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include <csignal>
 #include <filesystem>
@@ -39,12 +39,12 @@ NS_CLASS_IMPLEMENTATION(Reports, NSObject, method<&Reports::handle>("handle:user
 class JVNDiscovery : public ::testing::Test, protected testing_support::BusSession {
 protected:
     JVNDiscovery() {
-        host::setRoot(m_folder.path());
+        seat::setRoot(m_folder.path());
         m_center->registerForMessageName_target_selector("JVNDiscoveryUpdate", m_reports, "handle:userInfo:");
         m_center->runServerOnCurrentThread();
         EXPECT_TRUE(connected());
     }
-    ~JVNDiscovery() override { host::setRoot(""); }
+    ~JVNDiscovery() override { seat::setRoot(""); }
 
     void script(const std::string& text) {
         std::filesystem::create_directories(m_folder.file("var/tmp"));
@@ -59,7 +59,7 @@ protected:
     bool reported(const std::string& story) {
         return runUntil([&] { return m_reports->story == story; });
     }
-    id storedAddress() const { return host::preferenceValue("com.quorrel.joyvane", "PS4BluetoothAddress"); }
+    id storedAddress() const { return seat::preferenceValue("com.quorrel.joyvane", "PS4BluetoothAddress"); }
 
     testing_support::TemporaryFolder m_folder;
     std::shared_ptr<CPDistributedMessagingCenter> m_center = CPDistributedMessagingCenter::centerNamed(centerName);
@@ -73,7 +73,7 @@ TEST_F(JVNDiscovery, ReportsInOrderAndStoresTheAddressBeforeItSaysThatItIsPaired
     m_reports->whenCalled = [&] {
         if (m_reports->story == "4 0 2 ") stored = bool(storedAddress());
     };
-    const host::NotifyListener listener("com.quorrel.jvnprefs.changed", [&] { announced = true; });
+    const seat::NotifyListener listener("com.quorrel.jvnprefs.changed", [&] { announced = true; });
 
     const auto tool = start();
 
@@ -162,7 +162,7 @@ TEST_F(JVNDiscovery, EndsWithWhoStartedIt) {
 
     int status = -1;
     EXPECT_TRUE(runUntil([&] {
-        host::queueOnMain([] {});
+        seat::queueOnMain([] {});
         return ::waitpid(-1, &status, WNOHANG) > 0;
     }));
     EXPECT_EQ(0, status);

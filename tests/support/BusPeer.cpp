@@ -1,4 +1,4 @@
-#include "tests/support/bus_peer.h"
+#include "tests/support/BusPeer.h"
 
 #include <dbus/dbus.h>
 #include <stdexcept>

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "host/bus/SessionBus.h"
-#include "host/dispatch/main_queue.h"
-#include "host/testing/poll_loop.h"
-#include "tests/support/private_bus.h"
+#include "kit/dispatch/main_queue.h"
+#include "system/bus/SessionBus.h"
+#include "system/run_loop/PollLoop.h"
+#include "tests/support/PrivateBus.h"
 
 #include <atomic>
 #include <future>
@@ -14,14 +14,14 @@ namespace testing_support {
 // A bus of the test's own, the main run loop, and the session bus as the host has it.
 class BusSession {
 public:
-    ~BusSession() { host::SessionBus::shared().close(); }
+    ~BusSession() { seat::SessionBus::shared().close(); }
 
     bool runUntil(const std::function<bool()>& done, double seconds = 10) { return loop.runUntil(done, seconds); }
     void runFor(double seconds) {
         loop.runUntil([] { return false; }, seconds);
     }
     bool connected() {
-        return runUntil([] { return host::SessionBus::shared().isConnected(); });
+        return runUntil([] { return seat::SessionBus::shared().isConnected(); });
     }
     // What another program does, on a thread of its own, while the main run loop runs.
     template <class Work> std::invoke_result_t<Work> whileRunning(Work work) {
@@ -29,7 +29,7 @@ public:
         auto result = std::async(std::launch::async, [&work, &done] {
             auto outcome = work();
             done = true;
-            host::queueOnMain([] {}); // the run loop looks up
+            seat::queueOnMain([] {}); // the run loop looks up
             return outcome;
         });
         loop.runUntil([&done] { return done.load(); }, 60);
@@ -37,7 +37,7 @@ public:
     }
 
     PrivateBus bus;
-    host::PollLoop loop;
+    seat::PollLoop loop;
 };
 
 } // namespace testing_support

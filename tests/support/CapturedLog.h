@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/foundation/log.h"
+#include "system/log/log.h"
 
 #include <mutex>
 #include <string>
@@ -12,12 +12,12 @@ namespace testing_support {
 class CapturedLog {
 public:
     CapturedLog() {
-        host::setLogSink([this](std::string_view line) {
+        seat::setLogSink([this](std::string_view line) {
             const std::lock_guard lock(m_mutex);
             m_lines.emplace_back(line);
         });
     }
-    ~CapturedLog() { host::setLogSink(nullptr); }
+    ~CapturedLog() { seat::setLogSink(nullptr); }
     CapturedLog(const CapturedLog&) = delete;
     CapturedLog& operator=(const CapturedLog&) = delete;
 

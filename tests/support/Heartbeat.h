@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/dispatch/main_queue.h"
+#include "kit/dispatch/main_queue.h"
 
 #include <algorithm>
 #include <atomic>
@@ -49,7 +49,7 @@ private:
     void beat() {
         while (!m_stop) {
             const double heldUp = mainThreadHeldUpMilliseconds();
-            host::queueOnMain([asked = Clock::now(), heldUp, longest = m_longest, beats = m_beats] {
+            seat::queueOnMain([asked = Clock::now(), heldUp, longest = m_longest, beats = m_beats] {
                 const double passed = std::chrono::duration<double, std::milli>(Clock::now() - asked).count();
                 const double late = passed - (mainThreadHeldUpMilliseconds() - heldUp);
                 *longest = std::max(longest->load(), late);

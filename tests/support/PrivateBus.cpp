@@ -1,4 +1,4 @@
-#include "tests/support/private_bus.h"
+#include "tests/support/PrivateBus.h"
 
 #include <csignal>
 #include <cstdlib>

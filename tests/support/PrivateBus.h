@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/support/temporary_folder.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include <string>
 #include <sys/types.h>

@@ -1,4 +1,4 @@
-#include "tests/support/scripted_daemon.h"
+#include "tests/support/ScriptedDaemon.h"
 
 #include <cstdio>
 #include <cstring>

@@ -1,10 +1,10 @@
-#include "tests/support/settings_host.h"
+#include "tests/support/SettingsHost.h"
 
-#include "host/dispatch/main_queue.h"
-#include "host/foundation/root.h"
-#include "host/settings_framework/bundle.h"
+#include "kit/dispatch/main_queue.h"
+#include "kit/settings_framework/bundle.h"
 #include "platform/foundation/NSPropertyListSerialization.h"
 #include "platform/uikit/UIApplication.h"
+#include "system/files/root.h"
 
 #include <chrono>
 #include <filesystem>
@@ -13,8 +13,8 @@
 namespace testing_support {
 
 SettingsHost::SettingsHost(CGSize size, double scale) : m_scene(size, scale), m_touches(m_scene, &m_clock) {
-    host::setRoot(m_root.path());
-    host::setResourceFolder(JOYVANE_RESOURCES);
+    seat::setRoot(m_root.path());
+    seat::setResourceFolder(JOYVANE_RESOURCES);
     UIApplication::sharedApplication()->setKeyWindow(m_scene.window());
 }
 
@@ -23,8 +23,8 @@ SettingsHost::~SettingsHost() {
     while (dismissAlert()) {
     }
     close();
-    host::setResourceFolder({});
-    host::setRoot({});
+    seat::setResourceFolder({});
+    seat::setRoot({});
 }
 
 void SettingsHost::open(const std::shared_ptr<UIViewController>& screen) {
@@ -56,7 +56,7 @@ void SettingsHost::settle() {
     m_loop.runReady();
 }
 
-const host::AccessibilityNode* SettingsHost::find(const std::string& name) {
+const seat::AccessibilityNode* SettingsHost::find(const std::string& name) {
     settle();
     auto& tree = m_scene.accessibility();
     tree.update();
@@ -66,7 +66,7 @@ const host::AccessibilityNode* SettingsHost::find(const std::string& name) {
 }
 
 bool SettingsHost::tap(const std::string& name) {
-    const auto middle = [](const host::AccessibilityNode& node) {
+    const auto middle = [](const seat::AccessibilityNode& node) {
         return CGPoint{CGRectGetMidX(node.extent), CGRectGetMidY(node.extent)};
     };
     const double bottom = m_scene.size().height;

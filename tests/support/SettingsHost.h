@@ -1,14 +1,14 @@
 #pragma once
 
-#include "host/testing/manual_clock.h"
-#include "host/testing/poll_loop.h"
-#include "host/testing/touches.h"
-#include "host/uikit/accessibility_tree.h"
-#include "host/uikit/window_scene.h"
+#include "kit/dispatch/ManualClock.h"
+#include "kit/uikit/AccessibilityTree.h"
+#include "kit/uikit/Touches.h"
+#include "kit/uikit/WindowScene.h"
 #include "platform/foundation/NSDictionary.h"
 #include "platform/settings_framework/PSListController.h"
 #include "platform/uikit/UINavigationController.h"
-#include "tests/support/temporary_folder.h"
+#include "system/run_loop/PollLoop.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include <functional>
 #include <memory>
@@ -28,10 +28,10 @@ public:
     SettingsHost& operator=(const SettingsHost&) = delete;
 
     const std::string& root() const { return m_root.path(); }
-    host::WindowScene& scene() { return m_scene; }
-    host::Touches& touches() { return m_touches; }
-    host::ManualClock& clock() { return m_clock; }
-    host::PollLoop& loop() { return m_loop; }
+    seat::WindowScene& scene() { return m_scene; }
+    seat::Touches& touches() { return m_touches; }
+    seat::ManualClock& clock() { return m_clock; }
+    seat::PollLoop& loop() { return m_loop; }
     const std::shared_ptr<UINavigationController>& navigation() const { return m_navigation; }
 
     // Shows the screen as the root of the window; its appearing calls have run when this returns.
@@ -44,7 +44,7 @@ public:
     void settle();
 
     // The node with this name that can be seen now; nullptr when there is none.
-    const host::AccessibilityNode* find(const std::string& name);
+    const seat::AccessibilityNode* find(const std::string& name);
     // Scrolls to the row where needed and taps it; false when there is no such row.
     bool tap(const std::string& name);
     // The switch at the right end of a row.
@@ -63,10 +63,10 @@ public:
 
 private:
     TemporaryFolder m_root;
-    host::ManualClock m_clock;
-    host::PollLoop m_loop;
-    host::WindowScene m_scene;
-    host::Touches m_touches;
+    seat::ManualClock m_clock;
+    seat::PollLoop m_loop;
+    seat::WindowScene m_scene;
+    seat::Touches m_touches;
     std::shared_ptr<UINavigationController> m_navigation;
 };
 

@@ -3,14 +3,14 @@
 // Shows the colour picker alone. Writes a line with each colour that it reports.
 
 #include "colourpicker/ZKColorPickerView.h"
-#include "host/bus/session_bus_address.h"
-#include "host/dispatch/main_queue.h"
-#include "host/uikit/window_scene.h"
-#include "host/window/scene_window.h"
-#include "host/window/toolkit.h"
+#include "desktop/window/SceneWindow.h"
+#include "desktop/window/Toolkit.h"
+#include "kit/dispatch/main_queue.h"
+#include "kit/uikit/WindowScene.h"
 #include "ledcolour/hex_colour.h"
 #include "platform/runtime/method.h"
 #include "platform/uikit/UIColor.h"
+#include "system/bus/session_bus_address.h"
 
 #include <chrono>
 #include <cstdio>
@@ -22,7 +22,7 @@ namespace {
 using namespace std::chrono_literals;
 
 struct Options {
-    host::SceneWindowOptions window;
+    seat::SceneWindowOptions window;
     std::string color = JVNDefaultLEDColor;
 };
 
@@ -71,10 +71,10 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "usage: joyvane-picker [--size WxH] [--scale S] [--color RRGGBB]\n");
         return 2;
     }
-    host::settleSessionBus(300ms);
-    host::Toolkit toolkit({.name = "joyvane-picker", .desktopEntry = "joyvane-picker", .noDisplay = noDisplay});
-    auto window = std::make_unique<host::SceneWindow>(options.window);
-    host::WindowScene scene(window->size(), window->scale());
+    seat::settleSessionBus(300ms);
+    seat::Toolkit toolkit({.name = "joyvane-picker", .desktopEntry = "joyvane-picker", .noDisplay = noDisplay});
+    auto window = std::make_unique<seat::SceneWindow>(options.window);
+    seat::WindowScene scene(window->size(), window->scale());
 
     const auto picker = ZKColorPickerView::alloc()->initWithFrame({{0, 0}, scene.size()});
     picker->setAutoresizingMask(UIViewAutoresizingFlexibleWidth | UIViewAutoresizingFlexibleHeight);
@@ -88,7 +88,7 @@ int main(int argc, char** argv) {
     window->setCloseHandler([&toolkit] { toolkit.quit(0); });
     toolkit.onTermination([&toolkit] { toolkit.quit(0); });
     const int code = toolkit.run();
-    host::drainMainQueue();
+    seat::drainMainQueue();
     window.reset(); // before the scene
     return code;
 }

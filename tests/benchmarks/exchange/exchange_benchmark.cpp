@@ -4,12 +4,12 @@
 
 #include "daemonlink/ControlConnection.h"
 #include "daemonlink/exchanges.h"
-#include "host/foundation/Descriptor.h"
 #include "platform/dispatch.h"
 #include "platform/foundation/NSNumber.h"
 #include "settings/JoyvaneListController.h"
-#include "tests/support/logged_lines.h"
-#include "tests/support/settings_host.h"
+#include "system/files/Descriptor.h"
+#include "tests/support/LoggedLines.h"
+#include "tests/support/SettingsHost.h"
 
 #include <QGuiApplication>
 
@@ -43,7 +43,7 @@ public:
         int ends[2];
         if (::pipe2(ends, O_CLOEXEC) != 0) return;
         m_input.reset(ends[1]);
-        const host::Descriptor theirs(ends[0]);
+        const seat::Descriptor theirs(ends[0]);
         posix_spawn_file_actions_t actions;
         ::posix_spawn_file_actions_init(&actions);
         ::posix_spawn_file_actions_adddup2(&actions, theirs.get(), STDIN_FILENO);
@@ -63,7 +63,7 @@ public:
     StandInDaemon& operator=(const StandInDaemon&) = delete;
 
 private:
-    host::Descriptor m_input;
+    seat::Descriptor m_input;
     ::pid_t m_process = 0;
 };
 
@@ -132,7 +132,7 @@ BENCHMARK(oursBesideBare)->Unit(benchmark::kMillisecond);
 
 // To a worker and back to the main queue, with nothing done there: what the page pays for never waiting.
 void hop(benchmark::State& state) {
-    host::PollLoop loop;
+    seat::PollLoop loop;
     std::vector<double> hops;
     for ([[maybe_unused]] auto _ : state) {
         const auto start = Clock::now();

@@ -3,13 +3,14 @@
 
 #include "keymap/JVNKeymapViewController.h"
 
+#include "kit/quartz/pixels.h"
 #include "platform/foundation/NSData.h"
 #include "platform/foundation/NSPropertyListSerialization.h"
 #include "platform/uikit/UIApplication.h"
 #include "platform/uikit/UIKeyEvent.h"
+#include "tests/support/LoggedLines.h"
+#include "tests/support/SettingsHost.h"
 #include "tests/support/cpu_time.h"
-#include "tests/support/logged_lines.h"
-#include "tests/support/settings_host.h"
 
 #include <QGuiApplication>
 

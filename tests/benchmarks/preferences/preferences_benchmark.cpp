@@ -1,9 +1,9 @@
 // A settings write against the bare system calls that it cannot do without.
 
-#include "host/foundation/Descriptor.h"
-#include "host/foundation/root.h"
-#include "host/preferences/preferences_store.h"
-#include "tests/support/temporary_folder.h"
+#include "system/files/Descriptor.h"
+#include "system/files/root.h"
+#include "system/preferences/preferences_store.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include <benchmark/benchmark.h>
 
@@ -22,11 +22,11 @@ void bareSystemCalls(benchmark::State& state) {
     const std::string temporary = folder.file("file.plist.temporary");
     const std::string file = folder.file("file.plist");
     for ([[maybe_unused]] auto _ : state) {
-        const host::Descriptor written(open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+        const seat::Descriptor written(open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
         benchmark::DoNotOptimize(write(written.get(), bytes.data(), bytes.size()));
         fsync(written.get());
         rename(temporary.c_str(), file.c_str());
-        const host::Descriptor directory(open(folder.path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        const seat::Descriptor directory(open(folder.path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
         fsync(directory.get());
     }
 }
@@ -34,23 +34,23 @@ BENCHMARK(bareSystemCalls)->Unit(benchmark::kMicrosecond)->UseRealTime();
 
 void settingsWrite(benchmark::State& state) {
     const testing_support::TemporaryFolder folder;
-    host::setRoot(folder.path());
+    seat::setRoot(folder.path());
     for (int i = 0; i < 20; ++i)
-        host::setPreferenceValue(domain, "key " + std::to_string(i), NSNumber::numberWithInteger(i));
+        seat::setPreferenceValue(domain, "key " + std::to_string(i), NSNumber::numberWithInteger(i));
     int value = 0;
     for ([[maybe_unused]] auto _ : state)
-        host::setPreferenceValue(domain, "controller_type", NSNumber::numberWithInteger(++value % 7));
-    host::setRoot({});
+        seat::setPreferenceValue(domain, "controller_type", NSNumber::numberWithInteger(++value % 7));
+    seat::setRoot({});
 }
 BENCHMARK(settingsWrite)->Unit(benchmark::kMicrosecond)->UseRealTime();
 
 void settingsRead(benchmark::State& state) {
     const testing_support::TemporaryFolder folder;
-    host::setRoot(folder.path());
+    seat::setRoot(folder.path());
     for (int i = 0; i < 20; ++i)
-        host::setPreferenceValue(domain, "key " + std::to_string(i), NSNumber::numberWithInteger(i));
-    for ([[maybe_unused]] auto _ : state) benchmark::DoNotOptimize(host::preferenceValue(domain, "key 7"));
-    host::setRoot({});
+        seat::setPreferenceValue(domain, "key " + std::to_string(i), NSNumber::numberWithInteger(i));
+    for ([[maybe_unused]] auto _ : state) benchmark::DoNotOptimize(seat::preferenceValue(domain, "key 7"));
+    seat::setRoot({});
 }
 BENCHMARK(settingsRead)->Unit(benchmark::kMicrosecond);
 

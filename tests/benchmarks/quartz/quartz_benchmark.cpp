@@ -1,8 +1,9 @@
 // What drawing costs: the colour field as an image, and a page on the screen.
 
-#include "host/quartz/layer_renderer.h"
-#include "host/quartz/screen.h"
-#include "host/quartz/text.h"
+#include "kit/quartz/screen.h"
+#include "kit/quartz/text_runs.h"
+#include "kit/quartz/pixels.h"
+#include "kit/seat.h"
 #include "platform/uikit/UIColor.h"
 #include "platform/uikit/UIImage.h"
 
@@ -105,15 +106,15 @@ void pixelByPixelFromHue(benchmark::State& state) {
 
 struct Label : CALayerDelegate {
     void drawLayer_inContext(CALayer& layer, CGContextRef context) override {
-        host::drawText(context, runs, layer.bounds(), host::TextAlignment::Left, 1);
+        seat::drawText(context, runs, layer.bounds(), seat::TextAlignment::Left, 1);
     }
-    std::vector<host::TextRun> runs;
+    std::vector<seat::TextRun> runs;
 };
 
 // A settings page: a bar, rows with a title and a value, hairlines, rounded sections.
 struct Page {
     Page() {
-        host::setMainScreen({375, 667}, scale);
+        seat::setMainScreen({375, 667}, scale);
         root->setFrame({{0, 0}, {375, 667}});
         root->setBackgroundColor(UIColor::colorWithRed_green_blue_alpha(0.94, 0.94, 0.96, 1)->CGColor());
         for (int section = 0; section < 3; ++section) {
@@ -137,12 +138,12 @@ struct Page {
         const auto layer = CALayer::layer();
         layer->setFrame(frame);
         labels.push_back(std::make_unique<Label>());
-        labels.back()->runs = host::textRuns(text, UIFont::systemFontOfSize(17), UIColor::blackColor()->CGColor());
+        labels.back()->runs = seat::textRuns(text, UIFont::systemFontOfSize(17), UIColor::blackColor()->CGColor());
         layer->setDelegate(labels.back().get());
         group.addSublayer(layer);
     }
     void render(CGRect damage) {
-        host::renderLayerTree(*root, {pixels.data(), 750, 1334, std::ptrdiff_t{750} * 4}, scale, {&damage, 1});
+        seat::renderLayerTree(*root, {pixels.data(), 750, 1334, std::ptrdiff_t{750} * 4}, scale, {&damage, 1});
     }
 
     std::shared_ptr<CALayer> root = CALayer::layer();
@@ -182,7 +183,7 @@ void brightnessChange(benchmark::State& state) {
     for (auto _ : state) {
         brightness = brightness < 0.9 ? brightness + 0.01 : 0.4;
         root->sublayers()[1]->setOpacity(brightness);
-        host::renderLayerTree(*root, {pixels.data(), width, height, std::ptrdiff_t{4} * width}, scale, {&damage, 1});
+        seat::renderLayerTree(*root, {pixels.data(), width, height, std::ptrdiff_t{4} * width}, scale, {&damage, 1});
     }
 }
 

@@ -1,6 +1,6 @@
 // Reloading a settings page, and the table below it alone.
 
-#include "host/uikit/window_scene.h"
+#include "kit/uikit/WindowScene.h"
 #include "platform/settings_framework.h"
 #include "platform/uikit/UINavigationController.h"
 
@@ -38,7 +38,7 @@ private:
 NS_CLASS_IMPLEMENTATION(RowsPage, PSListController)
 
 void reloadPage(benchmark::State& state) {
-    host::WindowScene scene({375, 667}, 2);
+    seat::WindowScene scene({375, 667}, 2);
     const auto page = RowsPage::alloc()->initWithCount(state.range(0));
     scene.window()->setRootViewController(UINavigationController::alloc()->initWithRootViewController(page));
     scene.prepareFrame();
@@ -52,7 +52,7 @@ void reloadPage(benchmark::State& state) {
 BENCHMARK(reloadPage)->Arg(20)->Arg(100)->Arg(1000)->Arg(10'000)->Unit(benchmark::kMicrosecond)->Complexity();
 
 void reloadTable(benchmark::State& state) {
-    host::WindowScene scene({375, 667}, 2);
+    seat::WindowScene scene({375, 667}, 2);
     const auto page = RowsPage::alloc()->initWithCount(state.range(0));
     scene.window()->setRootViewController(page);
     scene.prepareFrame();
@@ -66,7 +66,7 @@ void reloadTable(benchmark::State& state) {
 BENCHMARK(reloadTable)->Arg(20)->Arg(100)->Arg(1000)->Arg(10'000)->Unit(benchmark::kMicrosecond)->Complexity();
 
 void scrollThroughTenThousandRows(benchmark::State& state) {
-    host::WindowScene scene({375, 667}, 2);
+    seat::WindowScene scene({375, 667}, 2);
     const auto page = RowsPage::alloc()->initWithCount(10'000);
     scene.window()->setRootViewController(page);
     scene.prepareFrame();

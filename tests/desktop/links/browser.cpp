@@ -1,11 +1,11 @@
 // Opening things with programs: real programs, really started.
 
-#include "host/mail/browser.h"
+#include "desktop/links/browser.h"
 
-#include "host/mail/default_application.h"
-#include "host/testing/poll_loop.h"
-#include "tests/support/fake_desktop.h"
-#include "tests/support/logged_lines.h"
+#include "desktop/links/DefaultApplication.h"
+#include "system/run_loop/PollLoop.h"
+#include "tests/support/FakeDesktop.h"
+#include "tests/support/LoggedLines.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -24,14 +24,14 @@ protected:
 
     testing_support::FakeDesktop desktop;
     testing_support::LoggedLines log;
-    host::PollLoop loop;
+    seat::PollLoop loop;
 };
 
 TEST_F(Browser, GetsTheAddressInItsPlace) {
     desktop.addDesktopFile("browser", desktop.addProgram("browser") + " --new %u %i --last");
     desktop.setDefault("x-scheme-handler/http", "browser");
 
-    EXPECT_TRUE(host::openInBrowser("http://a.example/b c?d='e'&f"));
+    EXPECT_TRUE(seat::openInBrowser("http://a.example/b c?d='e'&f"));
 
     EXPECT_THAT(startedWith("browser"), ElementsAre("--new", "http://a.example/b c?d='e'&f", "--last"));
 }
@@ -40,7 +40,7 @@ TEST_F(Browser, WithoutAPlaceTheAddressComesLast) {
     desktop.addDesktopFile("browser", desktop.addProgram("browser") + " --new");
     desktop.setDefault("x-scheme-handler/http", "browser");
 
-    EXPECT_TRUE(host::openInBrowser("http://a.example/"));
+    EXPECT_TRUE(seat::openInBrowser("http://a.example/"));
 
     EXPECT_THAT(startedWith("browser"), ElementsAre("--new", "http://a.example/"));
 }
@@ -49,7 +49,7 @@ TEST_F(Browser, SecureAddressesHaveTheirOwn) {
     desktop.install("x-scheme-handler/http", "plain");
     desktop.install("x-scheme-handler/https", "secure");
 
-    EXPECT_TRUE(host::openInBrowser("https://a.example/"));
+    EXPECT_TRUE(seat::openInBrowser("https://a.example/"));
 
     EXPECT_THAT(startedWith("secure"), ElementsAre("https://a.example/"));
 }
@@ -57,13 +57,13 @@ TEST_F(Browser, SecureAddressesHaveTheirOwn) {
 TEST_F(Browser, ProgramForPagesStandsIn) {
     desktop.install("text/html", "reader");
 
-    EXPECT_TRUE(host::openInBrowser("http://a.example/"));
+    EXPECT_TRUE(seat::openInBrowser("http://a.example/"));
 
     EXPECT_THAT(startedWith("reader"), ElementsAre("http://a.example/"));
 }
 
 TEST_F(Browser, OnADesktopWithoutOneTheReasonIsLogged) {
-    EXPECT_FALSE(host::openInBrowser("http://a.example/"));
+    EXPECT_FALSE(seat::openInBrowser("http://a.example/"));
     EXPECT_EQ(log.count("the desktop names no browser"), 1u);
 }
 
@@ -71,7 +71,7 @@ TEST_F(Browser, OtherAddressesAreNotHandedOn) {
     desktop.install("x-scheme-handler/http", "browser");
 
     for (const char* address : {"file:///etc/passwd", "javascript:alert(1)", "--help", ""})
-        EXPECT_FALSE(host::openInBrowser(address)) << address;
+        EXPECT_FALSE(seat::openInBrowser(address)) << address;
 
     EXPECT_EQ(log.count("no web address"), 4u);
 }
@@ -81,7 +81,7 @@ TEST_F(Browser, ProgramThatCannotBeStartedIsLogged) {
     std::ofstream(broken) << "#!/no/such/interpreter\n";
     std::filesystem::permissions(broken, std::filesystem::perms::owner_all);
 
-    host::openWithApplication({"broken", {broken, "%u"}}, "http://a.example/");
+    seat::openWithApplication({"broken", {broken, "%u"}}, "http://a.example/");
 
     EXPECT_TRUE(loop.runUntil([&] { return log.count(broken + " could not be started") == 1; }));
 }

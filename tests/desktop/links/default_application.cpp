@@ -1,6 +1,6 @@
-#include "host/mail/default_application.h"
+#include "desktop/links/DefaultApplication.h"
 
-#include "tests/support/fake_desktop.h"
+#include "tests/support/FakeDesktop.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -15,7 +15,7 @@ constexpr const char* mail = "message/rfc822";
 class DefaultApplication : public testing::Test {
 protected:
     static std::string nameOf(const std::string& mediaType) {
-        const auto application = host::defaultApplication(mediaType);
+        const auto application = seat::defaultApplication(mediaType);
         return application ? application->name : "none";
     }
     // Programs with desktop files; which is the default is the test's business.
@@ -35,7 +35,7 @@ TEST_F(DefaultApplication, IsNobodyOnAnEmptyDesktop) { EXPECT_EQ(nameOf(mail), "
 TEST_F(DefaultApplication, IsTheUsersChoice) {
     desktop.install(mail, "mailer");
 
-    const auto application = host::defaultApplication(mail);
+    const auto application = seat::defaultApplication(mail);
 
     ASSERT_TRUE(application);
     EXPECT_EQ(application->name, "mailer");
@@ -99,8 +99,8 @@ TEST_F(DefaultApplication, ChoicesUnderOtherHeadingsDoNotCount) {
 }
 
 TEST(ExecLine, IsSplitAtBlanksOutsideQuotes) {
-    EXPECT_THAT(host::splitExecLine("mailer --compose  %u"), ElementsAre("mailer", "--compose", "%u"));
-    EXPECT_THAT(host::splitExecLine("\"/opt/my mailer/run\" \"a \\\"b\\\"\" \"\""),
+    EXPECT_THAT(seat::splitExecLine("mailer --compose  %u"), ElementsAre("mailer", "--compose", "%u"));
+    EXPECT_THAT(seat::splitExecLine("\"/opt/my mailer/run\" \"a \\\"b\\\"\" \"\""),
                 ElementsAre("/opt/my mailer/run", "a \"b\"", ""));
 }
 
@@ -129,17 +129,17 @@ TEST_F(DefaultApplication, EscapesOfTheFileComeBeforeThoseOfTheLine) {
     write(desktop.applications() + "/mailer.desktop",
           "[Desktop Entry]\nName=mailer\nExec=" + desktop.programs() + "/mailer \"a\\\\\\\\b\"\\s%u\n");
 
-    const auto application = host::defaultApplication(mail);
+    const auto application = seat::defaultApplication(mail);
 
     ASSERT_TRUE(application);
     EXPECT_THAT(application->command, ElementsAre(desktop.programs() + "/mailer", "a\\b", "%u"));
 }
 
-TEST(ExecLine, UnclosedQuoteMakesItMalformed) { EXPECT_THAT(host::splitExecLine("mailer \"a b"), IsEmpty()); }
+TEST(ExecLine, UnclosedQuoteMakesItMalformed) { EXPECT_THAT(seat::splitExecLine("mailer \"a b"), IsEmpty()); }
 
 std::vector<std::string> argumentsFor(std::vector<std::string> command) {
     command.insert(command.begin(), "/usr/bin/mailer");
-    return host::argumentsFor({"The Mailer", std::move(command)}, "/tmp/a b.eml");
+    return seat::argumentsFor({"The Mailer", std::move(command)}, "/tmp/a b.eml");
 }
 
 TEST(ExecArguments, CodeInsideALongerArgumentIsReplaced) {

@@ -1,6 +1,6 @@
-#include "host/mail/header_text.h"
+#include "desktop/mail/header_text.h"
 
-#include "host/foundation/base64.h"
+#include "kit/foundation/base64.h"
 
 #include <gtest/gtest.h>
 
@@ -17,7 +17,7 @@ std::string shown(std::string value) {
     auto from = value.cbegin();
     for (std::sregex_iterator match(value.begin(), value.end(), word), end; match != end; ++match) {
         text.append(from, (*match)[0].first);
-        const auto bytes = host::decodeBase64((*match)[1].str());
+        const auto bytes = seat::decodeBase64((*match)[1].str());
         if (bytes) text.append(bytes->begin(), bytes->end());
         from = (*match)[0].second;
     }
@@ -32,17 +32,17 @@ std::size_t longestLine(const std::string& value) {
 }
 
 TEST(HeaderText, PlainTextStaysAsItIs) {
-    EXPECT_EQ(host::headerText("Pairing the controller"), "Pairing the controller");
-    EXPECT_EQ(host::headerText(""), "");
+    EXPECT_EQ(seat::headerText("Pairing the controller"), "Pairing the controller");
+    EXPECT_EQ(seat::headerText(""), "");
 }
 
 TEST(HeaderText, OtherTextIsEncodedWhole) {
-    EXPECT_EQ(host::headerText("Grüße"), "=?utf-8?B?R3LDvMOfZQ==?=");
-    EXPECT_EQ(shown(host::headerText("Grüße an alle")), "Grüße an alle");
+    EXPECT_EQ(seat::headerText("Grüße"), "=?utf-8?B?R3LDvMOfZQ==?=");
+    EXPECT_EQ(shown(seat::headerText("Grüße an alle")), "Grüße an alle");
 }
 
 TEST(HeaderText, TextThatLooksEncodedIsEncodedOnceMore) {
-    EXPECT_EQ(shown(host::headerText("=?utf-8?B?YQ==?=")), "=?utf-8?B?YQ==?=");
+    EXPECT_EQ(shown(seat::headerText("=?utf-8?B?YQ==?=")), "=?utf-8?B?YQ==?=");
 }
 
 TEST(HeaderText, LongTextIsFoldedAndComesBack) {
@@ -53,31 +53,31 @@ TEST(HeaderText, LongTextIsFoldedAndComesBack) {
         other += "größer ";
     }
     for (const auto& text : {ascii, other}) {
-        EXPECT_LE(longestLine(host::headerText(text)), 78u);
-        EXPECT_EQ(shown(host::headerText(text)), text);
+        EXPECT_LE(longestLine(seat::headerText(text)), 78u);
+        EXPECT_EQ(shown(seat::headerText(text)), text);
     }
 }
 
 TEST(HeaderText, NoHeaderCanBeSmuggledIn) {
-    EXPECT_EQ(host::headerText("a\r\nBcc: b@c.example"), "a  Bcc: b@c.example");
-    EXPECT_EQ(host::headerRecipients("a@b.example\nBcc: x"), "a@b.example Bcc: x");
+    EXPECT_EQ(seat::headerText("a\r\nBcc: b@c.example"), "a  Bcc: b@c.example");
+    EXPECT_EQ(seat::headerRecipients("a@b.example\nBcc: x"), "a@b.example Bcc: x");
 }
 
 TEST(HeaderRecipients, AddressesStayAsTheyAre) {
-    EXPECT_EQ(host::headerRecipients("a@b.example"), "a@b.example");
-    EXPECT_EQ(host::headerRecipients(" a@b.example ,, Ann <c@d.example>,"), "a@b.example, Ann <c@d.example>");
-    EXPECT_EQ(host::headerRecipients(""), "");
+    EXPECT_EQ(seat::headerRecipients("a@b.example"), "a@b.example");
+    EXPECT_EQ(seat::headerRecipients(" a@b.example ,, Ann <c@d.example>,"), "a@b.example, Ann <c@d.example>");
+    EXPECT_EQ(seat::headerRecipients(""), "");
 }
 
 TEST(HeaderRecipients, NamesAreEncodedAndAddressesAreNot) {
-    EXPECT_EQ(host::headerRecipients("Jörg Müller <j@b.example>, a@b.example"),
+    EXPECT_EQ(seat::headerRecipients("Jörg Müller <j@b.example>, a@b.example"),
               "=?utf-8?B?SsO2cmcgTcO8bGxlcg==?= <j@b.example>, a@b.example");
-    EXPECT_EQ(shown(host::headerRecipients("\"Müller, Jörg\" <j@b.example>")), "Müller, Jörg <j@b.example>");
-    EXPECT_EQ(host::headerRecipients("jörg@b.example"), "jörg@b.example");
+    EXPECT_EQ(shown(seat::headerRecipients("\"Müller, Jörg\" <j@b.example>")), "Müller, Jörg <j@b.example>");
+    EXPECT_EQ(seat::headerRecipients("jörg@b.example"), "jörg@b.example");
 }
 
 TEST(HeaderRecipients, CommasInQuotesSeparateNothing) {
-    EXPECT_EQ(host::headerRecipients("\"Miller, Ann\" <a@b.example>, c@d.example"),
+    EXPECT_EQ(seat::headerRecipients("\"Miller, Ann\" <a@b.example>, c@d.example"),
               "\"Miller, Ann\" <a@b.example>, c@d.example");
 }
 
@@ -85,7 +85,7 @@ TEST(HeaderRecipients, ManyStandOnLinesOfTheirOwn) {
     std::string many;
     for (int i = 0; i < 30; ++i) many += "somebody@somewhere.example, ";
 
-    const std::string value = host::headerRecipients(many);
+    const std::string value = seat::headerRecipients(many);
 
     EXPECT_LE(longestLine(value), 78u);
     EXPECT_EQ(std::count(value.begin(), value.end(), '@'), 30);

@@ -1,4 +1,4 @@
-#include "host/mail/html_blocks.h"
+#include "desktop/mail/html_blocks.h"
 
 #include <gtest/gtest.h>
 
@@ -7,8 +7,8 @@ namespace {
 // "# heading", "## subheading", "text", "1. item", links in brackets, a line each.
 std::string shown(std::string_view html) {
     std::string lines;
-    for (const auto& block : host::htmlBlocks(html)) {
-        using Kind = host::HTMLBlock::Kind;
+    for (const auto& block : seat::htmlBlocks(html)) {
+        using Kind = seat::HTMLBlock::Kind;
         if (!lines.empty()) lines += "\n";
         lines += block.kind == Kind::Heading ? "# " : block.kind == Kind::Subheading ? "## " : "";
         if (!block.marker.empty()) lines += block.marker + " ";
@@ -58,7 +58,7 @@ TEST(HTMLBlocks, CutOffMarkupEndsTheText) {
 }
 
 TEST(HTMLBlocks, TextOfABlockIsThatOfAllItsRuns) {
-    const auto blocks = host::htmlBlocks("<li>Get <a href=x>this</a>.</li>");
+    const auto blocks = seat::htmlBlocks("<li>Get <a href=x>this</a>.</li>");
     ASSERT_EQ(blocks.size(), 1u);
     EXPECT_EQ(blocks[0].text(), "Get this.");
 }

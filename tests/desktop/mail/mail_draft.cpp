@@ -1,8 +1,8 @@
-#include "host/mail/mail_draft.h"
+#include "desktop/mail/mail_draft.h"
 
-#include "host/foundation/base64.h"
-#include "tests/support/fake_desktop.h"
-#include "tests/support/logged_lines.h"
+#include "kit/foundation/base64.h"
+#include "tests/support/FakeDesktop.h"
+#include "tests/support/LoggedLines.h"
 
 #include <gtest/gtest.h>
 #include <iterator>
@@ -10,7 +10,7 @@
 
 namespace {
 
-host::MailMessage message(std::string body) { return {"", "", std::move(body)}; }
+seat::MailMessage message(std::string body) { return {"", "", std::move(body)}; }
 
 std::string bodyOf(const std::string& draft) { return draft.substr(draft.find("\r\n\r\n") + 4); }
 
@@ -20,7 +20,7 @@ std::string contentsOf(const std::string& path) {
 }
 
 TEST(MailDraft, HasEmptyFieldsAndAnHTMLBody) {
-    const std::string draft = host::mailDraft(message("<p>a</p>"));
+    const std::string draft = seat::mailDraft(message("<p>a</p>"));
 
     EXPECT_EQ(draft, "X-Unsent: 1\r\nTo: \r\nSubject: \r\nMIME-Version: 1.0\r\n"
                      "Content-Type: text/html; charset=utf-8\r\nContent-Transfer-Encoding: base64\r\n\r\n"
@@ -28,7 +28,7 @@ TEST(MailDraft, HasEmptyFieldsAndAnHTMLBody) {
 }
 
 TEST(MailDraft, CarriesRecipientsAndSubject) {
-    const std::string draft = host::mailDraft({"a@b.example, Jörg <j@b.example>", "Hello", "x"});
+    const std::string draft = seat::mailDraft({"a@b.example, Jörg <j@b.example>", "Hello", "x"});
 
     EXPECT_NE(draft.find("\r\nTo: a@b.example, =?utf-8?B?SsO2cmc=?= <j@b.example>\r\nSubject: Hello\r\n"),
               std::string::npos)
@@ -40,7 +40,7 @@ TEST(MailDraft, BodyOfEveryLengthComesBack) {
         std::string body;
         for (std::size_t i = 0; i < length; ++i) body += static_cast<char>(i * 7 + length);
 
-        const auto decoded = host::decodeBase64(bodyOf(host::mailDraft(message(body))));
+        const auto decoded = seat::decodeBase64(bodyOf(seat::mailDraft(message(body))));
 
         ASSERT_TRUE(decoded) << length;
         EXPECT_EQ(std::string(decoded->begin(), decoded->end()), body) << length;
@@ -48,7 +48,7 @@ TEST(MailDraft, BodyOfEveryLengthComesBack) {
 }
 
 TEST(MailDraft, LinesOfTheBodyAreShort) {
-    std::istringstream lines(bodyOf(host::mailDraft(message(std::string(1000, 'x')))));
+    std::istringstream lines(bodyOf(seat::mailDraft(message(std::string(1000, 'x')))));
     for (std::string line; std::getline(lines, line);) {
         ASSERT_TRUE(line.ends_with('\r'));
         EXPECT_LE(line.size() - 1, 76u);
@@ -58,19 +58,19 @@ TEST(MailDraft, LinesOfTheBodyAreShort) {
 TEST(MailDraft, IsSavedInTheUsersDataFolder) {
     const testing_support::FakeDesktop desktop;
 
-    const std::string file = host::saveMailDraft(message("<p>a</p>"));
+    const std::string file = seat::saveMailDraft(message("<p>a</p>"));
 
     EXPECT_EQ(file, desktop.dataHome() + "/joyvane/message.eml");
-    EXPECT_EQ(contentsOf(file), host::mailDraft(message("<p>a</p>")));
+    EXPECT_EQ(contentsOf(file), seat::mailDraft(message("<p>a</p>")));
 }
 
 TEST(MailDraft, LaterDraftReplacesTheEarlierOne) {
     const testing_support::FakeDesktop desktop;
-    host::saveMailDraft(message("<p>a long one</p>"));
+    seat::saveMailDraft(message("<p>a long one</p>"));
 
-    const std::string file = host::saveMailDraft(message("b"));
+    const std::string file = seat::saveMailDraft(message("b"));
 
-    EXPECT_EQ(contentsOf(file), host::mailDraft(message("b")));
+    EXPECT_EQ(contentsOf(file), seat::mailDraft(message("b")));
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(desktop.dataHome() + "/joyvane"), {}), 1);
 }
 
@@ -78,7 +78,7 @@ TEST(MailDraft, WithoutADataFolderItGoesUnderHome) {
     const testing_support::FakeDesktop desktop;
     ::unsetenv("XDG_DATA_HOME");
 
-    EXPECT_EQ(host::saveMailDraft(message("a")), desktop.file(".local/share/joyvane/message.eml"));
+    EXPECT_EQ(seat::saveMailDraft(message("a")), desktop.file(".local/share/joyvane/message.eml"));
 }
 
 TEST(MailDraft, WhatCannotBeWrittenIsLogged) {
@@ -86,7 +86,7 @@ TEST(MailDraft, WhatCannotBeWrittenIsLogged) {
     const testing_support::LoggedLines log;
     std::ofstream(desktop.dataHome() + "/joyvane") << "a file where the folder should be";
 
-    EXPECT_EQ(host::saveMailDraft(message("a")), "");
+    EXPECT_EQ(seat::saveMailDraft(message("a")), "");
 
     EXPECT_EQ(log.count("the message could not be handed over"), 1u);
 }

@@ -1,4 +1,4 @@
-#include "host/window/key_translator.h"
+#include "desktop/window/KeyTranslator.h"
 
 #include "platform/uikit/UIKeyEvent.h"
 
@@ -19,7 +19,7 @@ std::string say(const std::shared_ptr<UIKeyEvent>& event) {
 }
 
 std::string typed(const std::string& characters, unsigned modifiers = 0) {
-    return host::typedText(characters, modifiers);
+    return seat::typedText(characters, modifiers);
 }
 
 class Keyboard {
@@ -28,10 +28,10 @@ public:
     std::string release(unsigned code, unsigned modifiers = 0) { return event({code, false, false, modifiers}); }
     // What a held key looks like each time it repeats.
     std::string repeat(unsigned code) { return event({code, false, true}) + event({code, true, true}); }
-    host::KeyTranslator translator;
+    seat::KeyTranslator translator;
 
 private:
-    std::string event(const host::RawKeyEvent& raw) { return say(translator.translate(raw)); }
+    std::string event(const seat::RawKeyEvent& raw) { return say(translator.translate(raw)); }
 };
 
 TEST(KeyTranslator, PressAndReleaseComeAsUsages) {
@@ -113,7 +113,7 @@ TEST(TypedText, WithControlItIsTheLetterItself) {
 }
 
 TEST(KeyTranslator, PressSaysWhatItTypes) {
-    host::KeyTranslator translator;
+    seat::KeyTranslator translator;
     const auto key = translator.translate({scanCodeOfA, true, false, 0, "q"});
     ASSERT_TRUE(key);
     EXPECT_EQ("q", key->characters());

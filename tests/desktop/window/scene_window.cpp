@@ -1,6 +1,6 @@
-#include "host/window/scene_window.h"
+#include "desktop/window/SceneWindow.h"
 
-#include "host/uikit/window_scene.h"
+#include "kit/uikit/WindowScene.h"
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
@@ -40,8 +40,8 @@ struct Stage {
     }
 
     std::shared_ptr<UIView> view = UIView::alloc()->init();
-    host::WindowScene scene{{375, 667}, 1};
-    host::SceneWindow window{{.scale = 1}};
+    seat::WindowScene scene{{375, 667}, 1};
+    seat::SceneWindow window{{.scale = 1}};
     int frames = 0;
 };
 

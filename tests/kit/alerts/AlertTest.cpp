@@ -1,3 +1,3 @@
-#include "tests/alerts/alert_test.h"
+#include "tests/kit/alerts/AlertTest.h"
 
 NS_CLASS_IMPLEMENTATION(AlertListener, NSObject)

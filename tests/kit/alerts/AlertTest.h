@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/uikit/scene_test.h"
+#include "tests/kit/uikit/SceneTest.h"
 
 // Writes down which button an alert was dismissed with.
 class AlertListener : public NSObject, public UIAlertViewDelegate {

@@ -1,7 +1,7 @@
-#include "host/uikit/accessibility_tree.h"
-#include "host/uikit/hid_keys.h"
+#include "kit/uikit/AccessibilityTree.h"
+#include "kit/uikit/hid_keys.h"
 #include "platform/uikit/UINavigationController.h"
-#include "tests/alerts/alert_test.h"
+#include "tests/kit/alerts/AlertTest.h"
 
 namespace {
 
@@ -113,17 +113,17 @@ TEST_F(Alerts, PageBelowTakesNoTouchesMeanwhile) {
 
 TEST_F(Alerts, ReturnPressesTheButtonAndEscapeCancels) {
     show("one");
-    touches.key(host::hid::enter);
+    touches.key(seat::hid::enter);
     touches.settle();
     EXPECT_EQ(listener->log, "one:0 ");
 
     show("two", {"Do It"});
-    touches.key(host::hid::enter);
+    touches.key(seat::hid::enter);
     touches.settle();
     EXPECT_EQ(listener->log, "one:0 two:1 ");
 
     show("three", {"Do It"});
-    touches.key(host::hid::escape);
+    touches.key(seat::hid::escape);
     touches.settle();
     EXPECT_EQ(listener->log, "one:0 two:1 three:0 ");
 }
@@ -134,7 +134,7 @@ TEST_F(Alerts, KeysStayInsideAndTheFocusComesBackAfterwards) {
     show("one", {"A", "B"});
 
     for (int i = 0; i < 5; ++i) {
-        touches.key(host::hid::tab);
+        touches.key(seat::hid::tab);
         EXPECT_EQ(scene.window()->focusedView()->accessibilityRole(), UIAccessibilityRole::Button);
     }
     tapButton("A");
@@ -199,7 +199,7 @@ TEST_F(Alerts, WithoutAWindowTheAlertWaits) {
 }
 
 TEST_F(Alerts, AlertWhoseWindowIsGoneDoesNotHoldUpTheNext) {
-    auto other = std::make_unique<host::WindowScene>(CGSizeMake(320, 480), 1);
+    auto other = std::make_unique<seat::WindowScene>(CGSizeMake(320, 480), 1);
     UIApplication::sharedApplication()->setKeyWindow(other->window());
     make("lost")->show();
     other.reset();

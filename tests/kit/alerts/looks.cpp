@@ -1,6 +1,6 @@
-#include "host/testing/snapshot.h"
+#include "desktop/painting/snapshot.h"
 #include "platform/uikit/UIProgressHUD.h"
-#include "tests/alerts/alert_test.h"
+#include "tests/kit/alerts/AlertTest.h"
 
 namespace {
 
@@ -11,7 +11,7 @@ protected:
         scene.window()->setBackgroundColor(UIColor::colorWithRed_green_blue_alpha(0.949, 0.949, 0.969, 1));
     }
     void expectLooks(const std::string& name) {
-        EXPECT_EQ(host::compareWithGolden(host::snapshot(scene), GOLDEN_FOLDER,
+        EXPECT_EQ(seat::compareWithGolden(seat::snapshot(scene), GOLDEN_FOLDER,
                                           name + "@" + std::to_string(GetParam()) + "x", FAILURES_FOLDER,
                                           {.channel = 40, .share = 0.02}),
                   "");

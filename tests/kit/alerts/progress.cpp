@@ -1,6 +1,6 @@
-#include "host/dispatch/run_loop_sources.h"
+#include "kit/dispatch/run_loop_sources.h"
 #include "platform/uikit/UIProgressHUD.h"
-#include "tests/uikit/scene_test.h"
+#include "tests/kit/uikit/SceneTest.h"
 
 namespace {
 
@@ -86,20 +86,20 @@ TEST_F(Progress, FollowsTheViewsSize) {
 }
 
 TEST_F(Progress, SpinnerTurnsOnlyWhileItIsSeen) {
-    EXPECT_FALSE(host::nextTimerDeadline());
+    EXPECT_FALSE(seat::nextTimerDeadline());
     hud->showInView(page);
     const auto spinner = hud->subviews().front()->subviews().front();
     const auto before = spinner->transform();
     touches.wait(0.25);
     EXPECT_NE(spinner->transform(), before);
-    EXPECT_TRUE(host::nextTimerDeadline());
+    EXPECT_TRUE(seat::nextTimerDeadline());
 
     hud->hide();
-    EXPECT_FALSE(host::nextTimerDeadline());
+    EXPECT_FALSE(seat::nextTimerDeadline());
     hud->showInView(page);
     page->removeFromSuperview();
 
-    EXPECT_FALSE(host::nextTimerDeadline());
+    EXPECT_FALSE(seat::nextTimerDeadline());
 }
 
 TEST_F(Progress, DyingWhileItTurnsLeavesNoTimer) {
@@ -110,7 +110,7 @@ TEST_F(Progress, DyingWhileItTurnsLeavesNoTimer) {
     page.reset();
     hud.reset();
 
-    EXPECT_FALSE(host::nextTimerDeadline());
+    EXPECT_FALSE(seat::nextTimerDeadline());
 }
 
 TEST_F(Progress, AssistiveTechnologyHearsTheText) {

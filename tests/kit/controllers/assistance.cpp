@@ -1,11 +1,11 @@
 // What assistive technology meets while screens are on the move.
 
-#include "host/uikit/accessibility_tree.h"
-#include "tests/controllers/screens.h"
+#include "kit/uikit/AccessibilityTree.h"
+#include "tests/kit/controllers/screens.h"
 
 namespace {
 
-using host::AccessibilityIdentity;
+using seat::AccessibilityIdentity;
 
 // A switch that takes its screen's place in the log.
 std::shared_ptr<UISwitch> addSwitch(UIViewController& screen, const std::string& name) {
@@ -24,7 +24,7 @@ protected:
         return 0;
     }
 
-    host::AccessibilityTree& tree = scene.accessibility();
+    seat::AccessibilityTree& tree = scene.accessibility();
 };
 
 TEST_F(Assistance, APressOnAScreenThatSlidesInActsWhenItHasArrived) {

@@ -1,4 +1,4 @@
-#include "tests/controllers/screens.h"
+#include "tests/kit/controllers/screens.h"
 
 namespace {
 

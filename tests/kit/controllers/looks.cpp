@@ -1,5 +1,5 @@
-#include "host/testing/snapshot.h"
-#include "tests/controllers/screens.h"
+#include "desktop/painting/snapshot.h"
+#include "tests/kit/controllers/screens.h"
 
 namespace {
 
@@ -11,7 +11,7 @@ protected:
         touches.settle();
     }
     void expectLooks(const std::string& name) {
-        EXPECT_EQ(host::compareWithGolden(host::snapshot(scene), GOLDEN_FOLDER,
+        EXPECT_EQ(seat::compareWithGolden(seat::snapshot(scene), GOLDEN_FOLDER,
                                           name + "@" + std::to_string(GetParam()) + "x", FAILURES_FOLDER,
                                           {.channel = 40, .share = 0.02}),
                   "");

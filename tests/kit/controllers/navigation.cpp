@@ -1,7 +1,7 @@
-#include "tests/controllers/screens.h"
+#include "tests/kit/controllers/screens.h"
 
-#include "host/controllers/front_controller.h"
-#include "host/uikit/hid_keys.h"
+#include "kit/uikit/front_controller.h"
+#include "kit/uikit/hid_keys.h"
 
 namespace {
 
@@ -242,10 +242,10 @@ TEST_F(Navigation, MovingScreensTakeNoTouches) {
 TEST_F(Navigation, EscapeGoesBackAndIsNobodysAtTheRoot) {
     push(make("b"));
 
-    touches.key(host::hid::escape);
+    touches.key(seat::hid::escape);
     touches.settle();
     EXPECT_EQ(stack(), "a");
-    touches.key(host::hid::escape);
+    touches.key(seat::hid::escape);
 
     EXPECT_EQ(stack(), "a");
 }
@@ -254,7 +254,7 @@ TEST_F(Navigation, FrontScreenIsTheTopOfTheStack) {
     const auto b = make("b");
     push(b);
 
-    EXPECT_EQ(host::frontController(*scene.window()), b);
+    EXPECT_EQ(seat::frontController(*scene.window()), b);
 }
 
 using Bar = NavigationTest;
@@ -299,10 +299,10 @@ TEST_F(Bar, BackButtonGoesBack) {
 
 TEST_F(Bar, BackButtonCanBeReachedByKey) {
     push(make("b"));
-    touches.key(host::hid::tab);
+    touches.key(seat::hid::tab);
     EXPECT_EQ(scene.window()->focusedView()->accessibilityLabel(), "Back to a");
 
-    touches.key(host::hid::enter);
+    touches.key(seat::hid::enter);
     touches.settle();
 
     EXPECT_EQ(stack(), "a");

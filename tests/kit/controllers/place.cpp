@@ -1,6 +1,6 @@
 // Where screens stand in windows of all shapes.
 
-#include "tests/controllers/screens.h"
+#include "tests/kit/controllers/screens.h"
 
 namespace {
 

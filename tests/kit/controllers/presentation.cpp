@@ -1,7 +1,7 @@
-#include "tests/controllers/screens.h"
+#include "tests/kit/controllers/screens.h"
 
-#include "host/controllers/front_controller.h"
-#include "host/uikit/hid_keys.h"
+#include "kit/uikit/front_controller.h"
+#include "kit/uikit/hid_keys.h"
 
 namespace {
 
@@ -102,11 +102,11 @@ TEST_F(Presentation, PresentedScreenMayPresentAnotherAndBothGoTogether) {
     auto n = make("n");
     present(m);
     m->presentViewController_animated_completion(n, /*animated=*/false, {});
-    EXPECT_EQ(host::frontController(*scene.window()), n);
+    EXPECT_EQ(seat::frontController(*scene.window()), n);
 
     dismiss(navigation);
 
-    EXPECT_EQ(host::frontController(*scene.window()), a);
+    EXPECT_EQ(seat::frontController(*scene.window()), a);
     EXPECT_FALSE(n->view()->superview());
     EXPECT_FALSE(m->view()->superview());
 }
@@ -128,9 +128,9 @@ TEST_F(Presentation, ScreenBelowTakesNeitherTouchesNorKeys) {
     m->view()->addSubview(toggle);
     present(m);
 
-    touches.key(host::hid::tab);
+    touches.key(seat::hid::tab);
     EXPECT_EQ(scene.window()->focusedView(), toggle);
-    touches.key(host::hid::tab);
+    touches.key(seat::hid::tab);
     EXPECT_EQ(scene.window()->focusedView(), toggle);
     touches.tap({20, 22});
     touches.settle();

@@ -1,3 +1,3 @@
-#include "tests/controllers/screens.h"
+#include "tests/kit/controllers/screens.h"
 
 NS_CLASS_IMPLEMENTATION(LoggedScreen, UIViewController)

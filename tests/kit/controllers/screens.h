@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/uikit.h"
-#include "tests/uikit/scene_test.h"
+#include "tests/kit/uikit/SceneTest.h"
 
 // A screen that writes its life-cycle calls into a log shared by the test: "a:willAppear".
 class LoggedScreen : public UIViewController {

@@ -1,4 +1,4 @@
-#include "host/dispatch/WorkerPool.h"
+#include "kit/dispatch/WorkerPool.h"
 #include "platform/dispatch.h"
 
 #include <atomic>
@@ -45,7 +45,7 @@ TEST(GlobalQueue, WaitingBlocksHoldNothingUp) {
 }
 
 TEST(GlobalQueue, IdleWorkersAreUsedAgain) {
-    host::WorkerPool pool;
+    seat::WorkerPool pool;
     std::binary_semaphore done{0};
     for (int i = 0; i < 200; ++i) {
         pool.run([&] { done.release(); });
@@ -58,15 +58,15 @@ TEST(GlobalQueue, IdleWorkersAreUsedAgain) {
 }
 
 TEST(GlobalQueue, WorkersAreBounded) {
-    host::WorkerPool pool;
-    constexpr std::size_t blocks = 2 * host::WorkerPool::most;
+    seat::WorkerPool pool;
+    constexpr std::size_t blocks = 2 * seat::WorkerPool::most;
     std::counting_semaphore<> release{0}, finished{0};
     for (std::size_t i = 0; i < blocks; ++i)
         pool.run([&] {
             release.acquire();
             finished.release();
         });
-    EXPECT_EQ(pool.workerCount(), host::WorkerPool::most);
+    EXPECT_EQ(pool.workerCount(), seat::WorkerPool::most);
 
     release.release(blocks);
     for (std::size_t i = 0; i < blocks; ++i) ASSERT_TRUE(finished.try_acquire_for(10s));
@@ -107,7 +107,7 @@ TEST(GlobalQueue, WorkersTakeNoSignals) {
 }
 
 TEST(GlobalQueue, ShutDownPoolDropsBlocksUnrun) {
-    host::WorkerPool pool;
+    seat::WorkerPool pool;
     std::atomic<bool> ran = false;
     const auto held = std::make_shared<int>(1);
     ASSERT_TRUE(pool.shutDown(10s));
@@ -120,23 +120,23 @@ TEST(GlobalQueue, ShutDownPoolDropsBlocksUnrun) {
 }
 
 TEST(GlobalQueue, ShutdownWaitsForRunningBlocksAndDropsTheOthers) {
-    host::WorkerPool pool;
+    seat::WorkerPool pool;
     std::counting_semaphore<> started{0}, goOn{0};
     std::atomic<int> ran = 0;
-    for (std::size_t i = 0; i < host::WorkerPool::most; ++i)
+    for (std::size_t i = 0; i < seat::WorkerPool::most; ++i)
         pool.run([&] {
             started.release();
             goOn.acquire();
             ++ran;
         });
-    for (std::size_t i = 0; i < host::WorkerPool::most; ++i) ASSERT_TRUE(started.try_acquire_for(10s));
+    for (std::size_t i = 0; i < seat::WorkerPool::most; ++i) ASSERT_TRUE(started.try_acquire_for(10s));
     pool.run([&] { ran = -1000; });
 
     EXPECT_FALSE(pool.shutDown(0s));
-    goOn.release(host::WorkerPool::most);
+    goOn.release(seat::WorkerPool::most);
     EXPECT_TRUE(pool.shutDown(10s));
 
-    EXPECT_EQ(ran, static_cast<int>(host::WorkerPool::most));
+    EXPECT_EQ(ran, static_cast<int>(seat::WorkerPool::most));
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-#include "host/dispatch/main_queue.h"
+#include "kit/dispatch/main_queue.h"
 
 #include "platform/dispatch.h"
 
@@ -19,10 +19,10 @@ TEST(MainQueue, RunsBlocksInOrderOnTheMainThread) {
     queue([&] { order += "c"; });
     EXPECT_EQ(order, "");
 
-    EXPECT_EQ(host::drainMainQueue(), 3u);
+    EXPECT_EQ(seat::drainMainQueue(), 3u);
 
     EXPECT_EQ(order, "abc");
-    EXPECT_TRUE(host::mainQueueIsEmpty());
+    EXPECT_TRUE(seat::mainQueueIsEmpty());
 }
 
 TEST(MainQueue, BlockQueuedByABlockWaitsForTheNextDrain) {
@@ -33,13 +33,13 @@ TEST(MainQueue, BlockQueuedByABlockWaitsForTheNextDrain) {
     });
     queue([&] { order += "b"; });
 
-    EXPECT_EQ(host::drainMainQueue(), 2u);
+    EXPECT_EQ(seat::drainMainQueue(), 2u);
     EXPECT_EQ(order, "ab");
-    EXPECT_FALSE(host::mainQueueIsEmpty());
+    EXPECT_FALSE(seat::mainQueueIsEmpty());
 
-    EXPECT_EQ(host::drainMainQueue(), 1u);
+    EXPECT_EQ(seat::drainMainQueue(), 1u);
     EXPECT_EQ(order, "abc");
-    EXPECT_EQ(host::drainMainQueue(), 0u);
+    EXPECT_EQ(seat::drainMainQueue(), 0u);
 }
 
 TEST(MainQueue, DrainWithinABlockKeepsTheOrder) {
@@ -47,13 +47,13 @@ TEST(MainQueue, DrainWithinABlockKeepsTheOrder) {
     queue([&] {
         order += "a";
         queue([&] { order += "d"; });
-        host::drainMainQueue();
+        seat::drainMainQueue();
         order += "|";
     });
     queue([&] { order += "b"; });
     queue([&] { order += "c"; });
 
-    host::drainMainQueue();
+    seat::drainMainQueue();
 
     EXPECT_EQ(order, "abcd|");
 }
@@ -64,43 +64,43 @@ TEST(MainQueue, BlockIsReleasedBeforeTheNextRuns) {
     queue([held] {});
     queue([&] { seen = held.use_count(); });
 
-    host::drainMainQueue();
+    seat::drainMainQueue();
 
     EXPECT_EQ(seen, 1);
 }
 
 TEST(MainQueue, WakesOncePerBatchAndAgainForWhatADrainLeavesBehind) {
     int wakes = 0;
-    host::setWakeMainQueue([&] { ++wakes; });
+    seat::setWakeMainQueue([&] { ++wakes; });
 
     queue([] {});
     queue([] {});
     EXPECT_EQ(wakes, 1);
     queue([&] { queue([] {}); });
-    host::drainMainQueue();
+    seat::drainMainQueue();
     EXPECT_EQ(wakes, 2);
-    host::drainMainQueue();
+    seat::drainMainQueue();
     EXPECT_EQ(wakes, 2);
 
-    host::setWakeMainQueue(nullptr);
+    seat::setWakeMainQueue(nullptr);
 }
 
 TEST(MainQueue, WakerThatComesLateHearsOfWhatWaits) {
     int wakes = 0;
     queue([] {});
 
-    host::setWakeMainQueue([&] { ++wakes; });
+    seat::setWakeMainQueue([&] { ++wakes; });
 
     EXPECT_EQ(wakes, 1);
-    host::setWakeMainQueue(nullptr);
-    host::drainMainQueue();
+    seat::setWakeMainQueue(nullptr);
+    seat::drainMainQueue();
 }
 
 TEST(MainQueue, EmptyBlockAndAbsentQueueAreIgnored) {
     queue(nullptr);
     dispatch_async(nullptr, [] {});
 
-    EXPECT_TRUE(host::mainQueueIsEmpty());
+    EXPECT_TRUE(seat::mainQueueIsEmpty());
 }
 
 TEST(MainQueue, ManyThreadsMayQueueWhileItDrains) {
@@ -108,7 +108,7 @@ TEST(MainQueue, ManyThreadsMayQueueWhileItDrains) {
     int ran = 0;
     int lastSeen[4] = {-1, -1, -1, -1};
     bool inOrder = true;
-    host::setWakeMainQueue([&] { ++woken; });
+    seat::setWakeMainQueue([&] { ++woken; });
     std::vector<std::thread> threads;
     for (int t = 0; t < 4; ++t)
         threads.emplace_back([&, t] {
@@ -119,12 +119,12 @@ TEST(MainQueue, ManyThreadsMayQueueWhileItDrains) {
                     ++ran;
                 });
         });
-    while (ran < 2000) host::drainMainQueue();
+    while (ran < 2000) seat::drainMainQueue();
     for (auto& thread : threads) thread.join();
 
     EXPECT_TRUE(inOrder);
     EXPECT_GE(woken, 1);
-    host::setWakeMainQueue(nullptr);
+    seat::setWakeMainQueue(nullptr);
 }
 
 } // namespace

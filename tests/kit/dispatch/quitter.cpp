@@ -1,6 +1,6 @@
 // Ends itself while a worker sits in a receive of 20 seconds; what it prints says how far it got.
 
-#include "host/dispatch/shutdown.h"
+#include "kit/dispatch/shutdown.h"
 #include "platform/dispatch.h"
 
 #include <cstdio>
@@ -41,5 +41,5 @@ int main(int argc, char** argv) {
     started.acquire();
     std::puts("main ends");
     if (mode == "waiting-at-exit") return 7;
-    return host::finishProcess(7);
+    return seat::finishProcess(7);
 }

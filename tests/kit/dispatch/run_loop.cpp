@@ -1,8 +1,8 @@
-#include "host/dispatch/run_loop_sources.h"
+#include "kit/dispatch/run_loop_sources.h"
 
-#include "host/testing/manual_clock.h"
-#include "host/testing/poll_loop.h"
+#include "kit/dispatch/ManualClock.h"
 #include "platform/dispatch.h"
+#include "system/run_loop/PollLoop.h"
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -31,7 +31,7 @@ private:
 };
 
 TEST(RunLoop, RunsWhatAnotherThreadQueues) {
-    host::PollLoop loop;
+    seat::PollLoop loop;
     bool ran = false;
     std::thread other([&] { dispatch_async(dispatch_get_main_queue(), [&] { ran = true; }); });
 
@@ -43,7 +43,7 @@ TEST(RunLoop, RunsWhatAnotherThreadQueues) {
 TEST(RunLoop, RunsWhatWasQueuedBeforeItWasThere) {
     bool ran = false;
     dispatch_async(dispatch_get_main_queue(), [&] { ran = true; });
-    host::PollLoop loop;
+    seat::PollLoop loop;
 
     loop.runReady();
 
@@ -51,10 +51,10 @@ TEST(RunLoop, RunsWhatWasQueuedBeforeItWasThere) {
 }
 
 TEST(RunLoop, CallsBackWhileADescriptorIsReadable) {
-    host::PollLoop loop;
+    seat::PollLoop loop;
     const Pair pair;
     std::string received;
-    const auto token = host::addReadableSource(pair.here(), [&] { received += pair.receiveHere(); });
+    const auto token = seat::addReadableSource(pair.here(), [&] { received += pair.receiveHere(); });
     loop.runReady();
     EXPECT_EQ(received, "");
 
@@ -62,36 +62,36 @@ TEST(RunLoop, CallsBackWhileADescriptorIsReadable) {
     pair.sendFromThere('b');
 
     EXPECT_TRUE(loop.runUntil([&] { return received == "ab"; }));
-    host::removeSource(token);
+    seat::removeSource(token);
 }
 
 TEST(RunLoop, RemovedSourceIsSilent) {
-    host::PollLoop loop;
+    seat::PollLoop loop;
     const Pair pair;
     int calls = 0;
-    const auto token = host::addReadableSource(pair.here(), [&] { ++calls; });
+    const auto token = seat::addReadableSource(pair.here(), [&] { ++calls; });
     pair.sendFromThere('a');
 
-    host::removeSource(token);
-    host::removeSource(token);
-    host::removeSource(0);
+    seat::removeSource(token);
+    seat::removeSource(token);
+    seat::removeSource(0);
     loop.runReady();
 
     EXPECT_EQ(calls, 0);
 }
 
 TEST(RunLoop, CallbackMayRemoveItselfAndOthers) {
-    host::PollLoop loop;
+    seat::PollLoop loop;
     const Pair one, two;
     int calls = 0;
-    host::SourceToken first = 0, second = 0;
+    seat::SourceToken first = 0, second = 0;
     const auto onlyOnce = [&] {
         ++calls;
-        host::removeSource(first);
-        host::removeSource(second);
+        seat::removeSource(first);
+        seat::removeSource(second);
     };
-    first = host::addReadableSource(one.here(), onlyOnce);
-    second = host::addReadableSource(two.here(), onlyOnce);
+    first = seat::addReadableSource(one.here(), onlyOnce);
+    second = seat::addReadableSource(two.here(), onlyOnce);
     one.sendFromThere('a');
     two.sendFromThere('b');
 
@@ -104,34 +104,34 @@ TEST(RunLoop, CallbackMayRemoveItselfAndOthers) {
 TEST(RunLoop, SourceFromBeforeTheLoopIsWatchedByEachLoop) {
     const Pair pair;
     std::string received;
-    const auto token = host::addReadableSource(pair.here(), [&] { received += pair.receiveHere(); });
+    const auto token = seat::addReadableSource(pair.here(), [&] { received += pair.receiveHere(); });
     for (const char c : {'a', 'b'}) {
-        host::PollLoop loop;
+        seat::PollLoop loop;
         pair.sendFromThere(c);
         EXPECT_TRUE(loop.runUntil([&] { return received.ends_with(c); }));
     }
-    host::removeSource(token);
+    seat::removeSource(token);
     EXPECT_EQ(received, "ab");
 }
 
 TEST(RunLoop, TimerFiresOnceInItsOrder) {
-    host::PollLoop loop;
+    seat::PollLoop loop;
     std::string events;
-    host::addTimer(0.02, [&] { events += "b"; });
-    host::addTimer(0.01, [&] { events += "a"; });
-    host::addTimer(0, [&] { events += "0"; });
+    seat::addTimer(0.02, [&] { events += "b"; });
+    seat::addTimer(0.01, [&] { events += "a"; });
+    seat::addTimer(0, [&] { events += "0"; });
     EXPECT_EQ(events, "");
 
     EXPECT_TRUE(loop.runUntil([&] { return events.size() == 3; }));
 
     EXPECT_EQ(events, "0ab");
-    EXPECT_FALSE(host::nextTimerDeadline());
+    EXPECT_FALSE(seat::nextTimerDeadline());
 }
 
 TEST(RunLoop, TimersOfOneInstantFireAsTheyWereAdded) {
-    host::ManualClock clock;
+    seat::ManualClock clock;
     std::string events;
-    for (const char* const name : {"a", "b", "c"}) host::addTimer(1, [&events, name] { events += name; });
+    for (const char* const name : {"a", "b", "c"}) seat::addTimer(1, [&events, name] { events += name; });
 
     clock.advance(1);
 
@@ -139,24 +139,24 @@ TEST(RunLoop, TimersOfOneInstantFireAsTheyWereAdded) {
 }
 
 TEST(RunLoop, TimerAddedByATimerWaitsForItsTurn) {
-    host::ManualClock clock;
+    seat::ManualClock clock;
     int fired = 0;
-    host::addTimer(0, [&] {
+    seat::addTimer(0, [&] {
         ++fired;
-        host::addTimer(0, [&] { ++fired; });
+        seat::addTimer(0, [&] { ++fired; });
     });
 
-    host::fireDueTimers();
+    seat::fireDueTimers();
     EXPECT_EQ(fired, 1);
-    host::fireDueTimers();
+    seat::fireDueTimers();
     EXPECT_EQ(fired, 2);
 }
 
 TEST(RunLoop, HeldClockFiresNothingByWaiting) {
-    host::ManualClock clock;
-    host::PollLoop loop;
+    seat::ManualClock clock;
+    seat::PollLoop loop;
     bool fired = false;
-    host::addTimer(0.001, [&] { fired = true; });
+    seat::addTimer(0.001, [&] { fired = true; });
 
     EXPECT_FALSE(loop.runUntil([&] { return fired; }, 0.02));
     clock.advance(0.001);
@@ -166,21 +166,21 @@ TEST(RunLoop, HeldClockFiresNothingByWaiting) {
 
 TEST(RunLoop, ObjectThatDiesWithItsCallbackMayRemoveSources) {
     struct Owner {
-        ~Owner() { host::removeSource(other); }
-        host::SourceToken other = 0;
+        ~Owner() { seat::removeSource(other); }
+        seat::SourceToken other = 0;
     };
     auto owner = std::make_shared<Owner>();
-    owner->other = host::addTimer(5, [] {});
-    const auto timer = host::addTimer(4, [owner] {});
+    owner->other = seat::addTimer(5, [] {});
+    const auto timer = seat::addTimer(4, [owner] {});
     owner.reset();
 
-    host::removeSource(timer);
+    seat::removeSource(timer);
 
-    EXPECT_FALSE(host::nextTimerDeadline());
+    EXPECT_FALSE(seat::nextTimerDeadline());
 }
 
 TEST(RunLoop, SleepsWhileNothingHappens) {
-    host::PollLoop loop;
+    seat::PollLoop loop;
     rusage before{}, after{};
     ::getrusage(RUSAGE_THREAD, &before);
 

@@ -1,4 +1,4 @@
-#include "host/dispatch/shutdown.h"
+#include "kit/dispatch/shutdown.h"
 
 #include <chrono>
 #include <cstdio>

@@ -1,7 +1,7 @@
 // What opening and saving a keymap costs at its largest, and at its usual size; what it costs to refuse a file of four
 // megabytes whose fault comes last.
 
-#include "host/foundation/property_list.h"
+#include "kit/foundation/property_list.h"
 #include "platform/foundation.h"
 
 #include <benchmark/benchmark.h>
@@ -23,14 +23,14 @@ id keymap(std::int64_t entries) {
 void writeKeymap(benchmark::State& state) {
     const id value = keymap(state.range(0));
     std::string refusal;
-    for (auto _ : state) benchmark::DoNotOptimize(host::writeBinaryPropertyList(value, refusal));
+    for (auto _ : state) benchmark::DoNotOptimize(seat::writeBinaryPropertyList(value, refusal));
 }
 BENCHMARK(writeKeymap)->Arg(11)->Arg(256)->Arg(65'536)->Unit(benchmark::kMicrosecond);
 
 void readBinaryKeymap(benchmark::State& state) {
     std::string refusal;
-    const auto data = host::writeBinaryPropertyList(keymap(state.range(0)), refusal);
-    for (auto _ : state) benchmark::DoNotOptimize(host::readPropertyList(data->bytes(), nullptr, refusal));
+    const auto data = seat::writeBinaryPropertyList(keymap(state.range(0)), refusal);
+    for (auto _ : state) benchmark::DoNotOptimize(seat::readPropertyList(data->bytes(), nullptr, refusal));
 }
 BENCHMARK(readBinaryKeymap)->Arg(11)->Arg(256)->Arg(65'536)->Unit(benchmark::kMicrosecond);
 
@@ -41,14 +41,14 @@ void readXMLKeymap(benchmark::State& state) {
     text += "</dict></dict></plist>\n";
     const auto data = NSData::dataWithVector({text.begin(), text.end()});
     std::string refusal;
-    for (auto _ : state) benchmark::DoNotOptimize(host::readPropertyList(data->bytes(), nullptr, refusal));
+    for (auto _ : state) benchmark::DoNotOptimize(seat::readPropertyList(data->bytes(), nullptr, refusal));
 }
 BENCHMARK(readXMLKeymap)->Arg(11)->Arg(256)->Arg(65'536)->Unit(benchmark::kMicrosecond);
 
 // Nearly as large as a file may be, up to the place of the fault.
 std::string largeDictionary() {
     std::string text = "<plist version=\"1.0\"><dict>\n";
-    for (int i = 0; text.size() + 200 < host::propertyListMaximumLength; ++i)
+    for (int i = 0; text.size() + 200 < seat::propertyListMaximumLength; ++i)
         text += "\t<key>somewhat long " + std::to_string(i) + "</key>\n\t<string>value " + std::to_string(i) +
                 "</string>\n";
     return text;
@@ -58,7 +58,7 @@ void refuse(benchmark::State& state, const std::string& text) {
     const auto data = NSData::dataWithVector({text.begin(), text.end()});
     std::string refusal;
     for ([[maybe_unused]] auto _ : state)
-        if (host::readPropertyList(data->bytes(), nullptr, refusal)) state.SkipWithError("was read");
+        if (seat::readPropertyList(data->bytes(), nullptr, refusal)) state.SkipWithError("was read");
 }
 
 void refuseMismatchedTag(benchmark::State& state) {
@@ -73,7 +73,7 @@ BENCHMARK(refuseKeyThatComesTwice)->Unit(benchmark::kMillisecond);
 
 void refuseBadBase64(benchmark::State& state) {
     std::string text = "<plist version=\"1.0\"><data>";
-    while (text.size() + 200 < host::propertyListMaximumLength)
+    while (text.size() + 200 < seat::propertyListMaximumLength)
         text += "QUJDREVGR0hJSktMTU5PUFFSU1RVVldYWVphYmNkZWZnaGlqa2xtbm9w\n";
     refuse(state, text + "*</data></plist>");
 }

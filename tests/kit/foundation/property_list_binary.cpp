@@ -1,4 +1,4 @@
-#include "tests/foundation/property_list_bytes.h"
+#include "tests/kit/foundation/property_list_bytes.h"
 
 #include <cmath>
 #include <gmock/gmock.h>
@@ -153,7 +153,7 @@ TEST(BinaryPropertyList, WhatPointsOutsideIsRefused) {
 
 TEST(BinaryPropertyList, CutFileIsRefusedAtEveryLength) {
     std::string refusal;
-    const auto whole = host::writeBinaryPropertyList(
+    const auto whole = seat::writeBinaryPropertyList(
         dictionary({{"a", array({integer(1), data("abc"), "ü"})}, {"b", real(0.5)}}), refusal);
     ASSERT_NE(whole, nullptr);
 
@@ -167,7 +167,7 @@ TEST(BinaryPropertyList, CutFileIsRefusedAtEveryLength) {
 
 TEST(BinaryPropertyList, FlippedBitIsReadOrRefusedButNeverFatal) {
     std::string refusal;
-    const auto whole = host::writeBinaryPropertyList(
+    const auto whole = seat::writeBinaryPropertyList(
         dictionary({{"a", array({integer(1), data("abc"), "ü", dictionary({{"c", NSDate{1}}})})}, {"b", real(0.5)}}),
         refusal);
     ASSERT_NE(whole, nullptr);

@@ -1,4 +1,4 @@
-#include "tests/foundation/property_list_bytes.h"
+#include "tests/kit/foundation/property_list_bytes.h"
 #include "tests/support/cpu_time.h"
 
 #include <gmock/gmock.h>

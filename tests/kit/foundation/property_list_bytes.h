@@ -2,7 +2,7 @@
 
 // Hand-made property lists and short words for the values in them.
 
-#include "host/foundation/property_list.h"
+#include "kit/foundation/property_list.h"
 #include "platform/foundation.h"
 
 #include <cstdint>
@@ -32,7 +32,7 @@ struct Read {
 };
 inline Read read(const Bytes& bytes) {
     Read result;
-    result.value = host::readPropertyList(bytes, nullptr, result.refusal);
+    result.value = seat::readPropertyList(bytes, nullptr, result.refusal);
     return result;
 }
 

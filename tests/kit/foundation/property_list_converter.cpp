@@ -1,9 +1,9 @@
 // Reads every file of one folder as a property list and writes it, binary, under the same name to another. A file that
 // is refused becomes "<name>.refused" with the reason.
 
-#include "host/foundation/atomic_file.h"
-#include "host/foundation/files.h"
-#include "host/foundation/property_list.h"
+#include "kit/foundation/property_list.h"
+#include "system/files/atomic_file.h"
+#include "system/files/files.h"
 
 #include <cstdio>
 #include <filesystem>
@@ -15,10 +15,10 @@ int main(int argc, char** argv) {
         const std::string target = std::string(argv[2]) + "/" + entry.path().filename().string();
         std::shared_ptr<NSError> error;
         std::string refusal;
-        const id value = host::readPropertyListFile(entry.path(), &error);
-        const auto data = value ? host::writeBinaryPropertyList(value, refusal) : nullptr;
+        const id value = seat::readPropertyListFile(entry.path(), &error);
+        const auto data = value ? seat::writeBinaryPropertyList(value, refusal) : nullptr;
         if (data)
-            error = host::writeFile(target, data->bytes());
+            error = seat::writeFile(target, data->bytes());
         else
             std::ofstream(target + ".refused") << (error ? error->localizedDescription() : refusal);
         if (data && error) {

@@ -1,5 +1,5 @@
-#include "host/foundation/xml_property_list_scan.h"
-#include "tests/foundation/property_list_bytes.h"
+#include "kit/foundation/xml_property_list_scan.h"
+#include "tests/kit/foundation/property_list_bytes.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -10,7 +10,7 @@ using namespace property_list_testing;
 using testing::HasSubstr;
 
 std::string faultOf(const std::string& body) {
-    return host::faultOfXMLPropertyList("<plist version=\"1.0\">\n" + body + "</plist>");
+    return seat::faultOfXMLPropertyList("<plist version=\"1.0\">\n" + body + "</plist>");
 }
 
 TEST(XMLPropertyListFirstLook, FindsWhatTheReaderWouldFindAtTheEnd) {
@@ -61,7 +61,7 @@ TEST(XMLPropertyListFirstLook, LeavesAloneWhatIsUnusualButSound) {
              "<plist version=\"a>b/\"><true/></plist>",
              "\xef\xbb\xbf<!DOCTYPE plist SYSTEM \"a>b[\"><plist><true/></plist>\n<!-- x --><?y?>",
          }) {
-        EXPECT_EQ(host::faultOfXMLPropertyList(text), "") << text;
+        EXPECT_EQ(seat::faultOfXMLPropertyList(text), "") << text;
         EXPECT_TRUE(read(bytesOf(text)).value) << text;
     }
 }

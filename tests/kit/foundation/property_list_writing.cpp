@@ -1,4 +1,4 @@
-#include "tests/foundation/property_list_bytes.h"
+#include "tests/kit/foundation/property_list_bytes.h"
 #include "tests/support/cpu_time.h"
 
 #include <bit>
@@ -14,7 +14,7 @@ using testing::HasSubstr;
 
 Bytes written(const id& value) {
     std::string refusal;
-    const auto data = host::writeBinaryPropertyList(value, refusal);
+    const auto data = seat::writeBinaryPropertyList(value, refusal);
     EXPECT_EQ(refusal, "");
     return data ? Bytes(data->bytes().begin(), data->bytes().end()) : Bytes();
 }
@@ -28,7 +28,7 @@ Bytes object(const id& value) {
 
 std::string refusalOf(const id& value) {
     std::string refusal;
-    EXPECT_EQ(host::writeBinaryPropertyList(value, refusal), nullptr);
+    EXPECT_EQ(seat::writeBinaryPropertyList(value, refusal), nullptr);
     return refusal;
 }
 

@@ -2,9 +2,10 @@
 
 // Pixels to draw into and to look at.
 
-#include "host/quartz/layer_host.h"
-#include "host/quartz/layer_renderer.h"
-#include "host/quartz/screen.h"
+#include "kit/quartz/LayerHost.h"
+#include "kit/quartz/screen.h"
+#include "kit/quartz/pixels.h"
+#include "kit/seat.h"
 #include "platform/uikit/UIColor.h"
 #include "platform/uikit/UIImage.h"
 
@@ -36,10 +37,10 @@ struct Surface {
     std::uint32_t at(int x, int y) const {
         return pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(width) + static_cast<std::size_t>(x)];
     }
-    host::PixelTarget target() { return {pixels.data(), width, height, std::ptrdiff_t{4} * width}; }
+    seat::PixelTarget target() { return {pixels.data(), width, height, std::ptrdiff_t{4} * width}; }
     void render(CALayer& root, double scale) { render(root, scale, {CGRectMake(0, 0, width / scale, height / scale)}); }
     void render(CALayer& root, double scale, const std::vector<CGRect>& damage) {
-        host::renderLayerTree(root, target(), scale, damage);
+        seat::renderLayerTree(root, target(), scale, damage);
     }
     int count(std::uint32_t pixel) const {
         int result = 0;
@@ -55,8 +56,8 @@ struct Surface {
 // The main screen, for the length of a test.
 class ScreenScale {
 public:
-    explicit ScreenScale(double scale) { host::setMainScreen({375, 667}, scale); }
-    ~ScreenScale() { host::setMainScreen({375, 667}, 1); }
+    explicit ScreenScale(double scale) { seat::setMainScreen({375, 667}, scale); }
+    ~ScreenScale() { seat::setMainScreen({375, 667}, 1); }
     ScreenScale(const ScreenScale&) = delete;
     ScreenScale& operator=(const ScreenScale&) = delete;
 };
@@ -69,7 +70,7 @@ inline std::shared_ptr<CALayer> layerWithFrame(CGRect frame, CGColorRef backgrou
 }
 
 // Notes what it is told.
-class RecordingHost : public host::LayerHost {
+class RecordingHost : public seat::LayerHost {
 public:
     void layerNeedsRepaint(CGRect rect) override { repaints.push_back(rect); }
     void animationsStarted() override { ++starts; }

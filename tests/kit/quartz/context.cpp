@@ -2,8 +2,8 @@
 
 #include "platform/quartz/CGContext.h"
 
-#include "host/quartz/graphics_stack.h"
-#include "tests/quartz/surface.h"
+#include "kit/seat.h"
+#include "tests/kit/quartz/Surface.h"
 
 #include <gtest/gtest.h>
 
@@ -127,7 +127,7 @@ TEST(Context, CurrentOneNestsAndEndsWithItsScope) {
     ASSERT_EQ(UIGraphicsGetCurrentContext(), nullptr);
     drawn(2, [](CGContextRef context) {
         {
-            const host::CurrentContext none(nullptr);
+            const seat::CurrentContext none(nullptr);
             EXPECT_EQ(UIGraphicsGetCurrentContext(), nullptr);
             EXPECT_EQ(UIGraphicsGetImageFromCurrentImageContext(), nullptr);
             UIGraphicsEndImageContext(); // not an image context: stays

@@ -1,6 +1,6 @@
-#include "tests/quartz/coverage.h"
+#include "tests/kit/quartz/coverage.h"
 
-#include "tests/quartz/surface.h"
+#include "tests/kit/quartz/Surface.h"
 
 #include <gtest/gtest.h>
 
@@ -11,10 +11,10 @@
 
 namespace {
 
-using host::Coverage;
-using host::CoveredRun;
-using host::Outline;
-using host::roundedOutline;
+using seat::Coverage;
+using seat::CoveredRun;
+using seat::Outline;
+using seat::roundedOutline;
 using test::CoveredPixels;
 
 constexpr double aStep = 1.0 / 255;
@@ -26,7 +26,7 @@ CoveredPixels covered(const Outline& outline, int width, int height) {
 }
 
 Outline turnedSquare(double edge, double angle, CGPoint middle) {
-    return host::transformed(roundedOutline(-edge / 2, -edge / 2, edge / 2, edge / 2, 0),
+    return seat::transformed(roundedOutline(-edge / 2, -edge / 2, edge / 2, edge / 2, 0),
                              CGAffineTransformConcat(CGAffineTransformMakeRotation(angle),
                                                      CGAffineTransformMakeTranslation(middle.x, middle.y)));
 }
@@ -72,8 +72,8 @@ TEST(Coverage, TurnedSquareCoversItsArea) {
 TEST(Coverage, PartOfAShapeIsTheSameAsInTheWhole) {
     const Outline shape = turnedSquare(30, 0.4, {25, 25});
     const auto whole = covered(shape, 50, 50);
-    for (const host::PixelRect& part :
-         {host::PixelRect{0, 0, 20, 50}, host::PixelRect{20, 11, 31, 40}, host::PixelRect{31, 0, 50, 50}}) {
+    for (const seat::PixelRect& part :
+         {seat::PixelRect{0, 0, 20, 50}, seat::PixelRect{20, 11, 31, 40}, seat::PixelRect{31, 0, 50, 50}}) {
         Coverage coverage(part);
         coverage.add(shape);
         const CoveredPixels pixels(*coverage.runs(), 50, 50);
@@ -124,7 +124,7 @@ TEST(Coverage, ColourOverCoveredPixelsIsSourceOverWithinAStep) {
     for (const CGColor& color : {CGColor{1, 1, 1, 0.7}, CGColor{0.65, 0.65, 0.65, 1}, CGColor{0.2, 0.9, 0.1, 0.31}}) {
         for (const std::uint32_t below : {0xffffffffU, 0xff336699U, 0x80402010U, 0U}) {
             test::Surface surface(edge, edge, below);
-            host::SolidSource(color).paint(surface.target(), *disc, 0, 0, {0, 0, edge, edge});
+            seat::SolidSource(color).paint(surface.target(), *disc, 0, 0, {0, 0, edge, edge});
             for (int y = 0; y < edge; ++y)
                 for (int x = 0; x < edge; ++x)
                     for (const auto& [shift, component] :
@@ -141,14 +141,14 @@ TEST(Coverage, ColourOverCoveredPixelsIsSourceOverWithinAStep) {
 TEST(Coverage, RunsAreCutToTheClipWhereverTheyAreMoved) {
     const std::vector<CoveredRun> runs{{0, 0, 4, CoveredRun::whole}, {0, 1, 4, CoveredRun::whole / 2}};
     test::Surface surface(6, 4);
-    host::SolidSource(CGColor{1, 0, 0, 1}).paint(surface.target(), runs, 3, 1, {2, 0, 5, 4});
+    seat::SolidSource(CGColor{1, 0, 0, 1}).paint(surface.target(), runs, 3, 1, {2, 0, 5, 4});
     EXPECT_EQ(surface.at(2, 1), test::white);
     EXPECT_EQ(surface.at(3, 1), test::red);
     EXPECT_EQ(surface.at(4, 1), test::red);
     EXPECT_EQ(surface.at(5, 1), test::white);
     EXPECT_EQ(surface.at(4, 2), 0xffff8080U);
     EXPECT_EQ(surface.count(test::white), 24 - 4);
-    host::SolidSource(CGColor{0, 0, 1, 1}).paint(surface.target(), runs, -9, -9, {0, 0, 6, 4});
+    seat::SolidSource(CGColor{0, 0, 1, 1}).paint(surface.target(), runs, -9, -9, {0, 0, 6, 4});
     EXPECT_EQ(surface.count(test::white), 24 - 4);
 }
 

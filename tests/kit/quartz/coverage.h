@@ -2,7 +2,7 @@
 
 // Covered pixels, to be looked at one by one.
 
-#include "host/quartz/coverage.h"
+#include "kit/quartz/Coverage.h"
 
 #include <algorithm>
 #include <cmath>
@@ -11,13 +11,13 @@
 namespace test {
 
 struct CoveredPixels {
-    CoveredPixels(const std::vector<host::CoveredRun>& runs, int wide, int high, int dx = 0, int dy = 0)
+    CoveredPixels(const std::vector<seat::CoveredRun>& runs, int wide, int high, int dx = 0, int dy = 0)
         : width(wide), height(high), parts(static_cast<std::size_t>(wide) * static_cast<std::size_t>(high)) {
         for (const auto& each : runs) {
             const auto run = each.translated(dx, dy, {0, 0, wide, high});
             for (int x = run.x; x < run.x + run.count; ++x)
                 parts[static_cast<std::size_t>(run.y) * static_cast<std::size_t>(wide) + static_cast<std::size_t>(x)] +=
-                    static_cast<double>(run.coverage) / host::CoveredRun::whole;
+                    static_cast<double>(run.coverage) / seat::CoveredRun::whole;
         }
     }
     double at(int x, int y) const {

@@ -1,7 +1,7 @@
 #include "platform/quartz/CATransaction.h"
 #include "platform/quartz/CGAffineTransform.h"
 #include "platform/uikit/UIScreen.h"
-#include "tests/quartz/surface.h"
+#include "tests/kit/quartz/Surface.h"
 
 #include <gtest/gtest.h>
 
@@ -80,7 +80,7 @@ TEST(Transaction, NestedOnesStayDisabledInsideADisabledOne) {
 TEST(Screen, ScaleThatIsNoneCountsAsOne) {
     const test::ScreenScale unusable(nan);
     EXPECT_EQ(UIScreen::mainScreen()->scale(), 1);
-    host::setMainScreen({320, 480}, 3);
+    seat::setMainScreen({320, 480}, 3);
     EXPECT_EQ(UIScreen::mainScreen()->scale(), 3);
     EXPECT_EQ(UIScreen::mainScreen()->bounds(), CGRectMake(0, 0, 320, 480));
 }

@@ -1,6 +1,6 @@
-#include "host/quartz/gradient_rows.h"
+#include "kit/quartz/GradientRows.h"
 
-#include "tests/quartz/surface.h"
+#include "tests/kit/quartz/Surface.h"
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,7 @@
 
 namespace {
 
-using host::GradientRows;
+using seat::GradientRows;
 using test::rgb;
 
 TEST(GradientRows, EveryPixelIsTheColourAtItsMiddle) {

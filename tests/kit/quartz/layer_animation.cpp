@@ -1,9 +1,9 @@
-#include "host/dispatch/main_queue.h"
-#include "host/quartz/animation.h"
-#include "host/testing/manual_clock.h"
+#include "kit/dispatch/ManualClock.h"
+#include "kit/dispatch/main_queue.h"
+#include "kit/quartz/animation.h"
 #include "platform/foundation/time.h"
 #include "platform/quartz/CATransaction.h"
-#include "tests/quartz/surface.h"
+#include "tests/kit/quartz/Surface.h"
 
 #include <gtest/gtest.h>
 
@@ -14,11 +14,11 @@ namespace {
 
 class LayerAnimation : public ::testing::Test {
 protected:
-    void TearDown() override { host::drainMainQueue(); }
+    void TearDown() override { seat::drainMainQueue(); }
 
     bool advance(double seconds) {
         clock.advance(seconds);
-        return host::advanceAnimations(platform::CACurrentMediaTime());
+        return seat::advanceAnimations(platform::CACurrentMediaTime());
     }
     // The left edge of the red layer on screen.
     int shownLeft() {
@@ -34,13 +34,13 @@ protected:
         return test::redOf(surface.at(5, 5));
     }
 
-    host::ManualClock clock;
+    seat::ManualClock clock;
     test::HostedRoot root;
     std::shared_ptr<CALayer> layer = root.add({{0, 0}, {10, 10}}, test::rgb(1, 0, 0));
 };
 
 TEST_F(LayerAnimation, ModelChangesAtOnceAndWhatIsDrawnFollows) {
-    host::runAnimationBlock(0.2, [&] { layer->setPosition({85, 5}); });
+    seat::runAnimationBlock(0.2, [&] { layer->setPosition({85, 5}); });
     EXPECT_EQ(layer->position(), CGPointMake(85, 5));
     EXPECT_EQ(layer->frame(), CGRectMake(80, 0, 10, 10));
     EXPECT_EQ(shownLeft(), 0);
@@ -51,7 +51,7 @@ TEST_F(LayerAnimation, ModelChangesAtOnceAndWhatIsDrawnFollows) {
 }
 
 TEST_F(LayerAnimation, BeginsAndEndsSlowly) {
-    host::runAnimationBlock(1, [&] { layer->setPosition({85, 5}); });
+    seat::runAnimationBlock(1, [&] { layer->setPosition({85, 5}); });
     advance(0.1);
     const int early = shownLeft();
     EXPECT_GT(early, 0);
@@ -63,7 +63,7 @@ TEST_F(LayerAnimation, BeginsAndEndsSlowly) {
 TEST_F(LayerAnimation, EveryMovablePropertyGoesHalfWayInHalfTheTime) {
     layer->setBackgroundColor(test::rgb(0, 0, 0));
     layer->setBorderColor(test::rgb(0, 0, 0));
-    host::runAnimationBlock(1, [&] {
+    seat::runAnimationBlock(1, [&] {
         layer->setBounds({{0, 0}, {30, 30}});
         layer->setTransform(CATransform3DMakeTranslation(20, 20, 0));
         layer->setOpacity(0.5);
@@ -84,9 +84,9 @@ TEST_F(LayerAnimation, EveryMovablePropertyGoesHalfWayInHalfTheTime) {
 }
 
 TEST_F(LayerAnimation, LaterChangeStartsFromWhatIsShown) {
-    host::runAnimationBlock(0.2, [&] { layer->setPosition({85, 5}); });
+    seat::runAnimationBlock(0.2, [&] { layer->setPosition({85, 5}); });
     advance(0.1);
-    host::runAnimationBlock(0.2, [&] { layer->setPosition({5, 5}); });
+    seat::runAnimationBlock(0.2, [&] { layer->setPosition({5, 5}); });
     EXPECT_EQ(shownLeft(), 40);
     advance(0.1);
     EXPECT_EQ(shownLeft(), 20);
@@ -95,38 +95,38 @@ TEST_F(LayerAnimation, LaterChangeStartsFromWhatIsShown) {
 }
 
 TEST_F(LayerAnimation, SameValueInABlockMovesNothingWhenNothingMoves) {
-    host::runAnimationBlock(0.2, [&] { layer->setPosition({5, 5}); });
-    EXPECT_FALSE(host::animationsAreRunning());
+    seat::runAnimationBlock(0.2, [&] { layer->setPosition({5, 5}); });
+    EXPECT_FALSE(seat::animationsAreRunning());
     EXPECT_EQ(root.host.starts, 0);
 }
 
 TEST_F(LayerAnimation, ChangeOutsideABlockIsShownAtOnceAlsoWhenTheValueIsTheModels) {
-    host::runAnimationBlock(0.2, [&] { layer->setPosition({85, 5}); });
+    seat::runAnimationBlock(0.2, [&] { layer->setPosition({85, 5}); });
     advance(0.1);
     layer->setPosition({85, 5});
     EXPECT_EQ(shownLeft(), 80);
-    EXPECT_FALSE(host::animationsAreRunning());
+    EXPECT_FALSE(seat::animationsAreRunning());
 }
 
 TEST_F(LayerAnimation, ChangeOfAnotherPropertyLetsTheMovementGoOn) {
-    host::runAnimationBlock(0.2, [&] { layer->setPosition({85, 5}); });
+    seat::runAnimationBlock(0.2, [&] { layer->setPosition({85, 5}); });
     advance(0.1);
     layer->setCornerRadius(0.5);
     layer->setBackgroundColor(test::rgb(0, 0, 1));
     layer->setBackgroundColor(test::rgb(1, 0, 0));
     EXPECT_EQ(shownLeft(), 40);
-    EXPECT_TRUE(host::animationsAreRunning());
+    EXPECT_TRUE(seat::animationsAreRunning());
 }
 
 TEST_F(LayerAnimation, DisabledActionsTakeEffectAtOnce) {
-    host::runAnimationBlock(0.2, [&] {
+    seat::runAnimationBlock(0.2, [&] {
         CATransaction::begin();
         CATransaction::setDisableActions(true);
         layer->setPosition({85, 5});
         CATransaction::commit();
         layer->setOpacity(0.5);
     });
-    EXPECT_FALSE(host::animationsAreEnabled());
+    EXPECT_FALSE(seat::animationsAreEnabled());
     EXPECT_EQ(shownRed(), 0);
     advance(0.2);
     EXPECT_EQ(layer->opacity(), 0.5);
@@ -136,15 +136,15 @@ TEST_F(LayerAnimation, DurationOfNothingAppliesAtOnce) {
     for (const double duration : {0.0, -1.0, std::numeric_limits<double>::quiet_NaN()}) {
         layer->setPosition({5, 5});
         std::optional<bool> finished;
-        host::runAnimationBlock(
+        seat::runAnimationBlock(
             duration,
             [&] {
                 layer->setPosition({85, 5});
             },
             [&](bool f) { finished = f; });
         EXPECT_EQ(shownLeft(), 80);
-        EXPECT_FALSE(host::animationsAreRunning());
-        host::drainMainQueue();
+        EXPECT_FALSE(seat::animationsAreRunning());
+        seat::drainMainQueue();
         EXPECT_EQ(finished, true);
     }
 }
@@ -153,7 +153,7 @@ TEST_F(LayerAnimation, CompletionComesOnceFromTheMainQueueWhenAllHasEnded) {
     const auto other = root.add({{0, 50}, {10, 10}}, test::rgb(0, 0, 1));
     int calls = 0;
     bool finished = false;
-    host::runAnimationBlock(
+    seat::runAnimationBlock(
         0.2,
         [&] {
             layer->setPosition({85, 5});
@@ -165,37 +165,37 @@ TEST_F(LayerAnimation, CompletionComesOnceFromTheMainQueueWhenAllHasEnded) {
             finished = f;
         });
     advance(0.19);
-    host::drainMainQueue();
+    seat::drainMainQueue();
     EXPECT_EQ(calls, 0);
     advance(0.01);
     EXPECT_EQ(calls, 0);
-    host::drainMainQueue();
+    seat::drainMainQueue();
     EXPECT_EQ(calls, 1);
     EXPECT_TRUE(finished);
     advance(1);
-    host::drainMainQueue();
+    seat::drainMainQueue();
     EXPECT_EQ(calls, 1);
 }
 
 TEST_F(LayerAnimation, CompletionSaysWhenAMovementWasCutShort) {
     std::vector<bool> finished;
     const auto note = [&](bool f) { finished.push_back(f); };
-    host::runAnimationBlock(
+    seat::runAnimationBlock(
         0.2,
         [&] {
             layer->setPosition({85, 5});
         },
         note);
-    host::runAnimationBlock(
+    seat::runAnimationBlock(
         0.2,
         [&] {
             layer->setPosition({45, 5});
         },
         note);
-    host::drainMainQueue();
+    seat::drainMainQueue();
     EXPECT_EQ(finished, std::vector{false});
     advance(0.2);
-    host::drainMainQueue();
+    seat::drainMainQueue();
     EXPECT_EQ(finished, (std::vector{false, true}));
 }
 
@@ -203,23 +203,23 @@ TEST_F(LayerAnimation, RemovedLayersMovementIsCutShort) {
     std::optional<bool> finished;
     const auto inner = test::layerWithFrame({{0, 0}, {1, 1}});
     layer->addSublayer(inner);
-    host::runAnimationBlock(
+    seat::runAnimationBlock(
         0.2, [&] { inner->setOpacity(0); }, [&](bool f) { finished = f; });
     layer->removeFromSuperlayer();
-    EXPECT_FALSE(host::animationsAreRunning());
-    host::drainMainQueue();
+    EXPECT_FALSE(seat::animationsAreRunning());
+    seat::drainMainQueue();
     EXPECT_EQ(finished, false);
 }
 
 TEST_F(LayerAnimation, LayerMovedWithinItsTreeGoesOnMoving) {
-    host::runAnimationBlock(0.2, [&] { layer->setPosition({85, 5}); });
+    seat::runAnimationBlock(0.2, [&] { layer->setPosition({85, 5}); });
     root.layer->insertSublayer_atIndex(layer, 0);
     advance(0.1);
     EXPECT_EQ(shownLeft(), 40);
 }
 
 TEST_F(LayerAnimation, LayerThatDiesWhileItMovesIsForgotten) {
-    host::runAnimationBlock(0.2, [&] { layer->setPosition({85, 5}); });
+    seat::runAnimationBlock(0.2, [&] { layer->setPosition({85, 5}); });
     layer->removeFromSuperlayer();
     layer.reset();
     EXPECT_FALSE(advance(0.1));
@@ -228,17 +228,17 @@ TEST_F(LayerAnimation, LayerThatDiesWhileItMovesIsForgotten) {
 TEST_F(LayerAnimation, DetachedLayersChangeAtOnceAndCompleteAsFinished) {
     const auto detached = CALayer::layer();
     std::optional<bool> finished;
-    host::runAnimationBlock(
+    seat::runAnimationBlock(
         0.2, [&] { detached->setOpacity(0.5); }, [&](bool f) { finished = f; });
-    EXPECT_FALSE(host::animationsAreRunning());
-    host::drainMainQueue();
+    EXPECT_FALSE(seat::animationsAreRunning());
+    seat::drainMainQueue();
     EXPECT_EQ(finished, true);
 }
 
 TEST_F(LayerAnimation, BlocksNestEachWithItsOwnDuration) {
     const auto other = root.add({{0, 50}, {10, 10}}, test::rgb(0, 0, 1));
-    host::runAnimationBlock(1, [&] {
-        host::runAnimationBlock(0.1, [&] { other->setPosition({95, 55}); });
+    seat::runAnimationBlock(1, [&] {
+        seat::runAnimationBlock(0.1, [&] { other->setPosition({95, 55}); });
         layer->setPosition({85, 5});
     });
     EXPECT_TRUE(advance(0.1));
@@ -250,7 +250,7 @@ TEST_F(LayerAnimation, BlocksNestEachWithItsOwnDuration) {
 }
 
 TEST_F(LayerAnimation, HostHearsOfTheStartAndOfEachStepsOldAndNewPlace) {
-    host::runAnimationBlock(0.2, [&] { layer->setPosition({85, 5}); });
+    seat::runAnimationBlock(0.2, [&] { layer->setPosition({85, 5}); });
     EXPECT_EQ(root.host.starts, 1);
     EXPECT_TRUE(root.host.repaints.empty());
     advance(0.1);
@@ -264,14 +264,14 @@ TEST_F(LayerAnimation, HostHearsOfTheStartAndOfEachStepsOldAndNewPlace) {
 }
 
 TEST_F(LayerAnimation, ContentsAndHidingDoNotMove) {
-    host::runAnimationBlock(1, [&] { layer->setHidden(true); });
+    seat::runAnimationBlock(1, [&] { layer->setHidden(true); });
     EXPECT_EQ(shownLeft(), -1);
-    EXPECT_FALSE(host::animationsAreRunning());
+    EXPECT_FALSE(seat::animationsAreRunning());
 }
 
 TEST_F(LayerAnimation, ColourThatWasNoneFadesIn) {
     layer->setBackgroundColor(nullptr);
-    host::runAnimationBlock(1, [&] { layer->setBackgroundColor(test::rgb(1, 0, 0)); });
+    seat::runAnimationBlock(1, [&] { layer->setBackgroundColor(test::rgb(1, 0, 0)); });
     EXPECT_EQ(shownRed(), 0);
     advance(0.5);
     EXPECT_EQ(shownRed(), 128);

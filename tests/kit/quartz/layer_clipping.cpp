@@ -1,4 +1,4 @@
-#include "tests/quartz/surface.h"
+#include "tests/kit/quartz/Surface.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "platform/quartz/CALayer.h"
 
-#include "tests/quartz/surface.h"
+#include "tests/kit/quartz/Surface.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 #include "platform/quartz/CAGradientLayer.h"
-#include "tests/quartz/surface.h"
+#include "tests/kit/quartz/Surface.h"
 
 #include <gtest/gtest.h>
 
@@ -376,7 +376,7 @@ TEST(LayerPainting, TargetRowsMayHavePadding) {
     top->setBackgroundColor(rgb(1, 0, 0));
     Surface surface(8, 4);
     const CGRect all{{0, 0}, {4, 4}};
-    host::renderLayerTree(*top, {surface.pixels.data(), 4, 4, 8 * 4}, 1, {&all, 1});
+    seat::renderLayerTree(*top, {surface.pixels.data(), 4, 4, 8 * 4}, 1, {&all, 1});
     EXPECT_EQ(surface.count(test::red), 16);
     EXPECT_EQ(surface.at(4, 0), test::white);
 }

@@ -1,5 +1,5 @@
 #include "platform/quartz/CAGradientLayer.h"
-#include "tests/quartz/surface.h"
+#include "tests/kit/quartz/Surface.h"
 
 #include <gtest/gtest.h>
 

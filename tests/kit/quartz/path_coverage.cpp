@@ -1,7 +1,7 @@
-#include "host/quartz/path_coverage.h"
+#include "kit/quartz/PathCoverage.h"
 
 #include "platform/uikit/UIBezierPath.h"
-#include "tests/quartz/coverage.h"
+#include "tests/kit/quartz/coverage.h"
 
 #include <gtest/gtest.h>
 
@@ -10,10 +10,10 @@
 
 namespace {
 
-using host::convexPathCoverage;
+using seat::convexPathCoverage;
 using Kind = CGPathElement::Kind;
 
-constexpr host::PixelRect everything{-1000, -1000, 1000, 1000};
+constexpr seat::PixelRect everything{-1000, -1000, 1000, 1000};
 
 CGPath polygon(const std::vector<CGPoint>& corners) {
     CGPath path;

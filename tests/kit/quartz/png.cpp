@@ -1,4 +1,4 @@
-#include "host/quartz/png.h"
+#include "desktop/painting/png.h"
 
 #include <gtest/gtest.h>
 
@@ -26,8 +26,8 @@ TEST_F(Png, BringsBackEveryPixel) {
     for (std::uint32_t i = 0; i < 21; ++i) image.pixels.push_back(0xff000000U | (i * 0x0b0703U));
     image.pixels[4] = 0;
 
-    ASSERT_TRUE(host::writePng(folder / "a.png", image));
-    const auto back = host::readPng(folder / "a.png");
+    ASSERT_TRUE(seat::writePng(folder / "a.png", image));
+    const auto back = seat::readPng(folder / "a.png");
 
     ASSERT_NE(back, nullptr);
     EXPECT_EQ(back->width, 7U);
@@ -36,12 +36,12 @@ TEST_F(Png, BringsBackEveryPixel) {
 }
 
 TEST_F(Png, FileThatIsNoneOrCannotBeWrittenFails) {
-    EXPECT_EQ(host::readPng(folder / "missing.png"), nullptr);
+    EXPECT_EQ(seat::readPng(folder / "missing.png"), nullptr);
     CGImage image;
     image.width = image.height = 1;
     image.pixels = {0};
-    EXPECT_FALSE(host::writePng(folder / "no such folder" / "a.png", image));
-    EXPECT_FALSE(host::writePng(folder / "empty.png", CGImage{}));
+    EXPECT_FALSE(seat::writePng(folder / "no such folder" / "a.png", image));
+    EXPECT_FALSE(seat::writePng(folder / "empty.png", CGImage{}));
 }
 
 } // namespace

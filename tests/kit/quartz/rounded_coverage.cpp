@@ -1,6 +1,6 @@
-#include "host/quartz/rounded_coverage.h"
+#include "kit/quartz/rounded_coverage.h"
 
-#include "tests/quartz/coverage.h"
+#include "tests/kit/quartz/coverage.h"
 
 #include <gtest/gtest.h>
 
@@ -8,8 +8,8 @@
 
 namespace {
 
-using host::roundedCoverage;
-using host::RoundedShape;
+using seat::roundedCoverage;
+using seat::RoundedShape;
 using test::CoveredPixels;
 
 TEST(RoundedCoverage, SameShapeElsewhereComesFromMemory) {
@@ -22,13 +22,13 @@ TEST(RoundedCoverage, SameShapeElsewhereComesFromMemory) {
 }
 
 TEST(RoundedCoverage, CornerOfALongBarIsThatOfAShortOne) {
-    const host::PixelRect corner{0, 0, 6, 6};
+    const seat::PixelRect corner{0, 0, 6, 6};
     EXPECT_EQ(roundedCoverage({0, 0, 300, 40, 6, 0.5, 0}, corner), roundedCoverage({0, 0, 60, 20, 6, 0.5, 0}, corner));
     EXPECT_NE(roundedCoverage({0, 0, 300, 40, 6, 0.5, 0}, corner), roundedCoverage({0, 0, 12, 12, 6, 0.5, 0}, corner));
 }
 
 TEST(RoundedCoverage, MemoryForgetsWhatWasNotUsedForLongest) {
-    const host::PixelRect pixels{0, 0, 40, 40};
+    const seat::PixelRect pixels{0, 0, 40, 40};
     const auto kept = roundedCoverage({0, 0, 40, 40, 20, 0, 0}, pixels);
     const std::weak_ptr forgotten = roundedCoverage({0, 0, 39, 39, 19, 0, 0}, pixels);
     for (int i = 0; i < 200; ++i) {

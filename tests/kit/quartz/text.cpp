@@ -1,8 +1,9 @@
-#include "host/quartz/text.h"
+#include "kit/quartz/text_runs.h"
+#include "kit/seat.h"
 
-#include "host/quartz/text_cache.h"
-#include "host/quartz/text_layout.h"
-#include "tests/quartz/surface.h"
+#include "desktop/painting/TextLayout.h"
+#include "desktop/painting/text_cache.h"
+#include "tests/kit/quartz/Surface.h"
 
 #include <gtest/gtest.h>
 
@@ -12,10 +13,10 @@
 
 namespace {
 
-using host::TextAlignment;
+using seat::TextAlignment;
 
-std::vector<host::TextRun> runs(const std::string& text, double size = 17) {
-    return host::textRuns(text, UIFont::systemFontOfSize(size), test::rgb(0, 0, 0));
+std::vector<seat::TextRun> runs(const std::string& text, double size = 17) {
+    return seat::textRuns(text, UIFont::systemFontOfSize(size), test::rgb(0, 0, 0));
 }
 
 struct Ink {
@@ -37,23 +38,23 @@ Ink inkOf(CGSize size, double scale, const std::function<void(CGContextRef)>& dr
     }
     return ink;
 }
-Ink inkOf(const std::vector<host::TextRun>& text, CGSize size, TextAlignment alignment = TextAlignment::Left,
+Ink inkOf(const std::vector<seat::TextRun>& text, CGSize size, TextAlignment alignment = TextAlignment::Left,
           int lines = 1, double scale = 1) {
     return inkOf(size, scale, [&](CGContextRef context) {
-        host::drawText(context, text, {{0, 0}, size}, alignment, lines);
+        seat::drawText(context, text, {{0, 0}, size}, alignment, lines);
     });
 }
 
 TEST(Text, EmptyTextHasNoSizeAndDrawsNothing) {
-    EXPECT_EQ(host::measureText(runs(""), 100, 1).size.height, 0);
-    EXPECT_EQ(host::measureText({}, 100, 1).size.width, 0);
+    EXPECT_EQ(seat::measureText(runs(""), 100, 1).size.height, 0);
+    EXPECT_EQ(seat::measureText({}, 100, 1).size.width, 0);
     EXPECT_TRUE(inkOf(runs(""), {50, 20}).isEmpty());
 }
 
 TEST(Text, SizeIsOnWholePixelsAndHoldsTheInk) {
     for (const double scale : {1.0, 1.5, 2.0, 3.0}) {
         const test::ScreenScale screen(scale);
-        const auto size = host::measureText(runs("Controller Type gjpqy"), 1000, 1).size;
+        const auto size = seat::measureText(runs("Controller Type gjpqy"), 1000, 1).size;
         EXPECT_NEAR(size.width * scale, std::round(size.width * scale), 1e-9);
         EXPECT_NEAR(size.height * scale, std::round(size.height * scale), 1e-9);
         const auto ink =
@@ -69,7 +70,7 @@ TEST(Text, WidthsAtDifferentScalesAgree) {
     double width = 0;
     for (const double scale : {1.0, 1.25, 1.5, 2.0, 3.0}) {
         const test::ScreenScale screen(scale);
-        const double here = host::measureText(runs("The quick brown fox jumps over the lazy dog"), 1000, 1).size.width;
+        const double here = seat::measureText(runs("The quick brown fox jumps over the lazy dog"), 1000, 1).size.width;
         if (width == 0) width = here;
         EXPECT_NEAR(here, width, width * 0.03) << scale; // letters are a whole number of pixels high
     }
@@ -80,9 +81,9 @@ TEST(Text, DrawnAtItsMeasuredWidthIsNotCut) {
         const test::ScreenScale screen(scale);
         for (const char* text : {"Connect", "AVAWATo", "Force extended profile", "#004efd", "100%"}) {
             const auto text17 = runs(text);
-            const double width = host::measureText(text17, 1000, 1).size.width;
-            const auto layout = host::textLayout(text17, width * scale, 1, scale);
-            const auto natural = host::textLayout(text17, 1e6, 1, scale);
+            const double width = seat::measureText(text17, 1000, 1).size.width;
+            const auto layout = seat::textLayout(text17, width * scale, 1, scale);
+            const auto natural = seat::textLayout(text17, 1e6, 1, scale);
             EXPECT_EQ(layout, natural) << text << ' ' << scale;
         }
     }
@@ -112,7 +113,7 @@ TEST(Text, BaselinesAreOnPixelsWhereverTheTextStands) {
         for (int step = 0; step < 12; ++step) {
             const double y = step * 0.31;
             const auto ink = inkOf({60, 40}, scale, [&](CGContextRef context) {
-                host::drawText(context, runs("HHH"), {{3, y}, {60, 30}}, TextAlignment::Left, 1);
+                seat::drawText(context, runs("HHH"), {{3, y}, {60, 30}}, TextAlignment::Left, 1);
             });
             heights.push_back(ink.bottom - ink.top);
         }
@@ -125,10 +126,10 @@ TEST(Text, RunsOfDifferentSizesShareOneBaseline) {
         "H", {UIFont::systemFontOfSize(24), UIColor::redColor()});
     text->appendAttributedString(*NSAttributedString::alloc()->initWithString_attributes(
         "H", {UIFont::systemFontOfSize(12), UIColor::blueColor()}));
-    const auto both = host::textRuns(*text, nullptr, nullptr);
+    const auto both = seat::textRuns(*text, nullptr, nullptr);
     ASSERT_EQ(both.size(), 2U);
     UIGraphicsBeginImageContextWithOptions({60, 40}, /*opaque*/ true, 1);
-    host::drawText(UIGraphicsGetCurrentContext(), both, {{0, 0}, {60, 40}}, TextAlignment::Left, 1);
+    seat::drawText(UIGraphicsGetCurrentContext(), both, {{0, 0}, {60, 40}}, TextAlignment::Left, 1);
     const auto image = UIGraphicsGetImageFromCurrentImageContext()->CGImage();
     UIGraphicsEndImageContext();
     int redBottom = -1, blueBottom = -1, redTop = 99, blueTop = 99;
@@ -146,39 +147,39 @@ TEST(Text, RunsOfDifferentSizesShareOneBaseline) {
 TEST(Text, AttributesThatAreLeftOpenComeFromTheLabel) {
     const auto text = NSAttributedString::alloc()->initWithString_attributes("a", {});
     const auto color = test::rgb(0, 1, 0);
-    const auto result = host::textRuns(*text, UIFont::systemFontOfSize(9), color);
+    const auto result = seat::textRuns(*text, UIFont::systemFontOfSize(9), color);
     EXPECT_EQ(result[0].font->pointSize(), 9);
     EXPECT_EQ(result[0].color, color);
-    EXPECT_EQ(host::textRuns("a", nullptr, nullptr)[0].font->pointSize(), 17);
+    EXPECT_EQ(seat::textRuns("a", nullptr, nullptr)[0].font->pointSize(), 17);
 }
 
 TEST(Text, WithoutColourDrawsNothing) {
-    EXPECT_TRUE(inkOf(host::textRuns("abc", nullptr, nullptr), {60, 20}).isEmpty());
+    EXPECT_TRUE(inkOf(seat::textRuns("abc", nullptr, nullptr), {60, 20}).isEmpty());
     const auto pattern = UIColor::patternColor()->CGColor();
-    EXPECT_TRUE(inkOf(host::textRuns("abc", nullptr, pattern), {60, 20}).isEmpty());
+    EXPECT_TRUE(inkOf(seat::textRuns("abc", nullptr, pattern), {60, 20}).isEmpty());
 }
 
 TEST(Text, GrowsWithItsTransformWithoutBeingShapedAnew) {
     const auto text = runs("H");
     (void)inkOf(text, {60, 40});
-    const std::size_t before = host::cachedTextLayoutCount();
+    const std::size_t before = seat::cachedTextLayoutCount();
     Ink last{};
     for (const double growth : {1.0, 1.1, 1.35, 1.6}) {
         const auto ink = inkOf({60, 60}, 1, [&](CGContextRef context) {
             CGContextScaleCTM(context, growth, growth);
-            host::drawText(context, text, {{0, 0}, {30, 30}}, TextAlignment::Left, 1);
+            seat::drawText(context, text, {{0, 0}, {30, 30}}, TextAlignment::Left, 1);
         });
         EXPECT_GE(ink.bottom - ink.top, last.bottom - last.top) << growth;
         last = ink;
     }
     EXPECT_GT(last.bottom - last.top, 17);
-    EXPECT_EQ(host::cachedTextLayoutCount(), before);
+    EXPECT_EQ(seat::cachedTextLayoutCount(), before);
 }
 
 TEST(Text, NilContextAndEmptyPlaceAreHarmless) {
-    host::drawText(nullptr, runs("a"), {{0, 0}, {10, 10}}, TextAlignment::Left, 1);
+    seat::drawText(nullptr, runs("a"), {{0, 0}, {10, 10}}, TextAlignment::Left, 1);
     EXPECT_TRUE(inkOf({20, 20}, 1, [](CGContextRef context) {
-                    host::drawText(context, runs("a"), {{0, 0}, {-10, 10}}, TextAlignment::Left, 1);
+                    seat::drawText(context, runs("a"), {{0, 0}, {-10, 10}}, TextAlignment::Left, 1);
                 }).isEmpty());
 }
 

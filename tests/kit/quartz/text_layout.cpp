@@ -1,7 +1,8 @@
-#include "host/quartz/text_layout.h"
+#include "desktop/painting/TextLayout.h"
 
-#include "host/quartz/text_cache.h"
-#include "tests/quartz/surface.h"
+#include "desktop/painting/text_cache.h"
+#include "kit/quartz/text_runs.h"
+#include "tests/kit/quartz/Surface.h"
 
 #include <gtest/gtest.h>
 
@@ -12,13 +13,13 @@
 
 namespace {
 
-std::vector<host::TextRun> runs(const std::string& text, double size = 17) {
-    return host::textRuns(text, UIFont::systemFontOfSize(size), test::rgb(0, 0, 0));
+std::vector<seat::TextRun> runs(const std::string& text, double size = 17) {
+    return seat::textRuns(text, UIFont::systemFontOfSize(size), test::rgb(0, 0, 0));
 }
-std::shared_ptr<const host::TextLayout> laidOut(const std::string& text, double width, int lines) {
-    return host::textLayout(runs(text), width, lines, 1);
+std::shared_ptr<const seat::TextLayout> laidOut(const std::string& text, double width, int lines) {
+    return seat::textLayout(runs(text), width, lines, 1);
 }
-std::size_t glyphCount(const host::TextLayout::Line& line) {
+std::size_t glyphCount(const seat::TextLayout::Line& line) {
     std::size_t count = 0;
     for (const auto& piece : line.pieces) count += static_cast<std::size_t>(piece.glyphs.glyphIndexes().size());
     return count;
@@ -113,17 +114,17 @@ TEST(TextLayout, RepeatedRequestComesFromMemory) {
     const auto first = laidOut("remembered", 1000, 1);
     EXPECT_EQ(laidOut("remembered", 1000, 1), first);
     EXPECT_EQ(laidOut("remembered", 500, 1), first); // it fits: the same at every width
-    EXPECT_NE(host::textLayout(runs("remembered", 15), 1000, 1, 1), first);
-    EXPECT_NE(host::textLayout(runs("remembered"), 1000, 1, 2), first);
+    EXPECT_NE(seat::textLayout(runs("remembered", 15), 1000, 1, 1), first);
+    EXPECT_NE(seat::textLayout(runs("remembered"), 1000, 1, 2), first);
 }
 
 TEST(TextLayout, MemoryIsBounded) {
     const auto kept = laidOut("kept by use", 1000, 1);
-    for (std::size_t i = 0; i < host::mostCachedTextLayouts + 50; ++i) {
+    for (std::size_t i = 0; i < seat::mostCachedTextLayouts + 50; ++i) {
         (void)laidOut("text " + std::to_string(i), 1000, 1);
         (void)laidOut("kept by use", 1000, 1);
     }
-    EXPECT_EQ(host::cachedTextLayoutCount(), host::mostCachedTextLayouts);
+    EXPECT_EQ(seat::cachedTextLayoutCount(), seat::mostCachedTextLayouts);
     EXPECT_EQ(laidOut("kept by use", 1000, 1), kept);
 }
 

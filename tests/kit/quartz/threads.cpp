@@ -1,7 +1,7 @@
 #include "platform/quartz/CAGradientLayer.h"
 #include "platform/uikit/UIBezierPath.h"
 #include "platform/uikit/UIScreen.h"
-#include "tests/quartz/surface.h"
+#include "tests/kit/quartz/Surface.h"
 
 #include <gtest/gtest.h>
 

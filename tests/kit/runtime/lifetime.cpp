@@ -1,4 +1,4 @@
-#include "host/dispatch/main_queue.h"
+#include "kit/dispatch/main_queue.h"
 #include "platform/dispatch.h"
 #include "platform/foundation.h"
 #include "platform/runtime.h"
@@ -46,7 +46,7 @@ TEST(Lifetime, InterfaceObjectReleasedOnAWorkerDiesOnTheMainThread) {
     releaseOnAnotherThread<Card>();
     EXPECT_EQ(alive, 1);
 
-    host::drainMainQueue();
+    seat::drainMainQueue();
 
     EXPECT_EQ(alive, 0);
     EXPECT_TRUE(diedOnMainThread);
@@ -58,7 +58,7 @@ TEST(Lifetime, InterfaceObjectReleasedOnTheMainThreadDiesAtOnce) {
     card.reset();
 
     EXPECT_EQ(alive, 0);
-    EXPECT_TRUE(host::mainQueueIsEmpty());
+    EXPECT_TRUE(seat::mainQueueIsEmpty());
 }
 
 TEST(Lifetime, InterfaceObjectMadeByNameDiesOnTheMainThreadToo) {
@@ -66,7 +66,7 @@ TEST(Lifetime, InterfaceObjectMadeByNameDiesOnTheMainThreadToo) {
     std::thread([card = std::move(card)]() mutable { card.reset(); }).join();
     EXPECT_EQ(alive, 1);
 
-    host::drainMainQueue();
+    seat::drainMainQueue();
 
     EXPECT_EQ(alive, 0);
 }
@@ -76,7 +76,7 @@ TEST(Lifetime, OtherObjectDiesWhereItIsReleased) {
 
     EXPECT_EQ(alive, 0);
     EXPECT_FALSE(diedOnMainThread);
-    EXPECT_TRUE(host::mainQueueIsEmpty());
+    EXPECT_TRUE(seat::mainQueueIsEmpty());
 }
 
 TEST(Lifetime, WeakReferenceIsEmptyAfterTheLastRelease) {

@@ -1,6 +1,6 @@
 #include "platform/foundation.h"
 #include "platform/runtime.h"
-#include "tests/support/captured_log.h"
+#include "tests/support/CapturedLog.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
-#include "host/preferences/preferences_store.h"
 #include "platform/settings_framework/PSTableCell.h"
-#include "tests/settings_framework/pages.h"
+#include "system/preferences/preferences_store.h"
+#include "tests/kit/settings_framework/pages.h"
 
 namespace {
 
@@ -40,14 +40,14 @@ TEST_F(PageCells, CellHearsItsValueWhenItIsMadeAndOnReload) {
     show();
     EXPECT_EQ(recorder("a")->log, "made(004EFD) value(004EFD)");
 
-    host::setPreferenceValue("com.quorrel.test", "color", "ff0000");
+    seat::setPreferenceValue("com.quorrel.test", "color", "ff0000");
     page->reloadSpecifierID("a");
 
     EXPECT_EQ(recorder("a")->log, "made(004EFD) value(004EFD) value(ff0000)");
 }
 
 TEST_F(PageCells, StoredValueComesBeforeTheDefault) {
-    host::setPreferenceValue("com.quorrel.test", "color", "ff0000");
+    seat::setPreferenceValue("com.quorrel.test", "color", "ff0000");
     writeResource(item("PSButtonCell", "a", "A", bound("color", "<string>004EFD</string>") + recording));
     show();
 

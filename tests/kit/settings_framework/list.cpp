@@ -1,4 +1,4 @@
-#include "tests/settings_framework/pages.h"
+#include "tests/kit/settings_framework/pages.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
-#include "host/testing/snapshot.h"
-#include "tests/settings_framework/pages.h"
+#include "desktop/painting/snapshot.h"
+#include "tests/kit/settings_framework/pages.h"
 
 #include <tuple>
 
@@ -42,7 +42,7 @@ protected:
     }
     // Text is drawn by whatever version of the font library is there, so that single pixels of it may differ.
     void expectLooks(const std::string& what) {
-        EXPECT_EQ(host::compareWithGolden(host::snapshot(scene), GOLDEN_FOLDER, name(what), FAILURES_FOLDER,
+        EXPECT_EQ(seat::compareWithGolden(seat::snapshot(scene), GOLDEN_FOLDER, name(what), FAILURES_FOLDER,
                                           {.channel = 40, .share = 0.02}),
                   "");
     }

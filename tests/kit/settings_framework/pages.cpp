@@ -1,4 +1,4 @@
-#include "tests/settings_framework/pages.h"
+#include "tests/kit/settings_framework/pages.h"
 
 NS_CLASS_IMPLEMENTATION(TestPage, PSListController, method<&TestPage::tapped>("tapped:"),
                         method<&TestPage::plain>("plain"))

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "host/foundation/root.h"
-#include "host/settings_framework/bundle.h"
+#include "kit/settings_framework/bundle.h"
 #include "platform/settings_framework.h"
 #include "platform/uikit/UINavigationController.h"
-#include "tests/support/temporary_folder.h"
-#include "tests/uikit/scene_test.h"
+#include "system/files/root.h"
+#include "tests/kit/uikit/SceneTest.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include <fstream>
 
@@ -33,12 +33,12 @@ public:
 class PageTest : public SceneTest {
 protected:
     PageTest() {
-        host::setRoot(m_root.path());
-        host::setResourceFolder(m_root.path());
+        seat::setRoot(m_root.path());
+        seat::setResourceFolder(m_root.path());
     }
     ~PageTest() override {
-        host::setResourceFolder({});
-        host::setRoot({});
+        seat::setResourceFolder({});
+        seat::setRoot({});
     }
 
     // `items` is the inside of the resource's array.

@@ -1,6 +1,6 @@
-#include "host/foundation/log.h"
-#include "host/settings_framework/specifier_resource.h"
-#include "tests/settings_framework/pages.h"
+#include "kit/settings_framework/SpecifierResource.h"
+#include "system/log/log.h"
+#include "tests/kit/settings_framework/pages.h"
 
 #include <chrono>
 
@@ -8,16 +8,16 @@ namespace {
 
 class Resources : public PageTest {
 protected:
-    ~Resources() override { host::setLogSink({}); }
+    ~Resources() override { seat::setLogSink({}); }
 
     void write(const std::string& bytes) const { std::ofstream(file("Page.plist"), std::ios::binary) << bytes; }
     // The rows of the resource, and that nothing or exactly one line was logged.
     std::size_t load() {
         lines.clear();
-        host::setLogSink([this](std::string_view line) { lines.emplace_back(line); });
+        seat::setLogSink([this](std::string_view line) { lines.emplace_back(line); });
         page = TestPage::alloc()->init();
         const std::size_t count = page->specifiers().size();
-        host::setLogSink({});
+        seat::setLogSink({});
         return count;
     }
     void expectRefused(const std::string& items) {
@@ -98,11 +98,11 @@ TEST_F(Resources, MissingResourceIsRefusedWithOneLine) {
 TEST_F(Resources, NameThatLeavesTheBundleIsNoResource) {
     writeResource(item("PSButtonCell", "a", "A"));
     page = TestPage::alloc()->init();
-    host::setLogSink([this](std::string_view line) { lines.emplace_back(line); });
+    seat::setLogSink([this](std::string_view line) { lines.emplace_back(line); });
 
     EXPECT_TRUE(page->loadSpecifiersFromPlistName_target("../Page", page).empty());
     EXPECT_TRUE(page->loadSpecifiersFromPlistName_target("", page).empty());
-    host::setResourceFolder({});
+    seat::setResourceFolder({});
     EXPECT_TRUE(page->loadSpecifiersFromPlistName_target("Page", page).empty());
 
     EXPECT_EQ(lines.size(), 3u);

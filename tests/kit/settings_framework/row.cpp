@@ -1,8 +1,8 @@
-#include "host/foundation/log.h"
-#include "host/preferences/preferences_store.h"
-#include "host/uikit/accessibility_tree.h"
-#include "host/uikit/hid_keys.h"
-#include "tests/settings_framework/pages.h"
+#include "kit/uikit/AccessibilityTree.h"
+#include "kit/uikit/hid_keys.h"
+#include "system/log/log.h"
+#include "system/preferences/preferences_store.h"
+#include "tests/kit/settings_framework/pages.h"
 
 #include <filesystem>
 #include <thread>
@@ -11,7 +11,7 @@ namespace {
 
 class PageRows : public PageTest {
 protected:
-    static id stored(const std::string& key) { return host::preferenceValue("com.quorrel.test", key); }
+    static id stored(const std::string& key) { return seat::preferenceValue("com.quorrel.test", key); }
     std::shared_ptr<UISwitch> toggle(const std::string& identifier) const {
         return std::dynamic_pointer_cast<UISwitch>(cell(identifier)->accessoryView());
     }
@@ -62,7 +62,7 @@ TEST_F(PageRows, TapOnASwitchesRowBesideTheSwitchDoesNothing) {
 TEST_F(PageRows, ReloadShowsAValueThatAnotherProgramStored) {
     writeResource(item("PSSwitchCell", "a", "A", bound("a", "<false/>")));
     show();
-    host::setPreferenceValue("com.quorrel.test", "a", NSNumber::numberWithBool(true));
+    seat::setPreferenceValue("com.quorrel.test", "a", NSNumber::numberWithBool(true));
 
     page->reloadSpecifierID("a");
 
@@ -85,11 +85,11 @@ TEST_F(PageRows, ActionThatDoesNotExistIsLoggedOnceAndNothingHappens) {
     writeResource(item("PSButtonCell", "a", "A", "<key>action</key><string>notBuiltYet</string>"));
     show();
     std::vector<std::string> lines;
-    host::setLogSink([&](std::string_view line) { lines.emplace_back(line); });
+    seat::setLogSink([&](std::string_view line) { lines.emplace_back(line); });
 
     touches.tap(*cell("a"));
 
-    host::setLogSink({});
+    seat::setLogSink({});
     ASSERT_EQ(lines.size(), 1u);
     EXPECT_NE(lines[0].find("notBuiltYet"), std::string::npos);
 }
@@ -130,25 +130,25 @@ TEST_F(LinkLists, ShowTheTitleOfTheStoredValueElseOfTheDefault) {
     show();
     EXPECT_EQ(cell("type")->detailTextLabel()->text(), "One");
 
-    host::setPreferenceValue("com.quorrel.test", "type", NSNumber::numberWithInteger(2));
+    seat::setPreferenceValue("com.quorrel.test", "type", NSNumber::numberWithInteger(2));
     page->reloadSpecifierID("type");
 
     EXPECT_EQ(cell("type")->detailTextLabel()->text(), "Two");
 }
 
 TEST_F(LinkLists, ValueOfAnotherTypeIsShownAsItsNumber) {
-    host::setPreferenceValue("com.quorrel.test", "type", "2");
+    seat::setPreferenceValue("com.quorrel.test", "type", "2");
     show();
     EXPECT_EQ(cell("type")->detailTextLabel()->text(), "Two");
 
-    host::setPreferenceValue("com.quorrel.test", "type", NSNumber::numberWithDouble(0));
+    seat::setPreferenceValue("com.quorrel.test", "type", NSNumber::numberWithDouble(0));
     page->reloadSpecifierID("type");
 
     EXPECT_EQ(cell("type")->detailTextLabel()->text(), "Zero");
 }
 
 TEST_F(LinkLists, ValueOutsideTheListIsShownAsItIs) {
-    host::setPreferenceValue("com.quorrel.test", "type", NSNumber::numberWithInteger(99));
+    seat::setPreferenceValue("com.quorrel.test", "type", NSNumber::numberWithInteger(99));
     show();
 
     EXPECT_EQ(cell("type")->detailTextLabel()->text(), "99");
@@ -186,7 +186,7 @@ TEST_F(LinkLists, GoingBackWithoutAChoiceStoresNothing) {
     touches.tap(*cell("type"));
     touches.settle();
 
-    touches.key(host::hid::escape);
+    touches.key(seat::hid::escape);
     touches.settle();
 
     EXPECT_FALSE(stored("type"));
@@ -196,15 +196,15 @@ TEST_F(LinkLists, GoingBackWithoutAChoiceStoresNothing) {
 
 TEST_F(LinkLists, ChoiceCanBeMadeByKeysAlone) {
     show();
-    touches.key(host::hid::down);
-    touches.key(host::hid::enter);
+    touches.key(seat::hid::down);
+    touches.key(seat::hid::enter);
     touches.settle();
     ASSERT_EQ(shownChoices(), "Zero *One Two ");
 
     const auto list = std::dynamic_pointer_cast<UITableViewController>(navigation->topViewController());
     for (int i = 0; i < 5 && scene.window()->focusedView() != list->tableView()->visibleCells()[2]; ++i)
-        touches.key(host::hid::down);
-    touches.key(host::hid::enter);
+        touches.key(seat::hid::down);
+    touches.key(seat::hid::enter);
     touches.settle();
 
     EXPECT_EQ(stored("type").integerValue(), 2);
@@ -277,7 +277,7 @@ TEST_F(PageRows, AssistiveTechnologyHearsEachRow) {
     tree.update();
 
     std::string heard;
-    const auto hear = [&](auto&& again, host::AccessibilityIdentity identity) -> void {
+    const auto hear = [&](auto&& again, seat::AccessibilityIdentity identity) -> void {
         const auto* node = tree.node(identity);
         using enum UIAccessibilityRole;
         if (node->role == ListItem || node->role == Switch || node->role == Heading || node->role == StaticText)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/uikit/scene_test.h"
+#include "tests/kit/uikit/SceneTest.h"
 
 // Rows by section, with a record of what the table asked for and told.
 class Rows : public NSObject, public UITableViewDataSource, public UITableViewDelegate {

@@ -1,5 +1,5 @@
-#include "host/tables/cell_internals.h"
-#include "tests/tables/table_test.h"
+#include "kit/tables/CellInternals.h"
+#include "tests/kit/tables/TableTest.h"
 
 namespace {
 

@@ -1,9 +1,9 @@
-#include "host/tables/TableGeometry.h"
-#include "tests/uikit/scene_test.h"
+#include "kit/tables/TableGeometry.h"
+#include "tests/kit/uikit/SceneTest.h"
 
 #include <cmath>
 
-using namespace host;
+using namespace seat;
 
 namespace {
 

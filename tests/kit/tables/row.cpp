@@ -1,4 +1,4 @@
-#include "tests/tables/table_test.h"
+#include "tests/kit/tables/TableTest.h"
 
 #include <set>
 

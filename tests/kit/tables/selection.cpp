@@ -1,6 +1,6 @@
-#include "host/tables/front_table.h"
-#include "host/uikit/hid_keys.h"
-#include "tests/tables/table_test.h"
+#include "kit/uikit/hid_keys.h"
+#include "kit/uikit/keyboard.h"
+#include "tests/kit/tables/TableTest.h"
 
 namespace {
 
@@ -152,17 +152,16 @@ TEST_F(TableSelection, ActivatingARowIsWhatATapDoes) {
     EXPECT_EQ(rows->log, "selected(0,60) selected(0,0) ");
 }
 
-TEST_F(TableSelection, FrontTableWaitsWhileARowStaysSelected) {
+TEST_F(TableSelection, TheFrontScreenWaitsForAKeyWhileARowStaysSelected) {
     show({numbered(3)});
     const auto screen = UITableViewController::alloc()->initWithStyle(UITableViewStyleGrouped);
     screen->setView(table);
     scene.window()->setRootViewController(screen);
-    EXPECT_EQ(host::frontTable(*scene.window()), table);
-    EXPECT_FALSE(host::frontTableWaits(*scene.window()));
+    EXPECT_FALSE(seat::frontScreenWaits(*scene.window()));
 
     table->selectRowAtIndexPath_animated(at(1), /*animated=*/false);
 
-    EXPECT_TRUE(host::frontTableWaits(*scene.window()));
+    EXPECT_TRUE(seat::frontScreenWaits(*scene.window()));
 }
 
 // What waits here takes the key and has done with it, as a row that learns a key does.
@@ -171,17 +170,17 @@ TEST_F(TableSelection, TheKeyThatAWaitingRowTakesIsTakenUntilItIsUp) {
     const auto screen = UITableViewController::alloc()->initWithStyle(UITableViewStyleGrouped);
     screen->setView(table);
     scene.window()->setRootViewController(screen);
-    touches.key(host::hid::down);
+    touches.key(seat::hid::down);
     const auto focused = scene.window()->focusedView();
 
     table->selectRowAtIndexPath_animated(at(1), /*animated=*/false);
-    touches.keyDown(host::hid::down);
+    touches.keyDown(seat::hid::down);
     table->deselectRowAtIndexPath_animated(at(1), /*animated=*/false);
-    touches.keyDown(host::hid::down, 0, /*isRepeat=*/true);
-    touches.keyUp(host::hid::down);
+    touches.keyDown(seat::hid::down, 0, /*isRepeat=*/true);
+    touches.keyUp(seat::hid::down);
     EXPECT_EQ(scene.window()->focusedView(), focused);
 
-    touches.key(host::hid::down);
+    touches.key(seat::hid::down);
     EXPECT_NE(scene.window()->focusedView(), focused);
 }
 
@@ -200,11 +199,11 @@ TEST_F(TableSelection, WhatOnlyTellsOfSomethingDoesNotKeepARowFromWaiting) {
     scene.window()->setRootViewController(screen);
     table->selectRowAtIndexPath_animated(at(1), /*animated=*/false);
     const auto message = add<Message>({{0, 400}, {320, 60}});
-    EXPECT_TRUE(host::frontTableWaits(*scene.window()));
+    EXPECT_TRUE(seat::frontScreenWaits(*scene.window()));
 
     message->setAccessibilityViewIsModal(true);
 
-    EXPECT_FALSE(host::frontTableWaits(*scene.window()));
+    EXPECT_FALSE(seat::frontScreenWaits(*scene.window()));
 }
 
 class TableFocus : public TableSelection {
@@ -218,14 +217,14 @@ protected:
 TEST_F(TableFocus, KeysGoThroughAllRowsAndScrollThemIn) {
     show({numbered(40)});
     for (int i = 0; i < 40; ++i) {
-        touches.key(host::hid::down);
+        touches.key(seat::hid::down);
         EXPECT_EQ(focused(), std::to_string(i));
         const CGRect shown = scene.window()->focusedView()->convertRect_toView({{0, 0}, {10, 44}}, nullptr);
         EXPECT_GE(shown.origin.y, 0);
         EXPECT_LE(CGRectGetMaxY(shown), 480);
     }
     for (int i = 38; i >= 0; --i) {
-        touches.key(host::hid::up);
+        touches.key(seat::hid::up);
         EXPECT_EQ(focused(), std::to_string(i));
     }
     EXPECT_EQ(table->contentOffset().y, 0);
@@ -235,8 +234,8 @@ TEST_F(TableFocus, RowsThatCannotBeSelectedAreSteppedOver) {
     show({{"a", "b", "c"}});
     cell(1)->setSelectionStyle(UITableViewCellSelectionStyle::None);
 
-    touches.key(host::hid::down);
-    touches.key(host::hid::down);
+    touches.key(seat::hid::down);
+    touches.key(seat::hid::down);
 
     EXPECT_EQ(focused(), "c");
 }
@@ -248,10 +247,10 @@ TEST_F(TableFocus, ControlInARowHasTheFocusInItsPlace) {
     cell(1)->setSelectionStyle(UITableViewCellSelectionStyle::None);
     scene.prepareFrame();
 
-    touches.key(host::hid::down);
-    touches.key(host::hid::down);
+    touches.key(seat::hid::down);
+    touches.key(seat::hid::down);
     EXPECT_EQ(scene.window()->focusedView(), toggle);
-    touches.key(host::hid::down);
+    touches.key(seat::hid::down);
 
     EXPECT_EQ(focused(), "c");
 }
@@ -261,21 +260,21 @@ TEST_F(TableFocus, FocusLeavesTheTableAtItsEnds) {
     table->setFrame({{0, 0}, {320, 300}});
     const auto below = add<UISwitch>({{10, 400}, {51, 31}});
 
-    touches.key(host::hid::down);
-    touches.key(host::hid::down);
-    touches.key(host::hid::down);
+    touches.key(seat::hid::down);
+    touches.key(seat::hid::down);
+    touches.key(seat::hid::down);
     EXPECT_EQ(scene.window()->focusedView(), below);
-    touches.key(host::hid::up);
+    touches.key(seat::hid::up);
 
     EXPECT_EQ(focused(), "b");
 }
 
 TEST_F(TableFocus, ReturnActivatesTheFocusedRow) {
     show({{"a", "b"}});
-    touches.key(host::hid::down);
-    touches.key(host::hid::down);
+    touches.key(seat::hid::down);
+    touches.key(seat::hid::down);
 
-    touches.key(host::hid::enter);
+    touches.key(seat::hid::enter);
 
     EXPECT_EQ(rows->log, "selected(0,1) ");
 }

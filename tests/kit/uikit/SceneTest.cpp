@@ -1,4 +1,4 @@
-#include "tests/uikit/scene_test.h"
+#include "tests/kit/uikit/SceneTest.h"
 
 NS_CLASS_IMPLEMENTATION(Recorder, NSObject, method<&Recorder::gesture>("gesture:"),
                         method<&Recorder::valueChanged>("valueChanged:"),

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "host/testing/manual_clock.h"
-#include "host/testing/touches.h"
-#include "host/uikit/window_scene.h"
+#include "kit/dispatch/ManualClock.h"
+#include "kit/uikit/Touches.h"
+#include "kit/uikit/WindowScene.h"
 #include "platform/runtime/method.h"
 #include "platform/uikit.h"
 
@@ -20,9 +20,9 @@ protected:
         return view;
     }
 
-    host::ManualClock clock;
-    host::WindowScene scene{{320, 480}, 1};
-    host::Touches touches{scene, &clock};
+    seat::ManualClock clock;
+    seat::WindowScene scene{{320, 480}, 1};
+    seat::Touches touches{scene, &clock};
 };
 
 // Hears of gestures and control events, and writes each down as one word.

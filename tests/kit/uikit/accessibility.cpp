@@ -1,10 +1,10 @@
-#include "host/uikit/accessibility_tree.h"
-#include "tests/uikit/scene_test.h"
+#include "kit/uikit/AccessibilityTree.h"
+#include "tests/kit/uikit/SceneTest.h"
 
 namespace {
 
-using host::AccessibilityChange;
-using host::AccessibilityNode;
+using seat::AccessibilityChange;
+using seat::AccessibilityNode;
 
 class RoleView : public UIView {
     NS_CLASS(RoleView)
@@ -37,7 +37,7 @@ protected:
         scene.prepareFrame();
         return outlineOf(tree.root());
     }
-    std::string outlineOf(host::AccessibilityIdentity identity) {
+    std::string outlineOf(seat::AccessibilityIdentity identity) {
         const AccessibilityNode* const node = tree.node(identity);
         if (!node) return "?";
         std::string text = identity == tree.root() ? "window" : node->name;
@@ -54,7 +54,7 @@ protected:
         return none;
     }
 
-    host::AccessibilityTree& tree = scene.accessibility();
+    seat::AccessibilityTree& tree = scene.accessibility();
 };
 
 } // namespace
@@ -132,7 +132,7 @@ TEST_F(Accessibility, ChangesAreTold) {
     const auto button = addRole(UIAccessibilityRole::Button, "button", {{0, 0}, {50, 50}});
     const auto identity = named("button").identity;
     std::string log;
-    tree.setListener([&](host::AccessibilityIdentity changed, AccessibilityChange change) {
+    tree.setListener([&](seat::AccessibilityIdentity changed, AccessibilityChange change) {
         const char* const names[] = {"created", "destroyed", "children", "name", "value", "state", "extent", "focus"};
         log += std::string(changed == identity      ? "button:"
                            : changed == tree.root() ? "window:"

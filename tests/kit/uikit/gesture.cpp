@@ -1,4 +1,4 @@
-#include "tests/uikit/scene_test.h"
+#include "tests/kit/uikit/SceneTest.h"
 
 namespace {
 

@@ -1,15 +1,15 @@
-#include "host/dispatch/main_queue.h"
-#include "host/uikit/application.h"
-#include "host/uikit/focus_order.h"
-#include "host/uikit/hid_keys.h"
-#include "host/uikit/url_opener.h"
-#include "host/uikit/window_internals.h"
+#include "kit/dispatch/main_queue.h"
+#include "kit/uikit/WindowInternals.h"
+#include "kit/uikit/application.h"
+#include "kit/uikit/focus_order.h"
+#include "kit/uikit/hid_keys.h"
+#include "kit/uikit/url_opener.h"
 #include "platform/foundation/NSNotificationCenter.h"
-#include "tests/uikit/scene_test.h"
+#include "tests/kit/uikit/SceneTest.h"
 
 namespace {
 
-namespace hid = host::hid;
+namespace hid = seat::hid;
 
 // A view that can be focused, and writes down what keys do to it.
 class KeyView : public UIView {
@@ -119,11 +119,11 @@ TEST_F(Keyboard, ActivationComesWithTheReleaseAndByTheMainQueue) {
 
     touches.keyDown(hid::enter);
     touches.keyDown(hid::enter, 0, /*isRepeat=*/true);
-    host::drainMainQueue();
+    seat::drainMainQueue();
     EXPECT_EQ(view->log, "");
     touches.keyUp(hid::enter);
     EXPECT_EQ(view->log, "");
-    host::drainMainQueue();
+    seat::drainMainQueue();
     EXPECT_EQ(view->log, "activated ");
 
     touches.key(hid::space);
@@ -136,13 +136,13 @@ TEST_F(Keyboard, ReleaseOfAKeyThatWentDownElsewhereActivatesNothing) {
     scene.window()->setFocusedView(view);
 
     touches.keyUp(hid::enter);
-    host::drainMainQueue();
+    seat::drainMainQueue();
     EXPECT_EQ(view->log, "");
 
     touches.keyDown(hid::enter);
     scene.window()->setFocusedView(other);
     touches.keyUp(hid::enter);
-    host::drainMainQueue();
+    seat::drainMainQueue();
     EXPECT_EQ(view->log + other->log, "");
 }
 
@@ -153,7 +153,7 @@ TEST_F(Keyboard, ViewThatIsGoneBeforeItsTurnIsNotActivated) {
     touches.keyUp(hid::space);
 
     view->removeFromSuperview();
-    host::drainMainQueue();
+    seat::drainMainQueue();
 
     EXPECT_EQ(view->log, "");
 }
@@ -296,21 +296,21 @@ TEST_F(Keyboard, GoingToTheBackgroundIsAnnounced) {
     NSNotificationCenter::defaultCenter()->addObserver_selector_name_object(
         listener, "heard", UIApplicationDidEnterBackgroundNotification, nullptr);
 
-    host::applicationDidEnterBackground();
+    seat::applicationDidEnterBackground();
 
     EXPECT_EQ(listener->count, 1);
 }
 
 TEST_F(Keyboard, AddressesGoToWhoeverOpensThem) {
     std::string opened;
-    host::setURLOpener([&](const std::string& url) {
+    seat::setURLOpener([&](const std::string& url) {
         opened = url;
         return true;
     });
     EXPECT_TRUE(UIApplication::sharedApplication()->openURL("https://quorrel.example/x"));
     EXPECT_EQ(opened, "https://quorrel.example/x");
 
-    host::setURLOpener(nullptr);
+    seat::setURLOpener(nullptr);
     EXPECT_FALSE(UIApplication::sharedApplication()->openURL("https://quorrel.example/x"));
 }
 

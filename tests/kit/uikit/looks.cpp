@@ -1,6 +1,6 @@
-#include "host/testing/snapshot.h"
-#include "host/uikit/hid_keys.h"
-#include "tests/uikit/scene_test.h"
+#include "desktop/painting/snapshot.h"
+#include "kit/uikit/hid_keys.h"
+#include "tests/kit/uikit/SceneTest.h"
 
 #include <tuple>
 
@@ -15,7 +15,7 @@ protected:
     }
     void expectPicture(const std::string& name) {
         const std::string file = name + "@" + std::to_string(static_cast<int>(GetParam())) + "x";
-        EXPECT_EQ(host::compareWithGolden(host::snapshot(scene), GOLDEN_FOLDER, file, FAILURES_FOLDER, {.channel = 2}),
+        EXPECT_EQ(seat::compareWithGolden(seat::snapshot(scene), GOLDEN_FOLDER, file, FAILURES_FOLDER, {.channel = 2}),
                   "");
     }
 };
@@ -50,7 +50,7 @@ TEST_P(Looks, SwitchUnderAFingerAndOnItsWay) {
 
 TEST_P(Looks, FocusRingFollowsASwitchsOutline) {
     add<UISwitch>({{20, 15}, {51, 31}});
-    touches.key(host::hid::tab);
+    touches.key(seat::hid::tab);
 
     expectPicture("focus-ring");
 }

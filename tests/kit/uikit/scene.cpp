@@ -1,6 +1,6 @@
-#include "host/testing/snapshot.h"
-#include "host/uikit/damage.h"
-#include "tests/uikit/scene_test.h"
+#include "desktop/painting/snapshot.h"
+#include "kit/uikit/damage.h"
+#include "tests/kit/uikit/SceneTest.h"
 
 #include <cstdlib>
 #include <filesystem>
@@ -10,7 +10,7 @@ namespace {
 class Scenes : public SceneTest {
 protected:
     std::uint32_t pixel(std::size_t x, std::size_t y) {
-        const auto image = host::snapshot(scene);
+        const auto image = seat::snapshot(scene);
         return image->pixels[y * image->width + x];
     }
 };
@@ -46,15 +46,15 @@ TEST_F(Scenes, FrameIsAskedForOnceAndDamageIsWhatChanged) {
 TEST_F(Scenes, DamageStaysShortAndJoinsWhatIsCheaperInOne) {
     const CGRect bounds{{0, 0}, {320, 480}};
     std::vector<CGRect> damage;
-    host::addDamage(damage, {{0, 0}, {10, 10}}, bounds);
-    host::addDamage(damage, {{5, 0}, {10, 10}}, bounds);
+    seat::addDamage(damage, {{0, 0}, {10, 10}}, bounds);
+    seat::addDamage(damage, {{5, 0}, {10, 10}}, bounds);
     EXPECT_EQ(written(damage), "0,0 15x10");
-    host::addDamage(damage, {{300, 400}, {100, 100}}, bounds);
+    seat::addDamage(damage, {{300, 400}, {100, 100}}, bounds);
     EXPECT_EQ(written(damage), "0,0 15x10 + 300,400 20x80");
-    host::addDamage(damage, {{500, 0}, {10, 10}}, bounds);
+    seat::addDamage(damage, {{500, 0}, {10, 10}}, bounds);
     EXPECT_EQ(damage.size(), 2u);
 
-    for (int i = 0; i < 100; ++i) host::addDamage(damage, {{i * 3.0, i * 4.0}, {1, 1}}, bounds);
+    for (int i = 0; i < 100; ++i) seat::addDamage(damage, {{i * 3.0, i * 4.0}, {1, 1}}, bounds);
     EXPECT_LE(damage.size(), 16u);
 }
 
@@ -64,7 +64,7 @@ TEST_F(Scenes, SnapshotShowsTheWindowAtItsScale) {
     const auto view = add({{10, 10}, {5, 5}});
     view->setBackgroundColor(UIColor::colorWithRed_green_blue_alpha(1, 0, 0, 1));
 
-    const auto image = host::snapshot(scene);
+    const auto image = seat::snapshot(scene);
 
     EXPECT_EQ(image->width, 200u);
     EXPECT_EQ(image->height, 100u);
@@ -87,7 +87,7 @@ TEST_F(Scenes, ResizeReachesTheViews) {
 TEST_F(Scenes, WindowMayOutliveItsScene) {
     std::shared_ptr<UIWindow> window;
     {
-        host::WindowScene other({50, 50}, 1);
+        seat::WindowScene other({50, 50}, 1);
         window = other.window();
     }
     window->setNeedsLayout();
@@ -120,33 +120,33 @@ TEST_F(Scenes, PicturesAreComparedWithATolerance) {
     CGImage a{2, 1, {0xff101010, 0xff202020}};
     CGImage b = a;
     b.pixels[1] = 0xff202320;
-    EXPECT_TRUE(host::comparePictures(a, a).isSame);
+    EXPECT_TRUE(seat::comparePictures(a, a).isSame);
 
-    const auto exact = host::comparePictures(a, b);
+    const auto exact = seat::comparePictures(a, b);
     EXPECT_FALSE(exact.isSame);
     EXPECT_EQ(exact.pixels, 1u);
     EXPECT_EQ(exact.most, 3);
     EXPECT_EQ(exact.picture->pixels[1], 0xffff0000u);
-    EXPECT_TRUE(host::comparePictures(a, b, {.channel = 3}).isSame);
-    EXPECT_TRUE(host::comparePictures(a, b, {.share = 0.5}).isSame);
-    EXPECT_FALSE(host::comparePictures(a, {1, 1, {0xff101010}}, {.channel = 255, .share = 1}).isSame);
+    EXPECT_TRUE(seat::comparePictures(a, b, {.channel = 3}).isSame);
+    EXPECT_TRUE(seat::comparePictures(a, b, {.share = 0.5}).isSame);
+    EXPECT_FALSE(seat::comparePictures(a, {1, 1, {0xff101010}}, {.channel = 255, .share = 1}).isSame);
 }
 
 TEST_F(Scenes, GoldenPicturesAreMadeAnewOnDemandAndMissedOtherwise) {
     namespace fs = std::filesystem;
     std::string pattern = (fs::temp_directory_path() / "golden-XXXXXX").string();
     const std::string folder = mkdtemp(pattern.data());
-    const auto image = host::snapshot(scene);
+    const auto image = seat::snapshot(scene);
     unsetenv("JOYVANE_UPDATE_GOLDEN");
-    EXPECT_NE(host::compareWithGolden(image, folder, "white", folder + "/failed"), "");
+    EXPECT_NE(seat::compareWithGolden(image, folder, "white", folder + "/failed"), "");
 
     setenv("JOYVANE_UPDATE_GOLDEN", "1", 1);
-    EXPECT_EQ(host::compareWithGolden(image, folder, "white", folder + "/failed"), "");
+    EXPECT_EQ(seat::compareWithGolden(image, folder, "white", folder + "/failed"), "");
     unsetenv("JOYVANE_UPDATE_GOLDEN");
-    EXPECT_EQ(host::compareWithGolden(image, folder, "white", folder + "/failed"), "");
+    EXPECT_EQ(seat::compareWithGolden(image, folder, "white", folder + "/failed"), "");
 
     scene.window()->setBackgroundColor(UIColor::redColor());
-    EXPECT_NE(host::compareWithGolden(host::snapshot(scene), folder, "white", folder + "/failed"), "");
+    EXPECT_NE(seat::compareWithGolden(seat::snapshot(scene), folder, "white", folder + "/failed"), "");
     EXPECT_TRUE(fs::exists(folder + "/failed/white.actual.png"));
     EXPECT_TRUE(fs::exists(folder + "/failed/white.difference.png"));
     fs::remove_all(folder);

@@ -1,12 +1,12 @@
-#include "host/uikit/scroll_motion.h"
-#include "tests/uikit/scene_test.h"
+#include "kit/uikit/ScrollMotion.h"
+#include "tests/kit/uikit/SceneTest.h"
 
 #include <cmath>
 
 namespace {
 
-using host::ScrollMotion;
-using host::ScrollRange;
+using seat::ScrollMotion;
+using seat::ScrollRange;
 
 class Scrolling : public SceneTest {
 protected:
@@ -80,14 +80,14 @@ TEST(ScrollMotions, RestingContentStays) {
 }
 
 TEST(ScrollMotions, RubberBandGivesLessAndLessAndCanBeTurnedBack) {
-    EXPECT_EQ(host::rubberBanded(500, range), 500);
-    const double near = -host::rubberBanded(-100, range);
-    const double far = -host::rubberBanded(-200, range);
+    EXPECT_EQ(seat::rubberBanded(500, range), 500);
+    const double near = -seat::rubberBanded(-100, range);
+    const double far = -seat::rubberBanded(-200, range);
     EXPECT_GT(near, 0);
     EXPECT_LT(near, 100);
     EXPECT_LT(far - near, near);
-    EXPECT_NEAR(host::unbanded(-near, range), -100, 1e-9);
-    EXPECT_NEAR(host::unbanded(host::rubberBanded(1300, range), range), 1300, 1e-9);
+    EXPECT_NEAR(seat::unbanded(-near, range), -100, 1e-9);
+    EXPECT_NEAR(seat::unbanded(seat::rubberBanded(1300, range), range), 1300, 1e-9);
 }
 
 TEST_F(Scrolling, ContentFollowsTheFinger) {

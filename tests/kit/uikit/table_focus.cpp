@@ -1,10 +1,10 @@
-#include "host/dispatch/main_queue.h"
-#include "host/uikit/hid_keys.h"
-#include "tests/uikit/scene_test.h"
+#include "kit/dispatch/main_queue.h"
+#include "kit/uikit/hid_keys.h"
+#include "tests/kit/uikit/SceneTest.h"
 
 namespace {
 
-namespace hid = host::hid;
+namespace hid = seat::hid;
 
 // Rows that tell their number, in cells that are reused, or each in a cell of its own.
 class NumberedRows final : public UITableViewController {
@@ -126,7 +126,7 @@ TEST_F(TableFocus, KeysAreARowsWhileItStaysSelected) {
     touches.keyDown(hid::enter);
     page->tableView()->deselectRowAtIndexPath_animated(NSIndexPath::indexPathForRow_inSection(1, 0), false);
     touches.keyUp(hid::enter);
-    host::drainMainQueue();
+    seat::drainMainQueue();
     EXPECT_EQ(page->chosen, "1 ");
     touches.key(hid::down);
     EXPECT_EQ(focused(), "row 2");

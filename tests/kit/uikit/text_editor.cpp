@@ -1,10 +1,10 @@
-#include "host/uikit/text_editor.h"
+#include "kit/uikit/TextEditor.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-using host::TextEditor;
+using seat::TextEditor;
 using Extent = TextEditor::Extent;
 using Selecting = TextEditor::Selecting;
 

@@ -1,10 +1,10 @@
-#include "host/uikit/accessibility_tree.h"
-#include "host/uikit/hid_keys.h"
-#include "tests/uikit/scene_test.h"
+#include "kit/uikit/AccessibilityTree.h"
+#include "kit/uikit/hid_keys.h"
+#include "tests/kit/uikit/SceneTest.h"
 
 namespace {
 
-namespace hid = host::hid;
+namespace hid = seat::hid;
 
 class EditListener final : public NSObject {
     NS_CLASS(EditListener)
@@ -34,7 +34,7 @@ protected:
         return result.insert(text->selectionEnd, "]").insert(text->selectionStart, "[");
     }
     std::string shown() const { return shown(*field); }
-    const host::AccessibilityNode* node() {
+    const seat::AccessibilityNode* node() {
         scene.accessibility().update();
         for (const auto& [identity, each] : scene.accessibility().nodes())
             if (each.role == UIAccessibilityRole::TextField) return &each;
@@ -233,7 +233,7 @@ TEST_F(TextFields, ChangesOfTextAndCaretAreToldOnce) {
     node();
     int told = 0;
     scene.accessibility().setListener(
-        [&](auto, host::AccessibilityChange change) { told += change == host::AccessibilityChange::Text ? 1 : 0; });
+        [&](auto, seat::AccessibilityChange change) { told += change == seat::AccessibilityChange::Text ? 1 : 0; });
     touches.type("a");
     node();
     EXPECT_EQ(told, 1);

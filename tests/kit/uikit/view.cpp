@@ -1,7 +1,7 @@
-#include "host/dispatch/main_queue.h"
-#include "host/uikit/autoresizing.h"
+#include "kit/dispatch/main_queue.h"
+#include "kit/uikit/autoresizing.h"
 #include "platform/foundation/NSArray.h"
-#include "tests/uikit/scene_test.h"
+#include "tests/kit/uikit/SceneTest.h"
 
 #include <thread>
 
@@ -312,7 +312,7 @@ TEST_F(Views, LastReleaseOnAWorkerDestroysOnTheMainThread) {
     std::thread([moved = std::move(view)]() mutable { moved.reset(); }).join();
     EXPECT_TRUE(weak.expired());
 
-    EXPECT_FALSE(host::mainQueueIsEmpty());
-    host::drainMainQueue();
-    EXPECT_TRUE(host::mainQueueIsEmpty());
+    EXPECT_FALSE(seat::mainQueueIsEmpty());
+    seat::drainMainQueue();
+    EXPECT_TRUE(seat::mainQueueIsEmpty());
 }

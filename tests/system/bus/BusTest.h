@@ -1,15 +1,15 @@
 #pragma once
 
-#include "host/bus/SessionBus.h"
-#include "tests/support/bus_peer.h"
-#include "tests/support/bus_session.h"
-#include "tests/support/logged_lines.h"
+#include "system/bus/SessionBus.h"
+#include "tests/support/BusPeer.h"
+#include "tests/support/BusSession.h"
+#include "tests/support/LoggedLines.h"
 
 #include <gtest/gtest.h>
 
 class BusTest : public ::testing::Test, protected testing_support::BusSession {
 protected:
-    static host::SessionBus& session() { return host::SessionBus::shared(); }
+    static seat::SessionBus& session() { return seat::SessionBus::shared(); }
 
     testing_support::LoggedLines m_log;
 };

@@ -1,4 +1,4 @@
-#include "host/bus/bus_values.h"
+#include "system/bus/bus_values.h"
 
 #include "platform/foundation/NSArray.h"
 #include "platform/foundation/NSData.h"
@@ -19,9 +19,9 @@ public:
     Message& operator=(const Message&) = delete;
 
     bool append(const std::string& signature, const std::vector<id>& arguments) const {
-        return host::appendArguments(*message, signature, arguments);
+        return seat::appendArguments(*message, signature, arguments);
     }
-    std::optional<std::vector<id>> read() { return host::readArguments(*message, problem); }
+    std::optional<std::vector<id>> read() { return seat::readArguments(*message, problem); }
 
     DBusMessage* message;
     std::string problem;
@@ -127,7 +127,7 @@ TEST(BusValues, TooLongOnesAreRefused) {
 
 TEST(BusValues, DescriptorsStructuresAndForeignKeysAreRefused) {
     Message descriptor;
-    ASSERT_TRUE(descriptor.append("h", {host::BusDescriptor::withDescriptor(0)}));
+    ASSERT_TRUE(descriptor.append("h", {seat::BusDescriptor::withDescriptor(0)}));
     EXPECT_FALSE(descriptor.read());
 
     Message structure;

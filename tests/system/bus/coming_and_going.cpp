@@ -1,6 +1,6 @@
-#include "tests/bus/bus_test.h"
+#include "tests/support/Heartbeat.h"
 #include "tests/support/descriptors.h"
-#include "tests/support/heartbeat.h"
+#include "tests/system/bus/BusTest.h"
 
 #include <csignal>
 #include <cstring>
@@ -14,7 +14,7 @@
 
 namespace {
 
-using host::SessionBus;
+using seat::SessionBus;
 using NameState = SessionBus::NameState;
 using testing_support::BusPeer;
 using testing_support::PrivateBus;
@@ -69,7 +69,7 @@ TEST_F(BusLife, ABusThatComesAfterWeGaveUpTryingIsFoundByItsSocket) {
 
 TEST_F(BusLife, ListenersHearAgainAfterTheBussReturn) {
     int heard = 0;
-    session().addSignal("com.quorrel.jvnprefs", "changed", [&](const host::BusSignal&) { ++heard; });
+    session().addSignal("com.quorrel.jvnprefs", "changed", [&](const seat::BusSignal&) { ++heard; });
     ask();
     ASSERT_TRUE(stateIs(NameState::Owned));
     bus.kill();

@@ -1,7 +1,7 @@
-#include "host/bus/EventSet.h"
+#include "system/bus/EventSet.h"
 
-#include "host/testing/manual_clock.h"
-#include "host/testing/poll_loop.h"
+#include "kit/dispatch/ManualClock.h"
+#include "system/run_loop/PollLoop.h"
 #include "tests/support/descriptors.h"
 
 #include <gtest/gtest.h>
@@ -10,7 +10,7 @@
 
 namespace {
 
-using host::EventSet;
+using seat::EventSet;
 using namespace std::chrono_literals;
 
 class EventSetTest : public ::testing::Test {
@@ -21,7 +21,7 @@ protected:
         ::close(m_pipe[1]);
     }
 
-    host::PollLoop m_loop;
+    seat::PollLoop m_loop;
     int m_pipe[2] = {-1, -1};
 };
 
@@ -48,7 +48,7 @@ TEST_F(EventSetTest, ACallbackMayRemoveItself) {
 }
 
 TEST_F(EventSetTest, ATimerRunsThoughTheHostClockIsHeld) {
-    const host::ManualClock held;
+    const seat::ManualClock held;
     EventSet set;
     int once = 0;
     int repeated = 0;

@@ -1,8 +1,8 @@
-#include "tests/bus/bus_test.h"
+#include "tests/system/bus/BusTest.h"
 
 namespace {
 
-using NameState = host::SessionBus::NameState;
+using NameState = seat::SessionBus::NameState;
 constexpr auto name = "com.quorrel.jvn.bootstrap";
 
 class BusNames : public BusTest {

@@ -1,4 +1,4 @@
-#include "host/bus/session_bus_address.h"
+#include "system/bus/session_bus_address.h"
 
 #include <array>
 #include <chrono>
@@ -17,7 +17,7 @@
 namespace {
 
 using namespace std::chrono_literals;
-using host::BusState;
+using seat::BusState;
 
 class Folder {
 public:
@@ -87,7 +87,7 @@ public:
 TEST(SessionBusAddress, ABusThatSaysHelloAnswers) {
     const PrivateBus bus;
 
-    EXPECT_EQ(BusState::Answers, host::probeBus(bus.address, 5s));
+    EXPECT_EQ(BusState::Answers, seat::probeBus(bus.address, 5s));
 }
 
 TEST(SessionBusAddress, AStoppedBusIsSilentAndCostsNoMoreThanThePatience) {
@@ -95,7 +95,7 @@ TEST(SessionBusAddress, AStoppedBusIsSilentAndCostsNoMoreThanThePatience) {
     kill(bus.child, SIGSTOP);
 
     const auto start = std::chrono::steady_clock::now();
-    EXPECT_EQ(BusState::Silent, host::probeBus(bus.address, 50ms));
+    EXPECT_EQ(BusState::Silent, seat::probeBus(bus.address, 50ms));
     EXPECT_LT(std::chrono::steady_clock::now() - start, 2s);
 }
 
@@ -104,7 +104,7 @@ TEST(SessionBusAddress, ABusWhoseBacklogIsFullIsSilent) {
     const Listener listener(folder.path + "/bus", 0);
     const std::string address = "unix:path=" + folder.path + "/bus";
 
-    EXPECT_EQ(BusState::Silent, host::probeBus(address, 20ms));
+    EXPECT_EQ(BusState::Silent, seat::probeBus(address, 20ms));
     std::vector<int> callers;
     for (int i = 0; i < 8; ++i) {
         callers.push_back(socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
@@ -113,7 +113,7 @@ TEST(SessionBusAddress, ABusWhoseBacklogIsFullIsSilent) {
         std::strcpy(name.sun_path, (folder.path + "/bus").c_str());
         (void)connect(callers.back(), reinterpret_cast<const sockaddr*>(&name), sizeof name);
     }
-    EXPECT_EQ(BusState::Silent, host::probeBus(address, 20ms));
+    EXPECT_EQ(BusState::Silent, seat::probeBus(address, 20ms));
     for (const int caller : callers) close(caller);
 }
 
@@ -129,7 +129,7 @@ TEST(SessionBusAddress, APeerThatHangsUpOrTalksNonsenseIsAbsent) {
             close(caller);
         });
 
-        EXPECT_EQ(BusState::Absent, host::probeBus("unix:path=" + folder.path + "/bus", 5s)) << answer;
+        EXPECT_EQ(BusState::Absent, seat::probeBus("unix:path=" + folder.path + "/bus", 5s)) << answer;
 
         peer.join();
         std::filesystem::remove(folder.path + "/bus");
@@ -141,20 +141,20 @@ TEST(SessionBusAddress, AddressesThatLeadNowhereAreAbsent) {
     for (const std::string& address :
          {std::string(), std::string("autolaunch:"), "unix:path=" + folder.path + "/none",
           "unix:path=/" + std::string(200, 'x'), std::string("unix:guid=12"), std::string("nonsense")})
-        EXPECT_EQ(BusState::Absent, host::probeBus(address, 5s)) << address;
+        EXPECT_EQ(BusState::Absent, seat::probeBus(address, 5s)) << address;
 }
 
 TEST(SessionBusAddress, TheFirstOfSeveralThatAnswersCounts) {
     const PrivateBus bus;
 
-    EXPECT_EQ(BusState::Answers, host::probeBus("unix:path=/nonexistent/bus;" + bus.address, 5s));
+    EXPECT_EQ(BusState::Answers, seat::probeBus("unix:path=/nonexistent/bus;" + bus.address, 5s));
 }
 
 TEST(SessionBusAddress, EscapedPathsAreUnderstood) {
     const Folder folder;
     const Listener listener(folder.path + "/a b", 4);
 
-    EXPECT_EQ(BusState::Silent, host::probeBus("unix:path=" + folder.path + "/a%20b,guid=00", 20ms));
+    EXPECT_EQ(BusState::Silent, seat::probeBus("unix:path=" + folder.path + "/a%20b,guid=00", 20ms));
 }
 
 TEST(SessionBusAddress, ASilentBusIsHiddenFromWhoeverConnectsLaterButRemembered) {
@@ -164,9 +164,9 @@ TEST(SessionBusAddress, ASilentBusIsHiddenFromWhoeverConnectsLaterButRemembered)
     unsetenv("DBUS_SESSION_BUS_ADDRESS");
     setenv("XDG_RUNTIME_DIR", folder.path.c_str(), 1);
 
-    EXPECT_EQ(BusState::Silent, host::settleSessionBus(20ms));
+    EXPECT_EQ(BusState::Silent, seat::settleSessionBus(20ms));
 
-    EXPECT_EQ("unix:path=" + folder.path + "/bus", host::sessionBusAddress());
+    EXPECT_EQ("unix:path=" + folder.path + "/bus", seat::sessionBusAddress());
     EXPECT_STREQ("unix:path=/nonexistent/session-bus", std::getenv("DBUS_SESSION_BUS_ADDRESS"));
 }
 
@@ -175,9 +175,9 @@ TEST(SessionBusAddress, WithoutABusTheEnvironmentStillHasAnAddressSoThatNobodySt
     unsetenv("DBUS_SESSION_BUS_ADDRESS");
     unsetenv("XDG_RUNTIME_DIR");
 
-    EXPECT_EQ(BusState::Absent, host::settleSessionBus(1s));
+    EXPECT_EQ(BusState::Absent, seat::settleSessionBus(1s));
 
-    EXPECT_EQ("", host::sessionBusAddress());
+    EXPECT_EQ("", seat::sessionBusAddress());
     EXPECT_STREQ("unix:path=/nonexistent/session-bus", std::getenv("DBUS_SESSION_BUS_ADDRESS"));
 }
 
@@ -186,7 +186,7 @@ TEST(SessionBusAddress, ABusThatAnswersKeepsItsAddress) {
     const PrivateBus bus;
     setenv("DBUS_SESSION_BUS_ADDRESS", bus.address.c_str(), 1);
 
-    EXPECT_EQ(BusState::Answers, host::settleSessionBus(5s));
+    EXPECT_EQ(BusState::Answers, seat::settleSessionBus(5s));
 
     EXPECT_EQ(bus.address, std::getenv("DBUS_SESSION_BUS_ADDRESS"));
 }

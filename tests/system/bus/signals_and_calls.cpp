@@ -1,12 +1,12 @@
-#include "tests/bus/bus_test.h"
+#include "tests/system/bus/BusTest.h"
 
 #include <dbus/dbus.h>
 
 namespace {
 
-using host::BusCall;
-using host::BusSignal;
-using host::SessionBus;
+using seat::BusCall;
+using seat::BusSignal;
+using seat::SessionBus;
 using testing_support::BusPeer;
 using testing_support::integerDictionary;
 using namespace std::chrono_literals;

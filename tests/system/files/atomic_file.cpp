@@ -1,9 +1,9 @@
-#include "host/foundation/atomic_file.h"
-#include "host/foundation/temporary_file.h"
+#include "system/files/atomic_file.h"
+#include "system/files/TemporaryFile.h"
 
 #include "platform/foundation.h"
-#include "tests/support/captured_log.h"
-#include "tests/support/temporary_folder.h"
+#include "tests/support/CapturedLog.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include <atomic>
 #include <csignal>
@@ -69,7 +69,7 @@ private:
 TEST(AtomicFile, NewFileIsItsOwnersAlone) {
     const TemporaryFolder folder;
 
-    EXPECT_EQ(host::writeFileAtomically(folder.file("new.plist"), bytesOf("contents")), nullptr);
+    EXPECT_EQ(seat::writeFileAtomically(folder.file("new.plist"), bytesOf("contents")), nullptr);
 
     EXPECT_EQ(contentsOf(folder.file("new.plist")), "contents");
     EXPECT_EQ(modeOf(folder.file("new.plist")), 0600u);
@@ -81,7 +81,7 @@ TEST(AtomicFile, ExistingFileKeepsItsModeBits) {
     std::ofstream(folder.file("old.plist")) << "before, and longer than after";
     ::chmod(folder.file("old.plist").c_str(), 0644);
 
-    EXPECT_EQ(host::writeFileAtomically(folder.file("old.plist"), bytesOf("after")), nullptr);
+    EXPECT_EQ(seat::writeFileAtomically(folder.file("old.plist"), bytesOf("after")), nullptr);
 
     EXPECT_EQ(contentsOf(folder.file("old.plist")), "after");
     EXPECT_EQ(modeOf(folder.file("old.plist")), 0644u);
@@ -92,7 +92,7 @@ TEST(AtomicFile, TemporaryStandsBesideTheFileUnderItsNameAndASuffix) {
     const int watch = ::inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
     ::inotify_add_watch(watch, folder.path().c_str(), IN_CREATE | IN_MOVED_FROM | IN_MOVED_TO);
 
-    ASSERT_EQ(host::writeFileAtomically(folder.file("com.quorrel.joyvane.plist"), bytesOf("x")), nullptr);
+    ASSERT_EQ(seat::writeFileAtomically(folder.file("com.quorrel.joyvane.plist"), bytesOf("x")), nullptr);
 
     alignas(inotify_event) char buffer[4096];
     const auto length = ::read(watch, buffer, sizeof buffer);
@@ -115,7 +115,7 @@ TEST(AtomicFile, FullDiskLeavesTheFileAndNoTemporary) {
     std::shared_ptr<NSError> error;
     {
         const FullDisk disk(1000);
-        error = host::writeFileAtomically(folder.file("f"), bytesOf(std::string(5000, 'x')));
+        error = seat::writeFileAtomically(folder.file("f"), bytesOf(std::string(5000, 'x')));
     }
 
     ASSERT_NE(error, nullptr);
@@ -132,9 +132,9 @@ TEST(AtomicFile, WhatADeadWriterLeftGoesAndWhatALivingOneWritesAndFilesOfOthersS
     std::ofstream(path + ".backup") << "precious";
     std::ofstream(folder.file("g.saving-dead01")) << "of another file";
     std::filesystem::create_directory(path + ".saving-folder");
-    const auto living = host::TemporaryFile::createBeside(path);
+    const auto living = seat::TemporaryFile::createBeside(path);
 
-    ASSERT_EQ(host::writeFileAtomically(path, bytesOf("x")), nullptr);
+    ASSERT_EQ(seat::writeFileAtomically(path, bytesOf("x")), nullptr);
 
     EXPECT_THAT(namesIn(folder), UnorderedElementsAre("f", "f.backup", "g.saving-dead01", "f.saving-folder",
                                                       std::filesystem::path(living.path).filename().string()));
@@ -150,7 +150,7 @@ TEST(AtomicFile, ManyWritersAtOnceAllSucceed) {
         for (int i = 0; i < 4; ++i)
             writers.emplace_back([&] {
                 for (int j = 0; j < 50; ++j)
-                    if (host::writeFileAtomically(path, bytesOf("contents"))) ++failures;
+                    if (seat::writeFileAtomically(path, bytesOf("contents"))) ++failures;
             });
     }
 
@@ -163,7 +163,7 @@ TEST(AtomicFile, FolderInItsPlaceIsNotReplaced) {
     const TemporaryFolder folder;
     std::filesystem::create_directory(folder.file("f"));
 
-    const auto error = host::writeFileAtomically(folder.file("f"), bytesOf("x"));
+    const auto error = seat::writeFileAtomically(folder.file("f"), bytesOf("x"));
 
     ASSERT_NE(error, nullptr);
     EXPECT_EQ(error->code(), EISDIR);
@@ -173,7 +173,7 @@ TEST(AtomicFile, FolderInItsPlaceIsNotReplaced) {
 TEST(AtomicFile, MissingFolderIsAnError) {
     const TemporaryFolder folder;
 
-    const auto error = host::writeFileAtomically(folder.file("none/f"), bytesOf("x"));
+    const auto error = seat::writeFileAtomically(folder.file("none/f"), bytesOf("x"));
 
     ASSERT_NE(error, nullptr);
     EXPECT_EQ(error->code(), ENOENT);
@@ -183,10 +183,10 @@ TEST(AtomicFile, ReaderSeesTheOldOrTheNewFileAndNothingBetween) {
     const TemporaryFolder folder;
     const std::string path = folder.file("f");
     const std::string one(50'000, '1'), two(70'000, '2');
-    ASSERT_EQ(host::writeFileAtomically(path, bytesOf(one)), nullptr);
+    ASSERT_EQ(seat::writeFileAtomically(path, bytesOf(one)), nullptr);
     std::atomic<bool> done = false;
     std::thread writer([&] {
-        for (int i = 0; i < 50; ++i) host::writeFileAtomically(path, bytesOf(i % 2 ? one : two));
+        for (int i = 0; i < 50; ++i) seat::writeFileAtomically(path, bytesOf(i % 2 ? one : two));
         done = true;
     });
 

@@ -1,7 +1,7 @@
-#include "host/foundation/root.h"
 #include "platform/foundation.h"
-#include "tests/support/captured_log.h"
-#include "tests/support/temporary_folder.h"
+#include "system/files/root.h"
+#include "tests/support/CapturedLog.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include <filesystem>
 #include <fstream>
@@ -26,8 +26,8 @@ std::shared_ptr<NSData> dataOf(const std::string& text) { return NSData::dataWit
 
 class Root {
 public:
-    explicit Root(const std::string& path) { host::setRoot(path); }
-    ~Root() { host::setRoot(""); }
+    explicit Root(const std::string& path) { seat::setRoot(path); }
+    ~Root() { seat::setRoot(""); }
 };
 
 TEST(Files, ContentsComeBackWhole) {
@@ -119,19 +119,19 @@ TEST(Root, LogicalPathsStandUnderTheRoot) {
 }
 
 TEST(Root, WithoutOneThePathIsThePath) {
-    EXPECT_EQ(host::hostPath("/var/mobile"), "/var/mobile");
-    EXPECT_EQ(host::hostPath(""), "");
+    EXPECT_EQ(seat::hostPath("/var/mobile"), "/var/mobile");
+    EXPECT_EQ(seat::hostPath(""), "");
 }
 
 TEST(Root, PathsCannotClimbOutOfIt) {
     const Root root("/some/root");
 
-    EXPECT_EQ(host::hostPath("/var/./mobile/"), "/some/root/var/./mobile/");
-    EXPECT_EQ(host::hostPath("/../../etc/passwd"), "/some/root/etc/passwd");
-    EXPECT_EQ(host::hostPath("/var/../../../etc"), "/some/root/etc");
-    EXPECT_EQ(host::hostPath("/var/a..b"), "/some/root/var/a..b");
-    EXPECT_EQ(host::hostPath("relative/file"), "relative/file");
-    EXPECT_EQ(host::hostPath("/"), "/some/root/");
+    EXPECT_EQ(seat::hostPath("/var/./mobile/"), "/some/root/var/./mobile/");
+    EXPECT_EQ(seat::hostPath("/../../etc/passwd"), "/some/root/etc/passwd");
+    EXPECT_EQ(seat::hostPath("/var/../../../etc"), "/some/root/etc");
+    EXPECT_EQ(seat::hostPath("/var/a..b"), "/some/root/var/a..b");
+    EXPECT_EQ(seat::hostPath("relative/file"), "relative/file");
+    EXPECT_EQ(seat::hostPath("/"), "/some/root/");
 }
 
 } // namespace

@@ -1,7 +1,7 @@
-#include "host/foundation/root.h"
-#include "tests/foundation/property_list_bytes.h"
-#include "tests/support/captured_log.h"
-#include "tests/support/temporary_folder.h"
+#include "system/files/root.h"
+#include "tests/kit/foundation/property_list_bytes.h"
+#include "tests/support/CapturedLog.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include <cerrno>
 #include <fstream>
@@ -37,9 +37,9 @@ TEST(PropertyListFiles, LogicalPathIsReadUnderTheRoot) {
     const TemporaryFolder folder;
     std::ofstream(folder.file("settings.plist")) << xml;
 
-    host::setRoot(folder.path());
+    seat::setRoot(folder.path());
     const auto read = load("/settings.plist");
-    host::setRoot("");
+    seat::setRoot("");
 
     EXPECT_EQ(id(read), dictionary({{"a", integer(3)}}));
 }
@@ -75,13 +75,13 @@ TEST(PropertyListFiles, HostReadsRealPathsAndSaysWhy) {
     const TemporaryFolder folder;
     std::ofstream(folder.file("xml")) << xml;
     std::ofstream(folder.file("cut")) << "<plist>";
-    host::setRoot("/somewhere/else");
+    seat::setRoot("/somewhere/else");
     std::shared_ptr<NSError> missing, refused;
 
-    EXPECT_TRUE(host::readPropertyListFile(folder.file("xml"), nullptr));
-    EXPECT_FALSE(host::readPropertyListFile(folder.file("none"), &missing));
-    EXPECT_FALSE(host::readPropertyListFile(folder.file("cut"), &refused));
-    host::setRoot("");
+    EXPECT_TRUE(seat::readPropertyListFile(folder.file("xml"), nullptr));
+    EXPECT_FALSE(seat::readPropertyListFile(folder.file("none"), &missing));
+    EXPECT_FALSE(seat::readPropertyListFile(folder.file("cut"), &refused));
+    seat::setRoot("");
 
     ASSERT_TRUE(missing && refused);
     EXPECT_EQ(missing->code(), ENOENT);

@@ -1,4 +1,4 @@
-#include "host/window/hid_usage.h"
+#include "system/input/hid_usage.h"
 
 #include <gtest/gtest.h>
 #include <linux/input-event-codes.h>
@@ -7,8 +7,8 @@
 
 namespace {
 
-using host::hidUsageForKernelKey;
-using host::hidUsageForScanCode;
+using seat::hidUsageForKernelKey;
+using seat::hidUsageForScanCode;
 
 TEST(HIDUsage, KeysThatTheKeyNamesKnow) {
     const std::map<unsigned, long> known = {

@@ -1,9 +1,9 @@
-#include "host/messaging/message_sender.h"
+#include "system/messaging/message_sender.h"
 
 #include "platform/messaging_center.h"
-#include "tests/messaging/receiver.h"
-#include "tests/support/bus_session.h"
-#include "tests/support/logged_lines.h"
+#include "tests/support/BusSession.h"
+#include "tests/support/LoggedLines.h"
+#include "tests/system/messaging/receiver.h"
 
 #include <gtest/gtest.h>
 #include <optional>
@@ -30,9 +30,9 @@ TEST_F(MessageSender, MessagesReachTheCenterInTheOrderOfSending) {
     center->runServerOnCurrentThread();
     bool delivered = false;
 
-    host::sendMessage(name, "JVNDiscoveryUpdate", state(4));
-    host::sendMessage(name, "JVNDiscoveryUpdate", nullptr);
-    host::sendMessage(name, "JVNDiscoveryUpdate", state(2), [&](bool taken) { delivered = taken; });
+    seat::sendMessage(name, "JVNDiscoveryUpdate", state(4));
+    seat::sendMessage(name, "JVNDiscoveryUpdate", nullptr);
+    seat::sendMessage(name, "JVNDiscoveryUpdate", state(2), [&](bool taken) { delivered = taken; });
 
     ASSERT_TRUE(runUntil([&] { return delivered; }));
     EXPECT_EQ((std::vector<std::string>{"JVNDiscoveryUpdate 4", "JVNDiscoveryUpdate nothing", "JVNDiscoveryUpdate 2"}),
@@ -41,7 +41,7 @@ TEST_F(MessageSender, MessagesReachTheCenterInTheOrderOfSending) {
 
 TEST_F(MessageSender, WithoutACenterTheMessageIsNotDeliveredAndTheReasonLogged) {
     std::optional<bool> delivered;
-    host::sendMessage(name, "JVNDiscoveryUpdate", state(4), [&](bool taken) { delivered = taken; });
+    seat::sendMessage(name, "JVNDiscoveryUpdate", state(4), [&](bool taken) { delivered = taken; });
 
     ASSERT_TRUE(runUntil([&] { return delivered.has_value(); }));
     EXPECT_FALSE(*delivered);
@@ -51,7 +51,7 @@ TEST_F(MessageSender, WithoutACenterTheMessageIsNotDeliveredAndTheReasonLogged) 
 TEST_F(MessageSender, WithoutABusTheMessageIsNotDelivered) {
     bus.kill();
     std::optional<bool> delivered;
-    host::sendMessage(name, "JVNDiscoveryUpdate", state(4), [&](bool taken) { delivered = taken; });
+    seat::sendMessage(name, "JVNDiscoveryUpdate", state(4), [&](bool taken) { delivered = taken; });
 
     ASSERT_TRUE(runUntil([&] { return delivered.has_value(); }));
     EXPECT_FALSE(*delivered);

@@ -1,10 +1,10 @@
 #include "platform/messaging_center.h"
 
-#include "tests/messaging/receiver.h"
-#include "tests/support/bus_peer.h"
-#include "tests/support/bus_session.h"
-#include "tests/support/heartbeat.h"
-#include "tests/support/logged_lines.h"
+#include "tests/support/BusPeer.h"
+#include "tests/support/BusSession.h"
+#include "tests/support/Heartbeat.h"
+#include "tests/support/LoggedLines.h"
+#include "tests/system/messaging/receiver.h"
 
 #include <dbus/dbus.h>
 #include <gtest/gtest.h>
@@ -30,7 +30,7 @@ protected:
     bool nameHasOwner(bool expected) {
         const BusPeer peer(bus.address());
         return runUntil([&] {
-            host::queueOnMain([] {});
+            seat::queueOnMain([] {});
             return peer.nameHasOwner(name) == expected;
         });
     }
@@ -152,7 +152,7 @@ TEST_F(MessagingCenter, TheNameIsBackWithinTwoSecondsOfTheBussReturn) {
     run();
     ASSERT_TRUE(nameHasOwner(true));
     bus.kill();
-    ASSERT_TRUE(runUntil([] { return !host::SessionBus::shared().isConnected(); }));
+    ASSERT_TRUE(runUntil([] { return !seat::SessionBus::shared().isConnected(); }));
 
     bus.start();
     const auto back = std::chrono::steady_clock::now();

@@ -1,6 +1,6 @@
-#include "host/modules/module_file.h"
+#include "system/modules/module_file.h"
 
-#include "host/modules/sha256.h"
+#include "system/modules/SHA256.h"
 
 #include <elf.h>
 #include <filesystem>
@@ -22,8 +22,8 @@ const std::string& original() {
     return contents;
 }
 
-host::ModuleSeal sealOf(const std::string& contents) {
-    host::SHA256 sha;
+seat::ModuleSeal sealOf(const std::string& contents) {
+    seat::SHA256 sha;
     sha.add({reinterpret_cast<const std::uint8_t*>(contents.data()), contents.size()});
     return {contents.size(), sha.hexDigest()};
 }
@@ -45,19 +45,19 @@ protected:
 TEST_F(ModuleFile, TheSealedFileHasNoProblem) {
     write(original());
 
-    EXPECT_EQ("", host::moduleProblem(path, sealOf(original())));
+    EXPECT_EQ("", seat::moduleProblem(path, sealOf(original())));
 }
 
 TEST_F(ModuleFile, ACutOrGrownFileIsNamedSo) {
     write(original().substr(0, 100));
     EXPECT_EQ("is cut: 100 bytes instead of " + std::to_string(original().size()),
-              host::moduleProblem(path, sealOf(original())));
+              seat::moduleProblem(path, sealOf(original())));
 
     write("");
-    EXPECT_TRUE(host::moduleProblem(path, sealOf(original())).starts_with("is cut: 0 bytes"));
+    EXPECT_TRUE(seat::moduleProblem(path, sealOf(original())).starts_with("is cut: 0 bytes"));
 
     write(original() + "x");
-    EXPECT_TRUE(host::moduleProblem(path, sealOf(original())).starts_with("has grown: "));
+    EXPECT_TRUE(seat::moduleProblem(path, sealOf(original())).starts_with("has grown: "));
 }
 
 TEST_F(ModuleFile, OneFlippedBitAnywhereIsSeen) {
@@ -67,7 +67,7 @@ TEST_F(ModuleFile, OneFlippedBitAnywhereIsSeen) {
         std::string changed = original();
         changed[at] = static_cast<char>(changed[at] ^ 4);
         write(changed);
-        EXPECT_NE("", host::moduleProblem(path, seal)) << at;
+        EXPECT_NE("", seat::moduleProblem(path, seal)) << at;
     }
 }
 
@@ -77,32 +77,32 @@ TEST_F(ModuleFile, AFileForAnotherMachineIsNamedSoEvenWhenItIsWhatTheManifestSay
         foreign[at] = static_cast<char>(foreign[at] ^ 3);
         write(foreign);
 
-        EXPECT_EQ("is made for another machine", host::moduleProblem(path, sealOf(foreign)));
+        EXPECT_EQ("is made for another machine", seat::moduleProblem(path, sealOf(foreign)));
     }
 }
 
 TEST_F(ModuleFile, WhatIsNoModuleIsNamedSo) {
     const std::string text = "#!/bin/sh\necho I am no module, and I am longer than a header of one would be, by far.\n";
     write(text);
-    EXPECT_EQ("is no module", host::moduleProblem(path, sealOf(text)));
+    EXPECT_EQ("is no module", seat::moduleProblem(path, sealOf(text)));
 
     std::string object = original();
     object[offsetof(Elf64_Ehdr, e_type)] = ET_REL;
     write(object);
-    EXPECT_EQ("is no module that can be loaded", host::moduleProblem(path, sealOf(object)));
+    EXPECT_EQ("is no module that can be loaded", seat::moduleProblem(path, sealOf(object)));
 }
 
 TEST_F(ModuleFile, MissingFilesFoldersAndPipesAreRefusedAtOnce) {
-    EXPECT_EQ("is missing", host::moduleProblem(path, sealOf(original())));
-    EXPECT_EQ("is no regular file", host::moduleProblem(folder, sealOf(original())));
+    EXPECT_EQ("is missing", seat::moduleProblem(path, sealOf(original())));
+    EXPECT_EQ("is no regular file", seat::moduleProblem(folder, sealOf(original())));
     ASSERT_EQ(0, mkfifo(path.c_str(), 0600));
-    EXPECT_EQ("is no regular file", host::moduleProblem(path, sealOf(original())));
+    EXPECT_EQ("is no regular file", seat::moduleProblem(path, sealOf(original())));
 }
 
 TEST_F(ModuleFile, TheLoadersReasonComesBack) {
     write("nothing to load");
 
-    EXPECT_NE(std::string::npos, host::loadModule(path).find(path));
+    EXPECT_NE(std::string::npos, seat::loadModule(path).find(path));
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-#include "host/modules/sha256.h"
+#include "system/modules/SHA256.h"
 
 #include <algorithm>
 #include <array>
@@ -14,7 +14,7 @@ std::span<const std::uint8_t> bytes(const std::string& text) {
 }
 
 std::string digest(const std::string& text) {
-    host::SHA256 sha;
+    seat::SHA256 sha;
     sha.add(bytes(text));
     return sha.hexDigest();
 }
@@ -34,7 +34,7 @@ TEST(SHA256, PiecesGiveTheDigestOfTheWhole) {
     const std::string whole = digest(text);
 
     for (int round = 0; round < 200; ++round) {
-        host::SHA256 sha;
+        seat::SHA256 sha;
         auto rest = bytes(text);
         while (!rest.empty()) {
             const auto piece = rest.first(std::min<std::size_t>(rest.size(), random() % 200));

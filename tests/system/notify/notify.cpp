@@ -1,9 +1,9 @@
 #include "platform/notify.h"
 
-#include "host/notify/NotifyListener.h"
-#include "tests/support/bus_peer.h"
-#include "tests/support/bus_session.h"
-#include "tests/support/logged_lines.h"
+#include "system/notify/NotifyListener.h"
+#include "tests/support/BusPeer.h"
+#include "tests/support/BusSession.h"
+#include "tests/support/LoggedLines.h"
 
 #include <chrono>
 #include <future>
@@ -12,7 +12,7 @@
 
 namespace {
 
-using host::NotifyListener;
+using seat::NotifyListener;
 using testing_support::BusPeer;
 
 constexpr auto changed = "com.quorrel.jvnprefs.changed";
@@ -24,9 +24,9 @@ protected:
     // Until the bus has everything that was asked of it so far.
     bool settled() {
         bool answered = false;
-        host::SessionBus::shared().addName("com.quorrel.test.settled", [&](auto) { answered = true; });
+        seat::SessionBus::shared().addName("com.quorrel.test.settled", [&](auto) { answered = true; });
         const bool result = runUntil([&] { return answered; });
-        host::SessionBus::shared().removeName("com.quorrel.test.settled");
+        seat::SessionBus::shared().removeName("com.quorrel.test.settled");
         return result;
     }
 
@@ -180,7 +180,7 @@ TEST_F(Notify, PostingNeverWaitsForABusThatDoesNotRead) {
 
     const auto start = std::chrono::steady_clock::now();
     for (int i = 0; i < 20'000; ++i) notify_post(changed);
-    runUntil([] { return host::mainQueueIsEmpty(); });
+    runUntil([] { return seat::mainQueueIsEmpty(); });
 
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
     EXPECT_GE(m_log.count("does not take what is sent"), 1u);

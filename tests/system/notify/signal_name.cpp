@@ -1,11 +1,11 @@
-#include "host/notify/signal_name.h"
+#include "system/notify/signal_name.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-using host::BusSignal;
-using host::signalForNotification;
+using seat::BusSignal;
+using seat::signalForNotification;
 
 TEST(SignalName, TheLastPartIsTheSignalAndTheRestItsInterface) {
     EXPECT_EQ((BusSignal{"/com/quorrel/jvnprefs", "com.quorrel.jvnprefs", "changed"}),

@@ -1,4 +1,4 @@
-#include "tests/preferences/fixture.h"
+#include "tests/system/preferences/fixture.h"
 
 #include "platform/foundation/NSArray.h"
 #include "platform/foundation/NSPropertyListSerialization.h"
@@ -7,7 +7,7 @@
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
-using namespace host;
+using namespace seat;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 

@@ -1,14 +1,14 @@
-#include "tests/preferences/fixture.h"
+#include "tests/system/preferences/fixture.h"
 
-#include "host/preferences/write_steps.h"
 #include "platform/foundation/NSData.h"
 #include "platform/foundation/NSPropertyListSerialization.h"
+#include "system/preferences/write_steps.h"
 
 #include <cerrno>
 #include <gmock/gmock.h>
 #include <set>
 
-using namespace host;
+using namespace seat;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 

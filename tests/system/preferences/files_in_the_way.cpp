@@ -1,4 +1,4 @@
-#include "tests/preferences/fixture.h"
+#include "tests/system/preferences/fixture.h"
 
 #include <gmock/gmock.h>
 #include <sys/mount.h>
@@ -10,7 +10,7 @@
 #include <chrono>
 #include <csignal>
 
-using namespace host;
+using namespace seat;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;

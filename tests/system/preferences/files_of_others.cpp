@@ -1,7 +1,7 @@
-#include "tests/preferences/child.h"
-#include "tests/preferences/fixture.h"
+#include "tests/system/preferences/Child.h"
+#include "tests/system/preferences/fixture.h"
 
-using namespace host;
+using namespace seat;
 
 namespace {
 

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "host/foundation/log.h"
-#include "host/foundation/root.h"
-#include "host/preferences/preferences_store.h"
 #include "platform/foundation/NSDictionary.h"
-#include "tests/support/temporary_folder.h"
+#include "system/files/root.h"
+#include "system/log/log.h"
+#include "system/preferences/preferences_store.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include <filesystem>
 #include <fstream>
@@ -19,16 +19,16 @@
 class PreferencesTest : public ::testing::Test {
 protected:
     PreferencesTest() {
-        host::setRoot(m_root.path());
+        seat::setRoot(m_root.path());
         std::filesystem::create_directories(folder());
-        host::setLogSink([this](std::string_view line) {
+        seat::setLogSink([this](std::string_view line) {
             const std::lock_guard lock(m_mutex);
             m_log.emplace_back(line);
         });
     }
     ~PreferencesTest() override {
-        host::setLogSink({});
-        host::setRoot({});
+        seat::setLogSink({});
+        seat::setRoot({});
     }
 
     std::string root() const { return m_root.path(); }

@@ -1,11 +1,11 @@
-#include "tests/preferences/child.h"
-#include "tests/preferences/fixture.h"
+#include "tests/system/preferences/Child.h"
+#include "tests/system/preferences/fixture.h"
 
-#include "host/preferences/write_steps.h"
+#include "system/preferences/write_steps.h"
 
 #include <gmock/gmock.h>
 
-using namespace host;
+using namespace seat;
 using ::testing::ElementsAre;
 
 namespace {

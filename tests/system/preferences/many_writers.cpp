@@ -1,5 +1,5 @@
-#include "tests/preferences/child.h"
-#include "tests/preferences/fixture.h"
+#include "tests/system/preferences/Child.h"
+#include "tests/system/preferences/fixture.h"
 
 #include <gmock/gmock.h>
 
@@ -31,7 +31,7 @@ TEST_F(ManyWriters, EightProcessesWithTwoHundredWritesEachLoseNoKey) {
 }
 
 TEST_F(ManyWriters, ReaderSeesAWholeFileAtEveryInstant) {
-    host::setPreferenceValue(domain(), "always", "there");
+    seat::setPreferenceValue(domain(), "always", "there");
     Child writer({WRITER_PROGRAM, root(), "write", domain(), "key-", "100"});
 
     int reads = 0;

@@ -1,4 +1,4 @@
-#include "tests/preferences/fixture.h"
+#include "tests/system/preferences/fixture.h"
 
 #include "platform/foundation/NSArray.h"
 #include "platform/foundation/NSData.h"
@@ -9,7 +9,7 @@
 #include <sys/stat.h>
 #include <thread>
 
-using namespace host;
+using namespace seat;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 

@@ -5,11 +5,11 @@
 //   preferences_writer ROOT set DOMAIN KEY VALUE
 //   preferences_writer ROOT get DOMAIN KEY               prints the text that is stored
 
-#include "host/foundation/Descriptor.h"
-#include "host/foundation/root.h"
-#include "host/preferences/FileLock.h"
-#include "host/preferences/preferences_store.h"
-#include "host/preferences/write_steps.h"
+#include "system/files/Descriptor.h"
+#include "system/files/root.h"
+#include "system/preferences/FileLock.h"
+#include "system/preferences/preferences_store.h"
+#include "system/preferences/write_steps.h"
 
 #include <csignal>
 #include <cstdio>
@@ -18,7 +18,7 @@
 #include <unistd.h>
 #include <vector>
 
-using namespace host;
+using namespace seat;
 
 int main(int count, char** values) {
     const std::vector<std::string> arguments(values + 1, values + count);

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "host/foundation/root.h"
-#include "host/testing/poll_loop.h"
 #include "platform/task.h"
-#include "tests/support/logged_lines.h"
-#include "tests/support/temporary_folder.h"
+#include "system/files/root.h"
+#include "system/run_loop/PollLoop.h"
+#include "tests/support/LoggedLines.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include <chrono>
 #include <filesystem>
@@ -19,11 +19,11 @@ extern const char* const launchedTool;
 class ProcessTest : public ::testing::Test {
 protected:
     ProcessTest() {
-        host::setRoot(m_folder.path());
+        seat::setRoot(m_folder.path());
         std::filesystem::create_directories(m_folder.file("usr/bin"));
         std::filesystem::create_symlink(launchedTool, m_folder.file("usr/bin/tool"));
     }
-    ~ProcessTest() override { host::setRoot(""); }
+    ~ProcessTest() override { seat::setRoot(""); }
 
     static std::shared_ptr<NSTask> launch(const std::vector<std::string>& arguments,
                                           const std::string& path = "/usr/bin/tool") {
@@ -56,5 +56,5 @@ protected:
 
     testing_support::TemporaryFolder m_folder;
     testing_support::LoggedLines m_log;
-    host::PollLoop m_loop;
+    seat::PollLoop m_loop;
 };

@@ -1,6 +1,6 @@
-#include "host/process/children.h"
-#include "tests/process/process_test.h"
+#include "system/process/children.h"
 #include "tests/support/descriptors.h"
+#include "tests/system/process/ProcessTest.h"
 
 #include <csignal>
 #include <sys/wait.h>
@@ -22,7 +22,7 @@ TEST_F(EndedChildren, AToolThatEndsIsReapedAndKeepsItsIdentifier) {
 
 TEST_F(EndedChildren, AListenerHearsOfTheStartAndOfHowItEnded) {
     std::vector<std::string> heard;
-    host::setChildListener([&](const std::string& sentence) { heard.push_back(sentence); });
+    seat::setChildListener([&](const std::string& sentence) { heard.push_back(sentence); });
 
     const auto first = launch({"exit", "3"});
     goes(*first);
@@ -30,11 +30,11 @@ TEST_F(EndedChildren, AListenerHearsOfTheStartAndOfHowItEnded) {
     platform::kill(second->processIdentifier(), SIGKILL);
     goes(*second);
     m_loop.runUntil([&] { return heard.size() == 4; });
-    host::setChildListener(nullptr);
+    seat::setChildListener(nullptr);
     goes(*launch({"exit", "0"}));
 
     const auto named = [](const NSTask& task) { return "process " + std::to_string(task.processIdentifier()); };
-    const std::string tool = host::hostPath("/usr/bin/tool");
+    const std::string tool = seat::hostPath("/usr/bin/tool");
     EXPECT_EQ(heard, (std::vector<std::string>{named(*first) + " was started: " + tool + " exit 3",
                                                named(*first) + " ended with 3",
                                                named(*second) + " was started: " + tool + " wait",

@@ -1,6 +1,6 @@
-#include "host/process/child_environment.h"
+#include "system/process/child_environment.h"
 
-#include "tests/process/process_test.h"
+#include "tests/system/process/ProcessTest.h"
 
 #include <cstdlib>
 
@@ -28,8 +28,8 @@ TEST_F(ChildEnvironment, ARootOfOursReplacesAnInheritedOne) {
 
     EXPECT_EQ((std::vector<std::string>{"environment JOYVANE_ROOT=" + m_folder.path()}),
               beginning(report(), "environment JOYVANE_ROOT="));
-    host::setRoot("");
-    for (const auto& entry : host::childEnvironment()) EXPECT_FALSE(entry.starts_with("JOYVANE_ROOT=")) << entry;
+    seat::setRoot("");
+    for (const auto& entry : seat::childEnvironment()) EXPECT_FALSE(entry.starts_with("JOYVANE_ROOT=")) << entry;
     ::unsetenv("JOYVANE_ROOT");
 }
 
@@ -37,8 +37,8 @@ TEST_F(ChildEnvironment, AVariableForUsAloneIsNotInherited) {
     ::setenv("JOYVANE_TEST_FORMER", "former", 1);
     ::unsetenv("JOYVANE_TEST_ABSENT");
 
-    host::setVariableForUsAlone("JOYVANE_TEST_FORMER", "ours");
-    host::setVariableForUsAlone("JOYVANE_TEST_ABSENT", "ours");
+    seat::setVariableForUsAlone("JOYVANE_TEST_FORMER", "ours");
+    seat::setVariableForUsAlone("JOYVANE_TEST_ABSENT", "ours");
 
     EXPECT_STREQ("ours", ::getenv("JOYVANE_TEST_FORMER"));
     EXPECT_STREQ("ours", ::getenv("JOYVANE_TEST_ABSENT"));

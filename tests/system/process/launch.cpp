@@ -1,6 +1,6 @@
-#include "host/process/process_faults.h"
-#include "tests/process/process_test.h"
+#include "system/process/process_faults.h"
 #include "tests/support/descriptors.h"
+#include "tests/system/process/ProcessTest.h"
 
 #include <cerrno>
 #include <csignal>
@@ -94,7 +94,7 @@ TEST_F(Launch, AToolThatIsNoProgramGivesIdentifierZero) {
 TEST_F(Launch, AFolderInItsPlaceGivesIdentifierZero) { expectFailure("/usr/bin", "Permission denied"); }
 
 TEST_F(Launch, WithoutRoomForAnotherProcessTheIdentifierIsZero) {
-    host::failForks(1, EAGAIN);
+    seat::failForks(1, EAGAIN);
     expectFailure("/usr/bin/tool", "Resource temporarily unavailable");
 
     EXPECT_NE(0, launch({"exit", "0"})->processIdentifier());

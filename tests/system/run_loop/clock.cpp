@@ -1,7 +1,7 @@
-#include "host/foundation/clock.h"
+#include "kit/seat.h"
 
-#include "host/dispatch/run_loop_sources.h"
-#include "host/testing/manual_clock.h"
+#include "kit/dispatch/ManualClock.h"
+#include "kit/dispatch/run_loop_sources.h"
 #include "platform/foundation/time.h"
 
 #include <cmath>
@@ -14,7 +14,7 @@ TEST(Clock, MediaTimeNeverGoesBack) {
     const double before = platform::CACurrentMediaTime();
 
     EXPECT_GE(platform::CACurrentMediaTime(), before);
-    EXPECT_FALSE(host::clockIsHeld());
+    EXPECT_FALSE(seat::clockIsHeld());
 }
 
 TEST(Clock, TimeOfDayIsTheSystems) {
@@ -29,7 +29,7 @@ TEST(Clock, TimeOfDayIsTheSystems) {
 }
 
 TEST(Clock, HeldClockStandsStillUntilItIsMoved) {
-    host::ManualClock clock;
+    seat::ManualClock clock;
     const double start = platform::CACurrentMediaTime();
     platform::timeval first;
     platform::gettimeofday(&first);
@@ -39,14 +39,14 @@ TEST(Clock, HeldClockStandsStillUntilItIsMoved) {
 
     platform::timeval second;
     platform::gettimeofday(&second);
-    EXPECT_TRUE(host::clockIsHeld());
+    EXPECT_TRUE(seat::clockIsHeld());
     EXPECT_EQ(platform::CACurrentMediaTime(), start + 1.25);
     EXPECT_EQ(second.tv_sec, first.tv_sec + 1);
     EXPECT_EQ(second.tv_usec, first.tv_usec + 250'000);
 }
 
 TEST(Clock, TimeOfDayMayGoBackWhileMediaTimeDoesNot) {
-    host::ManualClock clock;
+    seat::ManualClock clock;
     const double start = platform::CACurrentMediaTime();
 
     clock.setTimeOfDay({12, 999'999});
@@ -59,26 +59,26 @@ TEST(Clock, TimeOfDayMayGoBackWhileMediaTimeDoesNot) {
 }
 
 TEST(Clock, AdvancingFiresTheTimersOnTheWayEachAtItsTime) {
-    host::ManualClock clock;
+    seat::ManualClock clock;
     const double start = clock.mediaTime();
     std::string events;
     const auto note = [&](const std::string& name) {
         events += name + "@" + std::to_string(static_cast<int>(std::lround((clock.mediaTime() - start) * 10))) + " ";
     };
-    host::addTimer(0.3, [&] { note("late"); });
-    host::addTimer(0.1, [&] {
+    seat::addTimer(0.3, [&] { note("late"); });
+    seat::addTimer(0.1, [&] {
         note("early");
-        host::addTimer(0.1, [&] { note("chained"); });
+        seat::addTimer(0.1, [&] { note("chained"); });
     });
-    const auto removed = host::addTimer(0.2, [&] { note("removed"); });
-    host::removeSource(removed);
+    const auto removed = seat::addTimer(0.2, [&] { note("removed"); });
+    seat::removeSource(removed);
 
     clock.advance(0.05);
     EXPECT_EQ(events, "");
     clock.advance(1);
 
     EXPECT_EQ(events, "early@1 chained@2 late@3 ");
-    EXPECT_FALSE(host::nextTimerDeadline());
+    EXPECT_FALSE(seat::nextTimerDeadline());
 }
 
 } // namespace

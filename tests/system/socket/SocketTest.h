@@ -1,10 +1,10 @@
 #pragma once
 
-#include "host/foundation/root.h"
 #include "platform/socket.h"
-#include "tests/support/logged_lines.h"
-#include "tests/support/scripted_daemon.h"
-#include "tests/support/temporary_folder.h"
+#include "system/files/root.h"
+#include "tests/support/LoggedLines.h"
+#include "tests/support/ScriptedDaemon.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include <chrono>
 #include <gtest/gtest.h>
@@ -13,8 +13,8 @@
 // A root of its own, and the calls as the logic makes them.
 class SocketTest : public ::testing::Test {
 protected:
-    SocketTest() { host::setRoot(m_folder.path()); }
-    ~SocketTest() override { host::setRoot(""); }
+    SocketTest() { seat::setRoot(m_folder.path()); }
+    ~SocketTest() override { seat::setRoot(""); }
 
     static platform::sockaddr_un record(const std::string& path = "/Library/Caches/jvncontrol.sock") {
         platform::sockaddr_un address;

@@ -1,5 +1,5 @@
-#include "tests/socket/socket_test.h"
 #include "tests/support/descriptors.h"
+#include "tests/system/socket/SocketTest.h"
 
 #include <cerrno>
 #include <csignal>
@@ -51,7 +51,7 @@ TEST_F(SocketConnect, WorksUnderARootOfAnyLength) {
     for (const std::size_t length : {0u, 60u, 90u, 200u, 1000u, 3000u}) {
         std::string root = m_folder.path();
         while (root.size() < length) root += "/" + std::string(std::min<std::size_t>(200, length - root.size()), 'x');
-        host::setRoot(root);
+        seat::setRoot(root);
         ScriptedDaemon daemon(root, [](auto& peer) { peer.write(peer.read(12)); });
 
         const int descriptor = connected();
@@ -67,7 +67,7 @@ TEST_F(SocketConnect, WorksUnderARootOfAnyLength) {
 
 TEST_F(SocketConnect, ANameThatFillsTheRecordNeedsNoZero) {
     const std::string path = "/" + std::string(103, 'n');
-    host::setRoot(m_folder.path());
+    seat::setRoot(m_folder.path());
     const auto former = std::filesystem::current_path();
     std::filesystem::current_path(m_folder.path());
     const int listener = listenAt("./" + std::string(103, 'n'), 4);
@@ -95,7 +95,7 @@ TEST_F(SocketConnect, ThePathEndsAtItsFirstZero) {
 TEST_F(SocketConnect, WithNoFileItFailsAtOnce) { expectFailureAtOnce(ENOENT); }
 
 TEST_F(SocketConnect, WithNoFileUnderALongRootItFailsAtOnce) {
-    host::setRoot(m_folder.path() + "/" + std::string(200, 'x'));
+    seat::setRoot(m_folder.path() + "/" + std::string(200, 'x'));
     expectFailureAtOnce(ENOENT);
 }
 

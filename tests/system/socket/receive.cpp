@@ -1,4 +1,4 @@
-#include "tests/socket/socket_test.h"
+#include "tests/system/socket/SocketTest.h"
 
 #include <csignal>
 #include <numeric>

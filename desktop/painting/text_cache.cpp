@@ -1,11 +1,11 @@
-#include "host/quartz/text_cache.h"
+#include "desktop/painting/text_cache.h"
 
 #include "platform/dispatch.h"
 
 #include <list>
 #include <unordered_map>
 
-namespace host {
+namespace seat {
 
 namespace {
 
@@ -65,4 +65,4 @@ std::shared_ptr<const TextLayout> cachedTextLayout(std::span<const TextRun> runs
 
 std::size_t cachedTextLayoutCount() { return cache().entries.size(); }
 
-} // namespace host
+} // namespace seat

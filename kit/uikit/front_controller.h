@@ -6,10 +6,10 @@
 
 class UIWindow;
 
-namespace host {
+namespace seat {
 
 // The screen that the user looks at: the one presented last, else the top of the navigation stack. nil when the window
 // has none. Where no view has the focus, an escape begins here.
 std::shared_ptr<UIViewController> frontController(const UIWindow& window);
 
-} // namespace host
+} // namespace seat

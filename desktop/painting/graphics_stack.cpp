@@ -1,7 +1,7 @@
-#include "host/quartz/graphics_stack.h"
+#include "kit/seat.h"
 
-#include "host/quartz/context.h"
-#include "host/quartz/snapping.h"
+#include "desktop/painting/context.h"
+#include "kit/quartz/snapping.h"
 #include "platform/uikit/UIImage.h"
 #include "platform/uikit/UIScreen.h"
 
@@ -22,7 +22,7 @@ struct ImageContext {
         : canvas(std::move(image)), context(canvas, CGAffineTransformMakeScale(imageScale, imageScale)),
           scale(imageScale) {}
 
-    host::Canvas canvas;
+    seat::Canvas canvas;
     CGContext context;
     double scale;
 };
@@ -37,8 +37,8 @@ thread_local std::vector<Entry> contexts;
 // An image without pixels when the size cannot have any.
 std::shared_ptr<CGImage> emptyImage(CGSize size, double scale, bool opaque) {
     auto image = std::make_shared<CGImage>();
-    const double width = host::pixelEdgeAbove(size.width * scale);
-    const double height = host::pixelEdgeAbove(size.height * scale);
+    const double width = seat::pixelEdgeAbove(size.width * scale);
+    const double height = seat::pixelEdgeAbove(size.height * scale);
     if (!(width >= 1 && width <= longestEdge && height >= 1 && height <= longestEdge)) return image;
     try {
         // Made of zeros, which is much faster than any other value.
@@ -54,8 +54,8 @@ std::shared_ptr<CGImage> emptyImage(CGSize size, double scale, bool opaque) {
 
 } // namespace
 
-host::CurrentContext::CurrentContext(CGContextRef context) { contexts.push_back({context, nullptr}); }
-host::CurrentContext::~CurrentContext() { contexts.pop_back(); }
+seat::CurrentContext::CurrentContext(CGContextRef context) { contexts.push_back({context, nullptr}); }
+seat::CurrentContext::~CurrentContext() { contexts.pop_back(); }
 
 void UIGraphicsBeginImageContextWithOptions(CGSize size, bool opaque, double scale) {
     if (!(scale > 0) || !std::isfinite(scale)) scale = UIScreen::mainScreen()->scale();

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "host/quartz/text_layout.h"
+#include "desktop/painting/TextLayout.h"
 
 #include <functional>
 
-namespace host {
+namespace seat {
 
 // The layout from memory, or made and remembered. The layouts used longest ago are forgotten. On another thread than
 // the main one nothing is remembered: a shaped text belongs to the thread that shaped it.
@@ -14,4 +14,4 @@ std::shared_ptr<const TextLayout> cachedTextLayout(std::span<const TextRun> runs
 inline constexpr std::size_t mostCachedTextLayouts = 512;
 std::size_t cachedTextLayoutCount();
 
-} // namespace host
+} // namespace seat

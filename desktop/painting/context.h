@@ -2,7 +2,7 @@
 
 // The one kind of context: a canvas with points, colours and a stack of states.
 
-#include "host/quartz/canvas.h"
+#include "desktop/painting/Canvas.h"
 #include "platform/quartz/CGContext.h"
 
 #include <vector>
@@ -11,7 +11,7 @@ class CGContext {
 public:
     struct State {
         CGAffineTransform toPixels;
-        host::Canvas::Clip clip;
+        seat::Canvas::Clip clip;
         CGColorRef fillColor;
         CGColorRef strokeColor;
         double lineWidth = 1;
@@ -19,21 +19,21 @@ public:
     };
 
     // The canvas must outlive the context; its clip as it is now is the widest that the context draws in.
-    CGContext(host::Canvas& canvas, const CGAffineTransform& toPixels);
+    CGContext(seat::Canvas& canvas, const CGAffineTransform& toPixels);
     // Gives the canvas back its clip.
     ~CGContext();
     CGContext(const CGContext&) = delete;
     CGContext& operator=(const CGContext&) = delete;
 
-    host::Canvas& canvas() { return m_canvas; }
+    seat::Canvas& canvas() { return m_canvas; }
     State& state() { return m_state; }
     void save() { m_saved.push_back(m_state); }
     void restore();
     void clipTo(CGRect rect);
 
 private:
-    host::Canvas& m_canvas;
-    host::Canvas::Clip m_outerClip;
+    seat::Canvas& m_canvas;
+    seat::Canvas::Clip m_outerClip;
     State m_state;
     std::vector<State> m_saved;
 };

@@ -1,13 +1,13 @@
-#include "host/quartz/layer_renderer.h"
+#include "kit/seat.h"
 
-#include "host/quartz/canvas.h"
-#include "host/quartz/layer_painter.h"
-#include "host/quartz/snapping.h"
+#include "desktop/painting/Canvas.h"
+#include "desktop/painting/layer_painter.h"
+#include "kit/quartz/snapping.h"
 
 #include <cmath>
 #include <vector>
 
-namespace host {
+namespace seat {
 
 namespace {
 
@@ -57,4 +57,4 @@ void renderLayerTree(CALayer& root, const PixelTarget& target, double scale, std
     }
 }
 
-} // namespace host
+} // namespace seat
