@@ -7,8 +7,8 @@ namespace seat {
 // The folder that stands for the phone's file system. Set once, before any file is touched; empty (the default): the
 // machine's own root.
 //
-// Who maps: the functions of platform/ take logical paths and map them here, nobody else does. The functions of system/ and desktop/
-// take real paths.
+// Who maps: the functions of platform/ take logical paths and map them here, nobody else does. The functions of system/
+// and desktop/ take real paths.
 void setRoot(std::string realPath);
 std::string root();
 

@@ -1,8 +1,8 @@
 // What drawing costs: the colour field as an image, and a page on the screen.
 
+#include "kit/quartz/pixels.h"
 #include "kit/quartz/screen.h"
 #include "kit/quartz/text_runs.h"
-#include "kit/quartz/pixels.h"
 #include "kit/seat.h"
 #include "platform/uikit/UIColor.h"
 #include "platform/uikit/UIImage.h"

@@ -3,8 +3,8 @@
 // Pixels to draw into and to look at.
 
 #include "kit/quartz/LayerHost.h"
-#include "kit/quartz/screen.h"
 #include "kit/quartz/pixels.h"
+#include "kit/quartz/screen.h"
 #include "kit/seat.h"
 #include "platform/uikit/UIColor.h"
 #include "platform/uikit/UIImage.h"
