@@ -28,11 +28,11 @@ public:
 
     // What the client says by itself. A callback may call anything, but may not destroy the client.
     struct Listener {
-        std::function<void(AdapterState)> adapterChanged;
+        std::function<void(AdapterState)> adapterChanged = {};
         // A device has appeared, or something of it is different now: it has connected by itself, for one.
-        std::function<void(const Device&)> deviceChanged;
+        std::function<void(const Device&)> deviceChanged = {};
         // The service has it no more: removed, forgotten after a search, or gone with its adapter or the service.
-        std::function<void(const Address&)> deviceRemoved;
+        std::function<void(const Address&)> deviceRemoved = {};
     };
     // Replaces the listener before it; what there is already is not told again, but asked for below.
     virtual void setListener(Listener listener) = 0;

@@ -4,6 +4,7 @@
 
 #include "services/bluetooth/Client.h"
 
+#include <optional>
 #include <string>
 
 namespace services {
@@ -17,9 +18,11 @@ namespace bluetooth {
 std::unique_ptr<Client> makeSystemClient(services::EventLoop& loop);
 
 // Simulated controllers, which all programs that are given the same file share: what one pairs or connects, the others
-// hear of. `world` is a real path, whose folder is there; a file that is absent is made. simulatedWorldHelp says what
-// is in it.
-std::unique_ptr<Client> makeSimulatedClient(services::EventLoop& loop, const std::string& world);
+// hear of. `world` is a real path; a file, or a folder, that is absent is made. simulatedWorldHelp says what is in it.
+// Whoever holds the controllers does what the page says: of those with a type only the ones of `wantedType`, where one
+// is given, answer a search.
+std::unique_ptr<Client> makeSimulatedClient(services::EventLoop& loop, const std::string& world,
+                                            std::optional<int> wantedType = std::nullopt);
 
 // For --help: where the file is under the root, what it holds, and what a person may change in it.
 extern const char* const simulatedWorldHelp;

@@ -37,7 +37,7 @@ template <typename Entry> bool readDictionary(::sd_bus_message* message, const c
 // goes with it (int for "b"). False, and the variant still to be read, when it holds something else.
 template <typename Value> bool readVariant(::sd_bus_message* message, const char* type, Value& value) {
     if (::sd_bus_message_enter_container(message, 'v', type) <= 0) return false;
-    const bool isRead = ::sd_bus_message_read_basic(message, type[0], &value) > 0;
+    const bool isRead = ::sd_bus_message_read_basic(message, type[0], static_cast<void*>(&value)) > 0;
     return ::sd_bus_message_exit_container(message) >= 0 && isRead;
 }
 
