@@ -122,6 +122,23 @@ function(joyvane_test name)
     LABELS ${ARG_LABELS} TIMEOUT ${ARG_TIMEOUT} ENVIRONMENT ${ARG_ENVIRONMENT})
 endfunction()
 
+# joyvane_service_test(<name> SOURCES <files...> [LIBRARIES <targets...>] [LABELS <labels...>] [TIMEOUT <seconds>]
+#                      [ENVIRONMENT <NAME=value...>])
+# As joyvane_test, but without the toolkit in the process, as the services are.
+function(joyvane_service_test name)
+  cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;LIBRARIES;LABELS;ENVIRONMENT" ${ARGN})
+  joyvane_test_wanted(wanted ${ARG_LABELS})
+  set(exclude "")
+  if(NOT wanted)
+    set(exclude EXCLUDE_FROM_ALL)
+  endif()
+  add_executable(${name} ${exclude} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE joyvane_flags joyvane_service GTest::gmock GTest::gtest_main ${ARG_LIBRARIES})
+  target_compile_options(${name} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-dangling-else -O0>)
+  joyvane_command_test(${name} COMMAND ${name}
+    LABELS ${ARG_LABELS} TIMEOUT ${ARG_TIMEOUT} ENVIRONMENT ${ARG_ENVIRONMENT})
+endfunction()
+
 # joyvane_benchmark(<name> SOURCES <files...> [LIBRARIES <targets...>])
 # A Google Benchmark program with a main of its own or benchmark::benchmark_main among its libraries. As a test every
 # benchmark in it runs once, briefly: it must still work; what it measures is read by people and by ./bench.

@@ -12,7 +12,7 @@ import subprocess
 import sys
 from pathlib import Path
 
-sys.path.insert(0, str(Path(__file__).parent.parent / "preferences"))
+sys.path.insert(0, str(Path(__file__).parent.parent / "system" / "preferences"))
 sys.dont_write_bytecode = True
 from real_shaped_files import page, same, value  # noqa: E402
 

@@ -11,7 +11,8 @@
 
 namespace testing_support {
 
-PrivateBus::PrivateBus(Start start) : m_address("unix:path=" + m_folder.file("bus")) {
+PrivateBus::PrivateBus(Start start, const char* variable)
+    : m_variable(variable), m_address("unix:path=" + m_folder.file("bus")) {
     std::ofstream(m_folder.file("bus.conf")) << R"(<busconfig>
   <type>session</type>
   <listen>)" + m_address + R"(</listen>
@@ -20,20 +21,20 @@ PrivateBus::PrivateBus(Start start) : m_address("unix:path=" + m_folder.file("bu
     <allow send_destination="*" eavesdrop="true"/><allow eavesdrop="true"/><allow own="*"/>
   </policy>
 </busconfig>)";
-    if (const char* const before = std::getenv("DBUS_SESSION_BUS_ADDRESS")) {
+    if (const char* const before = std::getenv(m_variable)) {
         m_hadAddress = true;
         m_addressBefore = before;
     }
-    ::setenv("DBUS_SESSION_BUS_ADDRESS", m_address.c_str(), 1);
+    ::setenv(m_variable, m_address.c_str(), 1);
     if (start == Start::Now) this->start();
 }
 
 PrivateBus::~PrivateBus() {
     kill();
     if (m_hadAddress)
-        ::setenv("DBUS_SESSION_BUS_ADDRESS", m_addressBefore.c_str(), 1);
+        ::setenv(m_variable, m_addressBefore.c_str(), 1);
     else
-        ::unsetenv("DBUS_SESSION_BUS_ADDRESS");
+        ::unsetenv(m_variable);
 }
 
 void PrivateBus::start() {

@@ -7,13 +7,13 @@
 
 namespace testing_support {
 
-// A session bus of the test's own: a dbus-daemon that listens in a temporary folder, always at the same address. While
-// this object lives the environment's DBUS_SESSION_BUS_ADDRESS names it.
+// A bus of the test's own: a dbus-daemon that listens in a temporary folder, always at the same address. While this
+// object lives the environment's `variable` names it: the session's bus, or with DBUS_SYSTEM_BUS_ADDRESS the system's.
 class PrivateBus {
 public:
     enum class Start { Now, Later };
 
-    explicit PrivateBus(Start start = Start::Now);
+    explicit PrivateBus(Start start = Start::Now, const char* variable = "DBUS_SESSION_BUS_ADDRESS");
     ~PrivateBus();
     PrivateBus(const PrivateBus&) = delete;
     PrivateBus& operator=(const PrivateBus&) = delete;
@@ -32,6 +32,7 @@ public:
 
 private:
     TemporaryFolder m_folder;
+    const char* m_variable;
     std::string m_address;
     std::string m_addressBefore;
     bool m_hadAddress = false;

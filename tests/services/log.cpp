@@ -1,0 +1,45 @@
+#include "services/common/log.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace {
+
+class LogTest : public testing::Test {
+protected:
+    LogTest() {
+        services::setLogSink([this](std::string_view line) { lines.emplace_back(line); });
+    }
+    ~LogTest() override { services::setLogSink({}); }
+
+    std::vector<std::string> lines;
+};
+
+TEST_F(LogTest, ALineIsWrittenOnceAndThenCounted) {
+    for (int i = 0; i < 1000; ++i) services::log("pairing with %s: refused", "..:00:01");
+
+    EXPECT_EQ(lines, std::vector<std::string>{"pairing with ..:00:01: refused"});
+}
+
+TEST_F(LogTest, LinesThatTakeTurnsAreCountedToo) {
+    for (int i = 0; i < 1000; ++i) services::log("line %d", i % 4);
+
+    EXPECT_EQ(lines.size(), 4U);
+}
+
+TEST_F(LogTest, WhatAPeerSaysStaysOneLine) {
+    services::log("pairing with %s", "a\nb\x1b[2Jc\x7f");
+
+    EXPECT_EQ(lines, std::vector<std::string>{"pairing with a b [2Jc "});
+}
+
+TEST_F(LogTest, AnEndlessLineIsCut) {
+    services::log("%s", std::string(100'000, 'x').c_str());
+
+    ASSERT_EQ(lines.size(), 1U);
+    EXPECT_LT(lines[0].size(), 2000U);
+}
+
+} // namespace
