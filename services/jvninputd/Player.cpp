@@ -38,11 +38,6 @@ void Player::setListening(bool isListening, Moment now) {
     update(now);
 }
 
-std::optional<Moment> Player::deadline() const {
-    if (m_patienceEnds && m_retryAt) return std::min(*m_patienceEnds, *m_retryAt);
-    return m_patienceEnds ? m_patienceEnds : m_retryAt;
-}
-
 void Player::timePassed(Moment now) {
     if (m_patienceEnds && now >= *m_patienceEnds) giveBackAll();
     update(now);
@@ -78,14 +73,15 @@ bool Player::wantsToHear() const {
 void Player::update(Moment now) {
     const bool wanted = wantsKeyboards();
     const bool heard = wantsToHear();
-    m_retryAt.reset();
     bool waiting = false;
     for (auto& [id, keyboard] : m_keyboards) {
         if (heard && !keyboard.open) {
             keyboard.down = m_devices.open(id);
             keyboard.open = true;
         }
-        if (wanted && !keyboard.taken && keyboard.down.none()) tryToTake(id, keyboard, now);
+        // Where that does not succeed the keyboard's next event is the time to try again.
+        if (wanted && !keyboard.taken && keyboard.down.none())
+            keyboard.taken = m_devices.take(id, keyboard.down) == Devices::Taken::yes;
         if (!wanted && keyboard.taken && keyboard.down.none()) giveBack(id, keyboard);
         if (!heard && keyboard.open && !keyboard.taken) {
             m_devices.close(id);
@@ -100,13 +96,6 @@ void Player::update(Moment now) {
     else if (!m_patienceEnds)
         m_patienceEnds = now + patience;
     if (!waiting && !m_playing && m_pad != input::Profile::none) setPad(input::Profile::none);
-}
-
-void Player::tryToTake(KeyboardId id, PlayedKeyboard& keyboard, Moment now) {
-    if (m_devices.take(id, keyboard.down) == Devices::Taken::yes)
-        keyboard.taken = true;
-    else if (keyboard.down.none())
-        m_retryAt = now + retryTime;
 }
 
 // Whatever this keyboard holds down, on the pad and on the desktop, is let go.

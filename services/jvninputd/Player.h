@@ -41,8 +41,6 @@ public:
     };
     // How long giving back waits for such a moment.
     static constexpr Duration patience = std::chrono::seconds(1);
-    // How long taking waits before it tries again, where no event would tell when.
-    static constexpr Duration retryTime = std::chrono::milliseconds(20);
 
     // Something to play, or nothing: then keyboards are given back and the pad goes.
     void play(std::optional<Play> what, Manner manner, Moment now);
@@ -58,7 +56,7 @@ public:
 
     // To be called at the deadline, where there is one.
     void timePassed(Moment now);
-    std::optional<Moment> deadline() const;
+    std::optional<Moment> deadline() const { return m_patienceEnds; }
 
     // Readiness::ungoverned stands for every reason for which there is nothing to play.
     input::Readiness readiness() const;
@@ -79,7 +77,6 @@ private:
     bool chordHeld() const;
     void pressChord();
     void update(Moment now);
-    void tryToTake(KeyboardId id, PlayedKeyboard& keyboard, Moment now);
     void giveBack(KeyboardId id, PlayedKeyboard& keyboard);
     void giveBackAll();
     void letGo(KeyboardId id, PlayedKeyboard& keyboard);
@@ -96,7 +93,6 @@ private:
     bool m_gameListens = false;
     bool m_paused = false;
     std::optional<Moment> m_patienceEnds;
-    std::optional<Moment> m_retryAt;
     std::vector<Event> m_padFrame;     // kept for its memory
     std::vector<Event> m_desktopFrame; // likewise
 };

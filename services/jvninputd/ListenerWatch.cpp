@@ -1,0 +1,100 @@
+#include "services/jvninputd/ListenerWatch.h"
+
+#include "services/common/log.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <sys/epoll.h>
+#include <sys/inotify.h>
+#include <unistd.h>
+#include <utility>
+
+namespace jvninputd {
+
+namespace {
+
+constexpr const char* nodeFolder = "/dev/input";
+
+} // namespace
+
+ListenerWatch::ListenerWatch(services::EventLoop& loop, std::function<void(bool)> changed)
+    : m_loop(loop), m_changed(std::move(changed)), m_descriptor(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC)) {
+    if (m_descriptor) m_folder = ::inotify_add_watch(m_descriptor.get(), nodeFolder, IN_OPEN | IN_CLOSE);
+    if (m_folder < 0)
+        services::log("watching %s: %s", nodeFolder, std::strerror(errno));
+    else
+        m_readable = m_loop.watch(m_descriptor.get(), EPOLLIN, [this](std::uint32_t) { readEvents(); });
+}
+
+void ListenerWatch::follow(std::function<std::vector<std::string>()> nodes) {
+    m_nodes = std::move(nodes);
+    followNodes();
+    // What the folder has heard until it goes counts by name; the line that says that it has gone is where the nodes'
+    // own watches take over. After that only an added node is of interest there.
+    if (m_folder >= 0) ::inotify_rm_watch(m_descriptor.get(), m_folder);
+    m_newNodes = ::inotify_add_watch(m_descriptor.get(), nodeFolder, IN_CREATE);
+}
+
+void ListenerWatch::followNodes() {
+    for (const std::string& name : m_nodes()) {
+        if (m_followed.contains(name)) continue;
+        const std::string path = std::string(nodeFolder) + '/' + name;
+        const int watch = ::inotify_add_watch(m_descriptor.get(), path.c_str(), IN_OPEN | IN_CLOSE);
+        if (watch < 0)
+            services::log("watching %s: %s", path.c_str(), std::strerror(errno));
+        else
+            m_followed[name] = watch;
+    }
+}
+
+void ListenerWatch::readEvents() {
+    alignas(::inotify_event) std::array<char, 4096> buffer;
+    for (;;) {
+        const ssize_t size = ::read(m_descriptor.get(), buffer.data(), buffer.size());
+        if (size <= 0) break;
+        for (ssize_t at = 0; at < size;) {
+            const auto* event = reinterpret_cast<const ::inotify_event*>(buffer.data() + at);
+            handle(event->wd, event->mask, event->len > 0 ? event->name : "");
+            at += static_cast<ssize_t>(sizeof *event + event->len);
+        }
+    }
+    say();
+}
+
+void ListenerWatch::handle(int watch, std::uint32_t mask, const std::string& name) {
+    if (mask & IN_Q_OVERFLOW) {
+        // Opens and closes were lost. Nobody is taken to listen who may not: who has the pad open opens it again.
+        services::log("watching who opens the pad: too many opens at once");
+        return m_count.reset();
+    }
+    // The joystick interface may be loaded after the pad was made.
+    if (watch == m_newNodes && name.starts_with("js")) return followNodes();
+    const bool ofFolder = watch == m_folder;
+    if (ofFolder && mask & IN_IGNORED) m_folder = -1;
+    const bool counts = ofFolder ? m_followed.contains(name)
+                                 : m_folder < 0 && std::ranges::any_of(m_followed, [watch](const auto& node) {
+                                       return node.second == watch;
+                                   });
+    if (!counts) return;
+    if (mask & IN_OPEN) m_count.opened(m_loop.now());
+    if (mask & IN_CLOSE) m_count.closed();
+}
+
+void ListenerWatch::say() {
+    m_timer.reset();
+    if (const auto deadline = m_count.deadline())
+        m_timer = m_loop.after(std::max(*deadline - m_loop.now(), Duration(0)), [this] { timerFired(); });
+    if (m_said == m_count.listening()) return;
+    m_said = m_count.listening();
+    const auto changed = m_changed; // it may end this watch
+    changed(m_said);
+}
+
+void ListenerWatch::timerFired() {
+    m_count.timePassed(m_loop.now());
+    say();
+}
+
+} // namespace jvninputd
