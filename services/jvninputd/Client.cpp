@@ -31,8 +31,22 @@ template <class Message> bool same(const std::optional<Message>& one, const Mess
 Client::Client(services::EventLoop& loop, host::Descriptor socket, uid_t user, Callbacks callbacks)
     : m_loop(loop), m_socket(std::move(socket)), m_user(user), m_callbacks(std::move(callbacks)),
       m_allowance(allowedAtOnce), m_allowanceTime(loop.now()) {
-    m_readable = m_loop.watch(m_socket.get(), EPOLLIN, [this](std::uint32_t) { readable(); });
+    watch(EPOLLIN);
     m_silence = m_loop.after(longestSilence, [this] { end(); });
+}
+
+void Client::watch(std::uint32_t events) {
+    m_watch.reset(); // a descriptor is watched once
+    m_watch = m_loop.watch(m_socket.get(), events, [this](std::uint32_t came) { ready(came); });
+}
+
+void Client::ready(std::uint32_t events) {
+    if (m_full && events & EPOLLOUT) {
+        m_full = false;
+        watch(EPOLLIN);
+        send();
+    }
+    if (events & ~static_cast<std::uint32_t>(EPOLLOUT)) readable();
 }
 
 void Client::readable() {
@@ -103,7 +117,7 @@ void Client::tell(const input::Controller& controller) {
 }
 
 void Client::send() {
-    if (m_ended || m_writable) return;
+    if (m_ended || m_full) return;
     if (m_newState && sendOne(&*m_newState, sizeof *m_newState)) m_state = std::exchange(m_newState, std::nullopt);
     if (m_newKeyboards && sendOne(&*m_newKeyboards, sizeof *m_newKeyboards))
         m_keyboards = std::exchange(m_newKeyboards, std::nullopt);
@@ -113,16 +127,14 @@ void Client::send() {
 
 // False when it has to wait until the other side has read, or for ever.
 bool Client::sendOne(const void* data, std::size_t size) {
-    if (m_ended || m_writable) return false;
+    if (m_ended || m_full) return false;
     if (::send(m_socket.get(), data, size, MSG_NOSIGNAL) >= 0) return true;
     if (errno != EAGAIN && errno != ENOBUFS) {
         end();
         return false;
     }
-    m_writable = m_loop.watch(m_socket.get(), EPOLLOUT, [this](std::uint32_t) {
-        m_writable.reset();
-        send();
-    });
+    m_full = true;
+    watch(EPOLLIN | EPOLLOUT);
     return false;
 }
 
@@ -139,8 +151,7 @@ void Client::refuse(input::RefusalReason reason) {
 void Client::end() {
     if (m_ended) return;
     m_ended = true;
-    m_readable.reset();
-    m_writable.reset();
+    m_watch.reset();
     m_silence.reset();
     m_socket.reset();
     m_callbacks.gone(*this);

@@ -46,6 +46,8 @@ public:
     void refuse(input::RefusalReason reason);
 
 private:
+    void watch(std::uint32_t events);
+    void ready(std::uint32_t events);
     void readable();
     void received(const void* data, std::size_t size);
     bool mayReceive();
@@ -69,8 +71,8 @@ private:
     double m_allowance;                          // of messages that may come
     services::Moment m_allowanceTime;
     bool m_ended = false;
-    services::EventLoop::Source m_readable;
-    services::EventLoop::Source m_writable;
+    bool m_full = false; // the other side has to read before more can be sent
+    services::EventLoop::Source m_watch;
     services::EventLoop::Source m_silence;
 };
 
