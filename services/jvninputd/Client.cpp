@@ -28,7 +28,7 @@ template <class Message> bool same(const std::optional<Message>& one, const Mess
 
 } // namespace
 
-Client::Client(services::EventLoop& loop, host::Descriptor socket, uid_t user, Callbacks callbacks)
+Client::Client(services::EventLoop& loop, seat::Descriptor socket, uid_t user, Callbacks callbacks)
     : m_loop(loop), m_socket(std::move(socket)), m_user(user), m_callbacks(std::move(callbacks)),
       m_allowance(allowedAtOnce), m_allowanceTime(loop.now()) {
     watch(EPOLLIN);

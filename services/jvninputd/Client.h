@@ -4,7 +4,7 @@
 #include "services/input_protocol/messages.h"
 #include "services/jvninputd/moment.h"
 
-#include "host/foundation/Descriptor.h"
+#include "system/files/Descriptor.h"
 
 #include <cstddef>
 #include <deque>
@@ -27,7 +27,7 @@ public:
         std::function<void(Client&)> light;
         std::function<void(Client&)> gone; // destroys the client, not at once
     };
-    Client(services::EventLoop& loop, host::Descriptor socket, uid_t user, Callbacks callbacks);
+    Client(services::EventLoop& loop, seat::Descriptor socket, uid_t user, Callbacks callbacks);
 
     uid_t user() const { return m_user; }
     // None before Hello.
@@ -57,7 +57,7 @@ private:
     void end();
 
     services::EventLoop& m_loop;
-    host::Descriptor m_socket;
+    seat::Descriptor m_socket;
     uid_t m_user;
     Callbacks m_callbacks;
     std::optional<input::Role> m_role;

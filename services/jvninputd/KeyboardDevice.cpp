@@ -21,7 +21,7 @@ constexpr std::size_t longestFrame = 256;
 
 } // namespace
 
-Evdev KeyboardDevice::openDevice(host::Descriptor& descriptor) const {
+Evdev KeyboardDevice::openDevice(seat::Descriptor& descriptor) const {
     descriptor.reset(::open(m_node.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
     ::libevdev* device = nullptr;
     const int result = descriptor ? ::libevdev_new_from_fd(descriptor.get(), &device) : -errno;
@@ -36,7 +36,7 @@ Evdev KeyboardDevice::openDevice(host::Descriptor& descriptor) const {
 
 void KeyboardDevice::makeStandIn() {
     if (m_standIn) return;
-    host::Descriptor descriptor;
+    seat::Descriptor descriptor;
     const Evdev device = openDevice(descriptor);
     if (!device) return;
     m_standIn = VirtualDevice::create(*describeStandIn(*device));

@@ -4,7 +4,7 @@
 #include "services/jvninputd/Devices.h"
 #include "services/jvninputd/VirtualDevice.h"
 
-#include "host/foundation/Descriptor.h"
+#include "system/files/Descriptor.h"
 
 #include <array>
 #include <bitset>
@@ -42,7 +42,7 @@ public:
     void forward(std::span<const Event> events);
 
 private:
-    Evdev openDevice(host::Descriptor& descriptor) const;
+    Evdev openDevice(seat::Descriptor& descriptor) const;
     void readEvents(std::uint32_t ready);
     // Hands on what the kernel has for us, while the node is open; false when the keyboard is gone.
     bool drain(const std::function<void(const ::input_event&)>& each);
@@ -56,7 +56,7 @@ private:
     services::EventLoop& m_loop;
     std::string m_node;
     Callbacks m_callbacks;
-    host::Descriptor m_descriptor;
+    seat::Descriptor m_descriptor;
     Evdev m_device;
     std::unique_ptr<VirtualDevice> m_standIn;
     services::EventLoop::Source m_readable;

@@ -3,7 +3,7 @@
 #include "services/common/EventLoop.h"
 #include "services/jvninputd/ListenerCount.h"
 
-#include "host/foundation/Descriptor.h"
+#include "system/files/Descriptor.h"
 
 #include <functional>
 #include <map>
@@ -31,7 +31,7 @@ private:
 
     services::EventLoop& m_loop;
     std::function<void(bool)> m_changed;
-    host::Descriptor m_descriptor;
+    seat::Descriptor m_descriptor;
     int m_folder = -1;   // hears all nodes, until the pad's own are followed
     int m_newNodes = -1; // hears of nodes that are added later
     std::function<std::vector<std::string>()> m_nodes;

@@ -21,14 +21,14 @@ constexpr int acceptedAtOnce = 8;
 
 } // namespace
 
-Server::Server(services::EventLoop& loop, host::Descriptor listener, Callbacks callbacks)
+Server::Server(services::EventLoop& loop, seat::Descriptor listener, Callbacks callbacks)
     : m_loop(loop), m_listener(std::move(listener)), m_callbacks(std::move(callbacks)) {
     m_acceptable = m_loop.watch(m_listener.get(), EPOLLIN, [this](std::uint32_t) { accept(); });
 }
 
 void Server::accept() {
     for (int i = 0; i < acceptedAtOnce; ++i) {
-        host::Descriptor socket(::accept4(m_listener.get(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
+        seat::Descriptor socket(::accept4(m_listener.get(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
         if (!socket) {
             if (errno != EAGAIN && errno != EINTR && errno != ECONNABORTED)
                 services::log("accepting a connection: %s", std::strerror(errno));
@@ -44,7 +44,7 @@ void Server::accept() {
     }
 }
 
-void Server::admit(host::Descriptor socket, uid_t user) {
+void Server::admit(seat::Descriptor socket, uid_t user) {
     const bool permitted = m_callbacks.permitted(user);
     const auto ofUser = std::ranges::count_if(
         m_clients, [user](const auto& client) { return client->user() == user && !client->ended(); });

@@ -3,7 +3,7 @@
 #include "services/common/EventLoop.h"
 #include "services/jvninputd/Client.h"
 
-#include "host/foundation/Descriptor.h"
+#include "system/files/Descriptor.h"
 
 #include <functional>
 #include <list>
@@ -24,7 +24,7 @@ public:
         std::function<void(bool)> empty;       // the last one has gone, or the first one has come
     };
     // Takes connections from a listening socket that does not block.
-    Server(services::EventLoop& loop, host::Descriptor listener, Callbacks callbacks);
+    Server(services::EventLoop& loop, seat::Descriptor listener, Callbacks callbacks);
 
     // Refuses clients of users that are no longer permitted.
     void checkPermissions();
@@ -35,13 +35,13 @@ public:
 
 private:
     void accept();
-    void admit(host::Descriptor socket, uid_t user);
+    void admit(seat::Descriptor socket, uid_t user);
     std::optional<input::RefusalReason> hello(Client& client, input::Role role);
     void gone(Client& client);
     void removeEnded();
 
     services::EventLoop& m_loop;
-    host::Descriptor m_listener;
+    seat::Descriptor m_listener;
     Callbacks m_callbacks;
     std::list<std::unique_ptr<Client>> m_clients;
     services::EventLoop::Source m_acceptable;

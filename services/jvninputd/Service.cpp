@@ -15,7 +15,7 @@ constexpr Duration idleTime = std::chrono::minutes(1);
 
 } // namespace
 
-Service::Service(services::EventLoop& loop, host::Descriptor listener)
+Service::Service(services::EventLoop& loop, seat::Descriptor listener)
     : m_loop(loop), m_devices(loop, {[this](KeyboardId id, std::span<const Event> events) {
                                          m_player.frame(id, events, m_loop.now());
                                          settle();

@@ -9,7 +9,7 @@
 #include "services/jvninputd/Sessions.h"
 #include "services/jvninputd/Watchdog.h"
 
-#include "host/foundation/Descriptor.h"
+#include "system/files/Descriptor.h"
 
 #include <map>
 #include <optional>
@@ -23,7 +23,7 @@ namespace jvninputd {
 class Service {
 public:
     // The socket listens and does not block.
-    Service(services::EventLoop& loop, host::Descriptor listener);
+    Service(services::EventLoop& loop, seat::Descriptor listener);
 
 private:
     void keyboardAdded(const std::string& device, const KeyboardFound& found);

@@ -2,7 +2,7 @@
 
 #include "services/common/log.h"
 
-#include "host/foundation/Descriptor.h"
+#include "system/files/Descriptor.h"
 
 #include <array>
 #include <cerrno>
@@ -23,7 +23,7 @@ namespace {
 
 // Of one line; empty when it cannot be read.
 std::string readAttribute(const std::string& path) {
-    const host::Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    const seat::Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
     std::array<char, 256> buffer;
     const ssize_t size = file ? ::read(file.get(), buffer.data(), buffer.size()) : -1;
     if (size <= 0) return {};
@@ -32,7 +32,7 @@ std::string readAttribute(const std::string& path) {
 }
 
 bool writeAttribute(const std::string& path, const std::string& value) {
-    const host::Descriptor file(::open(path.c_str(), O_WRONLY | O_CLOEXEC));
+    const seat::Descriptor file(::open(path.c_str(), O_WRONLY | O_CLOEXEC));
     if (file && ::write(file.get(), value.data(), value.size()) == static_cast<ssize_t>(value.size())) return true;
     // The controller may be on its way out; one line says it once.
     if (errno != ENOENT && errno != ENODEV) services::log("setting a controller's light: %s", std::strerror(errno));

@@ -19,25 +19,25 @@ constexpr int backlog = 128;
 // Who may connect is decided by who it is, not by the file.
 constexpr mode_t everybody = 0666;
 
-host::Descriptor failed(const std::string& path) {
+seat::Descriptor failed(const std::string& path) {
     services::log("listening at %s: %s", path.c_str(), std::strerror(errno));
-    return host::Descriptor();
+    return seat::Descriptor();
 }
 
 } // namespace
 
-host::Descriptor inheritedSocket() {
-    if (::sd_listen_fds(1) < 1) return host::Descriptor();
+seat::Descriptor inheritedSocket() {
+    if (::sd_listen_fds(1) < 1) return seat::Descriptor();
     const int descriptor = SD_LISTEN_FDS_START;
     if (::sd_is_socket_unix(descriptor, SOCK_SEQPACKET, 1, nullptr, 0) <= 0) {
         services::log("the inherited descriptor is no socket of ours");
-        return host::Descriptor();
+        return seat::Descriptor();
     }
     ::fcntl(descriptor, F_SETFL, ::fcntl(descriptor, F_GETFL) | O_NONBLOCK);
-    return host::Descriptor(descriptor);
+    return seat::Descriptor(descriptor);
 }
 
-host::Descriptor listeningSocket(const std::string& path) {
+seat::Descriptor listeningSocket(const std::string& path) {
     ::sockaddr_un address{};
     address.sun_family = AF_UNIX;
     if (path.size() >= sizeof address.sun_path) {
@@ -46,7 +46,7 @@ host::Descriptor listeningSocket(const std::string& path) {
     }
     std::memcpy(address.sun_path, path.c_str(), path.size());
 
-    host::Descriptor socket(::socket(AF_UNIX, SOCK_SEQPACKET | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
+    seat::Descriptor socket(::socket(AF_UNIX, SOCK_SEQPACKET | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
     if (!socket) return failed(path);
     ::unlink(path.c_str());
     if (::bind(socket.get(), reinterpret_cast<const ::sockaddr*>(&address), sizeof address) < 0 ||

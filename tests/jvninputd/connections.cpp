@@ -66,7 +66,7 @@ public:
     void close() { m_socket.reset(); }
 
 private:
-    host::Descriptor m_socket;
+    seat::Descriptor m_socket;
 };
 
 class Connections : public ::testing::Test {
