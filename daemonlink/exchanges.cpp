@@ -8,8 +8,8 @@ namespace {
 
 constexpr std::uint32_t controllerTypeDualShock4 = 1;
 
-void send(int descriptor, const JVNControlFrame& frame, std::size_t size) {
-    platform::send(descriptor, &frame, size, 0);
+void send(int descriptor, const JVNControlFrame& frame) {
+    platform::send(descriptor, &frame, JVNControlFrameSize(frame.command), 0);
 }
 
 // A reply counts only whole: what a time-out or a closing peer cut short may begin like an answer.
@@ -30,7 +30,7 @@ bool setReplyTimeout(int descriptor, long seconds) {
 
 QueryReply queryConnection(int descriptor, JVNControlFrame& frame) {
     frame.command = JVNControlCommand::QueryConnection;
-    send(descriptor, frame, JVNControlFrame::baseSize);
+    send(descriptor, frame);
     if (!receiveReply(descriptor, frame)) return QueryReply::NotConnected;
     return frame.controllerType == JVNConnectionStateUnknown ? QueryReply::Unknown : QueryReply::Connected;
 }
@@ -39,12 +39,12 @@ bool connect(int descriptor, JVNControlFrame& frame, std::uint32_t controllerTyp
     frame.command = JVNControlCommand::Connect;
     frame.controllerType = controllerType;
     frame.flag = 0;
-    send(descriptor, frame, JVNControlFrame::fullSize);
+    send(descriptor, frame);
 
     JVNControlFrame reply;
     if (receiveReply(descriptor, reply) && reply.command == JVNControlCommand::ConnectAccepted) return true;
     reply.command = JVNControlCommand::EndSession;
-    send(descriptor, reply, JVNControlFrame::baseSize);
+    send(descriptor, reply);
     return false;
 }
 
@@ -52,9 +52,9 @@ void disconnect(int descriptor, JVNControlFrame& frame, std::uint32_t controller
     frame.command = JVNControlCommand::Disconnect;
     frame.controllerType = controllerType;
     frame.flag = 0;
-    send(descriptor, frame, JVNControlFrame::baseSize);
+    send(descriptor, frame);
     frame.command = JVNControlCommand::EndSession;
-    send(descriptor, frame, JVNControlFrame::baseSize);
+    send(descriptor, frame);
 }
 
 void setLEDColor(int descriptor, std::uint8_t red, std::uint8_t green, std::uint8_t blue) {
@@ -64,13 +64,13 @@ void setLEDColor(int descriptor, std::uint8_t red, std::uint8_t green, std::uint
     frame.payload[0] = red;
     frame.payload[1] = green;
     frame.payload[2] = blue;
-    send(descriptor, frame, JVNControlFrame::colorSize);
+    send(descriptor, frame);
 }
 
 void restartDaemons(int descriptor) {
     JVNControlFrame frame;
     frame.command = JVNControlCommand::RestartDaemons;
-    send(descriptor, frame, JVNControlFrame::fullSize);
+    send(descriptor, frame);
 }
 
 } // namespace daemonlink

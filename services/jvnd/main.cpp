@@ -1,0 +1,103 @@
+// jvnd: the daemon of a user's session. See options.cpp for its command line, Daemon.h for what it does.
+
+#include "services/common/log.h"
+#include "services/jvnd/Daemon.h"
+#include "services/jvnd/exit_codes.h"
+#include "services/jvnd/options.h"
+#include "services/jvnd/say_line.h"
+
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <sys/epoll.h>
+#include <sys/stat.h>
+#include <systemd/sd-daemon.h>
+#include <unistd.h>
+
+namespace {
+
+using namespace jvnd;
+namespace fs = std::filesystem;
+
+constexpr const char* controlSocket = "/Library/Caches/jvncontrol.sock";
+
+// Empty, and the reason in `problem`, when there is none.
+std::string rootFolder(const std::string& given, std::string& problem) {
+    std::string root = given;
+    if (root.empty()) {
+        const char* const data = std::getenv("XDG_DATA_HOME");
+        const char* const home = std::getenv("HOME");
+        if (data && data[0] == '/')
+            root = std::string(data) + "/joyvane";
+        else if (home && home[0] == '/')
+            root = std::string(home) + "/.local/share/joyvane";
+        else
+            problem = "the user has no home folder";
+    }
+    if (root.empty()) return {};
+    root = fs::absolute(root).lexically_normal().string();
+    while (root.ends_with('/')) root.pop_back();
+    return root;
+}
+
+// A descriptor of ours must never be taken for a standard stream.
+void openStandardStreams() {
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+        if (::fcntl(stream, F_GETFD) < 0) ::open("/dev/null", O_RDWR);
+}
+
+// A simulated daemon belongs to whoever has started it with a pipe.
+services::EventLoop::Source endWithInput(services::EventLoop& loop) {
+    struct ::stat input;
+    if (::fstat(STDIN_FILENO, &input) != 0 || !S_ISFIFO(input.st_mode)) return nullptr;
+    return loop.watch(STDIN_FILENO, EPOLLIN, [&loop](std::uint32_t) {
+        char bytes[256];
+        if (::read(STDIN_FILENO, bytes, sizeof bytes) <= 0) loop.quit(exitSuccess);
+    });
+}
+
+int serve(const CommandLine& line, const std::string& root, ControlPlace& place) {
+    services::EventLoop loop;
+    std::vector<services::EventLoop::Source> sources;
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP})
+        sources.push_back(loop.onSignal(signal, [&loop] { loop.quit(exitSuccess); }));
+    if (line.simulates) sources.push_back(endWithInput(loop));
+
+    Daemon::Options options{.root = root, .simulates = line.simulates, .trace = {}};
+    if (!line.inputSocket.empty()) options.inputSocket = line.inputSocket;
+    if (line.traces) options.trace = sayLine;
+    Daemon daemon(loop, place, std::move(options));
+    // Started with the session, and nobody has ever opened the page: the socket waits for who does.
+    if (place.isManaged() && daemon.isUnused() && !place.hasCaller()) return exitSuccess;
+    ::sd_notify(0, "READY=1");
+    if (line.traces) sayLine("ready");
+    return loop.run();
+}
+
+int fail(const std::string& problem, int code) {
+    services::log("%s", problem.c_str());
+    return code;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    openStandardStreams();
+    ::signal(SIGPIPE, SIG_IGN);
+    services::setLogName("jvnd");
+    const auto line = parseCommandLine(std::span<const char* const>(argv, static_cast<std::size_t>(argc)).subspan(1));
+    if (!line.problem.empty()) return fail(line.problem + "; see jvnd --help", exitUsage);
+    if (line.showsHelp) return std::fputs(helpText().c_str(), stdout) < 0;
+    if (line.showsVersion) return std::puts("jvnd " JOYVANE_VERSION) < 0;
+
+    std::string problem;
+    const auto root = rootFolder(line.root, problem);
+    if (!problem.empty()) return fail(problem, exitFailure);
+    ControlPlace place;
+    problem = place.open(root + controlSocket);
+    if (!problem.empty()) return fail(problem, exitFailure);
+    const int code = serve(line, root, place);
+    return code == exitRestart ? place.restart(argv) : code;
+}
