@@ -1,12 +1,15 @@
 #include "app/Options.h"
 #include "app/application.h"
 #include "kit/dispatch/shutdown.h"
+#include "system/process/children.h"
+#include "system/process/standard_descriptors.h"
 
 #include <cstdio>
 #include <malloc.h>
 #include <span>
 
 int main(int argumentCount, char** arguments) {
+    seat::openMissingStandardDescriptors();
     // The threads wait far more than they allocate; a heap for each would cost more memory than it saves time.
     mallopt(M_ARENA_MAX, 1);
     std::span<const char* const> words(arguments, static_cast<std::size_t>(argumentCount));
@@ -20,5 +23,7 @@ int main(int argumentCount, char** arguments) {
         const std::string text = options.showHelp ? app::helpText() : "joyvane-settings " JOYVANE_VERSION "\n";
         return std::fputs(text.c_str(), stdout) >= 0 && std::fflush(stdout) == 0 ? app::ExitSuccess : app::ExitFailure;
     }
-    return seat::finishProcess(app::runApplication(options));
+    const int code = app::runApplication(options);
+    seat::endTools();
+    return seat::finishProcess(code);
 }

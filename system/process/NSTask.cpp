@@ -11,7 +11,7 @@
 namespace {
 
 // Long enough for any program on a disk that is awake: only then the identifier can say whether it runs.
-constexpr std::chrono::milliseconds loadingPatience{25};
+constexpr std::chrono::milliseconds loadingTimeout{25};
 
 void logFailure(const std::string& path, int error) { NSLog("launch %s: %s", path.c_str(), std::strerror(error)); }
 
@@ -23,7 +23,8 @@ std::shared_ptr<NSTask> NSTask::launchedTaskWithLaunchPath_arguments(const std::
                                                                      const std::vector<std::string>& arguments) {
     auto task = alloc();
     task->init();
-    auto child = seat::spawn(seat::hostPath(path), arguments, seat::childEnvironment(), loadingPatience);
+    auto child =
+        seat::spawn(seat::ChildKind::Tool, seat::hostPath(path), arguments, seat::toolEnvironment(), loadingTimeout);
     if (child.identifier == 0) {
         logFailure(path, child.error);
         return task;

@@ -16,4 +16,8 @@ void setVariableForUsAlone(const std::string& name, const std::string& value);
 // (absent without one) and DBUS_SESSION_BUS_ADDRESS to the session's bus.
 std::vector<std::string> childEnvironment();
 
+// What a tool of the add-on's own gets, and nothing else of this process's environment: who the user is, the language,
+// the user's folders, the buses and the root.
+std::vector<std::string> toolEnvironment();
+
 } // namespace seat

@@ -1,20 +1,30 @@
 #include "system/process/children.h"
 
 #include "kit/dispatch/run_loop_sources.h"
+#include "platform/log.h"
+#include "system/process/ChildOutput.h"
 #include "system/process/pidfd.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <map>
 #include <mutex>
+#include <optional>
+#include <poll.h>
 #include <sys/wait.h>
+#include <vector>
 
 namespace {
 
 using namespace seat;
 
 struct Child {
+    ChildKind kind = ChildKind::Tool;
+    std::string name; // the program's, without its folder
     Descriptor process;
     Descriptor loading;
+    std::optional<ChildOutput> output;
     SourceToken ended = 0;
     SourceToken loaded = 0;
 };
@@ -55,6 +65,12 @@ void finishLoading(int identifier, const std::function<void(int)>& couldNotLoad)
     if (error != 0 && couldNotLoad) couldNotLoad(error);
 }
 
+int signalLocked(int identifier, const Child& child, int signal) {
+    // Its group has its number for as long as it has not been reaped.
+    if (child.kind == ChildKind::Tool && ::kill(-identifier, signal) == 0) return 0;
+    return ::pidfd_send_signal(child.process.get(), signal, nullptr, 0);
+}
+
 void reapChild(int identifier) {
     auto& children = Children::shared();
     const auto found = children.all.find(identifier);
@@ -62,12 +78,17 @@ void reapChild(int identifier) {
     removeSource(found->second.ended);
     removeSource(found->second.loaded);
     ::siginfo_t information{};
+    const std::string name = found->second.name;
+    const bool isTool = found->second.kind == ChildKind::Tool;
+    if (found->second.output) found->second.output->readWhatIsThere();
     {
-        // Under the lock, so that nobody signals the identifier once it may be a stranger's.
+        // Under the lock, so that nobody signals the identifier once it may be somebody else's.
         const std::lock_guard lock(children.mutex);
         ::waitid(P_PIDFD, static_cast<::id_t>(found->second.process.get()), &information, WEXITED | WNOHANG);
         children.all.erase(found);
     }
+    if (isTool && (information.si_code != CLD_EXITED || information.si_status != 0))
+        NSLog("%s (process %d): it %s", name.c_str(), identifier, ending(information).c_str());
     tell(identifier, ending(information));
 }
 
@@ -81,8 +102,13 @@ void seat::adoptChild(SpawnedChild child, std::function<void(int)> couldNotLoad)
     {
         const std::lock_guard lock(children.mutex);
         kept = &children.all[identifier];
-        *kept = {std::move(child.process), std::move(child.loading)};
+        kept->kind = child.kind;
+        kept->name = child.command.substr(0, child.command.find(' '));
+        kept->name.erase(0, kept->name.rfind('/') + 1);
+        kept->process = std::move(child.process);
+        kept->loading = std::move(child.loading);
     }
+    if (child.output) kept->output.emplace(std::move(child.output), kept->name);
     if (kept->loading)
         kept->loaded = addReadableSource(kept->loading.get(),
                                          [identifier, couldNotLoad] { finishLoading(identifier, couldNotLoad); });
@@ -102,5 +128,25 @@ int seat::signalChild(int identifier, int signal) {
         errno = ESRCH;
         return -1;
     }
-    return ::pidfd_send_signal(found->second.process.get(), signal, nullptr, 0);
+    return signalLocked(identifier, found->second, signal);
+}
+
+void seat::endTools(std::chrono::milliseconds grace) {
+    auto& children = Children::shared();
+    const auto end = std::chrono::steady_clock::now() + grace;
+    std::vector<int> running;
+    for (const auto& [identifier, child] : children.all)
+        if (child.kind == ChildKind::Tool) running.push_back(identifier);
+    for (const int identifier : running) signalChild(identifier, SIGINT);
+    for (const int identifier : running) {
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
+        ::pollfd ended{children.all.at(identifier).process.get(), POLLIN, 0};
+        if (::poll(&ended, 1, std::max(0, static_cast<int>(left.count()))) <= 0) {
+            NSLog("%s (process %d): it does not end when interrupted, and is killed",
+                  children.all.at(identifier).name.c_str(), identifier);
+            signalChild(identifier, SIGKILL);
+            ::poll(&ended, 1, static_cast<int>(grace.count()));
+        }
+        reapChild(identifier);
+    }
 }

@@ -7,6 +7,7 @@
 #include <csignal>
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -25,10 +26,20 @@ struct Program {
     const char* path;
     char* const* arguments;
     char* const* environment;
+    seat::ChildKind kind;
+    int output;     // a tool's
+    ::pid_t parent; // who is to outlive a tool
 };
 
 // In the child, where only calls that are safe in a signal handler may be made.
 [[noreturn]] void becomeProgram(const Program& program, int report) {
+    if (program.kind == seat::ChildKind::Tool) {
+        ::setpgid(0, 0);
+        ::prctl(PR_SET_PDEATHSIG, SIGINT);
+        if (::getppid() != program.parent) ::_exit(127); // too late to be told
+        ::dup2(program.output, STDOUT_FILENO);
+        ::dup2(program.output, STDERR_FILENO);
+    }
     for (int signal = 1; signal < NSIG; ++signal) ::signal(signal, SIG_DFL);
     if (::dup3(report, firstOfOurs, O_CLOEXEC) < 0 && errno == EINVAL) ::fcntl(firstOfOurs, F_SETFD, FD_CLOEXEC);
     ::close_range(firstOfOurs + 1, ~0u, 0);
@@ -59,18 +70,31 @@ int seat::loadingResult(const Descriptor& loading) {
     return ::read(loading.get(), &error, sizeof error) == sizeof error ? error : 0;
 }
 
-seat::SpawnedChild seat::spawn(const std::string& realPath, const std::vector<std::string>& arguments,
-                               const std::vector<std::string>& environment, std::chrono::milliseconds patience) {
+seat::SpawnedChild seat::spawn(ChildKind kind, const std::string& realPath, const std::vector<std::string>& arguments,
+                               const std::vector<std::string>& environment, std::chrono::milliseconds timeout) {
     std::vector<std::string> named{realPath};
     named.insert(named.end(), arguments.begin(), arguments.end());
     const auto argumentPointers = pointers(named);
     const auto environmentPointers = pointers(environment);
-    const Program program{realPath.c_str(), argumentPointers.data(), environmentPointers.data()};
 
     int ends[2];
     if (::pipe2(ends, O_CLOEXEC) != 0) return failed(errno);
     Descriptor loading(ends[0]);
     Descriptor report(ends[1]);
+    Descriptor output;
+    Descriptor written;
+    if (kind == ChildKind::Tool) {
+        if (::pipe2(ends, O_CLOEXEC) != 0) return failed(errno);
+        output.reset(ends[0]);
+        written.reset(ends[1]);
+        ::fcntl(output.get(), F_SETFL, O_NONBLOCK);
+    }
+    const Program program{.path = realPath.c_str(),
+                          .arguments = argumentPointers.data(),
+                          .environment = environmentPointers.data(),
+                          .kind = kind,
+                          .output = written.get(),
+                          .parent = ::getpid()};
 
     // No handler of ours may run in the child before it has given them up.
     ::sigset_t all;
@@ -83,10 +107,14 @@ seat::SpawnedChild seat::spawn(const std::string& realPath, const std::vector<st
     if (identifier == 0) becomeProgram(program, report.get());
     ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
     if (identifier < 0) return failed(forkError);
+    // From both sides, so that the group is there whoever comes first.
+    if (kind == ChildKind::Tool) ::setpgid(identifier, identifier);
     report.reset();
 
     SpawnedChild child;
+    child.kind = kind;
     child.identifier = identifier;
+    child.output = std::move(output);
     for (const auto& word : named) child.command += (child.command.empty() ? "" : " ") + word;
     child.process.reset(::pidfd_open(identifier, 0));
     if (!child.process) {
@@ -97,7 +125,7 @@ seat::SpawnedChild seat::spawn(const std::string& realPath, const std::vector<st
     }
     // Loading from a slow disk may take long, and the child is not waited for then.
     ::pollfd wait{loading.get(), POLLIN, 0};
-    if (::poll(&wait, 1, static_cast<int>(patience.count())) <= 0) {
+    if (::poll(&wait, 1, static_cast<int>(timeout.count())) <= 0) {
         child.loading = std::move(loading);
         return child;
     }

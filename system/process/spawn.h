@@ -9,7 +9,13 @@
 
 namespace seat {
 
+enum class ChildKind {
+    Tool,    // ours: a process group of its own, interrupted when we die, its output ours to read
+    Program, // the user's: it outlives us, and writes where we do
+};
+
 struct SpawnedChild {
+    ChildKind kind = ChildKind::Tool;
     ::pid_t identifier = 0; // 0: it could not be started, and there is no child
     std::string command;    // the program and its arguments, for people
     int error = 0;          // why not
@@ -17,13 +23,14 @@ struct SpawnedChild {
     // Open while the program is still being loaded: readable with an error number when that fails, at its end when the
     // program runs. None when the program runs already.
     Descriptor loading;
+    Descriptor output; // a tool's: what it writes, not waited for
 };
 
 // Starts the program at a real path with the arguments that follow its name: default signal dispositions, an empty
 // mask, the folder "/", no descriptor but the standard three. Waits for the program to be loaded no longer than
-// `patience`.
-SpawnedChild spawn(const std::string& realPath, const std::vector<std::string>& arguments,
-                   const std::vector<std::string>& environment, std::chrono::milliseconds patience);
+// `timeout`. Main thread: a tool is interrupted when the thread that started it ends.
+SpawnedChild spawn(ChildKind kind, const std::string& realPath, const std::vector<std::string>& arguments,
+                   const std::vector<std::string>& environment, std::chrono::milliseconds timeout);
 
 // What `loading` says once it is readable: the error number, or 0.
 int loadingResult(const Descriptor& loading);

@@ -10,7 +10,6 @@ class ChildEnvironment : public ProcessTest {};
 
 TEST_F(ChildEnvironment, AChildFindsTheRootAndTheBus) {
     ::setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/somewhere/bus", 1);
-    ::setenv("JOYVANE_TEST_VARIABLE", "kept", 1);
 
     const auto lines = report();
 
@@ -18,9 +17,24 @@ TEST_F(ChildEnvironment, AChildFindsTheRootAndTheBus) {
               beginning(lines, "environment JOYVANE_ROOT="));
     EXPECT_EQ((std::vector<std::string>{"environment DBUS_SESSION_BUS_ADDRESS=unix:path=/somewhere/bus"}),
               beginning(lines, "environment DBUS_SESSION_BUS_ADDRESS="));
-    EXPECT_EQ(1u, beginning(lines, "environment JOYVANE_TEST_VARIABLE=kept").size());
-    ::unsetenv("JOYVANE_TEST_VARIABLE");
     ::unsetenv("DBUS_SESSION_BUS_ADDRESS");
+}
+
+TEST_F(ChildEnvironment, AToolGetsWhoTheUserIsAndNothingThatIsNotListed) {
+    const char* const home = ::getenv("HOME");
+    ::setenv("HOME", "/home/anna", 1);
+    ::setenv("LC_NUMERIC", "C", 1);
+    ::setenv("SECRET_TOKEN", "secret", 1);
+    ::setenv("LD_LIBRARY_PATH", "/nowhere", 1);
+
+    const auto lines = report();
+
+    home ? ::setenv("HOME", home, 1) : ::unsetenv("HOME");
+    for (const char* name : {"LC_NUMERIC", "SECRET_TOKEN", "LD_LIBRARY_PATH"}) ::unsetenv(name);
+    EXPECT_EQ(1u, beginning(lines, "environment HOME=/home/anna").size());
+    EXPECT_EQ(1u, beginning(lines, "environment LC_NUMERIC=C").size());
+    EXPECT_EQ((std::vector<std::string>{}), beginning(lines, "environment SECRET_TOKEN"));
+    EXPECT_EQ((std::vector<std::string>{}), beginning(lines, "environment LD_LIBRARY_PATH"));
 }
 
 TEST_F(ChildEnvironment, ARootOfOursReplacesAnInheritedOne) {
@@ -34,18 +48,18 @@ TEST_F(ChildEnvironment, ARootOfOursReplacesAnInheritedOne) {
 }
 
 TEST_F(ChildEnvironment, AVariableForUsAloneIsNotInherited) {
-    ::setenv("JOYVANE_TEST_FORMER", "former", 1);
-    ::unsetenv("JOYVANE_TEST_ABSENT");
+    ::setenv("LC_JOYVANE_FORMER", "former", 1);
+    ::unsetenv("LC_JOYVANE_ABSENT");
 
-    seat::setVariableForUsAlone("JOYVANE_TEST_FORMER", "ours");
-    seat::setVariableForUsAlone("JOYVANE_TEST_ABSENT", "ours");
+    seat::setVariableForUsAlone("LC_JOYVANE_FORMER", "ours");
+    seat::setVariableForUsAlone("LC_JOYVANE_ABSENT", "ours");
 
-    EXPECT_STREQ("ours", ::getenv("JOYVANE_TEST_FORMER"));
-    EXPECT_STREQ("ours", ::getenv("JOYVANE_TEST_ABSENT"));
+    EXPECT_STREQ("ours", ::getenv("LC_JOYVANE_FORMER"));
+    EXPECT_STREQ("ours", ::getenv("LC_JOYVANE_ABSENT"));
     const auto lines = report();
-    EXPECT_EQ((std::vector<std::string>{"environment JOYVANE_TEST_FORMER=former"}),
-              beginning(lines, "environment JOYVANE_TEST_FORMER="));
-    EXPECT_EQ((std::vector<std::string>{}), beginning(lines, "environment JOYVANE_TEST_ABSENT="));
+    EXPECT_EQ((std::vector<std::string>{"environment LC_JOYVANE_FORMER=former"}),
+              beginning(lines, "environment LC_JOYVANE_FORMER="));
+    EXPECT_EQ((std::vector<std::string>{}), beginning(lines, "environment LC_JOYVANE_ABSENT="));
 }
 
 } // namespace

@@ -1,8 +1,12 @@
 // launched_tool report FILE: writes what it was started with, a line each.
 // launched_tool wait: until a signal ends it.
 // launched_tool exit CODE
+// launched_tool say COUNT: so many lines to the standard output, then "last" to the standard error.
+// launched_tool deaf FILE: ignores interrupts from when FILE is there.
+// launched_tool family FILE: FILE gets the number of a child that waits as this does.
 
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
@@ -38,12 +42,35 @@ void report(int argc, char** argv) {
     std::filesystem::rename(file + ".part", file);
 }
 
+void writeWhole(const std::string& file, long number) {
+    std::ofstream(file + ".part") << number << "\n";
+    std::filesystem::rename(file + ".part", file);
+}
+
+[[noreturn]] void waitForever() {
+    for (;;) ::pause();
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
     const std::string_view task = argc > 1 ? argv[1] : "";
     if (task == "report" && argc > 2) report(argc, argv);
-    if (task == "wait")
-        for (;;) ::pause();
+    if (task == "wait") waitForever();
+    if (task == "say" && argc > 2) {
+        for (int i = 0; i < std::atoi(argv[2]); ++i) std::printf("line %d\n", i);
+        std::fflush(stdout);
+        std::fprintf(stderr, "last");
+    }
+    if (task == "deaf" && argc > 2) {
+        ::signal(SIGINT, SIG_IGN);
+        writeWhole(argv[2], ::getpid());
+        waitForever();
+    }
+    if (task == "family" && argc > 2) {
+        const ::pid_t child = ::fork();
+        if (child != 0) writeWhole(argv[2], child);
+        waitForever();
+    }
     return task == "exit" && argc > 2 ? std::atoi(argv[2]) : 0;
 }

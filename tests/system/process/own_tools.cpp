@@ -1,0 +1,138 @@
+// What makes a tool ours: its output, its process group, and that it does not outlive us.
+
+#include "system/process/children.h"
+#include "system/process/standard_descriptors.h"
+#include "tests/system/process/ProcessTest.h"
+
+#include <csignal>
+#include <fcntl.h>
+#include <functional>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+class OwnTools : public ProcessTest {
+protected:
+    // For facts that wake no loop.
+    bool comesTrue(const std::function<bool()>& fact) {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+        while (!fact() && std::chrono::steady_clock::now() < end) m_loop.runUntil(fact, 0.005);
+        return fact();
+    }
+    // Neither ended nor waiting for whoever adopts it.
+    static bool runs(::pid_t process) {
+        std::ifstream status("/proc/" + std::to_string(process) + "/stat");
+        std::string number, name, state;
+        return (status >> number >> name >> state) && state != "Z";
+    }
+    // What a tool has written into the file by now; waits until there is one.
+    int numberIn(const std::string& file) {
+        int number = 0;
+        comesTrue([&] { return std::filesystem::exists(file); });
+        std::ifstream(file) >> number;
+        return number;
+    }
+};
+
+TEST_F(OwnTools, WhatAToolWritesIsLoggedUnderItsName) {
+    EXPECT_TRUE(goes(*launch({"say", "2"})));
+    m_loop.runUntil([&] { return m_log.count("tool: last") == 1; });
+
+    EXPECT_EQ(1u, m_log.count("tool: line 0"));
+    EXPECT_EQ(1u, m_log.count("tool: line 1"));
+    EXPECT_EQ(1u, m_log.count("tool: last"));
+}
+
+TEST_F(OwnTools, AToolThatFloodsIsReadToItsEndAndLoggedInPart) {
+    EXPECT_TRUE(goes(*launch({"say", "300000"})));
+    m_loop.runReady();
+
+    EXPECT_EQ(static_cast<std::size_t>(seat::mostLoggedLines), m_log.count("tool: line "));
+    EXPECT_EQ(1u, m_log.count("tool: it says more than 100 lines"));
+}
+
+TEST_F(OwnTools, AnEndThatIsNoSuccessIsLogged) {
+    EXPECT_TRUE(goes(*launch({"exit", "0"})));
+    EXPECT_TRUE(goes(*launch({"exit", "3"})));
+    const auto killed = launch({"wait"});
+    platform::kill(killed->processIdentifier(), SIGKILL);
+    EXPECT_TRUE(goes(*killed));
+    m_loop.runUntil([&] { return m_log.count("was ended by signal 9") == 1; });
+
+    EXPECT_EQ(1u, m_log.count("it ended with 3"));
+    EXPECT_EQ(0u, m_log.count("it ended with 0"));
+    EXPECT_EQ(1u, m_log.count("it was ended by signal 9"));
+}
+
+TEST_F(OwnTools, AnInterruptReachesTheToolsOwnChildren) {
+    const auto task = launch({"family", m_folder.file("child")});
+    const int child = numberIn(m_folder.file("child"));
+    ASSERT_GT(child, 0);
+    EXPECT_EQ(task->processIdentifier(), ::getpgid(child));
+    EXPECT_NE(::getpgid(0), ::getpgid(child));
+
+    platform::kill(task->processIdentifier(), SIGINT_NUMBER);
+
+    EXPECT_TRUE(goes(*task));
+    EXPECT_TRUE(comesTrue([child] { return !runs(child); }));
+}
+
+TEST_F(OwnTools, AToolDoesNotOutliveAProcessThatIsKilled) {
+    int ends[2];
+    ASSERT_EQ(0, ::pipe2(ends, O_CLOEXEC));
+    const ::pid_t parent = ::fork();
+    if (parent == 0) {
+        const auto child = seat::spawn(seat::ChildKind::Tool, seat::hostPath("/usr/bin/tool"), {"wait"}, {},
+                                       std::chrono::milliseconds(10'000));
+        [[maybe_unused]] const auto written = ::write(ends[1], &child.identifier, sizeof child.identifier);
+        for (;;) ::pause();
+    }
+    ::pid_t tool = 0;
+    ASSERT_EQ(static_cast<::ssize_t>(sizeof tool), ::read(ends[0], &tool, sizeof tool));
+    ASSERT_GT(tool, 0);
+    const auto process = "/proc/" + std::to_string(tool) + "/comm";
+    EXPECT_TRUE(std::filesystem::exists(process));
+
+    ::kill(parent, SIGKILL);
+    ::waitpid(parent, nullptr, 0);
+
+    EXPECT_TRUE(comesTrue([tool] { return !runs(tool); }));
+    ::close(ends[0]);
+    ::close(ends[1]);
+}
+
+TEST_F(OwnTools, AtTheEndToolsAreInterruptedAndTheDeafOnesKilled) {
+    const auto obedient = launch({"wait"});
+    const auto deaf = launch({"deaf", m_folder.file("deaf")});
+    ASSERT_EQ(deaf->processIdentifier(), numberIn(m_folder.file("deaf")));
+
+    seat::endTools(std::chrono::milliseconds(200));
+
+    EXPECT_TRUE(isGone(obedient->processIdentifier()));
+    EXPECT_TRUE(isGone(deaf->processIdentifier()));
+    EXPECT_EQ(1u, m_log.count("does not end when interrupted, and is killed"));
+    EXPECT_EQ(1u, m_log.count("was ended by signal 2"));
+    EXPECT_EQ(1u, m_log.count("was ended by signal 9"));
+}
+
+TEST_F(OwnTools, MissingStandardDescriptorsAreOpenedAndOthersLeftAlone) {
+    const ::pid_t child = ::fork();
+    if (child == 0) {
+        ::close(STDIN_FILENO);
+        ::close(STDERR_FILENO);
+        seat::openMissingStandardDescriptors();
+        const bool areOpen = ::fcntl(0, F_GETFD) != -1 && ::fcntl(1, F_GETFD) != -1 && ::fcntl(2, F_GETFD) != -1;
+        const int next = ::open("/dev/null", O_RDONLY);
+        const int before = next;
+        ::close(next);
+        seat::openMissingStandardDescriptors();
+        const int after = ::open("/dev/null", O_RDONLY);
+        ::_exit(areOpen && before > 2 && before == after ? 0 : 1);
+    }
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    EXPECT_EQ(0, status);
+}
+
+} // namespace
