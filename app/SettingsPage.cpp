@@ -1,6 +1,7 @@
 #include "app/SettingsPage.h"
 
 #include "app/FailureBanner.h"
+#include "kit/alerts/progress_canceller.h"
 #include "kit/settings_framework/bundle.h"
 #include "kit/uikit/front_controller.h"
 #include "platform/foundation/NSArray.h"
@@ -13,6 +14,7 @@ app::SettingsPage::SettingsPage(const Bundle& bundle, Class principalClass, CGSi
     const auto page = makePage(principalClass);
     if (!page) return;
     listenForFailures(*bundle.manifest);
+    offerCancel(*bundle.manifest, page);
     m_navigation = UINavigationController::alloc()->initWithRootViewController(page);
     m_scene.window()->setRootViewController(m_navigation);
 }
@@ -34,6 +36,15 @@ void app::SettingsPage::listenForFailures(const NSDictionary& manifest) {
             m_listeners.push_back(std::make_unique<seat::NotifyListener>(*name.string(), [this] { m_banner->hide(); }));
 }
 
+// What a Cancel over the page's progress panel sends it; the page itself has no such button.
+void app::SettingsPage::offerCancel(const NSDictionary& manifest, const std::shared_ptr<UIViewController>& page) {
+    const auto* const interrupt = manifest.objectForKey("JVNInterruptSelector").string();
+    if (!interrupt || !page->respondsToSelector(*interrupt)) return;
+    seat::setProgressCanceller([weak = std::weak_ptr(page), selector = *interrupt] {
+        if (const auto shown = weak.lock()) objc_msgSend(*shown, selector, {});
+    });
+}
+
 std::string app::SettingsPage::title() const {
     const auto front = seat::frontController(*m_scene.window());
     const std::string title = front ? front->title() : std::string();
@@ -42,6 +53,7 @@ std::string app::SettingsPage::title() const {
 
 void app::SettingsPage::close() {
     m_listeners.clear();
+    seat::setProgressCanceller({});
     m_scene.window()->setRootViewController(nullptr);
     m_navigation.reset();
 }

@@ -10,6 +10,7 @@
 #include <vector>
 
 class UINavigationController;
+class UIViewController;
 
 namespace seat {
 class NotifyListener;
@@ -38,6 +39,7 @@ public:
 
 private:
     void listenForFailures(const NSDictionary& manifest);
+    void offerCancel(const NSDictionary& manifest, const std::shared_ptr<UIViewController>& page);
 
     std::string m_name;
     seat::WindowScene m_scene;

@@ -1,15 +1,19 @@
 #include "platform/uikit/UIProgressHUD.h"
 
 #include "kit/alerts/Spinner.h"
+#include "kit/alerts/progress_canceller.h"
+#include "kit/controllers/TextButton.h"
 #include "kit/tables/CellParts.h"
 #include "kit/uikit/appearance.h"
+#include "platform/runtime/method.h"
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 using namespace seat;
 
-NS_CLASS_IMPLEMENTATION(UIProgressHUD, UIView)
+NS_CLASS_IMPLEMENTATION(UIProgressHUD, UIView, method<&UIProgressHUD::cancelTapped>("cancelTapped"))
 
 namespace {
 
@@ -19,13 +23,22 @@ constexpr double space = 16; // between spinner and text
 constexpr double leastWidth = 140;
 constexpr double mostWidth = 300;
 constexpr double viewMargin = 24;
+constexpr double buttonHeight = 44;
+
+std::function<void()>& canceller() {
+    static auto& cancel = *new std::function<void()>; // a panel may be up when the process ends
+    return cancel;
+}
 
 } // namespace
 
+void seat::setProgressCanceller(std::function<void()> cancel) { canceller() = std::move(cancel); }
+
 struct UIProgressHUD::State {
-    std::shared_ptr<UIView> panel;
     std::shared_ptr<Spinner> spinner;
     std::shared_ptr<UILabel> label;
+    std::shared_ptr<UIView> line; // above the button
+    std::shared_ptr<TextButton> button;
 };
 
 UIProgressHUD::UIProgressHUD() : m_hud(std::make_unique<State>()) {}
@@ -33,28 +46,34 @@ UIProgressHUD::~UIProgressHUD() = default;
 
 std::shared_ptr<UIProgressHUD> UIProgressHUD::init() {
     if (!UIView::initWithFrame(CGRectZero)) return nullptr;
+    // Another size of the view leads to another layout, which places the panel.
     setAutoresizingMask(UIViewAutoresizingFlexibleWidth | UIViewAutoresizingFlexibleHeight);
-    m_hud->panel = UIView::alloc()->initWithFrame(CGRectZero);
-    m_hud->panel->setBackgroundColor(UIColor::colorWithWhite_alpha(0.1, 0.95));
-    m_hud->panel->layer()->setCornerRadius(12);
+    setBackgroundColor(UIColor::colorWithWhite_alpha(0.1, 0.95));
+    layer()->setCornerRadius(12);
     m_hud->spinner = Spinner::alloc()->initWithSize(spinnerSize);
     m_hud->label = CellLabel::alloc()->initWithFrame(CGRectZero);
     m_hud->label->setFont(UIFont::systemFontOfSize(15));
     m_hud->label->setTextColor(UIColor::whiteColor());
     m_hud->label->setTextAlignment(NSTextAlignmentCenter);
     m_hud->label->setNumberOfLines(0);
-    m_hud->panel->addSubview(m_hud->spinner);
-    m_hud->panel->addSubview(m_hud->label);
-    addSubview(m_hud->panel);
+    m_hud->line = UIView::alloc()->initWithFrame(CGRectZero);
+    m_hud->line->setBackgroundColor(UIColor::colorWithWhite_alpha(1, 0.3));
+    m_hud->button = TextButton::alloc()->initWithTitle_kind("Cancel", TextButton::Kind::OnDark);
+    m_hud->button->addTarget_action_forControlEvents(shared_from_this(), "cancelTapped", UIControlEventTouchUpInside);
+    addSubview(m_hud->spinner);
+    addSubview(m_hud->label);
+    addSubview(m_hud->line);
+    addSubview(m_hud->button);
     return self(this);
 }
 
 void UIProgressHUD::showInView(const std::shared_ptr<UIView>& view) {
     if (!view) return;
-    setFrame(view->bounds());
+    m_hud->button->setHidden(!canceller());
+    m_hud->line->setHidden(!canceller());
     view->addSubview(self(this));
     view->bringSubviewToFront(self(this));
-    setNeedsLayout();
+    place();
 }
 
 const std::string& UIProgressHUD::text() const { return m_hud->label->text(); }
@@ -62,7 +81,7 @@ const std::string& UIProgressHUD::text() const { return m_hud->label->text(); }
 void UIProgressHUD::setText(std::string text) {
     if (text == m_hud->label->text()) return;
     m_hud->label->setText(std::move(text));
-    setNeedsLayout();
+    place();
 }
 
 void UIProgressHUD::hide() { removeFromSuperview(); }
@@ -74,26 +93,44 @@ void UIProgressHUD::didMoveToWindow() {
     m_hud->spinner->setTurning(window() != nullptr);
 }
 
-void UIProgressHUD::layoutSubviews() {
-    const CGSize area = bounds().size;
+void UIProgressHUD::layoutSubviews() { place(); }
+
+void UIProgressHUD::place() {
+    const auto view = superview();
+    if (!view) return;
+    const CGSize area = view->bounds().size;
     const double most = std::max(0.0, std::min(mostWidth, area.width - 2 * viewMargin) - 2 * padding);
     const bool hasText = !text().empty();
     CGSize label = hasText ? m_hud->label->sizeThatFits({most, 1e6}) : CGSize{};
     label = CGSizeMake(std::min(std::ceil(label.width), most), std::ceil(label.height));
     const double width = std::max(leastWidth, label.width + 2 * padding);
-    const double height = padding + spinnerSize + (hasText ? space + label.height : 0) + padding;
-    m_hud->panel->setFrame(CGRectMake(appearance::roundToPixel((area.width - width) / 2),
-                                      appearance::roundToPixel((area.height - height) / 2), width, height));
+    const double textBottom = padding + spinnerSize + (hasText ? space + label.height : 0) + padding;
+    const double height = textBottom + (m_hud->button->isHidden() ? 0 : buttonHeight);
+    setFrame(CGRectMake(appearance::roundToPixel((area.width - width) / 2),
+                        appearance::roundToPixel((area.height - height) / 2), width, height));
     // By its centre: it is turned.
     m_hud->spinner->setCenter(CGPointMake(width / 2, padding + spinnerSize / 2));
     m_hud->label->setFrame(
         CGRectMake(std::floor((width - label.width) / 2), padding + spinnerSize + space, label.width, label.height));
+    m_hud->line->setFrame(CGRectMake(0, textBottom, width, appearance::hairline()));
+    m_hud->button->setFrame(CGRectMake(0, textBottom, width, buttonHeight));
 }
 
 UIAccessibilityRole UIProgressHUD::accessibilityRole() const { return UIAccessibilityRole::ProgressIndicator; }
 std::string UIProgressHUD::accessibilityLabel() const { return text(); }
 
-// The covered view hears nothing of the touches.
+bool UIProgressHUD::accessibilityPerformEscape() {
+    if (m_hud->button->isHidden()) return UIView::accessibilityPerformEscape();
+    cancelTapped();
+    return true;
+}
+
+void UIProgressHUD::cancelTapped() {
+    const auto cancel = canceller(); // it may be replaced meanwhile
+    if (cancel) cancel();
+}
+
+// What lies below the panel hears nothing of the touches on it.
 void UIProgressHUD::touchesBegan_withEvent(const UITouchList&, UIEvent&) {}
 void UIProgressHUD::touchesMoved_withEvent(const UITouchList&, UIEvent&) {}
 void UIProgressHUD::touchesEnded_withEvent(const UITouchList&, UIEvent&) {}

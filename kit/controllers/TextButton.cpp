@@ -27,7 +27,7 @@ std::shared_ptr<TextButton> TextButton::initWithTitle_kind(std::string title, Ki
     m_kind = kind;
     m_label = CellLabel::alloc()->initWithFrame(CGRectZero);
     m_label->setText(std::move(title));
-    m_label->setTextColor(tintColor());
+    m_label->setTextColor(kind == Kind::OnDark ? UIColor::whiteColor() : tintColor());
     m_label->setFont(kind == Kind::Bold ? UIFont::boldSystemFontOfSize(17) : UIFont::systemFontOfSize(17));
     m_label->setTextAlignment(kind == Kind::Back ? NSTextAlignmentLeft : NSTextAlignmentCenter);
     addSubview(m_label);
@@ -37,7 +37,7 @@ std::shared_ptr<TextButton> TextButton::initWithTitle_kind(std::string title, Ki
 void TextButton::setHighlighted(bool highlighted) {
     if (highlighted == isHighlighted()) return;
     UIControl::setHighlighted(highlighted);
-    if (m_kind == Kind::Back)
+    if (m_kind == Kind::Back || m_kind == Kind::OnDark)
         setAlpha(highlighted ? pressedAlpha : 1);
     else
         setBackgroundColor(highlighted ? pressedColor() : nullptr);

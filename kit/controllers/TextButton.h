@@ -6,13 +6,13 @@
 namespace seat {
 
 // Tappable text, pale while it is pressed; sends touch-up-inside, also when it is activated by key or by assistive
-// technology. With a chevron before the text it is the way back.
+// technology. With a chevron before the text it is the way back; on a dark panel it is white.
 class TextButton final : public UIControl {
     NS_CLASS(TextButton)
 public:
     ~TextButton() override;
 
-    enum class Kind { Plain, Bold, Back };
+    enum class Kind { Plain, Bold, Back, OnDark };
     std::shared_ptr<TextButton> initWithTitle_kind(std::string title, Kind kind);
 
     void setHighlighted(bool highlighted) override;

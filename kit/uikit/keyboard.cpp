@@ -112,10 +112,24 @@ void scroll(const UIWindow& window, long key) {
     view->setContentOffset_animated({view->contentOffset().x, std::max(top, std::min(y, bottom))}, /*animated=*/true);
 }
 
+// A progress panel over the front screen hears of an escape before the screen, wherever the focus is.
+bool escapeFromProgress(const UIWindow& window) {
+    const auto front = frontController(window);
+    if (!front || !front->isViewLoaded()) return false;
+    const auto& subviews = front->view()->subviews();
+    const auto panel = std::find_if(subviews.rbegin(), subviews.rend(), [](const auto& view) {
+        return view->accessibilityRole() == UIAccessibilityRole::ProgressIndicator && ViewInternals::isVisible(*view);
+    });
+    if (panel == subviews.rend()) return false;
+    const auto keep = *panel;
+    return keep->accessibilityPerformEscape();
+}
+
 void escape(UIWindow& window) {
     std::shared_ptr<UIResponder> first = reachableFocus(window);
     const auto scope = frontScope(window);
     if (!first && scope.get() != &window) first = scope;
+    if (scope.get() == &window && escapeFromProgress(window)) return;
     if (!first) first = frontController(window);
     if (first) first->accessibilityPerformEscape();
 }

@@ -5,7 +5,9 @@
 #include <memory>
 #include <string>
 
-// A dark rounded panel with a spinner and a text of several lines, over a view that takes no touches meanwhile.
+// A dark rounded panel with a spinner and a text of several lines, in the middle of a view and in front of all it
+// holds. It takes the touches that fall on it and no others: what it leaves of the view can be used. Where the
+// application lets work be cancelled, the panel has a button for that, and an Escape does the same.
 class UIProgressHUD final : public UIView {
     NS_CLASS(UIProgressHUD)
 public:
@@ -13,7 +15,7 @@ public:
 
     std::shared_ptr<UIProgressHUD> init();
 
-    // Centred over the view, in front of all it holds; nil shows nothing.
+    // nil shows nothing.
     void showInView(const std::shared_ptr<UIView>& view);
     const std::string& text() const;
     void setText(std::string text);
@@ -24,14 +26,20 @@ public:
     void layoutSubviews() override;
     UIAccessibilityRole accessibilityRole() const override;
     std::string accessibilityLabel() const override;
+    // Cancels the work, where it can be cancelled.
+    bool accessibilityPerformEscape() override;
     void didMoveToWindow() override;
     void touchesBegan_withEvent(const UITouchList& touches, UIEvent& event) override;
     void touchesMoved_withEvent(const UITouchList& touches, UIEvent& event) override;
     void touchesEnded_withEvent(const UITouchList& touches, UIEvent& event) override;
     void touchesCancelled_withEvent(const UITouchList& touches, UIEvent& event) override;
+    // The button's action.
+    void cancelTapped();
 
 private:
     UIProgressHUD();
+    // Sizes and centres the panel.
+    void place();
     struct State;
     std::unique_ptr<State> m_hud;
 };

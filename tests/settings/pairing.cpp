@@ -1,5 +1,6 @@
 // Pairing over a real bus with a real child, and restarting the daemons over a real socket.
 
+#include "kit/uikit/hid_keys.h"
 #include "platform/foundation/NSNotificationCenter.h"
 #include "tests/settings/pairing_test.h"
 #include "tests/support/descriptors.h"
@@ -110,11 +111,41 @@ TEST_F(Pairing, ASecondTapInterruptsTheFirstToolBeforeTheSecondStarts) {
     startPairing(1);
     const int first = page->discoveryTask()->processIdentifier();
 
-    page->pairController();
+    ASSERT_TRUE(app.tap("Pair Controller"));
 
     EXPECT_NE(page->discoveryTask()->processIdentifier(), first);
     ASSERT_TRUE(app.waitUntil([&] { return count("started") == 2 && count("interrupted") == 1; }));
     EXPECT_EQ(overlay(), activating);
+}
+
+TEST_F(Pairing, TheReturnKeyOnTheRowStartsTheSearchAnew) {
+    startPairing(1);
+    const auto* const row = app.find("Pair Controller");
+    ASSERT_TRUE(row);
+    ASSERT_TRUE(app.scene().accessibility().focus(row->identity));
+
+    app.touches().key(seat::hid::enter);
+
+    EXPECT_TRUE(app.waitUntil([&] { return count("started") == 2 && count("interrupted") == 1; }));
+}
+
+TEST_F(Pairing, AnAssistivePressOnTheRowStartsTheSearchAnew) {
+    startPairing(1);
+    const auto* const row = app.find("Pair Controller");
+    ASSERT_TRUE(row);
+
+    EXPECT_TRUE(app.scene().accessibility().press(row->identity));
+
+    EXPECT_TRUE(app.waitUntil([&] { return count("started") == 2 && count("interrupted") == 1; }));
+}
+
+TEST_F(Pairing, AnotherScreenCanBeOpenedDuringASearchAndEndsIt) {
+    startPairing(1);
+
+    ASSERT_TRUE(app.tap("Controller"));
+
+    EXPECT_TRUE(app.waitUntil([&] { return count("interrupted") == 1; }));
+    EXPECT_NE(app.navigation()->topViewController(), page);
 }
 
 TEST_F(Pairing, TheBackgroundInterruptsTheToolAndHidesTheOverlay) {

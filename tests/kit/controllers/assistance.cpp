@@ -95,7 +95,7 @@ TEST_F(Assistance, WhatGoesAwayWhileItWaitsIsLetGo) {
 }
 
 TEST_F(Assistance, WhatIsCoveredOffersNothing) {
-    addSwitch(*a, "toggle");
+    addSwitch(*a, "toggle")->setCenter({160, 240});
     const auto panel = UIProgressHUD::alloc()->init();
     panel->showInView(a->view());
     touches.wait(0.1);
@@ -108,6 +108,21 @@ TEST_F(Assistance, WhatIsCoveredOffersNothing) {
     touches.wait(0.1);
 
     EXPECT_TRUE(tree.press(named("toggle")));
+}
+
+TEST_F(Assistance, WhatStandsBesideAProgressPanelCanBeUsed) {
+    const auto toggle = addSwitch(*a, "toggle");
+    const auto panel = UIProgressHUD::alloc()->init();
+    panel->setText("Searching...");
+    panel->showInView(a->view());
+    touches.wait(0.1);
+
+    EXPECT_TRUE(tree.press(named("toggle")));
+    touches.settle();
+
+    EXPECT_TRUE(toggle->isOn());
+    EXPECT_EQ(tree.nodeAt({40, 215}), named("toggle"));
+    EXPECT_EQ(tree.nodeAt({160, 240}), named("Searching..."));
 }
 
 } // namespace
