@@ -76,7 +76,7 @@ public:
     [[nodiscard]] virtual Handle remove(const Address& address, Completion completion) = 0;
 
     // The end of a program: `done` is called when all that was asked of the service, cancelling included, has been
-    // answered. Callers bound it by a timer of their own.
+    // answered. Callers bound it by a timer of their own. An empty function takes the wish back.
     virtual void whenQuiet(std::function<void()> done) = 0;
 };
 

@@ -93,6 +93,7 @@ Device SimulatedClient::deviceOf(const SimulatedController& controller) const {
     device.isGamepad = true;
     device.isHeard = isInTheAir(controller) &&
                      std::any_of(m_searches.begin(), m_searches.end(), [](const auto* s) { return s->finds(); });
+    device.isInPairingMode = device.isHeard;
     device.isPaired = controller.isPaired;
     device.isTrusted = device.mayWake = controller.isTrusted;
     device.isConnected = controller.isConnected && !controller.isOff && adapterState() == AdapterState::On;
@@ -224,6 +225,8 @@ Client::Handle SimulatedClient::remove(const Address& address, Completion comple
         std::move(completion));
 }
 
-void SimulatedClient::whenQuiet(std::function<void()> done) { m_quiet = m_loop.soon(std::move(done)); }
+void SimulatedClient::whenQuiet(std::function<void()> done) {
+    m_quiet = done ? m_loop.soon(std::move(done)) : nullptr;
+}
 
 } // namespace bluetooth

@@ -44,6 +44,7 @@ std::optional<Device> SystemClient::device(const Address& address) const {
     const DeviceObject& object = m_objects.devices().at(path);
     Device device = object.device;
     device.isHeard = m_searches > 0 && (object.hasSignalStrength || m_appeared.contains(path));
+    device.isInPairingMode = device.isHeard && object.classOfDevice != 0;
     return device;
 }
 
@@ -62,6 +63,7 @@ Client::Handle SystemClient::powerOn(Completion completion) {
 }
 
 Client::Handle SystemClient::search(Completion completion) {
+    if (m_searches == 0) m_appeared.clear();
     return std::make_unique<SearchOperation>(*this, std::move(completion));
 }
 
@@ -86,7 +88,7 @@ Client::Handle SystemClient::remove(const Address& address, Completion completio
 }
 
 void SystemClient::searchBegan() {
-    if (m_searches++ == 0) m_appeared.clear();
+    ++m_searches;
     tell();
 }
 

@@ -156,6 +156,12 @@ void MockBluetoothService::addDevice(MockDevice device) {
     if (added.isKnown && m_bus) announce(added);
 }
 
+void MockBluetoothService::appear(const std::string& address) {
+    MockDevice& found = device(address);
+    if (!std::exchange(found.isKnown, true)) announce(found);
+    changed(address);
+}
+
 void MockBluetoothService::removeDevice(const std::string& address) {
     const MockDevice gone = device(address);
     std::erase_if(m_devices, [&address](const MockDevice& device) { return device.address == address; });

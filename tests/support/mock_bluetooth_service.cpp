@@ -203,11 +203,8 @@ int MockBluetoothService::startSearch(::sd_bus_message* message, const std::stri
         return replyError(message, "org.bluez.Error.NotReady", "Resource Not Ready"), 1;
     m_searches.insert(::sd_bus_message_get_sender(message));
     reply(message);
-    for (auto& device : m_devices) {
-        if (!device.isDiscoverable) continue;
-        if (!std::exchange(device.isKnown, true)) announce(device);
-        changed(device.address);
-    }
+    for (const auto& device : m_devices)
+        if (device.isDiscoverable) appear(device.address);
     return 1;
 }
 

@@ -48,6 +48,8 @@ public:
     // With its object.
     void removeDevice(const std::string& address);
     MockDevice& device(const std::string& address);
+    // A search finds it.
+    void appear(const std::string& address);
     // Tells of a change made to a device: by itself connected, gone, trusted by another program.
     void changed(const std::string& address);
     void setPowered(const std::string& adapter, bool isPowered);
