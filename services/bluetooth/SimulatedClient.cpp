@@ -225,8 +225,6 @@ Client::Handle SimulatedClient::remove(const Address& address, Completion comple
         std::move(completion));
 }
 
-void SimulatedClient::whenQuiet(std::function<void()> done) {
-    m_quiet = done ? m_loop.soon(std::move(done)) : nullptr;
-}
+void SimulatedClient::whenQuiet(std::function<void()> done) { m_quiet = done ? m_loop.soon(std::move(done)) : nullptr; }
 
 } // namespace bluetooth

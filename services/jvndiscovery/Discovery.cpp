@@ -90,14 +90,14 @@ void Discovery::pair(const Address& address) {
     m_timer.reset();
     m_search.reset(); // a radio that searches makes connections slowly
     m_pairing = m_client.pair(address, [this](Error error) {
-        if (error != Error::None) return giveUp();
+        if (error != Error::None) return giveUp(error);
         trust();
     });
 }
 
 void Discovery::trust() {
     m_operation = m_client.trust(*m_candidate, [this](Error error) {
-        if (error != Error::None) return giveUp();
+        if (error != Error::None) return giveUp(error);
         connect();
     });
 }
@@ -114,20 +114,20 @@ void Discovery::connected(Error error) {
     m_timer.reset();
     m_operation.reset();
     const bool isPairingLost = error == Error::BondLost || error == Error::UnknownDevice || error == Error::NoAdapter;
-    if (isPairingLost) return giveUp();
+    if (isPairingLost) return giveUp(error);
     store();
 }
 
 void Discovery::store() {
-    if (!m_surroundings.store(*m_candidate)) return giveUp();
+    if (!m_surroundings.store(*m_candidate)) return giveUp(Error::Failed);
     m_isNew = false; // from here on it stays
     m_surroundings.report(State::Paired);
     end(Outcome::Paired);
 }
 
 // The candidate is none after all: nothing of it stays, and the search goes on.
-void Discovery::giveUp() {
-    m_failed.insert(*m_candidate);
+void Discovery::giveUp(Error error) {
+    if (error != Error::NoAdapter) m_failed.insert(*m_candidate); // else it was not the controller
     services::log("pairing with %s has failed; searching on", m_candidate->forLog().c_str());
     m_operation.reset();
     m_pairing.reset();

@@ -59,7 +59,7 @@ private:
     void connect();
     void connected(Error error);
     void store();
-    void giveUp();
+    void giveUp(Error error);
     void end(Outcome outcome);
     void over();
 

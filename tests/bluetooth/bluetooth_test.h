@@ -55,6 +55,11 @@ protected:
     bool waitForCall(const std::string& call) {
         return loop.runUntil([&] { return called(call); });
     }
+    // Lets time pass until it holds, each tenth of a second with what happens in it.
+    bool passTime(const std::function<bool()>& done) {
+        for (int i = 0; i < 600 && !loop.runUntil(done, 5ms); ++i) clock.advance(loop, 100ms);
+        return done();
+    }
     // Until all that is on its way has arrived.
     void quiet() {
         bool done = false;

@@ -40,8 +40,10 @@ void MockBluetoothService::vanish() {
     m_agents.clear();
     m_searches.clear();
     if (m_bus) ::sd_bus_close_unref(std::exchange(m_bus, nullptr));
-    std::erase_if(m_devices, [](const MockDevice& device) { return device.isKnown && !device.isPaired; });
-    for (auto& device : m_devices) device.isConnected = false;
+    for (auto& device : m_devices) {
+        device.isKnown = device.isPaired;
+        device.isConnected = false;
+    }
 }
 
 void MockBluetoothService::fail(const std::string& member, const std::string& error, const std::string& text) {
