@@ -99,11 +99,6 @@ app::LineProcess::~LineProcess() {
     reap(m_child, 10);
 }
 
-bool app::LineProcess::write(const std::string& line) {
-    const std::string text = line + '\n';
-    return ::write(m_input.get(), text.data(), text.size()) == static_cast<ssize_t>(text.size());
-}
-
 bool app::LineProcess::readSome() {
     char bytes[4096];
     ssize_t got = 0;

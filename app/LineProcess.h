@@ -23,8 +23,6 @@ public:
     LineProcess(const LineProcess&) = delete;
     LineProcess& operator=(const LineProcess&) = delete;
 
-    // A line to its standard input; false when it does not take it.
-    bool write(const std::string& line);
     // Without the run loop: blocks until the line is the last that it has said, but not longer than `seconds`. What it
     // says meanwhile is heard as usual.
     bool waitForLine(const std::string& line, double seconds);

@@ -115,8 +115,8 @@ Shows the settings page of a game-controller add-on.
                    (default: joyvane in the user's data folder)
   --bundle DIR     the settings bundle to show
                    (default: Joyvane.bundle beside this program)
-  --simulate       start a stand-in for the add-on's daemon, and put a stand-in
-                   for its discovery tool in place
+  --simulate       start the add-on's daemon and discovery tool for this root,
+                   with simulated controllers
   --size WxH       the window's size in points (default: 375x667)
   --scale S        pixels a point (default: the screen's)
   --tour DIR       show nothing; walk through the page by touches and keys, and

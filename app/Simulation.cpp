@@ -2,28 +2,21 @@
 
 #include "app/Bundle.h"
 #include "app/LineProcess.h"
+#include "app/own_programs.h"
 #include "platform/foundation/NSDictionary.h"
 #include "system/files/root.h"
 
+#include <cstdlib>
 #include <filesystem>
 #include <system_error>
-#include <unistd.h>
 #include <vector>
 
 namespace {
 
 namespace fs = std::filesystem;
 
-constexpr double readyPatience = 3; // seconds
-
-// Empty when there is no such program.
-std::string standInPath(const std::string& name) {
-    std::error_code error;
-    const fs::path programs = fs::read_symlink("/proc/self/exe", error).parent_path();
-    for (const auto& place : {programs / name, programs.parent_path() / "lib/joyvane" / name})
-        if (access(place.c_str(), X_OK) == 0) return place.string();
-    return {};
-}
+constexpr double readyTimeout = 3;                           // seconds
+constexpr const char* simulateVariable = "JOYVANE_SIMULATE"; // tells the tools
 
 // Notes in `made` what was not there.
 void makeFolders(const fs::path& folder, std::vector<fs::path>& made, std::error_code& error) {
@@ -46,16 +39,18 @@ app::Simulation::Simulation() : m_state(std::make_unique<State>()) {}
 
 app::Simulation::~Simulation() {
     stopDaemon();
+    unsetenv(simulateVariable);
     std::error_code error; // a folder that others have used meanwhile stays
     for (auto path = m_state->placed.rbegin(); path != m_state->placed.rend(); ++path) fs::remove(*path, error);
 }
 
 bool app::Simulation::start(const Bundle& bundle, std::string& problem) {
-    if (const auto* const name = bundle.manifest->objectForKey("JVNStandInDaemon").string()) {
+    setenv(simulateVariable, "1", 1);
+    if (const auto* const name = bundle.manifest->objectForKey("JVNDaemon").string()) {
         m_state->daemonName = *name;
         startDaemon(problem);
     }
-    m_state->tools = bundle.manifest->objectForKey("JVNStandInTools").object<NSDictionary>();
+    m_state->tools = bundle.manifest->objectForKey("JVNTools").object<NSDictionary>();
     if (problem.empty()) placeTools(problem);
     return problem.empty();
 }
@@ -63,11 +58,11 @@ bool app::Simulation::start(const Bundle& bundle, std::string& problem) {
 void app::Simulation::placeTools(std::string& problem) {
     if (!m_state->tools) return;
     m_state->tools->enumerate([&](const std::string& logicalPath, const id& name) {
-        const std::string program = name.string() ? standInPath(*name.string()) : std::string();
+        const std::string program = name.string() ? ownProgram(*name.string()) : std::string();
         const fs::path place(seat::hostPath(logicalPath));
         std::error_code error;
         if (program.empty()) {
-            problem = "simulate: there is no stand-in for " + logicalPath;
+            problem = "simulate: there is no program for " + logicalPath;
         } else {
             makeFolders(place.parent_path(), m_state->placed, error);
             // What an earlier process has left behind is replaced; a tool of the user's own stays.
@@ -94,25 +89,21 @@ void app::Simulation::setListener(std::function<void(const std::string& line)> l
     m_state->listener = std::move(listener);
 }
 
-void app::Simulation::say(const std::string& line, std::string& problem) {
-    if (!m_state->daemon || !m_state->daemon->write(line)) problem = "the stand-in does not listen";
-}
-
 void app::Simulation::stopDaemon() { m_state->daemon.reset(); }
 
 // Ready when it says so: the page asks it as soon as it is shown.
 void app::Simulation::startDaemon(std::string& problem) {
     if (m_state->daemon || m_state->daemonName.empty()) return;
-    const std::string program = standInPath(m_state->daemonName);
+    const std::string program = ownProgram(m_state->daemonName);
     if (program.empty()) {
         problem = "simulate: there is no " + m_state->daemonName + " beside this program";
         return;
     }
-    m_state->daemon =
-        LineProcess::start(program, {"--root", seat::root()}, [state = m_state.get()](const std::string& line) {
-            if (state->listener) state->listener(state->daemonName + ": " + line);
-        });
-    if (m_state->daemon && m_state->daemon->waitForLine("ready", readyPatience)) return;
+    m_state->daemon = LineProcess::start(program, {"--simulate", "--trace", "--root", seat::root()},
+                                         [state = m_state.get()](const std::string& line) {
+                                             if (state->listener) state->listener(state->daemonName + ": " + line);
+                                         });
+    if (m_state->daemon && m_state->daemon->waitForLine("ready", readyTimeout)) return;
     m_state->daemon.reset();
     problem = "simulate: " + program + " did not start";
 }

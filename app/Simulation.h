@@ -1,10 +1,12 @@
 #pragma once
 
-// The stand-ins that --simulate puts in place of what a bundle works with. Which programs they are, and where the
-// bundle expects them, is in its manifest:
-//   JVNStandInDaemon  the name of a program that is started for the root
-//   JVNStandInTools   a dictionary: logical path -> the name of the program to be found there
-// The programs are looked for beside this one, then in ../lib/joyvane of its folder.
+// What --simulate does: the programs that a bundle works with, started for this root and with simulated hardware. Which
+// they are, and where the bundle expects them, is in its manifest:
+//   JVNDaemon  the name of a program; it gets --simulate --trace --root ROOT and says "ready", then a line for all that
+//              happens
+//   JVNTools   a dictionary: logical path -> the name of the program to be found there; it finds JOYVANE_SIMULATE=1 in
+//              its environment
+// The programs are looked for as own_programs.h says.
 
 #include <functional>
 #include <memory>
@@ -22,13 +24,11 @@ public:
     Simulation(const Simulation&) = delete;
     Simulation& operator=(const Simulation&) = delete;
 
-    // False, and the sentence to print in `problem`, on failure. A bundle without stand-ins needs none.
+    // False, and the sentence to print in `problem`, on failure. A bundle without such programs needs none.
     bool start(const Bundle& bundle, std::string& problem);
 
-    // Hears each line that the stand-ins say. Main thread; may be empty.
+    // Hears each line that the daemon says, behind its name. Main thread; may be empty.
     void setListener(std::function<void(const std::string& line)> listener);
-    // A line to the daemon's stand-in. `problem` when it does not run.
-    void say(const std::string& line, std::string& problem);
     void stopDaemon();
     void startDaemon(std::string& problem);
     // Takes the tools away, and puts them back.

@@ -6,12 +6,21 @@ set_target_properties(joyvane_platform joyvane-settings PROPERTIES INSTALL_RPATH
 install(TARGETS joyvane-settings RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(TARGETS joyvane_platform LIBRARY DESTINATION ${JOYVANE_PRIVATE_DIR} NAMELINK_SKIP)
 
-foreach(stand_in IN ITEMS jvnd jvndiscovery)
-  if(TARGET ${stand_in})
-    set_target_properties(${stand_in} PROPERTIES INSTALL_RPATH "$ORIGIN")
-    install(TARGETS ${stand_in} RUNTIME DESTINATION ${JOYVANE_PRIVATE_DIR})
-  endif()
+install(TARGETS jvnd jvndiscovery RUNTIME DESTINATION ${JOYVANE_PRIVATE_DIR})
+
+# The daemon of a user's session: its units, switched on for every user where the system's package manager has them.
+set(JOYVANE_USER_UNITS lib/systemd/user)
+configure_file(packaging/jvnd.service.in ${CMAKE_BINARY_DIR}/packaging/jvnd.service @ONLY)
+install(FILES packaging/jvnd.socket ${CMAKE_BINARY_DIR}/packaging/jvnd.service DESTINATION ${JOYVANE_USER_UNITS})
+foreach(wanted IN ITEMS sockets.target.wants/jvnd.socket default.target.wants/jvnd.service)
+  get_filename_component(unit ${wanted} NAME)
+  file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/packaging/user)
+  file(CREATE_LINK ../${unit} ${CMAKE_BINARY_DIR}/packaging/user/${unit} SYMBOLIC)
+  cmake_path(GET wanted PARENT_PATH target)
+  install(FILES ${CMAKE_BINARY_DIR}/packaging/user/${unit} DESTINATION ${JOYVANE_USER_UNITS}/${target})
 endforeach()
+configure_file(packaging/jvnd.8 ${CMAKE_BINARY_DIR}/packaging/jvnd.8 @ONLY)
+install(FILES ${CMAKE_BINARY_DIR}/packaging/jvnd.8 DESTINATION ${CMAKE_INSTALL_MANDIR}/man8)
 
 foreach(file IN ITEMS com.quorrel.joyvane.metainfo.xml joyvane-settings.1)
   configure_file(packaging/${file} ${CMAKE_BINARY_DIR}/packaging/${file} @ONLY)

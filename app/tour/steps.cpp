@@ -7,10 +7,13 @@
 #include "app/tour/key_names.h"
 #include "kit/uikit/application.h"
 #include "platform/foundation/NSString.h"
+#include "system/files/root.h"
 
 #include <algorithm>
 #include <cctype>
 #include <charconv>
+#include <filesystem>
+#include <fstream>
 #include <optional>
 #include <span>
 
@@ -191,8 +194,21 @@ std::string watch(Words words, Tour& tour) {
     return {};
 }
 
-std::string simulator(Words words, Tour& tour) {
-    if (words.empty()) return "takes what is to be said";
+// A file is replaced, so that whoever watches it never sees a half.
+std::string write(Words words, Tour&) {
+    if (words.size() < 2 || !words[0].starts_with('/')) return "takes a file and its lines";
+    const std::filesystem::path path(seat::hostPath(words[0]));
+    const std::filesystem::path beside(path.string() + ".new");
+    std::error_code error;
+    std::filesystem::create_directories(path.parent_path(), error);
+    std::ofstream file(beside);
+    for (const auto& line : words.subspan(1)) file << line << '\n';
+    file.close();
+    if (!file.fail()) std::filesystem::rename(beside, path, error);
+    return file.fail() || error ? words[0] + " cannot be written" : "";
+}
+
+std::string simulation(Words words, Tour& tour) {
     std::string problem;
     if (words.size() == 1 && words[0] == "stop") {
         tour.simulation.stopDaemon();
@@ -203,9 +219,7 @@ std::string simulator(Words words, Tour& tour) {
     } else if (words.size() == 2 && words[1] == "tools" && words[0] == "place") {
         tour.simulation.placeTools(problem);
     } else {
-        std::string line;
-        for (const auto& word : words) line += (line.empty() ? "" : " ") + word;
-        tour.simulation.say(line, problem);
+        problem = "takes \"stop\" or \"start\", or \"remove tools\" or \"place tools\"";
     }
     return problem;
 }
@@ -247,7 +261,8 @@ constexpr Verb verbs[] = {{"tap", tap},
                           {"picture", picture},
                           {"say", say},
                           {"watch", watch},
-                          {"simulator", simulator},
+                          {"write", write},
+                          {"simulation", simulation},
                           {"desktop", desktop},
                           {"background", background},
                           {"size", size}};

@@ -17,9 +17,9 @@
 //   say TEXT                           a heading in the log
 //   watch notification NAME            the log gets each post of it
 //   watch file PATH                    the log gets the changes of a property list
-//   simulator WORD...                  a line to the stand-in for the daemon; "simulator stop" and "simulator start"
-//                                      end it and start it again; "simulator remove tools" and "simulator place tools"
-//                                      take the stand-ins for the tools away and put them back
+//   write FILE LINE...                 replaces a file, by its logical path
+//   simulation stop | start            ends the simulated daemon, and starts it again
+//   simulation remove tools            takes the simulated tools away; "simulation place tools" puts them back
 //   desktop install mail               from now on the desktop has a program for messages (it has a browser all along);
 //   desktop remove mail                from now on it has none
 //   background                         the window is put away, and is back at once

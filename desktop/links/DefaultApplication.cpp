@@ -206,7 +206,8 @@ std::vector<std::string> argumentsFor(const DefaultApplication& application, con
 bool openWithApplication(const DefaultApplication& application, const std::string& fileOrAddress) {
     if (application.command.empty()) return false;
     const auto arguments = argumentsFor(application, fileOrAddress);
-    auto child = spawn(ChildKind::Program, application.command[0], arguments, childEnvironment(), std::chrono::milliseconds(20));
+    auto child =
+        spawn(ChildKind::Program, application.command[0], arguments, childEnvironment(), std::chrono::milliseconds(20));
     if (child.identifier == 0) {
         NSLog("%s could not be started: %s", application.command[0].c_str(), std::strerror(child.error));
         return false;

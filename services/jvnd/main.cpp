@@ -1,6 +1,7 @@
 // jvnd: the daemon of a user's session. See options.cpp for its command line, Daemon.h for what it does.
 
 #include "services/common/log.h"
+#include "services/common/root_folder.h"
 #include "services/jvnd/Daemon.h"
 #include "services/jvnd/exit_codes.h"
 #include "services/jvnd/options.h"
@@ -8,9 +9,7 @@
 
 #include <csignal>
 #include <cstdio>
-#include <cstdlib>
 #include <fcntl.h>
-#include <filesystem>
 #include <sys/epoll.h>
 #include <sys/stat.h>
 #include <systemd/sd-daemon.h>
@@ -19,28 +18,8 @@
 namespace {
 
 using namespace jvnd;
-namespace fs = std::filesystem;
 
 constexpr const char* controlSocket = "/Library/Caches/jvncontrol.sock";
-
-// Empty, and the reason in `problem`, when there is none.
-std::string rootFolder(const std::string& given, std::string& problem) {
-    std::string root = given;
-    if (root.empty()) {
-        const char* const data = std::getenv("XDG_DATA_HOME");
-        const char* const home = std::getenv("HOME");
-        if (data && data[0] == '/')
-            root = std::string(data) + "/joyvane";
-        else if (home && home[0] == '/')
-            root = std::string(home) + "/.local/share/joyvane";
-        else
-            problem = "the user has no home folder";
-    }
-    if (root.empty()) return {};
-    root = fs::absolute(root).lexically_normal().string();
-    while (root.ends_with('/')) root.pop_back();
-    return root;
-}
 
 // A descriptor of ours must never be taken for a standard stream.
 void openStandardStreams() {
@@ -92,12 +71,10 @@ int main(int argc, char** argv) {
     if (line.showsHelp) return std::fputs(helpText().c_str(), stdout) < 0;
     if (line.showsVersion) return std::puts("jvnd " JOYVANE_VERSION) < 0;
 
-    std::string problem;
-    const auto root = rootFolder(line.root, problem);
-    if (!problem.empty()) return fail(problem, exitFailure);
+    const auto root = services::rootFolder(line.root);
+    if (root.empty()) return fail("the user has no home folder", exitFailure);
     ControlPlace place;
-    problem = place.open(root + controlSocket);
-    if (!problem.empty()) return fail(problem, exitFailure);
+    if (const auto problem = place.open(root + controlSocket); !problem.empty()) return fail(problem, exitFailure);
     const int code = serve(line, root, place);
     return code == exitRestart ? place.restart(argv) : code;
 }

@@ -39,6 +39,7 @@ constexpr std::string_view toolVariables[] = {
     "DBUS_SESSION_BUS_ADDRESS",
     "DBUS_SYSTEM_BUS_ADDRESS",
     seat::rootVariable,
+    "JOYVANE_SIMULATE",
 #ifdef JOYVANE_IS_SANITIZED
     "ASAN_OPTIONS",
     "LSAN_OPTIONS",

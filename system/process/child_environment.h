@@ -17,7 +17,7 @@ void setVariableForUsAlone(const std::string& name, const std::string& value);
 std::vector<std::string> childEnvironment();
 
 // What a tool of the add-on's own gets, and nothing else of this process's environment: who the user is, the language,
-// the user's folders, the buses and the root.
+// the user's folders, the buses, the root, and JOYVANE_SIMULATE.
 std::vector<std::string> toolEnvironment();
 
 } // namespace seat

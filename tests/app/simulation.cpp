@@ -4,6 +4,7 @@
 #include "platform/foundation/NSDictionary.h"
 #include "system/files/root.h"
 #include "system/run_loop/PollLoop.h"
+#include "system/socket/address.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/descriptors.h"
 
@@ -11,6 +12,8 @@
 
 #include <filesystem>
 #include <fstream>
+#include <sys/socket.h>
+#include <unistd.h>
 
 namespace {
 
@@ -19,7 +22,7 @@ namespace fs = std::filesystem;
 constexpr const char* tool = "/usr/bin/jvndiscovery";
 constexpr const char* socketPath = "/Library/Caches/jvncontrol.sock";
 
-// The stand-ins are beside this test program, as they are beside the application.
+// The programs are beside this test program, as they are beside the application.
 class SimulationTest : public ::testing::Test {
 protected:
     SimulationTest() { seat::setRoot(folder.path()); }
@@ -28,11 +31,11 @@ protected:
     static app::Bundle bundle(const std::string& daemon, const std::string& toolName, const char* place = tool) {
         app::Bundle result;
         result.manifest = NSDictionary::dictionary();
-        if (!daemon.empty()) result.manifest->setObject_forKey(daemon, "JVNStandInDaemon");
+        if (!daemon.empty()) result.manifest->setObject_forKey(daemon, "JVNDaemon");
         if (toolName.empty()) return result;
         const auto tools = NSDictionary::dictionary();
         tools->setObject_forKey(toolName, place);
-        result.manifest->setObject_forKey(tools, "JVNStandInTools");
+        result.manifest->setObject_forKey(tools, "JVNTools");
         return result;
     }
     fs::path under(const char* logical) const { return folder.path() + logical; }
@@ -43,7 +46,7 @@ protected:
     std::string problem;
 };
 
-TEST_F(SimulationTest, ABundleWithoutStandInsNeedsNone) {
+TEST_F(SimulationTest, ABundleWithoutProgramsNeedsNone) {
     app::Simulation simulation;
 
     EXPECT_TRUE(simulation.start(bundle("", ""), problem));
@@ -111,7 +114,7 @@ TEST_F(SimulationTest, ALinkThatWasLeftBehindIsReplaced) {
 TEST_F(SimulationTest, WhatIsNotThereIsNamed) {
     app::Simulation simulation;
     EXPECT_FALSE(simulation.start(bundle("", "nobodystool"), problem));
-    std::string expected = "simulate: there is no stand-in for "; // in one expression, g++ 12 warns of a false bound
+    std::string expected = "simulate: there is no program for "; // in one expression, g++ 12 warns of a false bound
     EXPECT_EQ(problem, expected.append(tool));
 
     problem.clear();
@@ -126,6 +129,15 @@ TEST_F(SimulationTest, APlaceThatCannotBeMadeIsNamed) {
     EXPECT_FALSE(simulation.start(bundle("", "jvndiscovery"), problem));
 
     EXPECT_TRUE(problem.starts_with("simulate: " + under(tool).string())) << problem;
+}
+
+TEST_F(SimulationTest, ToolsLearnThatTheyAreToSimulateAsLongAsItLasts) {
+    {
+        app::Simulation simulation;
+        ASSERT_TRUE(simulation.start(bundle("", ""), problem));
+        EXPECT_STREQ(std::getenv("JOYVANE_SIMULATE"), "1");
+    }
+    EXPECT_EQ(std::getenv("JOYVANE_SIMULATE"), nullptr);
 }
 
 TEST_F(SimulationTest, ADaemonThatIsNoneIsSaidNotToHaveStarted) {
@@ -156,9 +168,6 @@ TEST_F(SimulationTest, TheDaemonCanBeStoppedAndStartedAgainAndIsOneAtATime) {
 
     simulation.stopDaemon();
     EXPECT_FALSE(fs::exists(under(socketPath)));
-    simulation.say("connected", problem);
-    EXPECT_EQ(problem, "the stand-in does not listen");
-    problem.clear();
     simulation.startDaemon(problem);
     simulation.startDaemon(problem);
 
@@ -173,11 +182,14 @@ TEST_F(SimulationTest, WhatTheDaemonSaysIsHeardWithItsName) {
     ASSERT_TRUE(simulation.start(bundle("jvnd", ""), problem));
     simulation.setListener([&](const std::string& line) { heard += line + "|"; });
 
-    simulation.say("no such order", problem);
+    const int caller = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    ASSERT_EQ(seat::connectToPath(caller, under(socketPath)), 0);
+    const char query[12] = {5};
+    EXPECT_EQ(::write(caller, query, sizeof query), 12);
 
-    EXPECT_EQ(problem, "");
     EXPECT_TRUE(loop.runUntil([&] { return heard.find('|') != std::string::npos; }, 5));
-    EXPECT_TRUE(heard.starts_with("jvnd: ")) << heard;
+    EXPECT_TRUE(heard.starts_with("jvnd: 1 < 05 00 ")) << heard;
+    ::close(caller);
 }
 
 } // namespace

@@ -106,6 +106,7 @@ class Tour(unittest.TestCase):
             desktop install mail
             desktop remove mail
             background
+            write /var/some/file "a line" another
             type "nobody listens"
             tap row "Show Alert"
             wait alert "Which one*"
@@ -120,6 +121,8 @@ class Tour(unittest.TestCase):
         self.assertIn("picture 001-first-page.png", log)
         self.assertEqual(self.size("001-first-page.png"), (750, 1334))
         self.assertEqual(self.size("002-controls.png"), (960, 1440))
+        with open(self.root + "/var/some/file") as file:
+            self.assertEqual(file.read(), "a line\nanother\n")
         with open(self.root + SETTINGS, "rb") as file:
             self.assertEqual(plistlib.load(file), {"switch_on": True, "choice": 1})
 
@@ -147,12 +150,14 @@ class Tour(unittest.TestCase):
             "wait noted x 0": "wait: takes a number of times",
             "picture": "picture: takes a name",
             "say": "say: takes a text",
+            "write /a": "write: takes a file and its lines",
+            "write a b": "write: takes a file and its lines",
             "watch clouds x": 'watch: takes "notification" or "file", and its name',
             "type a b": "type: takes a text",
             "desktop install": 'desktop: takes "install mail" or "remove mail"',
             "background now": "background: takes nothing",
-            "simulator": "simulator: takes what is to be said",
-            "simulator connected": "simulator: the stand-in does not listen",
+            "simulation": 'simulation: takes "stop" or "start", or "remove tools" or "place tools"',
+            "simulation dance": 'simulation: takes "stop" or "start", or "remove tools" or "place tools"',
             "size 1 2": "size: takes three numbers above 0",
             "size 100 100 -1": "size: takes three numbers above 0",
         }.items():

@@ -1,7 +1,7 @@
-"""The main job on a real desktop: the built program with its stand-ins, under a virtual X server, with a bus of its own.
+"""The main job on a real desktop: the built program with the real daemon and simulated controllers, under a virtual X server, with a bus of its own.
 
 Once by assistive technology, once by the pointer, once by the keyboard alone. What the program did is read from the
-preferences file and from what the stand-in daemon logs.
+preferences file and from what the daemon says.
 
     main_job.py JOYVANE-SETTINGS
 """

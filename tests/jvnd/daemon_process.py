@@ -89,7 +89,7 @@ class Daemon:
         # No bus, unless a test brings one: nothing of the machine's is touched.
         self.environment = dict(os.environ, DBUS_SYSTEM_BUS_ADDRESS="unix:path=/nonexistent/system",
                                 DBUS_SESSION_BUS_ADDRESS="unix:path=/nonexistent/session")
-        for name in ("NOTIFY_SOCKET", "LISTEN_FDS", "LISTEN_PID", "LISTEN_FDNAMES", "SYSTEMD_EXEC_PID"):
+        for name in ("NOTIFY_SOCKET", "LISTEN_FDS", "LISTEN_PID", "LISTEN_FDNAMES", "SYSTEMD_EXEC_PID", "JOYVANE_ROOT"):
             self.environment.pop(name, None)
 
     def start(self, *arguments, ready=True, **more):

@@ -44,7 +44,8 @@ class Installed(unittest.TestCase):
 
     def test_everything_is_in_its_place(self):
         for path in ("lib/joyvane/libjoyvane-platform.so.0", "lib/joyvane/Joyvane.bundle/Joyvane",
-                     "lib/joyvane/Joyvane.bundle/Joyvane.plist", "lib/joyvane/Joyvane.bundle/Info.plist",
+                     "lib/joyvane/Joyvane.bundle/Joyvane.plist", "lib/joyvane/jvnd", "lib/joyvane/jvndiscovery",
+                     "lib/systemd/user/jvnd.socket", "lib/systemd/user/jvnd.service", "share/man/man8/jvnd.8", "lib/joyvane/Joyvane.bundle/Info.plist",
                      "share/applications/com.quorrel.joyvane.desktop", "share/man/man1/joyvane-settings.1",
                      "share/icons/hicolor/scalable/apps/com.quorrel.joyvane.svg",
                      "share/metainfo/com.quorrel.joyvane.metainfo.xml",
@@ -86,16 +87,18 @@ class Installed(unittest.TestCase):
         with open(os.path.join(folder, "log.txt"), encoding="utf-8") as file:
             log = "\n".join(line for line in file.read().splitlines() if "  > " not in line)
         for frame in ("QueryConnection", "Connect", "Disconnect", "EndSession", "SetLEDColor", "RestartDaemons"):
-            self.assertTrue(re.search(rf"jvnd: \d+ < [0-9a-f ]+ \| {frame}\b", log), f"no frame {frame}")
+            self.assertTrue(re.search(rf"jvnd: \d+ < [0-9a-f. ]+ \| {frame}\b", log), f"no frame {frame}")
         for line in (r"notification com\.quorrel\.jvnprefs\.changed", r"notification com\.quorrel\.jvninitbt",
-                     r"notification com\.quorrel\.jvnfailure", r"file /var/mobile.*: controller_type = 6",
+                     r"notification com\.quorrel\.jvnfailure", r"jvnd: light of \.\.:00:01 shows 004efd",
+                     r"jvnd: light of \.\.:00:01 shows [0-9a-f]{6}", r"jvnd: heard com\.quorrel\.jvninitbt",
+                     r"jvnd: keyboard plays", r"file /var/mobile.*: controller_type = 6",
                      r"process \d+ was started: .*/usr/bin/jvndiscovery", r"process \d+ ended with 0",
                      r"was started: .*/browser http://.*/sixpair_instructions\.html",
                      r"was started: .*/mail-program /.*\.eml", r"log launch /usr/bin/jvndiscovery: No such file"):
             self.assertTrue(re.search(line, log), f"nothing like {line} in the tour's log")
         with open(os.path.join(folder, "message.eml"), encoding="ascii") as file:
             self.assertIn("To: ann@home.example\n", file.read())
-        self.assertFalse(os.path.exists(os.path.join(folder, "desktop")), "the stand-ins go with the tour")
+        self.assertFalse(os.path.exists(os.path.join(folder, "desktop")), "the made-up desktop goes with the tour")
 
     def test_manual_and_completion_know_the_options_that_help_prints(self):
         printed = set(re.findall(r"--[a-z]+", self.run_program("--help").stdout))

@@ -1,10 +1,13 @@
-// Asking the daemon, beside a bare client that makes the same system calls of the same stand-in; and what ten thousand
-// of the page's exchanges leave in memory. Its last line is for other programs:
-//   exchange ratio=<ours to bare> bare_us=.. ours_us=.. hop_us=.. page_us=.. rss_growth_kib=..
+// Asking the daemon, beside a bare client that makes the same system calls of the same daemon; the daemon beside a bare
+// server that the same client asks; and what ten thousand of the page's exchanges leave in memory. Its last line is for
+// other programs:
+//   exchange ratio=<ours to bare> bare_us=.. ours_us=.. server_us=.. daemon_us=.. hop_us=.. page_us=..
+//   rss_growth_kib=..
 
 #include "daemonlink/ControlConnection.h"
 #include "daemonlink/exchanges.h"
 #include "platform/dispatch.h"
+#include "platform/foundation/NSData.h"
 #include "platform/foundation/NSNumber.h"
 #include "settings/JoyvaneListController.h"
 #include "system/files/Descriptor.h"
@@ -14,12 +17,14 @@
 #include <QGuiApplication>
 
 #include <algorithm>
+#include <array>
 #include <benchmark/benchmark.h>
 #include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>
+#include <filesystem>
 #include <fstream>
 #include <map>
 #include <spawn.h>
@@ -36,10 +41,19 @@ using Clock = std::chrono::steady_clock;
 
 double microseconds(Clock::duration duration) { return std::chrono::duration<double, std::micro>(duration).count(); }
 
-// The stand-in daemon of a root, as a process of its own whose log nobody reads.
-class StandInDaemon {
+constexpr std::array<unsigned char, 6> address{0x00, 0xAA, 0x01, 0x01, 0x00, 0x01};
+
+// The daemon of a root, as a process of its own, with a simulated controller that is connected.
+class DaemonProcess {
 public:
-    explicit StandInDaemon(const std::string& root) {
+    explicit DaemonProcess(testing_support::SettingsHost& app) {
+        app.writePreferences(testing_support::dictionary({{"controller_type", NSNumber::numberWithInteger(1)},
+                                                          {"connection_mode", NSNumber::numberWithInteger(1)},
+                                                          {"PS4BluetoothAddress", NSData::dataWithBytes(address)}}));
+        const std::filesystem::path world = app.root() + "/var/joyvane/simulated-controllers";
+        std::filesystem::create_directories(world.parent_path());
+        std::ofstream(world) << "bluetooth on\ncontroller 00:AA:01:01:00:01 type=1 paired trusted connected : Pad\n";
+
         int ends[2];
         if (::pipe2(ends, O_CLOEXEC) != 0) return;
         m_input.reset(ends[1]);
@@ -47,38 +61,74 @@ public:
         posix_spawn_file_actions_t actions;
         ::posix_spawn_file_actions_init(&actions);
         ::posix_spawn_file_actions_adddup2(&actions, theirs.get(), STDIN_FILENO);
-        ::posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-        std::string words[] = {JVND_PROGRAM, "--root", root};
-        char* arguments[] = {words[0].data(), words[1].data(), words[2].data(), nullptr};
+        std::string words[] = {JVND_PROGRAM, "--simulate", "--root", app.root()};
+        char* arguments[] = {words[0].data(), words[1].data(), words[2].data(), words[3].data(), nullptr};
         if (::posix_spawn(&m_process, JVND_PROGRAM, &actions, nullptr, arguments, environ) != 0) m_process = 0;
         ::posix_spawn_file_actions_destroy(&actions);
         for (int i = 0; i < 1000 && !ControlConnection::open(); ++i) ::usleep(5000);
     }
-    ~StandInDaemon() {
+    ~DaemonProcess() {
         if (m_process <= 0) return;
         ::kill(m_process, SIGTERM);
         ::waitpid(m_process, nullptr, 0);
     }
-    StandInDaemon(const StandInDaemon&) = delete;
-    StandInDaemon& operator=(const StandInDaemon&) = delete;
+    DaemonProcess(const DaemonProcess&) = delete;
+    DaemonProcess& operator=(const DaemonProcess&) = delete;
 
 private:
     seat::Descriptor m_input;
     ::pid_t m_process = 0;
 };
 
+// What anybody who writes a server by hand does: it takes a connection, reads a frame, answers it, and closes.
+class BareServer {
+public:
+    explicit BareServer(const ::sockaddr_un& place) {
+        const seat::Descriptor listener(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+        if (::bind(listener.get(), reinterpret_cast<const ::sockaddr*>(&place), sizeof place) != 0 ||
+            ::listen(listener.get(), 64) != 0)
+            return;
+        m_process = ::fork();
+        if (m_process != 0) return;
+        for (;;) {
+            const int caller = ::accept4(listener.get(), nullptr, nullptr, SOCK_CLOEXEC);
+            unsigned char frame[12];
+            if (::recv(caller, frame, sizeof frame, MSG_WAITALL) == 12)
+                ::send(caller, frame, sizeof frame, MSG_NOSIGNAL);
+            ::close(caller);
+        }
+    }
+    ~BareServer() {
+        if (m_process <= 0) return;
+        ::kill(m_process, SIGKILL);
+        ::waitpid(m_process, nullptr, 0);
+    }
+    BareServer(const BareServer&) = delete;
+    BareServer& operator=(const BareServer&) = delete;
+
+private:
+    ::pid_t m_process = 0;
+};
+
 struct Stage {
     testing_support::LoggedLines quiet;
     testing_support::SettingsHost app;
-    StandInDaemon daemon{app.root()};
+    DaemonProcess daemon{app};
 };
 
+::sockaddr_un placeAt(const std::string& path) {
+    ::sockaddr_un place{};
+    place.sun_family = AF_UNIX;
+    path.copy(place.sun_path, sizeof place.sun_path - 1);
+    return place;
+}
+
 // What anybody who writes a client by hand does.
-bool askBare(const ::sockaddr_un& address) {
+bool askBare(const ::sockaddr_un& place) {
     const int descriptor = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
     unsigned char frame[12] = {5};
     const ::timeval second{1, 0};
-    const bool answered = ::connect(descriptor, reinterpret_cast<const ::sockaddr*>(&address), sizeof address) == 0 &&
+    const bool answered = ::connect(descriptor, reinterpret_cast<const ::sockaddr*>(&place), sizeof place) == 0 &&
                           ::setsockopt(descriptor, SOL_SOCKET, SO_RCVTIMEO, &second, sizeof second) == 0 &&
                           ::send(descriptor, frame, sizeof frame, MSG_NOSIGNAL) == 12 &&
                           ::recv(descriptor, frame, sizeof frame, MSG_WAITALL) == 12;
@@ -108,18 +158,16 @@ std::map<std::string, double>& results() {
 // By turns, so that both meet the same machine.
 void oursBesideBare(benchmark::State& state) {
     Stage stage;
-    ::sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    (stage.app.root() + "/Library/Caches/jvncontrol.sock").copy(address.sun_path, sizeof address.sun_path - 1);
+    const auto place = placeAt(stage.app.root() + "/Library/Caches/jvncontrol.sock");
     std::vector<double> bare, ours;
     for ([[maybe_unused]] auto _ : state) {
         for (int i = 0; i < 500; ++i) {
             const auto start = Clock::now();
-            const bool bareWorked = askBare(address);
+            const bool bareWorked = askBare(place);
             const auto between = Clock::now();
             const bool oursWorked = askOurs();
             const auto end = Clock::now();
-            if (!bareWorked || !oursWorked) return state.SkipWithError("the stand-in does not answer");
+            if (!bareWorked || !oursWorked) return state.SkipWithError("the daemon does not answer");
             bare.push_back(microseconds(between - start));
             ours.push_back(microseconds(end - between));
         }
@@ -129,6 +177,30 @@ void oursBesideBare(benchmark::State& state) {
     results()["ratio"] = state.counters["ratio"] = median(ours) / median(bare);
 }
 BENCHMARK(oursBesideBare)->Unit(benchmark::kMillisecond);
+
+// The same client asks the daemon and a bare server, by turns.
+void daemonBesideBare(benchmark::State& state) {
+    Stage stage;
+    const auto daemon = placeAt(stage.app.root() + "/Library/Caches/jvncontrol.sock");
+    const auto bare = placeAt(stage.app.root() + "/bare.sock");
+    const BareServer server(bare);
+    std::vector<double> bares, daemons;
+    for ([[maybe_unused]] auto _ : state) {
+        for (int i = 0; i < 500; ++i) {
+            const auto start = Clock::now();
+            const bool bareWorked = askBare(bare);
+            const auto between = Clock::now();
+            const bool daemonWorked = askBare(daemon);
+            const auto end = Clock::now();
+            if (!bareWorked || !daemonWorked) return state.SkipWithError("one does not answer");
+            bares.push_back(microseconds(between - start));
+            daemons.push_back(microseconds(end - between));
+        }
+    }
+    results()["server_us"] = state.counters["server_us"] = median(bares);
+    results()["daemon_us"] = state.counters["daemon_us"] = median(daemons);
+}
+BENCHMARK(daemonBesideBare)->Unit(benchmark::kMillisecond);
 
 // To a worker and back to the main queue, with nothing done there: what the page pays for never waiting.
 void hop(benchmark::State& state) {
@@ -157,8 +229,6 @@ double residentKiB() {
 // The page's own, each with the reload of its rows that ends it.
 void tenThousandOfThePage(benchmark::State& state) {
     Stage stage;
-    stage.app.writePreferences(testing_support::dictionary(
-        {{"controller_type", NSNumber::numberWithInteger(1)}, {"connection_mode", NSNumber::numberWithInteger(1)}}));
     const auto page = JoyvaneListController::alloc()->init();
     stage.app.open(page);
     const auto enabled = [&] {
@@ -174,11 +244,11 @@ void tenThousandOfThePage(benchmark::State& state) {
     std::vector<double> times(10'000); // in memory before it is measured
     for ([[maybe_unused]] auto _ : state) {
         for (int i = 0; i < 1000; ++i)
-            if (!ask()) return state.SkipWithError("the stand-in does not answer");
+            if (!ask()) return state.SkipWithError("the daemon does not answer");
         const double before = residentKiB();
         for (double& time : times) {
             const auto start = Clock::now();
-            if (!ask()) return state.SkipWithError("the stand-in does not answer");
+            if (!ask()) return state.SkipWithError("the daemon does not answer");
             time = microseconds(Clock::now() - start);
         }
         results()["rss_growth_kib"] = state.counters["rss_growth_kib"] = residentKiB() - before;
@@ -196,7 +266,7 @@ int main(int argc, char** argv) {
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();
     std::printf("exchange ratio=%.2f", results()["ratio"]);
-    for (const char* name : {"bare_us", "ours_us", "hop_us", "page_us", "rss_growth_kib"})
+    for (const char* name : {"bare_us", "ours_us", "server_us", "daemon_us", "hop_us", "page_us", "rss_growth_kib"})
         std::printf(" %s=%.1f", name, results()[name]);
     std::printf("\n");
     return 0;
