@@ -11,11 +11,11 @@
 #include "system/files/Descriptor.h"
 #include "system/log/log.h"
 #include "system/process/pidfd.h"
+#include "system/process/standard_descriptors.h"
 
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <fcntl.h>
 #include <string_view>
 #include <sys/epoll.h>
 #include <unistd.h>
@@ -35,12 +35,6 @@ constexpr int endingSignals[] = {SIGINT, SIGTERM, SIGHUP};
 
 // The page's types that nothing is paired for: one is paired by cable, the other is the keyboard.
 bool isPairedOverBluetooth(int type) { return type != 0 && type != 6; }
-
-// A descriptor of ours must never be taken for a standard stream.
-void openStandardStreams() {
-    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
-        if (::fcntl(stream, F_GETFD) < 0) ::open("/dev/null", O_RDWR);
-}
 
 int discover(const std::string& root, int type, bool simulates) {
     services::EventLoop loop;
@@ -90,7 +84,7 @@ int fail(const std::string& problem, int code) {
 
 int main(int argc, char** argv) {
     holdSignals();
-    openStandardStreams();
+    seat::openMissingStandardDescriptors();
     ::signal(SIGPIPE, SIG_IGN);
     services::setLogName("jvndiscovery");
     seat::setLogSink([](std::string_view line) { services::log("%.*s", static_cast<int>(line.size()), line.data()); });

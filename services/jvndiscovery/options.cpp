@@ -17,7 +17,7 @@ It searches until it has found one or is interrupted.
                (default: JOYVANE_ROOT of the environment, else the user's data folder)
   --simulate   simulated controllers instead of Bluetooth; also when the environment's
                JOYVANE_SIMULATE is 1
-  --help       this text
+  --help, -h   this text
   --version    the version
 
 Ends with 0 when a controller is paired or on an interruption, 1 when there is no
@@ -32,7 +32,7 @@ CommandLine parseCommandLine(std::span<const char* const> arguments) {
     CommandLine line;
     for (std::size_t i = 0; i < arguments.size() && line.problem.empty(); ++i) {
         const std::string_view argument = arguments[i];
-        if (argument == "--help") {
+        if (argument == "--help" || argument == "-h") {
             line.showsHelp = true;
         } else if (argument == "--version") {
             line.showsVersion = true;

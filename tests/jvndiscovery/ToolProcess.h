@@ -66,7 +66,22 @@ public:
         return {std::istreambuf_iterator<char>(file), {}};
     }
 
+    // How often it has been woken up so far.
+    long wakeUps() const { return number("status", "voluntary_ctxt_switches:"); }
+    // Bytes that are its alone.
+    long privateMemory() const {
+        return 1024 * (number("smaps_rollup", "Private_Clean:") + number("smaps_rollup", "Private_Dirty:"));
+    }
+
 private:
+    long number(const std::string& file, const std::string& name) const {
+        std::ifstream stream("/proc/" + std::to_string(m_identifier) + "/" + file);
+        std::string word;
+        long value = -1;
+        while (stream >> word)
+            if (word == name) stream >> value;
+        return value;
+    }
     void reap() {
         int status = 0;
         ::waitpid(m_identifier, &status, 0);

@@ -7,9 +7,9 @@
 #include "system/preferences/FileLock.h"
 #include "system/preferences/PreferencesFile.h"
 #include "tests/jvndiscovery/ToolProcess.h"
+#include "tests/support/MockBluetoothService.h"
 #include "tests/support/PrivateBus.h"
 #include "tests/support/TemporaryFolder.h"
-#include "tests/support/mock_bluetooth_service.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -24,6 +24,14 @@ using testing_support::PrivateBus;
 using testing_support::ToolProcess;
 
 namespace {
+
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool isSanitized = true;
+#elif defined(__has_feature)
+constexpr bool isSanitized = __has_feature(address_sanitizer) || __has_feature(thread_sanitizer);
+#else
+constexpr bool isSanitized = false;
+#endif
 
 // The page's message server.
 class PageServer {
@@ -396,6 +404,21 @@ TEST_F(DiscoveryProgramTest, LoadsNoToolkit) {
         EXPECT_EQ(maps.find(library), std::string::npos) << library;
 }
 
+TEST_F(DiscoveryProgramTest, SleepsAndIsSmallWhileItSearches) {
+    if (isSanitized) GTEST_SKIP() << "sanitizers have memory and threads of their own";
+    service.addAdapter();
+    start();
+    ASSERT_TRUE(until([&] { return page.states == "40" && service.isSearching(); }));
+    loop.runUntil([] { return false; }, 100ms);
+    const auto before = tool->wakeUps();
+
+    loop.runUntil([] { return false; }, 500ms);
+
+    EXPECT_EQ(tool->wakeUps(), before);
+    EXPECT_LE(tool->privateMemory(), 2048 * 1024);
+    RecordProperty("private_kib", static_cast<int>(tool->privateMemory() / 1024));
+}
+
 TEST_F(DiscoveryProgramTest, PairsASimulatedControllerOfTheTypeThatThePageAsksFor) {
     choose(2);
 
@@ -407,6 +430,12 @@ TEST_F(DiscoveryProgramTest, PairsASimulatedControllerOfTheTypeThatThePageAsksFo
     std::ifstream world(folder.file("var/joyvane/simulated-controllers"));
     const std::string text{std::istreambuf_iterator<char>(world), {}};
     EXPECT_NE(text.find("00:AA:01:02:00:02 type=2 pairing paired trusted connected : "), std::string::npos) << text;
+}
+
+TEST_F(DiscoveryProgramTest, HelpAndVersionNeedNothing) {
+    EXPECT_EQ(start({"--help"}).code(), 0);
+    EXPECT_EQ(start({"--version"}).code(), 0);
+    EXPECT_EQ(page.states, "");
 }
 
 TEST_F(DiscoveryProgramTest, AWrongCommandLineIsSaid) {

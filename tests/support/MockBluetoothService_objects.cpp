@@ -1,6 +1,6 @@
 // The mock Bluetooth service's objects, as it shows them and tells of their changes.
 
-#include "tests/support/mock_bluetooth_service.h"
+#include "tests/support/MockBluetoothService.h"
 
 #include <stdexcept>
 #include <string_view>

@@ -1,4 +1,4 @@
-#include "tests/support/mock_bluetooth_service.h"
+#include "tests/support/MockBluetoothService.h"
 
 #include <algorithm>
 #include <cstdlib>
