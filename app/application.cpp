@@ -3,6 +3,7 @@
 #include "app/Bundle.h"
 #include "app/SettingsPage.h"
 #include "app/Simulation.h"
+#include "app/own_programs.h"
 #include "app/tour/tour.h"
 #include "desktop/links/browser.h"
 #include "desktop/window/SceneWindow.h"
@@ -11,6 +12,7 @@
 #include "system/bus/SessionBus.h"
 #include "system/bus/session_bus_address.h"
 #include "system/files/root.h"
+#include "system/process/installed_tools.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -74,6 +76,16 @@ int showWindow(seat::Toolkit& toolkit, const app::Options& options, const app::B
     return code;
 }
 
+void findInstalledTools(const app::Bundle& bundle) {
+    const auto tools = bundle.manifest->objectForKey("JVNTools").object<NSDictionary>();
+    if (!tools) return;
+    tools->enumerate([](const std::string& logicalPath, const id& name) {
+        const auto program = name.string() ? app::ownProgram(*name.string()) : std::string();
+        if (!program.empty()) seat::setInstalledTool(logicalPath, program);
+        return true;
+    });
+}
+
 } // namespace
 
 int app::runApplication(const Options& options) {
@@ -107,6 +119,7 @@ int app::runApplication(const Options& options) {
         complain(problem);
         return ExitFailure;
     }
+    if (!options.simulate) findInstalledTools(bundle);
     const int code = isTour ? playTour(toolkit, options, bundle, principalClass, simulation)
                             : showWindow(toolkit, options, bundle, principalClass);
     seat::SessionBus::shared().close();

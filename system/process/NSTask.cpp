@@ -1,9 +1,9 @@
 #include "platform/task.h"
 
 #include "platform/log.h"
-#include "system/files/root.h"
 #include "system/process/child_environment.h"
 #include "system/process/children.h"
+#include "system/process/installed_tools.h"
 #include "system/process/spawn.h"
 
 #include <cstring>
@@ -24,7 +24,7 @@ std::shared_ptr<NSTask> NSTask::launchedTaskWithLaunchPath_arguments(const std::
     auto task = alloc();
     task->init();
     auto child =
-        seat::spawn(seat::ChildKind::Tool, seat::hostPath(path), arguments, seat::toolEnvironment(), loadingTimeout);
+        seat::spawn(seat::ChildKind::Tool, seat::toolPath(path), arguments, seat::toolEnvironment(), loadingTimeout);
     if (child.identifier == 0) {
         logFailure(path, child.error);
         return task;

@@ -124,6 +124,33 @@ class MainJob(unittest.TestCase):
         self.app.gone(name=re.compile("daemon does not answer"))
         self.assertEqual(self.app.close(), 0)
 
+    def test_the_installed_tool_is_started_where_the_root_has_none(self):
+        self.root = self.desktop.path("installed")
+        preferences = os.path.join(self.root, "var/mobile/Library/Preferences")
+        os.makedirs(preferences)
+        with open(os.path.join(preferences, "com.quorrel.joyvane.plist"), "wb") as file:
+            plistlib.dump({"controller_type": 1}, file)
+        # There is no Bluetooth here, and the tool finds that out by itself.
+        self.desktop.environment["DBUS_SYSTEM_BUS_ADDRESS"] = "unix:path=/nonexistent/system"
+        self.app = App(self.desktop, [PROGRAM, "--root", self.root], errors=self.desktop.path("installed.txt"))
+        self.addCleanup(self.app.__exit__, None, None, None)
+        self.press("Pair Controller")
+        self.app.find(role="alert", name=re.compile("BTstack was not activated"))
+        self.press("Dismiss")
+        self.assertEqual(self.app.close(), 0)
+
+    def test_a_restart_of_the_daemons_keeps_the_socket(self):
+        self.start("restart")
+        inode = os.stat(os.path.join(self.root, "Library/Caches/jvncontrol.sock")).st_ino
+        for _ in range(2):
+            self.press("Restart Daemons")
+        self.press("Controller")
+        self.press("Keyboard")
+        self.wait_stored("controller_type", 6)
+        self.assertEqual(os.stat(os.path.join(self.root, "Library/Caches/jvncontrol.sock")).st_ino, inode)
+        self.assertFalse(self.app.nodes(role="alert"))
+        self.end()
+
     def test_by_assistive_technology(self):
         self.start("assistive")
         self.press("Controller")
