@@ -19,8 +19,10 @@ foreach(wanted IN ITEMS sockets.target.wants/jvnd.socket default.target.wants/jv
   cmake_path(GET wanted PARENT_PATH target)
   install(FILES ${CMAKE_BINARY_DIR}/packaging/user/${unit} DESTINATION ${JOYVANE_USER_UNITS}/${target})
 endforeach()
-configure_file(packaging/jvnd.8 ${CMAKE_BINARY_DIR}/packaging/jvnd.8 @ONLY)
-install(FILES ${CMAKE_BINARY_DIR}/packaging/jvnd.8 DESTINATION ${CMAKE_INSTALL_MANDIR}/man8)
+foreach(manual IN ITEMS jvnd.8 jvndiscovery.8)
+  configure_file(packaging/${manual} ${CMAKE_BINARY_DIR}/packaging/${manual} @ONLY)
+  install(FILES ${CMAKE_BINARY_DIR}/packaging/${manual} DESTINATION ${CMAKE_INSTALL_MANDIR}/man8)
+endforeach()
 
 foreach(file IN ITEMS com.quorrel.joyvane.metainfo.xml joyvane-settings.1)
   configure_file(packaging/${file} ${CMAKE_BINARY_DIR}/packaging/${file} @ONLY)

@@ -45,7 +45,8 @@ class Installed(unittest.TestCase):
     def test_everything_is_in_its_place(self):
         for path in ("lib/joyvane/libjoyvane-platform.so.0", "lib/joyvane/Joyvane.bundle/Joyvane",
                      "lib/joyvane/Joyvane.bundle/Joyvane.plist", "lib/joyvane/jvnd", "lib/joyvane/jvndiscovery",
-                     "lib/systemd/user/jvnd.socket", "lib/systemd/user/jvnd.service", "share/man/man8/jvnd.8", "lib/joyvane/Joyvane.bundle/Info.plist",
+                     "lib/systemd/user/jvnd.socket", "lib/systemd/user/jvnd.service", "share/man/man8/jvnd.8",
+                     "share/man/man8/jvndiscovery.8", "lib/joyvane/Joyvane.bundle/Info.plist",
                      "share/applications/com.quorrel.joyvane.desktop", "share/man/man1/joyvane-settings.1",
                      "share/icons/hicolor/scalable/apps/com.quorrel.joyvane.svg",
                      "share/metainfo/com.quorrel.joyvane.metainfo.xml",
