@@ -10,7 +10,7 @@
 namespace bluetooth {
 
 enum class AdapterState {
-    Unknown, // the service has not answered yet; at most for a moment after the start
+    Unknown, // the service has not answered yet; at most for a moment after its start or ours
     Absent,  // no service, or no adapter
     Blocked, // a switch or the system keeps it off
     Off,

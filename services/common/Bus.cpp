@@ -10,7 +10,9 @@
 namespace services {
 namespace {
 
-constexpr std::chrono::seconds retryDelay{1};
+// Until the next try; twice as long each time, so that a bus that will never be there costs nothing.
+constexpr std::chrono::seconds firstRetry{1};
+constexpr std::chrono::seconds lastRetry{64};
 constexpr const char* systemAddress = "unix:path=/run/dbus/system_bus_socket";
 
 std::string addressOf(Bus::Which which) {
@@ -56,7 +58,7 @@ private:
 };
 
 Bus::Bus(EventLoop& loop, Which which, std::function<void()> up, std::function<void()> down)
-    : m_loop(loop), m_which(which), m_up(std::move(up)), m_down(std::move(down)) {
+    : m_loop(loop), m_which(which), m_up(std::move(up)), m_down(std::move(down)), m_retryDelay(firstRetry) {
     open();
 }
 
@@ -104,12 +106,14 @@ void Bus::lost(const std::string& reason) {
     }
     if (wasUp && m_down) m_down();
     ::sd_bus_close_unref(bus);
-    m_retry = m_loop.after(retryDelay, [this] { open(); });
+    m_retry = m_loop.after(m_retryDelay, [this] { open(); });
+    m_retryDelay = std::min(2 * m_retryDelay, lastRetry);
 }
 
 int Bus::connected(::sd_bus_message*, void* self, ::sd_bus_error*) {
     auto& bus = *static_cast<Bus*>(self);
     bus.m_isUp = true;
+    bus.m_retryDelay = firstRetry;
     if (bus.m_up) bus.m_up();
     return 0;
 }

@@ -71,6 +71,7 @@ private:
     Slot m_connectedSlot;
     Slot m_disconnectedSlot;
     bool m_isUp = false;
+    std::chrono::seconds m_retryDelay;
     PendingList m_pending;
     std::function<void()> m_quiet;
     EventLoop::Source m_retry;

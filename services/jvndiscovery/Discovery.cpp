@@ -62,6 +62,11 @@ void Discovery::search() {
     if (!m_failed.empty()) m_timer = m_loop.after(failurePause, [this] { considerAll(); });
 }
 
+void Discovery::leaveAlone(const Address& address) {
+    m_failed.insert(address);
+    m_timer = m_loop.after(failurePause, [this] { considerAll(); });
+}
+
 // By itself: Bluetooth is gone, or will not search.
 void Discovery::searchEnded() {
     if (!m_lost) m_lost = m_loop.now();
@@ -80,7 +85,10 @@ void Discovery::consider(const Device& device) {
     // It wants to be paired, so it has forgotten that it was. Once the service has forgotten it too, it is found anew.
     if (device.isInPairingMode && !m_removal) {
         services::log("removing %s: it is paired here, and wants to be paired anew", device.address.forLog().c_str());
-        m_removal = m_client.remove(device.address, [this](Error) { m_removal.reset(); });
+        m_removal = m_client.remove(device.address, [this, address = device.address](Error error) {
+            m_removal.reset();
+            if (error != Error::None && m_search) leaveAlone(address);
+        });
     }
 }
 

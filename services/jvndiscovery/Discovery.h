@@ -54,6 +54,7 @@ private:
     void searchEnded();
     void consider(const Device& device);
     void considerAll();
+    void leaveAlone(const Address& address);
     void pair(const Address& address);
     void trust();
     void connect();

@@ -128,6 +128,22 @@ TEST_F(BluetoothTest, TellsOfNothingWhenNothingIsDifferent) {
     EXPECT_EQ(changes.size(), before + 1);
 }
 
+TEST_F(BluetoothTest, WhatIsNotAsDocumentedIsPassedOver) {
+    service.addAdapter();
+    service.addDevice({.address = pad, .isPaired = true});
+    makeClient();
+    ASSERT_TRUE(settle(AdapterState::On));
+    const auto before = client->device(padAddress);
+
+    service.sendNonsense(pad);
+    EXPECT_EQ(endOf(client->trust(padAddress, note())), Error::None); // all of it has been heard by then
+
+    auto expected = *before;
+    expected.isTrusted = expected.mayWake = true;
+    EXPECT_EQ(client->device(padAddress), expected);
+    EXPECT_EQ(client->devices().size(), 1U);
+}
+
 TEST_F(BluetoothTest, TheServicesEndTakesAllAwayAndItsReturnBringsItBack) {
     service.addAdapter();
     service.addDevice({.address = pad, .isPaired = true});

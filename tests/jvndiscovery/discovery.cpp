@@ -174,6 +174,20 @@ TEST_F(DiscoveryTest, AControllerThatLostItsBondIsRemovedAndPairedAnew) {
     EXPECT_TRUE(service.device(pad).isPaired);
 }
 
+TEST_F(DiscoveryTest, ALostBondThatCannotBeRemovedIsTriedAgainLater) {
+    service.addAdapter();
+    service.addDevice({.address = pad, .hasForgotten = true, .isPaired = true});
+    service.fail("RemoveDevice", "org.bluez.Error.Failed");
+    begin();
+    ASSERT_TRUE(loop.runUntil([&] { return count("RemoveDevice 00:01") == 1; }));
+    loop.runUntil([] { return false; }, 50ms);
+
+    service.behave("RemoveDevice");
+    clock.advance(loop, 11s);
+
+    EXPECT_TRUE(loop.runUntil([&] { return count("RemoveDevice 00:01") == 2 && !service.device(pad).isPaired; }));
+}
+
 TEST_F(DiscoveryTest, APairedControllerThatDoesNotCallIsLeftAlone) {
     service.addAdapter();
     service.addDevice({.address = pad, .isDiscoverable = false, .isPaired = true, .isConnected = true});

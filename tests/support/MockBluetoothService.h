@@ -52,6 +52,8 @@ public:
     void appear(const std::string& address);
     // Tells of a change made to a device: by itself connected, gone, trusted by another program.
     void changed(const std::string& address);
+    // Signals of the right names that hold something else than documented.
+    void sendNonsense(const std::string& address);
     void setPowered(const std::string& adapter, bool isPowered);
 
     // What becomes of calls of this member ("Connect", "Pair", "Set Powered" ...) from now on: an error of the service,

@@ -162,6 +162,25 @@ void MockBluetoothService::appear(const std::string& address) {
     changed(address);
 }
 
+void MockBluetoothService::sendNonsense(const std::string& address) {
+    const std::string path = pathOf(device(address));
+    const char* const properties = "org.freedesktop.DBus.Properties";
+    const char* const objects = "org.freedesktop.DBus.ObjectManager";
+    const char* const changes = "PropertiesChanged";
+    // Values of other types, an address that is none, another body, an unknown object, a path that is none of ours.
+    check(::sd_bus_emit_signal(m_bus, path.c_str(), properties, changes, "sa{sv}as", device1, 4, "Paired", "s", "no",
+                               "Class", "as", 1, "x", "Connected", "a{sv}", 0, "Address", "s", "nonsense", 1, "Name"));
+    check(::sd_bus_emit_signal(m_bus, path.c_str(), properties, changes, "u", 7U));
+    check(::sd_bus_emit_signal(m_bus, path.c_str(), properties, changes, "sas", device1, 1, "x"));
+    check(::sd_bus_emit_signal(m_bus, "/org/bluez/hci0/dev_none", properties, changes, "sa{sv}as", device1, 1,
+                               "Connected", "b", 1, 0));
+    check(::sd_bus_emit_signal(m_bus, "/", objects, "InterfacesAdded", "oa{sa{sv}}", "/org/bluez/hci0/dev_nothing", 1,
+                               device1, 1, "Paired", "b", 1));
+    check(::sd_bus_emit_signal(m_bus, "/", objects, "InterfacesAdded", "ss", "a", "b"));
+    check(::sd_bus_emit_signal(m_bus, "/", objects, "InterfacesRemoved", "o", path.c_str()));
+    check(::sd_bus_emit_signal(m_bus, "/", objects, "SomethingNew", "s", "x"));
+}
+
 void MockBluetoothService::removeDevice(const std::string& address) {
     const MockDevice gone = device(address);
     std::erase_if(m_devices, [&address](const MockDevice& device) { return device.address == address; });
