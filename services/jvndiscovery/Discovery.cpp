@@ -54,7 +54,6 @@ void Discovery::broughtUp(Error error) {
 
 void Discovery::search() {
     m_candidate.reset();
-    m_isNew = false;
     m_operation.reset();
     m_pairing.reset();
     m_surroundings.report(State::Searching);
@@ -94,7 +93,6 @@ void Discovery::consider(const Device& device) {
 
 void Discovery::pair(const Address& address) {
     m_candidate = address;
-    m_isNew = true;
     m_timer.reset();
     m_search.reset(); // a radio that searches makes connections slowly
     m_pairing = m_client.pair(address, [this](Error error) {
@@ -128,7 +126,6 @@ void Discovery::connected(Error error) {
 
 void Discovery::store() {
     if (!m_surroundings.store(*m_candidate)) return giveUp(Error::Failed);
-    m_isNew = false; // from here on it stays
     m_surroundings.report(State::Paired);
     end(Outcome::Paired);
 }
@@ -149,7 +146,7 @@ void Discovery::interrupt() {
     m_bringUp.reset();
     m_operation.reset();
     m_pairing.reset();
-    if (m_isNew) m_removal = m_client.remove(*m_candidate, [](Error) {});
+    if (m_candidate) m_removal = m_client.remove(*m_candidate, [](Error) {});
     end(Outcome::Interrupted);
 }
 

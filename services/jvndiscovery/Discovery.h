@@ -70,7 +70,6 @@ private:
     bool m_wasUp = false;                   // Bluetooth has been on since the start
     std::optional<services::Moment> m_lost; // when it went
     std::optional<Address> m_candidate;     // what is being paired
-    bool m_isNew = false;                   // its pairing is of our making
     std::set<Address> m_failed;             // left alone for a while
     bluetooth::Client::Handle m_bringUp;
     bluetooth::Client::Handle m_search;

@@ -1,0 +1,155 @@
+#include "services/common/Bus.h"
+
+#include "services/common/log.h"
+#include "tests/support/PrivateBus.h"
+
+#include <cstdlib>
+#include <gtest/gtest.h>
+#include <string>
+#include <sys/resource.h>
+#include <vector>
+
+using namespace std::chrono_literals;
+using services::Bus;
+using testing_support::PrivateBus;
+
+namespace {
+
+class BusTest : public testing::Test {
+protected:
+    BusTest() {
+        services::setLogSink([this](std::string_view line) { log.emplace_back(line); });
+    }
+    ~BusTest() override { services::setLogSink({}); }
+
+    services::Message question(const Bus& asked) const {
+        return asked.method("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "GetId");
+    }
+    void runFor(std::chrono::milliseconds time) {
+        loop.runUntil([] { return false; }, time);
+    }
+    static long wakeUps() {
+        ::rusage usage{};
+        ::getrusage(RUSAGE_SELF, &usage);
+        return usage.ru_nvcsw;
+    }
+
+    std::vector<std::string> log;
+    services::EventLoop loop;
+};
+
+TEST_F(BusTest, IsUpWhenTheBusHasTakenItAndDownWhenItIsGone) {
+    PrivateBus daemon;
+    std::string told;
+    const Bus bus(
+        loop, Bus::Which::Session, [&] { told += 'u'; }, [&] { told += 'd'; });
+    EXPECT_EQ(told, "");
+
+    EXPECT_TRUE(loop.runUntil([&] { return told == "u" && bus.isUp(); }));
+    daemon.kill();
+    EXPECT_TRUE(loop.runUntil([&] { return told == "ud" && !bus.isUp(); }));
+    daemon.start();
+    EXPECT_TRUE(loop.runUntil([&] { return told == "udu" && bus.isUp(); }));
+}
+
+TEST_F(BusTest, ABusThatIsNotThereCostsNothing) {
+    const PrivateBus daemon(PrivateBus::Start::Later);
+    const Bus bus(loop, Bus::Which::Session, {});
+    runFor(50ms);
+    const long before = wakeUps();
+
+    runFor(1500ms);
+
+    EXPECT_LE(wakeUps() - before, 2); // the waiting of this test itself
+    EXPECT_FALSE(bus.isUp());
+}
+
+TEST_F(BusTest, AnEnvironmentWithoutABusIsSettledWithOneLine) {
+    const PrivateBus daemon; // takes care of the variable
+    ::unsetenv("DBUS_SESSION_BUS_ADDRESS");
+    const char* const folder = std::getenv("XDG_RUNTIME_DIR");
+    const std::string before = folder ? folder : "";
+    ::unsetenv("XDG_RUNTIME_DIR");
+    Bus bus(loop, Bus::Which::Session, {});
+    std::string error;
+    const auto call = bus.call(question(bus), [&](const Bus::Reply& reply) { error = reply.error; });
+
+    EXPECT_TRUE(loop.runUntil([&] { return !error.empty(); }));
+
+    EXPECT_EQ(log.size(), 1U);
+    EXPECT_FALSE(loop.nextTimer());
+    if (folder) ::setenv("XDG_RUNTIME_DIR", before.c_str(), 1);
+}
+
+TEST_F(BusTest, ACallIsAnsweredOnceAndLaterThanItWasMade) {
+    const PrivateBus daemon;
+    Bus bus(loop, Bus::Which::Session, {});
+    int answers = 0;
+    const auto call = bus.call(question(bus), [&](const Bus::Reply& reply) {
+        ++answers;
+        EXPECT_TRUE(reply.message);
+    });
+    EXPECT_EQ(answers, 0);
+
+    EXPECT_TRUE(loop.runUntil([&] { return answers > 0; }));
+    runFor(20ms);
+
+    EXPECT_EQ(answers, 1);
+}
+
+TEST_F(BusTest, ACallWhoseHandleHasGoneIsNotHeardOf) {
+    const PrivateBus daemon;
+    Bus bus(loop, Bus::Which::Session, {});
+    auto call = bus.call(question(bus), [](const Bus::Reply&) { ADD_FAILURE() << "heard"; });
+    call.reset();
+    bool isAnswered = false;
+    const auto next = bus.call(question(bus), [&](const Bus::Reply&) { isAnswered = true; });
+
+    EXPECT_TRUE(loop.runUntil([&] { return isAnswered; }));
+}
+
+TEST_F(BusTest, IsQuietWhenAllThatIsWantedIsAnswered) {
+    const PrivateBus daemon;
+    Bus bus(loop, Bus::Which::Session, {});
+    bool isQuiet = false;
+    bool isAnswered = false;
+    const auto call = bus.call(question(bus), [&](const Bus::Reply&) {
+        isAnswered = true;
+        EXPECT_FALSE(isQuiet);
+    });
+    bus.send(question(bus));
+
+    bus.whenQuiet([&] { isQuiet = true; });
+
+    EXPECT_TRUE(loop.runUntil([&] { return isQuiet; }));
+    EXPECT_TRUE(isAnswered);
+}
+
+TEST_F(BusTest, ACallThatWaitsFailsWhenTheBusDies) {
+    PrivateBus daemon;
+    Bus bus(loop, Bus::Which::Session, {});
+    ASSERT_TRUE(loop.runUntil([&] { return bus.isUp(); }));
+    daemon.stop();
+    std::string error;
+    const auto call = bus.call(question(bus), [&](const Bus::Reply& reply) { error = reply.error; });
+    runFor(20ms);
+
+    daemon.kill();
+
+    EXPECT_TRUE(loop.runUntil([&] { return !error.empty(); }));
+}
+
+TEST_F(BusTest, GoesAwayInTheMiddleOfEverything) {
+    PrivateBus daemon;
+    for (const bool isStopped : {false, true}) {
+        if (isStopped) daemon.stop();
+        Bus bus(loop, Bus::Which::Session, {});
+        const auto call = bus.call(question(bus), [](const Bus::Reply&) {});
+        bus.send(question(bus));
+        bus.whenQuiet([] {});
+        runFor(5ms);
+    }
+    daemon.resume();
+}
+
+} // namespace
