@@ -21,7 +21,7 @@ constexpr const char* nodeFolder = "/dev/input";
 
 ListenerWatch::ListenerWatch(services::EventLoop& loop, std::function<void(bool)> changed)
     : m_loop(loop), m_changed(std::move(changed)), m_descriptor(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC)) {
-    if (m_descriptor) m_folder = ::inotify_add_watch(m_descriptor.get(), nodeFolder, IN_OPEN | IN_CLOSE);
+    if (m_descriptor) m_folder = ::inotify_add_watch(m_descriptor.get(), nodeFolder, IN_OPEN | IN_CLOSE | IN_CREATE);
     if (m_folder < 0)
         services::log("watching %s: %s", nodeFolder, std::strerror(errno));
     else
@@ -31,10 +31,6 @@ ListenerWatch::ListenerWatch(services::EventLoop& loop, std::function<void(bool)
 void ListenerWatch::follow(std::function<std::vector<std::string>()> nodes) {
     m_nodes = std::move(nodes);
     followNodes();
-    // What the folder has heard until it goes counts by name; the line that says that it has gone is where the nodes'
-    // own watches take over. After that only an added node is of interest there.
-    if (m_folder >= 0) ::inotify_rm_watch(m_descriptor.get(), m_folder);
-    m_newNodes = ::inotify_add_watch(m_descriptor.get(), nodeFolder, IN_CREATE);
 }
 
 void ListenerWatch::followNodes() {
@@ -42,10 +38,10 @@ void ListenerWatch::followNodes() {
         if (m_followed.contains(name)) continue;
         const std::string path = std::string(nodeFolder) + '/' + name;
         const int watch = ::inotify_add_watch(m_descriptor.get(), path.c_str(), IN_OPEN | IN_CLOSE);
-        if (watch < 0)
-            services::log("watching %s: %s", path.c_str(), std::strerror(errno));
-        else
-            m_followed[name] = watch;
+        const int marker = ::inotify_add_watch(m_descriptor.get(), "/dev", IN_DELETE_SELF);
+        ::inotify_rm_watch(m_descriptor.get(), marker);
+        if (watch < 0) services::log("watching %s: %s", path.c_str(), std::strerror(errno));
+        m_followed[name] = {watch, marker, false};
     }
 }
 
@@ -70,16 +66,13 @@ void ListenerWatch::handle(int watch, std::uint32_t mask, const std::string& nam
         return m_count.reset();
     }
     // The joystick interface may be loaded after the pad was made.
-    if (watch == m_newNodes && name.starts_with("js")) return followNodes();
-    const bool ofFolder = watch == m_folder;
-    if (ofFolder && mask & IN_IGNORED) m_folder = -1;
-    const bool counts = ofFolder ? m_followed.contains(name)
-                                 : m_folder < 0 && std::ranges::any_of(m_followed, [watch](const auto& node) {
-                                       return node.second == watch;
-                                   });
-    if (!counts) return;
-    if (mask & IN_OPEN) m_count.opened(m_loop.now());
-    if (mask & IN_CLOSE) m_count.closed();
+    if (watch == m_folder && mask & IN_CREATE && name.starts_with("js")) return followNodes();
+    for (auto& [nodeName, node] : m_followed) {
+        if (watch == node.marker) node.byItself = true;
+        if (node.byItself ? watch != node.watch : watch != m_folder || name != nodeName) continue;
+        if (mask & IN_OPEN) m_count.opened(m_loop.now());
+        if (mask & IN_CLOSE) m_count.closed();
+    }
 }
 
 void ListenerWatch::say() {

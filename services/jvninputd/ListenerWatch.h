@@ -32,10 +32,18 @@ private:
     services::EventLoop& m_loop;
     std::function<void(bool)> m_changed;
     seat::Descriptor m_descriptor;
-    int m_folder = -1;   // hears all nodes, until the pad's own are followed
-    int m_newNodes = -1; // hears of nodes that are added later
+    // The folder's watch hears all nodes by name, the pad's nodes have their own. A node counts by the folder's until
+    // its own stands, which the end of a third watch, set for nothing else, marks in the order of events. The folder's
+    // stays: the kernel takes two events in a row that are alike for one, and so there never are two of the same watch
+    // in a row.
+    struct Node {
+        int watch;
+        int marker;
+        bool byItself;
+    };
+    int m_folder = -1;
     std::function<std::vector<std::string>()> m_nodes;
-    std::map<std::string, int> m_followed; // by name, the watch
+    std::map<std::string, Node> m_followed; // by name
     ListenerCount m_count;
     bool m_said = false;
     services::EventLoop::Source m_readable;
