@@ -1,0 +1,138 @@
+#include "tests/machine/jvninputd/PlayingTest.h"
+
+#include <array>
+#include <csignal>
+#include <random>
+#include <thread>
+
+namespace machine {
+namespace {
+
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
+
+// As much as the time allows: random keys on two keyboards, while games, clients, keymaps and the service come and go.
+// At every halt all fingers are lifted, and then nothing may be down and, without a game, nothing taken.
+class Soak : public ::testing::Test {
+protected:
+    static constexpr auto duration = 20s;
+    static constexpr std::array<std::uint16_t, 12> keys{KEY_W, KEY_A, KEY_S,   KEY_D,        KEY_K,         KEY_L,
+                                                        KEY_Q, KEY_Z, KEY_TAB, KEY_LEFTCTRL, KEY_RIGHTCTRL, KEY_ESC};
+
+    unsigned below(unsigned end) { return static_cast<unsigned>(m_random() % end); }
+
+    void touch() {
+        const unsigned which = below(2);
+        VirtualKeyboard& keyboard = which ? second : first;
+        const std::uint16_t key = keys[below(keys.size())];
+        bool& isDown = down[which][key];
+        keyboard.send(EV_KEY, key, isDown ? 0 : 1);
+        isDown = !isDown;
+        ++presses;
+    }
+    void lift() {
+        for (const unsigned which : {0U, 1U})
+            for (auto& [key, isDown] : down[which]) {
+                if (isDown) (which ? second : first).release(key);
+                isDown = false;
+            }
+    }
+    void govern() {
+        governor.emplace(service.socket(), input::Role::govern);
+        changeKeymap();
+    }
+    void changeKeymap() {
+        Bindings bindings;
+        for (const int usage : {26, 4, 22, 7, 14, 15, 224, 41})
+            if (below(4)) bindings.emplace_back(usage, 1 + static_cast<int>(below(below(4) ? 10 : 21)));
+        if (bindings.empty()) bindings = defaultBindings();
+        governor->play(bindings);
+    }
+    void openGame() {
+        if (const auto nodes = eventNodes(padName); !nodes.empty()) {
+            try {
+                game.emplace(nodes.front());
+            } catch (const std::system_error&) { // it has just gone
+            }
+        }
+    }
+    void disturb() {
+        switch (below(8)) {
+        case 0:
+            govern();
+            break;
+        case 1:
+            governor.reset();
+            break;
+        case 2:
+        case 3:
+            if (governor) changeKeymap();
+            break;
+        case 4:
+            game.reset();
+            break;
+        case 5:
+            openGame();
+            break;
+        case 6:
+            service.signal(SIGSTOP);
+            for (int i = 0; i < 30; ++i) touch();
+            service.signal(SIGCONT);
+            break;
+        default:
+            service.kill();
+            service.start();
+            governor.reset();
+        }
+    }
+    void halt() {
+        lift();
+        if (!governor) govern();
+        // With a game it plays (or is paused: the next game ends that), without one everybody has the keyboards.
+        game.reset();
+        ASSERT_TRUE(governor->waitFor(input::Readiness::waitingForGame)) << service.log();
+        for (const VirtualKeyboard* keyboard : {&first, &second}) {
+            EventReader everybody(keyboard->node());
+            ASSERT_TRUE(waitUntil([&] { return !everybody.grabbedByOthers(); }));
+            ASSERT_EQ(everybody.keysDown(), 0);
+        }
+        for (const std::string& node : eventNodes(standInName)) ASSERT_EQ(EventReader(node).keysDown(), 0);
+        const std::string node = waitForEventNode(padName);
+        ASSERT_FALSE(node.empty());
+        game.emplace(node);
+        ASSERT_TRUE(governor->waitFor([](const auto& state) { return state.keyboardsTaken == 2; })) << service.log();
+        ASSERT_EQ(game->keysDown(), 0);
+        for (const int axis : {ABS_X, ABS_Y, ABS_HAT0X, ABS_HAT0Y})
+            ASSERT_EQ(game->axis(static_cast<std::uint16_t>(axis)), 0);
+        ++halts;
+    }
+
+    InputService service;
+    VirtualKeyboard first{{.name = "First Keyboard"}};
+    VirtualKeyboard second{{.name = "Second Keyboard"}};
+    std::optional<InputClient> governor;
+    std::optional<EventReader> game;
+    std::map<std::uint16_t, bool> down[2];
+    unsigned long presses = 0;
+    int halts = 0;
+    std::mt19937 m_random{1};
+};
+
+TEST_F(Soak, RandomPressesAmongRandomEventsLeaveNothingDownAndNothingTaken) {
+    const auto end = Clock::now() + duration;
+    govern();
+    const long descriptors = service.descriptors();
+    halt();
+    while (Clock::now() < end && !HasFatalFailure()) {
+        for (int round = 0; round < 6; ++round) {
+            for (unsigned i = below(60); i > 0; --i) touch();
+            disturb();
+        }
+        halt();
+    }
+    std::printf("%lu key events, %d halts\n", presses, halts);
+    EXPECT_LE(service.descriptors(), descriptors + 12) << "as many as devices and clients need";
+}
+
+} // namespace
+} // namespace machine
