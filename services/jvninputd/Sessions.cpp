@@ -17,6 +17,14 @@ constexpr const char* lockedHint = "LockedHint";
 // A bus that does not answer must not keep somebody from playing.
 constexpr std::uint64_t answerTime = 5'000'000;
 
+// One that its user has left stays in the records until its last process has gone.
+bool isOpen(const char* session) {
+    char* state = nullptr;
+    const bool open = ::sd_session_get_state(session, &state) >= 0 && std::strcmp(state, "closing") != 0;
+    std::free(state);
+    return open;
+}
+
 } // namespace
 
 Sessions::Sessions(services::EventLoop& loop, std::function<void()> changed)
@@ -32,7 +40,7 @@ Sessions::~Sessions() {
 }
 
 void Sessions::watchRecords() {
-    int result = ::sd_login_monitor_new("seat", &m_monitor);
+    int result = ::sd_login_monitor_new(nullptr, &m_monitor);
     if (result < 0) return services::log("watching the seat's sessions: %s", std::strerror(-result));
     result = ::sd_login_monitor_get_fd(m_monitor);
     const int events = ::sd_login_monitor_get_events(m_monitor);
@@ -44,13 +52,25 @@ void Sessions::watchRecords() {
     });
 }
 
-bool Sessions::atSeat(uid_t user) const { return user == 0 || ::sd_uid_is_on_seat(user, 0, seat) > 0; }
+bool Sessions::atSeat(uid_t user) const {
+    if (user == 0) return true;
+    char** sessions = nullptr;
+    if (::sd_seat_get_sessions(seat, &sessions, nullptr, nullptr) < 0 || !sessions) return false;
+    bool found = false;
+    for (char** session = sessions; *session; ++session) {
+        uid_t owner = 0;
+        found = found || (::sd_session_get_uid(*session, &owner) >= 0 && owner == user && isOpen(*session));
+        std::free(*session);
+    }
+    std::free(sessions);
+    return found;
+}
 
 void Sessions::readRecords() {
     char* session = nullptr;
     uid_t user = 0;
     const int result = ::sd_seat_get_active(seat, &session, &user);
-    const std::string name = result >= 0 && session ? session : "";
+    const std::string name = result >= 0 && session && isOpen(session) ? session : "";
     std::free(session);
     m_user = name.empty() ? std::nullopt : std::optional(user);
     if (name == m_session) return;
