@@ -144,6 +144,28 @@ class Bench:
                 daemon.terminate()
                 daemon.wait()
 
+    def key_to_pad(self):
+        """A key's way to the pad, in the test machine; the figures are the emulator's, their relation is ours."""
+        presses = 30 if self.is_quick else 300
+        machine = os.path.join(HERE, "..", "..", "scripts", "machine")
+        output = subprocess.run([machine, "run", "--timeout", "280", self.program("input_latency"), str(presses), "1000"],
+                                check=True, stdout=subprocess.PIPE, text=True).stdout
+        found = {}
+        for line in output.splitlines():
+            name, *figures = line.split()
+            if len(figures) == 4:
+                found.setdefault(name, []).append([float(figure) for figure in figures])
+        best = {name: [min(column) for column in zip(*runs)] for name, runs in found.items()}
+        lost = [sum(run[2] + run[3] for run in found.get(name, [])) for name in ("jvninputd", "bare")]
+        rows = []
+        for peer, name in (("xboxdrv", "xboxdrv"), ("intercept", "interception-tools")):
+            figures = best.get(peer, [None])
+            rows.append(Row("key to pad, median", "us", best["jvninputd"][0], best["bare"][0], "bare loop",
+                            figures[0], name, most_bare=1.2))
+        rows.append(Row("key to pad, lost", "", lost[0], lost[1], "bare loop",
+                        sum(best["xboxdrv"][2:]) if "xboxdrv" in best else None, "xboxdrv", most=0))
+        return rows
+
     def settings_write(self):
         """One changed setting, safely on the disk."""
         report = self.google("preferences_benchmark", "--benchmark_filter=bareSystemCalls|settingsWrite")
@@ -210,6 +232,7 @@ def main():
         "first frame, peak memory, wake-ups": bench.windows,
         "drag step": bench.dragging,
         "exchange": bench.exchange,
+        "key to pad": bench.key_to_pad,
         "settings write": bench.settings_write,
         "keymap load, keymap save": bench.keymap,
     }
