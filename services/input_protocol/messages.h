@@ -120,7 +120,8 @@ enum class RefusalReason : std::uint16_t {
     busy = 6,            // too many connections altogether
 };
 
-// The last message of a connection that jvninputd closes, as far as the socket takes one more.
+// The last message of a connection that jvninputd closes, as far as the socket takes one more. Somebody who was still
+// sending may read ECONNRESET once before it.
 struct Refused {
     static constexpr MessageType type = MessageType::refused;
     Header header; // its version is the one that jvninputd speaks

@@ -38,7 +38,7 @@ bool Connection::receive(std::string& complaint) {
     std::array<char, input::maximumMessageSize> buffer;
     ssize_t size = 0;
     do size = ::recv(m_socket.get(), buffer.data(), buffer.size(), 0);
-    while (size < 0 && errno == EINTR);
+    while (size < 0 && (errno == EINTR || errno == ECONNRESET)); // the reset comes once, before the reason
     if (size <= 0) {
         if (complaint.empty()) complaint = "jvninputd has ended the connection";
         return false;

@@ -143,6 +143,10 @@ void Client::refuse(input::RefusalReason reason) {
     auto message = input::makeMessage<input::Refused>();
     message.reason = reason;
     ::send(m_socket.get(), &message, sizeof message, MSG_NOSIGNAL | MSG_DONTWAIT);
+    // What is closed unread resets the connection, and the other side may not look for a reason any more.
+    std::array<std::byte, 1> rest;
+    for (int i = 0; i < 64 && ::recv(m_socket.get(), rest.data(), rest.size(), MSG_DONTWAIT) > 0; ++i) {
+    }
     services::log("closing a connection of user %u: reason %u", static_cast<unsigned>(m_user),
                   static_cast<unsigned>(reason));
     end();
