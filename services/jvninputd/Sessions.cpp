@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <sys/epoll.h>
 #include <utility>
 
 namespace jvninputd {
@@ -34,22 +35,27 @@ Sessions::Sessions(services::EventLoop& loop, std::function<void()> changed)
 }
 
 Sessions::~Sessions() {
-    m_recordsChanged.reset();
-    ::sd_login_monitor_unref(m_monitor);
+    for (Records& records : m_records) {
+        records.changed.reset();
+        ::sd_login_monitor_unref(records.monitor);
+    }
     disconnect();
 }
 
 void Sessions::watchRecords() {
-    int result = ::sd_login_monitor_new(nullptr, &m_monitor);
-    if (result < 0) return services::log("watching the seat's sessions: %s", std::strerror(-result));
-    result = ::sd_login_monitor_get_fd(m_monitor);
-    const int events = ::sd_login_monitor_get_events(m_monitor);
-    if (result < 0 || events < 0) return services::log("watching the seat's sessions: no descriptor");
-    m_recordsChanged = m_loop.watch(result, static_cast<std::uint32_t>(events), [this](std::uint32_t) {
-        ::sd_login_monitor_flush(m_monitor);
-        readRecords();
-        m_changed();
-    });
+    for (Records& records : m_records) {
+        const int result = ::sd_login_monitor_new(records.kind, &records.monitor);
+        if (result < 0) {
+            services::log("watching the login manager's records: %s", std::strerror(-result));
+            continue;
+        }
+        records.changed =
+            m_loop.watch(::sd_login_monitor_get_fd(records.monitor), EPOLLIN, [this, &records](std::uint32_t) {
+                ::sd_login_monitor_flush(records.monitor);
+                readRecords();
+                m_changed();
+            });
+    }
 }
 
 bool Sessions::atSeat(uid_t user) const {

@@ -2,6 +2,7 @@
 
 #include "services/common/EventLoop.h"
 
+#include <array>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -42,8 +43,12 @@ private:
 
     services::EventLoop& m_loop;
     std::function<void()> m_changed;
-    ::sd_login_monitor* m_monitor = nullptr;
-    services::EventLoop::Source m_recordsChanged;
+    struct Records {
+        const char* kind;
+        ::sd_login_monitor* monitor = nullptr;
+        services::EventLoop::Source changed;
+    };
+    std::array<Records, 2> m_records{{{"seat", nullptr, nullptr}, {"session", nullptr, nullptr}}};
     std::optional<uid_t> m_user;
     std::string m_session;
     std::string m_sessionPath;
