@@ -32,8 +32,8 @@ protected:
             GTEST_SKIP() << "built in a home, which the unit does not see";
         std::ofstream("/run/systemd/system/jvninputd.service") << unit;
         std::ofstream("/run/systemd/system/jvninputd.socket") << contents(JOYVANE_UNITS "/jvninputd.socket");
-        ASSERT_EQ(run({"systemctl", "daemon-reload"}).status, 0);
-        ASSERT_EQ(run({"systemctl", "start", "jvninputd.socket"}).status, 0);
+        ASSERT_EQ(run({"systemctl", "daemon-reload"}, kRoot, kStartTimeout).status, 0);
+        ASSERT_EQ(run({"systemctl", "start", "jvninputd.socket"}, kRoot, kStartTimeout).status, 0);
     }
     void TearDown() override { run({"systemctl", "stop", "jvninputd.socket", "jvninputd.service"}); }
 
