@@ -10,7 +10,6 @@
 #include "platform/log.h"
 #include "platform/notify.h"
 #include "platform/runtime/method.h"
-#include "platform/uikit/UIWindow.h"
 
 NS_CLASS_IMPLEMENTATION(PSListController, UIViewController,
                         method<&PSListController::readPreferenceValue>("readPreferenceValue:"),
@@ -43,26 +42,18 @@ PSSpecifierList PSListController::loadSpecifiersFromPlistName_target(const std::
 static double scrolledBy(const UITableView& table) { return table.contentOffset().y + table.contentInset().top; }
 
 void PSListController::reloadSpecifiers() {
-    const auto window = m_list->table ? m_list->table->window() : nullptr;
-    const auto focused = window ? std::dynamic_pointer_cast<PSTableCell>(window->focusedView()) : nullptr;
-    const std::string focusedRow = focused && focused->specifier() ? focused->specifier()->identifier() : std::string();
-
+    if (_specifiers) m_list->rememberRows(*_specifiers);
     _specifiers.reset();
-    specifiers();
+    for (const auto& row : specifiers()) m_list->takeFormerCell(row);
     if (!m_list->table) return;
     if (!m_list->scrolledBeforeReload) m_list->scrolledBeforeReload = scrolledBy(*m_list->table);
-    m_list->table->reloadData();
-    view()->setNeedsLayout();
-    // The rows are other objects now; the keyboard stays where the user was.
-    const auto row = focusedRow.empty() ? nullptr : specifierForID(focusedRow);
-    if (const auto path = row ? m_list->pathOf(row.get()) : nullptr)
-        if (const auto cell = m_list->table->cellForRowAtIndexPath(path)) window->setFocusedView(cell);
+    m_list->reloadLater(*view());
 }
 
 void PSListController::reloadSpecifier(const std::shared_ptr<PSSpecifier>& specifier) {
     if (!specifier) return;
     if (specifier->cellType() != PSCellType::Group) return seat::refreshCell(specifier);
-    if (m_list->table && containsSpecifier(specifier)) m_list->table->reloadData();
+    if (m_list->table && containsSpecifier(specifier)) m_list->reloadLater(*view());
 }
 
 void PSListController::reloadSpecifierID(const std::string& identifier) { reloadSpecifier(specifierForID(identifier)); }
@@ -88,7 +79,10 @@ void PSListController::setPreferenceValue_specifier(const id& value, const std::
     announce();
 }
 
-std::shared_ptr<UITableView> PSListController::table() const { return m_list->table; }
+std::shared_ptr<UITableView> PSListController::table() const {
+    m_list->reloadNow();
+    return m_list->table;
+}
 
 void PSListController::loadView() {
     // The table stands in a plain view, so that an overlay over the page does not scroll away with the rows.
@@ -111,6 +105,7 @@ void PSListController::viewWillAppear(bool animated) {
 
 void PSListController::viewDidLayoutSubviews() {
     UIViewController::viewDidLayoutSubviews();
+    m_list->reloadNow();
     const auto scrolled = std::exchange(m_list->scrolledBeforeReload, std::nullopt);
     const auto& table = m_list->table;
     if (!scrolled || *scrolled == scrolledBy(*table) || table->isDragging()) return;

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <unordered_set>
+#include <utility>
 
 namespace {
 
@@ -60,8 +61,58 @@ std::shared_ptr<NSIndexPath> PSListController::State::pathOf(const PSSpecifier* 
     return nullptr;
 }
 
+namespace {
+
+// By which a row of the list before is known again.
+std::string nameOf(const PSSpecifier& row) {
+    const std::string identifier = row.identifier();
+    return identifier.empty() ? "title " + row.name() : "id " + identifier;
+}
+
+} // namespace
+
+void PSListController::State::rememberRows(const PSSpecifierList& list) {
+    outdated.clear();
+    std::map<std::string, std::shared_ptr<PSSpecifier>> rows;
+    for (const auto& row : list) {
+        if (!row || !seat::keptCell(*row)) continue;
+        const auto [found, isNew] = rows.try_emplace(nameOf(*row), row);
+        if (!isNew) found->second = nullptr;
+    }
+    // Of two reloads before a layout the first one's rows may still be wanted: those that the second list had not yet.
+    rows.merge(formerRows);
+    formerRows = std::move(rows);
+}
+
+void PSListController::State::takeFormerCell(const std::shared_ptr<PSSpecifier>& row) {
+    if (!row) return;
+    // A row that comes back, after another had taken over its cell.
+    if (const auto kept = seat::keptCell(*row)) return kept->setSpecifier(row);
+    const auto found = formerRows.find(nameOf(*row));
+    const auto former = found == formerRows.end() ? nullptr : found->second;
+    const auto cell = former && former->cellType() == row->cellType() &&
+                              former->propertyForKey("cellClass") == row->propertyForKey("cellClass")
+                          ? seat::keptCell(*former)
+                          : nullptr;
+    if (!cell) return;
+    row->setProperty_forKey(id(cell), "cellObject");
+    cell->setSpecifier(row);
+    outdated.insert(row.get());
+}
+
+void PSListController::State::reloadLater(UIView& page) {
+    needsReload = true;
+    page.setNeedsLayout();
+}
+
+void PSListController::State::reloadNow() {
+    if (!std::exchange(needsReload, false)) return;
+    formerRows.clear();
+    table->reloadData();
+}
+
 void PSListController::State::showChange(const PSSpecifierList& before, const PSSpecifierList& after, bool animated) {
-    if (!table) return;
+    if (!table || needsReload) return; // it will ask for everything
     const auto oldSections = seat::sectionsOf(before);
     const auto newSections = seat::sectionsOf(after);
     const auto gone = pathsMissingFrom(after, oldSections);
@@ -130,7 +181,10 @@ void PSListController::insertContiguousSpecifiers_afterSpecifier_animated(const 
     }
     list.insert(list.begin() + place, rows.begin(), rows.end());
     _specifiers = list;
-    for (const auto& row : rows) seat::refreshCell(row);
+    for (const auto& row : rows) {
+        m_list->takeFormerCell(row);
+        seat::refreshCell(row);
+    }
     m_list->showChange(before, list, animated);
 }
 

@@ -25,6 +25,7 @@ long PSListController::tableView_numberOfRowsInSection(UITableView&, long sectio
 std::shared_ptr<UITableViewCell>
 PSListController::tableView_cellForRowAtIndexPath(UITableView&, const std::shared_ptr<NSIndexPath>& indexPath) {
     const auto row = m_list->row(*indexPath);
+    if (row && m_list->outdated.erase(row.get()) > 0) seat::refreshCell(row);
     return row ? seat::cellFor(row) : nullptr;
 }
 

@@ -67,9 +67,8 @@ UITableView::dequeueReusableCellWithIdentifier_forIndexPath(const std::string& i
 }
 
 void UITableView::reloadData() {
-    m_table->endPress(/*animated=*/false);
     m_table->selected.reset();
-    m_table->recycleAll();
+    m_table->putAside();
     m_table->askForSections();
     m_table->clampOffset();
     setNeedsLayout();
@@ -85,6 +84,7 @@ void UITableView::reloadRowsAtIndexPaths_withRowAnimation(const NSIndexPathList&
         if (m_table->generation != before) return;
         // The old one is free for reuse only now, so that the new one is another.
         if (cell != old) {
+            if (m_table->pressed.lock() == old) m_table->pressed = cell;
             m_table->loseFocus(row, *old);
             m_table->recycle(old);
         }

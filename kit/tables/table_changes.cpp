@@ -61,7 +61,6 @@ void UITableView::State::animateOut(const std::vector<LeavingCell>& leaving) {
 
 void UITableView::State::apply(const Change& change) {
     if (!isLoaded) return update();
-    endPress(/*animated=*/false);
     const double oldHeight = geometry.contentHeight();
     const auto oldItems = std::exchange(items, {});
     if (selected) selected = change.newRow(*selected);

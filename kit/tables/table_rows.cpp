@@ -85,6 +85,7 @@ void UITableView::State::showVisibleItems() {
     }
     isShowing = false;
     if (generation != before) return table.setNeedsLayout();
+    recycleAside();
     regainFocus();
 }
 
@@ -138,11 +139,12 @@ std::shared_ptr<UITableViewCell> UITableView::State::askForCell(TableRow row) {
 void UITableView::State::showCell(TableRow row, const std::shared_ptr<UITableViewCell>& cell) {
     // The same cell may be handed out for another row than before.
     std::erase_if(items, [&](const auto& item) { return item.second == cell && item.first != itemFor(row); });
+    std::erase_if(aside, [&](const auto& other) { return other.second == cell; });
     cell->setAlpha(1);
     placeCell(row, *cell);
     CellInternals::setTable(*cell, strong());
     cell->setSelected_animated(selected == row, /*animated=*/false);
-    cell->setHighlighted_animated(false, /*animated=*/false);
+    if (pressed.lock() != cell) cell->setHighlighted_animated(false, /*animated=*/false);
     insertInOrder(itemFor(row), cell);
 }
 
@@ -157,11 +159,13 @@ void UITableView::State::placeCell(TableRow row, UITableViewCell& cell) {
 void UITableView::State::insertInOrder(const TableItem& item, const std::shared_ptr<UIView>& view) {
     items[item] = view;
     // The order of the subviews is the order in which the keyboard and assistive technology go through them.
-    const auto& subviews = table.subviews();
+    auto subviews = table.subviews();
     const auto indexOf = [&](const std::shared_ptr<UIView>& other) {
         return std::find(subviews.begin(), subviews.end(), other) - subviews.begin();
     };
-    if (view->superview().get() == &table) view->removeFromSuperview();
+    // One that is here already moves without leaving: a finger may be on it.
+    const auto former = view->superview().get() == &table ? indexOf(view) : -1;
+    std::erase(subviews, view);
     const auto next = items.upper_bound(item);
     const auto self = items.find(item);
     std::ptrdiff_t index = headerView ? 1 : 0;
@@ -169,7 +173,8 @@ void UITableView::State::insertInOrder(const TableItem& item, const std::shared_
         index = indexOf(next->second);
     else if (self != items.begin())
         index = indexOf(std::prev(self)->second) + 1;
-    table.insertSubview_atIndex(view, static_cast<std::size_t>(std::min<std::ptrdiff_t>(index, std::ssize(subviews))));
+    index = std::min<std::ptrdiff_t>(index, std::ssize(subviews));
+    if (index != former) table.insertSubview_atIndex(view, static_cast<std::size_t>(index));
 }
 
 void UITableView::State::showTexts(long section, double top, double bottom) {
@@ -195,6 +200,7 @@ void UITableView::State::showText(const TableItem& item, const std::string& text
 }
 
 void UITableView::State::recycle(const std::shared_ptr<UITableViewCell>& cell) {
+    if (pressed.lock() == cell) endPress(/*animated=*/false);
     if (cell->superview().get() == &table) cell->removeFromSuperview();
     CellInternals::setTable(*cell, nullptr);
     if (const auto pool = free.find(cell->reuseIdentifier()); pool != free.end()) pool->second.push_back(cell);
@@ -209,6 +215,32 @@ void UITableView::State::recycleAll() {
         }
         const auto cell = std::static_pointer_cast<UITableViewCell>(view);
         loseFocus({item.section, item.row}, *cell);
+        recycle(cell);
+    }
+    recycleAside();
+}
+
+void UITableView::State::putAside() {
+    ++generation;
+    for (const auto& [item, view] : std::exchange(items, {})) {
+        if (item.kind != TableItem::Kind::Row) {
+            view->removeFromSuperview();
+            continue;
+        }
+        const TableRow row{item.section, item.row};
+        const auto cell = std::static_pointer_cast<UITableViewCell>(view);
+        if (!free.contains(cell->reuseIdentifier())) {
+            aside.emplace_back(row, cell);
+            continue;
+        }
+        loseFocus(row, *cell);
+        recycle(cell);
+    }
+}
+
+void UITableView::State::recycleAside() {
+    for (const auto& [row, cell] : std::exchange(aside, {})) {
+        loseFocus(row, *cell);
         recycle(cell);
     }
 }

@@ -43,14 +43,19 @@ void UITableView::State::deselect(bool animated) {
 
 void UITableView::State::showPress() {
     removeSource(std::exchange(pressTimer, 0));
-    if (const auto cell = pressed ? cellAt(*pressed) : nullptr) cell->setHighlighted_animated(true, /*animated=*/false);
+    if (const auto cell = pressed.lock()) cell->setHighlighted_animated(true, /*animated=*/false);
 }
 
 void UITableView::State::endPress(bool animated) {
     removeSource(std::exchange(pressTimer, 0));
-    const auto cell = pressed ? cellAt(*pressed) : nullptr;
+    const auto cell = pressed.lock();
     pressed.reset();
     if (cell) cell->setHighlighted_animated(false, animated);
+}
+
+std::optional<TableRow> UITableView::State::pressedRow() const {
+    const auto cell = pressed.lock();
+    return cell && cell->textLabel()->text() == pressedTitle ? rowOf(*cell) : std::nullopt;
 }
 
 void UITableView::touchesBegan_withEvent(const UITouchList& touches, UIEvent&) {
@@ -58,7 +63,10 @@ void UITableView::touchesBegan_withEvent(const UITouchList& touches, UIEvent&) {
     if (touches.size() != 1) return;
     const auto path = indexPathForRowAtPoint(touches.front()->locationInView(this));
     if (!path || !m_table->canSelect({path->section(), path->row()})) return;
-    m_table->pressed = TableRow{path->section(), path->row()};
+    const auto cell = m_table->cellAt({path->section(), path->row()});
+    if (!cell) return;
+    m_table->pressed = cell;
+    m_table->pressedTitle = cell->textLabel()->text();
     const std::weak_ptr<UITableView> weakTable = m_table->strong();
     m_table->pressTimer = addTimer(pressDelay, [weakTable] {
         if (const auto table = weakTable.lock()) table->m_table->showPress();
@@ -66,19 +74,23 @@ void UITableView::touchesBegan_withEvent(const UITouchList& touches, UIEvent&) {
 }
 
 void UITableView::touchesMoved_withEvent(const UITouchList& touches, UIEvent&) {
-    if (!m_table->pressed || touches.empty()) return;
-    const CGRect row = m_table->geometry.rowRect(*m_table->pressed);
-    if (!CGRectContainsPoint(row, touches.front()->locationInView(this))) m_table->endPress(/*animated=*/true);
+    if (m_table->pressed.expired() || touches.empty()) return;
+    m_table->update();
+    const auto row = m_table->pressedRow();
+    if (!row || !CGRectContainsPoint(m_table->geometry.rowRect(*row), touches.front()->locationInView(this)))
+        m_table->endPress(/*animated=*/true);
 }
 
 void UITableView::touchesEnded_withEvent(const UITouchList&, UIEvent&) {
-    const auto row = m_table->pressed;
-    if (!row) return;
+    if (m_table->pressed.expired()) return;
+    const auto keepAlive = m_table->strong();
+    m_table->update();
+    const auto row = m_table->pressedRow();
+    if (!row) return m_table->endPress(/*animated=*/true);
     // Selecting it shows the same, without a flicker between.
     removeSource(std::exchange(m_table->pressTimer, 0));
+    const auto cell = m_table->pressed.lock();
     m_table->pressed.reset();
-    const auto cell = m_table->cellAt(*row);
-    const auto keepAlive = m_table->strong();
     activateRow(pathOf(*row));
     if (cell) cell->setHighlighted_animated(false, /*animated=*/true);
 }

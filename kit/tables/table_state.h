@@ -47,6 +47,10 @@ struct UITableView::State {
     void showCell(seat::TableRow row, const std::shared_ptr<UITableViewCell>& cell);
     void recycle(const std::shared_ptr<UITableViewCell>& cell);
     void recycleAll();
+    // All rows are asked for anew. A cell that no pool takes stays in its place until then: handed out again for its
+    // row it has never been away, and keeps the finger and the focus that are on it.
+    void putAside();
+    void recycleAside(); // what was not handed out again
     void clampOffset();
     std::shared_ptr<UITableViewCell> dequeue(const std::string& identifier);
 
@@ -68,6 +72,8 @@ struct UITableView::State {
     void select(seat::TableRow row, bool animated);
     void deselect(bool animated);
     void endPress(bool animated);
+    // The row under the finger; nothing when its cell has gone, or says something else by now.
+    std::optional<seat::TableRow> pressedRow() const;
 
     // Focus (table_focus.cpp). It stays with a row that is reloaded, or scrolled away and back.
     void loseFocus(seat::TableRow row, const UITableViewCell& cell); // the cell will stand for the row no more
@@ -91,14 +97,16 @@ struct UITableView::State {
     bool isLoaded = false;
     bool isShowing = false;
     std::uint64_t generation = 0; // of the data; a data source may change it while it is asked
-    std::map<seat::TableItem, std::shared_ptr<UIView>> items; // on screen
-    std::unordered_map<std::string, double> measured;         // heights of texts at the laid out width
+    std::map<seat::TableItem, std::shared_ptr<UIView>> items;                       // on screen
+    std::vector<std::pair<seat::TableRow, std::shared_ptr<UITableViewCell>>> aside; // on screen until rows are shown
+    std::unordered_map<std::string, double> measured; // heights of texts at the laid out width
 
     std::unordered_map<std::string, Class> classes;
     std::unordered_map<std::string, std::vector<std::shared_ptr<UITableViewCell>>> free; // only identifiers asked for
 
     std::optional<seat::TableRow> selected;
-    std::optional<seat::TableRow> pressed; // under a finger
+    std::weak_ptr<UITableViewCell> pressed; // under a finger
+    std::string pressedTitle;               // what it said when the finger came down
     seat::SourceToken pressTimer = 0;
 
     struct LostFocus {
