@@ -9,6 +9,7 @@
 #include "platform/task.h"
 #include "platform/uikit/UIAlertView.h"
 #include "platform/uikit/UIProgressHUD.h"
+#include "settings/RunningExchanges.h"
 
 #include <atomic>
 #include <cstdint>
@@ -105,6 +106,7 @@ private:
     void endDiscovery(const std::string& message);
 
     std::atomic<bool> m_controllerConnected = false;
+    std::shared_ptr<RunningExchanges> m_runningExchanges = std::make_shared<RunningExchanges>();
     // Tasks read the type through its row while the list may be rebuilt on the main thread.
     AtomicReference<PSSpecifier> m_controllerTypeRow;
     std::shared_ptr<NSTask> m_discoveryTask;

@@ -26,13 +26,6 @@ Cell cellOf(const std::shared_ptr<PSSpecifier>& specifier) {
     return specifier ? specifier->propertyForKey("cellObject").object<PSTableCell>() : nullptr;
 }
 
-// A row that is not on screen has no cell, and needs none.
-void setCellEnabled(const Cell& cell, bool enabled) {
-    if (!cell) return;
-    cell->setUserInteractionEnabled(enabled);
-    if (cell->textLabel()) cell->textLabel()->setEnabled(enabled);
-}
-
 bool isConnected(const WeakPage& weakPage) {
     const auto page = weakPage.lock();
     return page && page->controllerConnected();
@@ -51,22 +44,22 @@ std::uint32_t controllerType(const WeakPage& weakPage) {
     return page ? static_cast<std::uint32_t>(page->currentControllerType()) : 0;
 }
 
-// Runs `exchange` on a worker with a connection whose replies are waited for up to `seconds`; then, with the connection
-// closed, ends on the main queue. A connection that cannot have the time-out ends without that: the row stays disabled
-// until the page next comes into view.
+// Disables the row's cell and runs `exchange` on a worker with a connection whose replies are waited for up to
+// `seconds`; then, with the connection closed, ends on the main queue: the row is enabled unless another exchange of
+// the page still runs. A connection that cannot have the time-out ends without that: the row stays disabled until the
+// page next comes into view.
 void runExchange(ControlConnection connection, long seconds, const WeakPage& weakPage, const Cell& cell,
-                 std::function<void(int descriptor)> exchange) {
+                 const std::shared_ptr<RunningExchanges>& running, std::function<void(int descriptor)> exchange) {
     const auto held = std::make_shared<ControlConnection>(std::move(connection));
+    running->begin(cell);
     dispatch_async(dispatch_get_global_queue(DISPATCH_QUEUE_PRIORITY_DEFAULT, 0),
-                   [held, seconds, weakPage, cell, exchange = std::move(exchange)] {
-                       if (!daemonlink::setReplyTimeout(held->descriptor(), seconds)) {
-                           held->close();
-                           return;
-                       }
-                       exchange(held->descriptor());
+                   [held, seconds, weakPage, cell, running, exchange = std::move(exchange)] {
+                       const bool hasTimeout = daemonlink::setReplyTimeout(held->descriptor(), seconds);
+                       if (hasTimeout) exchange(held->descriptor());
                        held->close();
-                       dispatch_async(dispatch_get_main_queue(), [weakPage, cell] {
-                           setCellEnabled(cell, true);
+                       dispatch_async(dispatch_get_main_queue(), [weakPage, cell, running, hasTimeout] {
+                           if (!hasTimeout) return running->endSilently();
+                           running->end(cell);
                            if (const auto page = weakPage.lock()) page->reloadSpecifiers();
                        });
                    });
@@ -93,21 +86,21 @@ void JoyvaneListController::queryControllerConnected() {
         return;
     }
     const auto cell = cellOf(m_connectSpecifier);
-    setCellEnabled(cell, false);
     const WeakPage page = self(this);
     const auto frame = std::make_shared<JVNControlFrame>();
-    runExchange(std::move(connection), daemonlink::queryReplySeconds, page, cell, [page, frame](int descriptor) {
-        switch (daemonlink::queryConnection(descriptor, *frame)) {
-        case daemonlink::QueryReply::NotConnected:
-            setConnected(page, false);
-            break;
-        case daemonlink::QueryReply::Connected:
-            setConnected(page, true);
-            break;
-        case daemonlink::QueryReply::Unknown:
-            break;
-        }
-    });
+    runExchange(std::move(connection), daemonlink::queryReplySeconds, page, cell, m_runningExchanges,
+                [page, frame](int descriptor) {
+                    switch (daemonlink::queryConnection(descriptor, *frame)) {
+                    case daemonlink::QueryReply::NotConnected:
+                        setConnected(page, false);
+                        break;
+                    case daemonlink::QueryReply::Connected:
+                        setConnected(page, true);
+                        break;
+                    case daemonlink::QueryReply::Unknown:
+                        break;
+                    }
+                });
 }
 
 void JoyvaneListController::connectController(const std::shared_ptr<PSSpecifier>& specifier) {
@@ -129,8 +122,7 @@ void JoyvaneListController::connectController(const std::shared_ptr<PSSpecifier>
     if (needsAddress) std::copy_n(address->bytes().begin(), JVNControlFrame::addressSize, frame->payload);
 
     const auto cell = cellOf(specifier);
-    setCellEnabled(cell, false);
     const WeakPage page = self(this);
-    runExchange(std::move(connection), daemonlink::connectReplySeconds, page, cell,
+    runExchange(std::move(connection), daemonlink::connectReplySeconds, page, cell, m_runningExchanges,
                 [page, frame](int descriptor) { connectOrDisconnect(descriptor, page, *frame); });
 }

@@ -257,6 +257,37 @@ TEST_F(Connection, ADisabledRowTakesNoTap) {
     EXPECT_EQ(daemon->connectionCount(), 2u) << "the query and one exchange";
 }
 
+TEST_F(Connection, TheEndOfAQueryDoesNotEnableTheRowDuringAConnect) {
+    start([](DaemonPeer& peer) {
+        const Bytes head = peer.read(12);
+        if (head.size() < 12) return;
+        if (head[0] == 5) return peer.write(reply(0, 7));
+        if (head[0] != 1) return;
+        peer.read(8);
+        peer.waitForRelease();
+        peer.write(reply(8, 0));
+        peer.readToEnd();
+    });
+    showSettled(2, true);
+    ASSERT_TRUE(app.tap("Connect Controller"));
+    ASSERT_FALSE(rowIsEnabled());
+    ASSERT_TRUE(app.tap("Connection"));
+    app.goBack();
+    const auto listBefore = page->specifierForID("connection_mode");
+
+    // The query of this appearance gives up after its second, and its completion rebuilds the rows.
+    ASSERT_TRUE(app.waitUntil([&] { return page->specifierForID("connection_mode") != listBefore; }));
+    EXPECT_FALSE(rowIsEnabled());
+    app.tap("Connect Controller");
+    daemon->release();
+
+    ASSERT_TRUE(app.waitUntil([&] { return rowIsEnabled(); }));
+    ASSERT_TRUE(daemon->waitForConnections(3));
+    EXPECT_TRUE(page->controllerConnected());
+    EXPECT_TRUE(app.find("Disconnect Controller"));
+    EXPECT_EQ(daemon->connectionCount(), 3u) << "two queries and one connect";
+}
+
 TEST_F(Connection, AThousandExchangesLeaveNoDescriptorNoThreadAndNoChild) {
     start(answering(reply(0, 7), reply(8, 0)));
     showSettled(1, true);
