@@ -18,10 +18,10 @@ constexpr double labelNudge = 2;    // to the right of the cursor's middle: the 
 constexpr double labelHeight = -20; // of its middle, above the cursor
 constexpr double labelSink = 10;    // on its way out
 
-std::shared_ptr<NSAttributedString> percentage(double brightness) {
+std::shared_ptr<NSAttributedString> percentage(int percent) {
     const auto gray = UIColor::colorWithWhite_alpha(0.5, 1);
     const auto text = NSMutableAttributedString::alloc()->initWithString_attributes(
-        NSStringWithFormat("%d", truncatedToInt(brightness * 100)), {UIFont::systemFontOfSize(14), gray});
+        NSStringWithFormat("%d", percent), {UIFont::systemFontOfSize(14), gray});
     text->appendAttributedString(
         *NSMutableAttributedString::alloc()->initWithString_attributes("%", {UIFont::systemFontOfSize(12), gray}));
     return text;
@@ -54,9 +54,13 @@ void ZKBrightnessCursor::setColor(std::shared_ptr<UIColor> color) {
     if (m_colorLayer) m_colorLayer->setBackgroundColor(m_color ? m_color->CGColor() : nullptr);
     CATransaction::commit();
 
+    if (m_brightnessLabel) m_brightnessLabel->setAttributedText(percentage(percent()));
+}
+
+int ZKBrightnessCursor::percent() const {
     HSVColor hsv;
     HSVColorFromUIColor(m_color, hsv);
-    if (m_brightnessLabel) m_brightnessLabel->setAttributedText(percentage(hsv.v));
+    return truncatedToInt(hsv.v * 100);
 }
 
 void ZKBrightnessCursor::setEditing(bool editing) {

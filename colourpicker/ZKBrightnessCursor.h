@@ -15,6 +15,8 @@ class ZKBrightnessCursor final : public UIView {
 
     const std::shared_ptr<UIColor>& color() const { return m_color; }
     void setColor(std::shared_ptr<UIColor> color);
+    // What the label says.
+    int percent() const;
     bool editing() const { return m_editing; }
     void setEditing(bool editing);
 

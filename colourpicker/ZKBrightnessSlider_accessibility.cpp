@@ -1,7 +1,7 @@
 // The brightness slider for keyboards and assistive technology.
 
+#include "colourpicker/ZKBrightnessCursor.h"
 #include "colourpicker/ZKBrightnessSlider.h"
-#include "colourpicker/colour_bytes.h"
 #include "platform/foundation/NSString.h"
 
 #include <algorithm>
@@ -10,6 +10,13 @@
 namespace {
 constexpr double smallStep = 1; // percent
 constexpr double largeStep = 10;
+
+// The brightness that shows as this many percent, which are cut, not rounded, from a single-precision number.
+double brightnessShownAs(double percent) {
+    const auto brightness = static_cast<float>(percent / 100);
+    return brightness * 100.0 < std::floor(percent) ? std::nextafter(brightness, 2.0f) : percent / 100;
+}
+
 } // namespace
 
 bool ZKBrightnessSlider::canBecomeFocused() const { return true; }
@@ -19,12 +26,13 @@ UIAccessibilityRole ZKBrightnessSlider::accessibilityRole() const { return UIAcc
 std::string ZKBrightnessSlider::accessibilityLabel() const { return "Brightness"; }
 
 std::string ZKBrightnessSlider::accessibilityValue() const {
-    return NSStringWithFormat("%d percent", truncatedToInt(std::round(doubleValue(m_brightness) * 100)));
+    return NSStringWithFormat("%d percent", m_brightnessCursor->percent());
 }
 
 std::optional<UIAccessibilityRange> ZKBrightnessSlider::accessibilityRange() const {
-    return UIAccessibilityRange{doubleValue(m_brightnessLowerLimit) * 100, 100, doubleValue(m_brightness) * 100,
-                                smallStep};
+    // A colour from outside may be darker than the slider goes.
+    const double shown = m_brightnessCursor->percent();
+    return UIAccessibilityRange{std::min(doubleValue(m_brightnessLowerLimit) * 100, shown), 100, shown, smallStep};
 }
 
 // A tap on the middle would choose the brightness there, which nobody pointed at.
@@ -34,7 +42,7 @@ bool ZKBrightnessSlider::accessibilityStep(UIAccessibilityDirection direction, U
     const double percent = step == UIAccessibilityStep::Small ? smallStep : largeStep;
     const bool brighter = direction == UIAccessibilityDirection::Left || direction == UIAccessibilityDirection::Up;
     // From whole percents to whole percents, wherever a finger has left it.
-    const double from = std::round(doubleValue(m_brightness) * 100);
+    const double from = m_brightnessCursor->percent();
     return accessibilitySetValue(brighter ? from + percent : from - percent);
 }
 
@@ -44,8 +52,10 @@ bool ZKBrightnessSlider::accessibilitySetValue(double percent) {
     const double limit = floatValue(m_brightnessLowerLimit);
     const double width = m_controlFrame.size.width;
     if (!(width > 0) || !(limit < 1) || std::isnan(percent)) return false;
-    const double wanted = std::max(limit, std::min(percent / 100, 1.0));
-    if (wanted == doubleValue(m_brightness)) return false;
+    const double now = floatValue(m_brightness);
+    const double wanted = std::max(limit, std::min(brightnessShownAs(percent), 1.0));
+    // Already there; or darker than the slider goes, from where going to its end would be brighter.
+    if (static_cast<float>(wanted) == floatValue(m_brightness) || (percent / 100 < now && wanted > now)) return false;
     const CGPoint point{m_controlFrame.origin.x + width * (1 - wanted) / (1 - limit), CGRectGetMidY(m_controlFrame)};
     pannedToPoint_ended(point, /*ended*/ false);
     panLifted();

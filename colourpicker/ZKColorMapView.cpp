@@ -104,7 +104,11 @@ void ZKColorMapView::setSaturationUpperLimit(std::optional<NSNumber> limit) {
 void ZKColorMapView::setTileSize(std::optional<NSNumber> tileSize) {
     m_tileSize = tileSize;
     gateInitializeQueue();
-    if (m_colorCursor) m_colorCursor->setFrame({cursorOrigin(), m_colorCursor->frame().size});
+    if (!m_colorCursor) return;
+    // Untransformed: the frame of a cursor that was moved onto its tile is not the one that it was made with.
+    m_colorCursor->setTransform(CGAffineTransformIdentity);
+    m_colorCursor->setFrame({cursorOrigin(), m_colorCursor->frame().size});
+    if (m_didLayoutSubview) updateColorCursor();
 }
 
 void ZKColorMapView::setBrightness(double brightness) {

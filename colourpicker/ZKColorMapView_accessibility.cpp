@@ -21,17 +21,17 @@ std::string ZKColorMapView::accessibilityLabel() const { return "Hue and saturat
 std::string ZKColorMapView::accessibilityValue() const {
     HSVColor hsv;
     HSVColorFromUIColor(m_color, hsv);
-    // A field of one row gives a saturation that is no number: it is read as none.
+    // The brightness is the number that the slider shows, which is cut. A field of one row gives a saturation that is
+    // no number: it is read as none.
     const auto whole = [](double value) { return truncatedToInt(std::round(value)); };
     return NSStringWithFormat("Hue %d degrees, saturation %d percent, brightness %d percent", whole(hsv.h * 360),
-                              whole(hsv.s * 100), whole(hsv.v * 100));
+                              whole(hsv.s * 100), truncatedToInt(hsv.v * 100));
 }
 
 // A tap on the middle would choose the colour there, which nobody pointed at.
 bool ZKColorMapView::accessibilityActivate() { return false; }
 
-// A drag there and then a tap: the drag makes the colour known, the tap, which reports the colour known before it,
-// makes it stored.
+// One drag that ends there: it makes the colour known, and its end reports it.
 bool ZKColorMapView::accessibilityStep(UIAccessibilityDirection direction, UIAccessibilityStep step) {
     const TileGrid tiles = grid();
     if (CGRectIsEmpty({{0, 0}, tiles.fieldSize()})) return false;
@@ -63,6 +63,5 @@ bool ZKColorMapView::accessibilityStep(UIAccessibilityDirection direction, UIAcc
     const CGPoint point{CGRectGetMidX(there), CGRectGetMidY(there)};
     pannedToPoint_ended(point, /*ended*/ false);
     panLifted_ended(/*ended*/ true);
-    tappedAtPoint(point);
     return true;
 }

@@ -60,7 +60,7 @@ AccessibilityNode AccessibilityTree::describe(const UIView& view, AccessibilityI
     node.name = view.accessibilityLabel();
     node.value = view.accessibilityValue();
     node.description = view.accessibilityHint();
-    node.extent = view.convertRect_toView(view.bounds(), nullptr);
+    node.extent = view.convertRect_toView(alignmentBounds(view), nullptr);
     node.isEnabled = view.accessibilityIsEnabled();
     node.isFocusable = view.canBecomeFocused();
     node.isFocused = window && window->focusedView().get() == &view;

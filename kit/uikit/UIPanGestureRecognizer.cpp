@@ -48,6 +48,13 @@ void UIPanGestureRecognizer::beginAtOnce() {
 void UIPanGestureRecognizer::touchesEnded_withEvent(const UITouchList& ended, UIEvent&) {
     if (touches().empty() || ended.front() != touches().front()) return;
     m_lastTime = ended.front()->timestamp();
+    // A pan that began with its only movement: nobody has heard yet, with the finger still there, where that led.
+    if (state() == UIGestureRecognizerStateBegan) {
+        const auto keep = shared_from_this();
+        setState(UIGestureRecognizerStateChanged);
+        // What it led to may have taken the gesture away.
+        if (state() != UIGestureRecognizerStateChanged) return;
+    }
     letGoOfTouches();
     setState(state() == UIGestureRecognizerStatePossible ? UIGestureRecognizerStateFailed
                                                          : UIGestureRecognizerStateEnded);

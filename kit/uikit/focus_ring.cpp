@@ -15,7 +15,11 @@ constexpr double thickness = 2;
 constexpr double gap = 2;                 // between a small view and its ring
 constexpr double widestRingOutside = 120; // wider views have neighbours, or fill a panel: their ring stands inside
 
-bool ringStandsInside(const UIView& view) { return view.bounds().size.width > widestRingOutside; }
+bool ringStandsInside(const UIView& view) {
+    // One with margins of its own has room around it.
+    const bool hasMargins = !CGRectEqualToRect(alignmentBounds(view), view.bounds());
+    return !hasMargins && view.bounds().size.width > widestRingOutside;
+}
 
 } // namespace
 
@@ -27,9 +31,9 @@ std::shared_ptr<CALayer> makeFocusRing() {
 }
 
 CGRect focusRingRect(const UIView& view) {
-    const CGRect visible = visibleRectInWindow(view);
+    const CGRect whole = view.convertRect_toView(alignmentBounds(view), nullptr);
+    const CGRect visible = CGRectIntersection(visibleRectInWindow(view), whole);
     if (CGRectIsEmpty(visible)) return CGRectNull;
-    const CGRect whole = view.convertRect_toView(view.bounds(), nullptr);
     const double outset = ringStandsInside(view) ? 0 : gap + thickness;
     // Beside what is scrolled or clipped away there is no ring either.
     CGRect ring = CGRectIntersection(CGRectInset(whole, -outset, -outset), CGRectInset(visible, -outset, -outset));

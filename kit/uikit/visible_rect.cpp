@@ -4,6 +4,11 @@
 
 namespace seat {
 
+CGRect alignmentBounds(const UIView& view) {
+    const CGRect aligned = view.alignmentRectForFrame(view.bounds());
+    return aligned.size.width > 0 && aligned.size.height > 0 ? aligned : view.bounds();
+}
+
 CGRect visibleRectInWindow(const UIView& view) {
     CGRect rect = view.bounds();
     const UIView* at = &view;

@@ -10,4 +10,8 @@ namespace seat {
 // views in hidden ones, have none.
 CGRect visibleRectInWindow(const UIView& view);
 
+// What a user takes for the view, in its own coordinates: its bounds without the margins that it has to be touched more
+// easily, or for what overhangs.
+CGRect alignmentBounds(const UIView& view);
+
 } // namespace seat

@@ -184,7 +184,8 @@ TEST_F(ColorMap, NewTileSizeMovesTheCursorAndChangesWhatTouchesMean) {
     ASSERT_TRUE(window.waitForField(*map));
 
     map->setTileSize(NSNumber::numberWithInt(32));
-    EXPECT_EQ(map->colorCursor()->frame(), (CGRect{{2, 2}, {28, 28}}));
+    map->setColor(hsb(0.3, 1, 1));
+    EXPECT_EQ(map->colorCursor()->frame(), (CGRect{{2 + 3 * 32, 2}, {28, 28}}));
     EXPECT_EQ(map->intrinsicContentSize(), (CGSize{320, 352}));
 
     window.finger.tap(CGPoint{33, 1});

@@ -91,11 +91,14 @@ TEST_F(ColorMapOrder, TapAndPanAreHeardAndNothingElse) {
     EXPECT_TRUE(std::dynamic_pointer_cast<UIPanGestureRecognizer>(recognizers[1]));
 }
 
-TEST_F(ColorMapOrder, NewTileSizePutsTheCursorsOriginAtTheFirstTileAlsoFromAChosenOne) {
+TEST_F(ColorMapOrder, NewTileSizeMovesTheCursorToTheColoursTileOfThatSize) {
     map->setColor(hsb(0.25, 1, 1));
     map->setTileSize(NSNumber::numberWithInt(20));
-    EXPECT_EQ(map->colorCursor()->frame(), (CGRect{{-4, -4}, {28, 28}}));
-    EXPECT_EQ(map->colorCursor()->transform(), CGAffineTransformMakeTranslation(80, 0)) << "the tile is chosen later";
+    EXPECT_EQ(map->colorCursor()->frame(), (CGRect{{76, -4}, {28, 28}}));
+    EXPECT_EQ(map->colorCursor()->transform(), CGAffineTransformMakeTranslation(80, 0));
+
+    map->setTileSize(NSNumber::numberWithInt(16));
+    EXPECT_EQ(map->colorCursor()->frame(), (CGRect{{-6 + 5 * 16, -6}, {28, 28}}));
 }
 
 TEST_F(ColorMapOrder, WithoutATileSizeTheCursorStandsAroundTheCorner) {

@@ -80,13 +80,25 @@ TEST_F(ColorMapTouches, PanThatEndsWithNoTouchesReplaysTheLastPoint) {
     expectTile(12, 12);
     events->take();
 
-    // One that ends as soon as it has begun has no place of its own: the one before is reported.
-    window.finger.press(inWindow(300, 300));
-    window.finger.move(inWindow(300, 340));
-    window.finger.release();
+    ScriptedPan::on(map)->send(UIGestureRecognizerStateEnded, std::nullopt);
 
     expectTile(12, 12);
     EXPECT_EQ(events->take(), "editing-end value");
+}
+
+TEST_F(ColorMapTouches, AClickWithAShakyHandIsADragToItsOwnPlace) {
+    window.finger.drag(inWindow(8, 8), inWindow(200, 200));
+    events->take();
+
+    for (const CGPoint shake : {CGPoint{8, 1}, CGPoint{6, 6}}) {
+        window.finger.press(inWindow(300, 40));
+        window.finger.move(inWindow(300 + shake.x, 40 + shake.y));
+        window.finger.release();
+
+        expectTile(19, 2);
+        EXPECT_EQ(events->take(), "value editing-end value");
+        EXPECT_FALSE(map->colorCursor()->editing());
+    }
 }
 
 TEST_F(ColorMapTouches, LastPointIsSharedByAllMaps) {

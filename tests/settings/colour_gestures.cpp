@@ -1,5 +1,6 @@
 // What each gesture on the picker's screen leaves behind, all the way: the file, the announcement, the daemon.
 
+#include "kit/uikit/hid_keys.h"
 #include "tests/settings/colour_test.h"
 
 #include <gmock/gmock.h>
@@ -85,6 +86,37 @@ TEST_F(ColourGestures, OneTapOnTheMapReportsTheColourFromBeforeIt) {
     EXPECT_EQ(stored(), "004efd") << "what was reported last, not what was shown";
     EXPECT_THAT(sent(2), ElementsAre("00 4e fd", "00 4e fd"));
     EXPECT_EQ(announced(2), 2);
+}
+
+TEST_F(ColourGestures, AClickWithAShakyHandReportsTheColourThatWasTouched) {
+    dragMap({100, 100}, {300, 8});
+    const std::string former = stored();
+    const CGPoint place = map().convertPoint_toView({8, 8}, nullptr);
+
+    app.touches().press(place);
+    app.touches().move({place.x + 6, place.y + 6});
+    app.touches().release();
+    app.settle();
+
+    EXPECT_NE(former, "fd0000");
+    EXPECT_EQ(shown(), "fd0000");
+    EXPECT_EQ(stored(), "fd0000");
+    EXPECT_EQ(sent(2).back(), "fd 00 00");
+}
+
+TEST_F(ColourGestures, AnArrowKeyOnTheMapStoresAndSendsOnceAKeyPress) {
+    dragMap({100, 100}, {8, 8});
+    app.scene().window()->setFocusedView(picker()->colorPicker()->colorMapView().view());
+
+    app.touches().keyDown(seat::hid::right);
+    for (int i = 0; i < 3; ++i) app.touches().keyDown(seat::hid::right, 0, /*isRepeat=*/true);
+    app.touches().keyUp(seat::hid::right);
+    app.settle();
+
+    EXPECT_EQ(stored(), shown());
+    EXPECT_EQ(announced(5), 5);
+    leave();
+    EXPECT_EQ(sent(6).size(), 6u) << "the drag, four steps, and leaving";
 }
 
 TEST_F(ColourGestures, OneDragOnTheMapReportsWhereItEnded) {

@@ -86,11 +86,36 @@ TEST_F(Gestures, PanBeginsBeyondItsSlopAndEndsWithoutTouches) {
     EXPECT_EQ(pan->state(), UIGestureRecognizerStatePossible);
 }
 
+TEST_F(Gestures, APanOfOneMovementHasItsPlaceAsAChangeBeforeItEnds) {
+    const auto view = add({{100, 100}, {80, 80}});
+    listen<UIPanGestureRecognizer>(*view);
+
+    touches.press({110, 110});
+    touches.move({118, 111});
+    touches.release();
+
+    EXPECT_EQ(recorder->take(), "pan:began(18,11) pan:changed(18,11) pan:ended/0");
+}
+
+TEST_F(Gestures, APanOfOneMovementWhoseChangeTakesItAwayDoesNotEnd) {
+    const auto view = add({{100, 100}, {80, 80}});
+    listen<UIPanGestureRecognizer>(*view);
+    touches.press({110, 110});
+    touches.move({118, 111});
+    EXPECT_EQ(recorder->take(), "pan:began(18,11)");
+    recorder->then = [&] { view->removeFromSuperview(); };
+
+    touches.release();
+
+    EXPECT_EQ(recorder->take(), "pan:changed(18,11) pan:cancelled/0");
+}
+
 TEST_F(Gestures, ATouchThatAnEndedPanHasNotGivesTheZeroPoint) {
     const auto view = add({{100, 100}, {80, 80}});
     const auto pan = listen<UIPanGestureRecognizer>(*view);
     touches.press({110, 110});
     touches.move({150, 150});
+    touches.move({151, 150});
     std::size_t count = 9;
     CGPoint place{9, 9};
     recorder->then = [&] {
@@ -185,7 +210,7 @@ TEST_F(Gestures, RecogniserThatBeginsCancelsTheViewsTouches) {
     touches.release();
 
     EXPECT_EQ(recorder->take(), "view:began(10,10) view:moved(12,10) view:cancelled(50,10) pan:began(50,10) "
-                                "pan:ended/0");
+                                "pan:changed(50,10) pan:ended/0");
 }
 
 TEST_F(Gestures, InnermostPanWins) {
@@ -207,7 +232,7 @@ TEST_F(Gestures, TapAndPanOfOneViewExcludeEachOther) {
     listen<UIPanGestureRecognizer>(*view);
 
     touches.drag({60, 60}, {69, 60}, 1);
-    EXPECT_EQ(recorder->take(), "pan:began(69,60) pan:ended/0");
+    EXPECT_EQ(recorder->take(), "pan:began(69,60) pan:changed(69,60) pan:ended/0");
     touches.tap({60, 60});
     EXPECT_EQ(recorder->take(), "tap:ended(60,60)");
 }
@@ -259,7 +284,8 @@ TEST_F(Gestures, ViewThatLeavesMidGestureIsCancelledAndItsContainersGestureGoesO
     touches.release();
 
     EXPECT_EQ(recorder->take(),
-              "inner:began(10,10) inner:moved(12,10) inner:cancelled(12,10) pan:began(50,10) pan:ended/0");
+              "inner:began(10,10) inner:moved(12,10) inner:cancelled(12,10) pan:began(50,10) pan:changed(50,10) "
+              "pan:ended/0");
 }
 
 TEST_F(Gestures, ViewMayBeFreedByItsOwnAction) {
