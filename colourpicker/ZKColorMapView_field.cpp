@@ -4,6 +4,9 @@
 #include "colourpicker/ZKColorMapView.h"
 #include "platform/foundation/NSOperationQueue.h"
 #include "platform/quartz/CATransaction.h"
+#include "platform/uikit/UIScreen.h"
+
+#include <cmath>
 
 namespace {
 
@@ -13,6 +16,25 @@ constexpr double fadeInDuration = 0.2;
 constexpr double mostTiles = 16384;
 
 int drawnTiles(double count) { return count <= mostTiles ? static_cast<int>(count) : 0; }
+
+// Where the tiles of a line are drawn, in points. Their edges go to the nearest pixel's: two that share a pixel would
+// both cover it in part, and what lies below would show through. The last one goes on beyond the picture's edge, which
+// cuts it: the picture is whole pixels, too.
+class DrawnEdges {
+public:
+    DrawnEdges(double tile, int count)
+        : m_pixels(tile * UIScreen::mainScreen()->scale()), m_tile(tile), m_count(count) {}
+
+    double operator[](int i) const {
+        return i == m_count ? m_tile * (i + 1) : std::floor(m_pixels * i + 0.5) * m_tile / m_pixels;
+    }
+    double length(int i) const { return (*this)[i + 1] - (*this)[i]; }
+
+private:
+    double m_pixels; // that a tile has, in each direction
+    double m_tile;
+    int m_count;
+};
 
 std::shared_ptr<CALayer> makeImageLayer(const std::shared_ptr<CALayer>& viewLayer,
                                         const std::shared_ptr<UIImage>& image) {
@@ -68,17 +90,19 @@ std::shared_ptr<UIImage>
 ZKColorMapView::colorMapImageWithSize_tileSize_saturationUpperLimit(CGSize size, double tileSize, double limit) {
     const TileGrid tiles{size, tileSize, limit};
     return zk_imageWithSize_renderer(tiles.fieldSize(), [&tiles](CGContextRef context, CGRect rect) {
-        const double t = tiles.tile;
         const int columns = drawnTiles(tiles.columns());
+        const DrawnEdges x(tiles.tile, columns);
+        const int rows = drawnTiles(tiles.rows());
+        const DrawnEdges y(tiles.tile, rows);
+        const CGSize whole{x[columns], y[rows]};
         for (int i = 0; i < columns; ++i) {
             const auto hue = UIColor::colorWithHue_saturation_brightness_alpha(tiles.hueOfColumn(i), 1, 1, 1);
             CGContextSetFillColorWithColor(context, hue->CGColor());
-            CGContextFillRect(context, {{rect.origin.x + t * i, rect.origin.y}, {t, rect.size.height}});
+            CGContextFillRect(context, {{rect.origin.x + x[i], rect.origin.y}, {x.length(i), whole.height}});
         }
-        const int rows = drawnTiles(tiles.rows());
         for (int j = 0; j < rows; ++j) {
             CGContextSetRGBFillColor(context, 1, 1, 1, tiles.whitenessOfRow(j));
-            CGContextFillRect(context, {{rect.origin.x, rect.origin.y + t * j}, {rect.size.width, t}});
+            CGContextFillRect(context, {{rect.origin.x, rect.origin.y + y[j]}, {whole.width, y.length(j)}});
         }
     });
 }
@@ -89,11 +113,12 @@ std::shared_ptr<UIImage> ZKColorMapView::backgroundImageWithSize_tileSize(CGSize
         CGContextSetRGBFillColor(context, 1, 1, 1, 1);
         CGContextFillRect(context, rect);
         CGContextSetGrayFillColor(context, 0, 1);
-        const double t = tiles.tile;
         const int columns = drawnTiles(tiles.columns());
         const int rows = drawnTiles(tiles.rows());
+        const DrawnEdges x(tiles.tile, columns);
+        const DrawnEdges y(tiles.tile, rows);
         for (int j = 0; j < rows; ++j)
             for (int i = 0; i < columns; ++i)
-                CGContextFillRect(context, {{rect.origin.x + t * i, rect.origin.y + t * j}, {t, t}});
+                CGContextFillRect(context, {{rect.origin.x + x[i], rect.origin.y + y[j]}, {x.length(i), y.length(j)}});
     });
 }

@@ -27,15 +27,13 @@ struct Exact {
     }
 };
 
-double overlap(double from, double to, double low, double high) {
-    return std::max(0.0, std::min(to, high) - std::max(from, low));
-}
-
-// How much of each pixel of a line a stripe covers.
-std::vector<double> covers(std::size_t pixels, double from, double to) {
+// Which pixels of a line are a stripe's: those whose middle it holds. The last stripe goes on to the end.
+std::vector<double> covers(std::size_t pixels, double from, double to, bool isLast) {
     std::vector<double> result(pixels);
-    for (std::size_t i = 0; i < pixels; ++i)
-        result[i] = overlap(from, to, static_cast<double>(i), static_cast<double>(i + 1));
+    for (std::size_t i = 0; i < pixels; ++i) {
+        const double middle = static_cast<double>(i) + 0.5;
+        result[i] = middle > from && (middle <= to || isLast) ? 1 : 0;
+    }
     return result;
 }
 
@@ -49,19 +47,19 @@ int worstDifference(const CGImage& image, const ReferenceField& field, double sc
         });
         return Exact{tile->red / 0.75, tile->green / 0.75, tile->blue / 0.75, 1};
     };
-    const auto down = covers(image.height, 0, field.rows * t);
+    const auto down = covers(image.height, 0, field.rows * t, /*isLast=*/true);
     for (int i = 0; i < field.columns; ++i) {
         const Exact color = pure(i);
-        const auto across = covers(image.width, i * t, (i + 1) * t);
+        const auto across = covers(image.width, i * t, (i + 1) * t, i + 1 == field.columns);
         for (std::size_t y = 0; y < image.height; ++y)
             for (std::size_t x = 0; x < image.width; ++x)
                 if (across[x] > 0)
                     exact[y * image.width + x].paint(color.red, color.green, color.blue, across[x] * down[y]);
     }
-    const auto across = covers(image.width, 0, field.columns * t);
+    const auto across = covers(image.width, 0, field.columns * t, /*isLast=*/true);
     for (int j = 0; j < field.rows; ++j) {
         const double white = field.limit * j / (field.rows - 1);
-        const auto rowCovers = covers(image.height, j * t, (j + 1) * t);
+        const auto rowCovers = covers(image.height, j * t, (j + 1) * t, j + 1 == field.rows);
         for (std::size_t y = 0; y < image.height; ++y)
             for (std::size_t x = 0; x < image.width; ++x)
                 if (rowCovers[y] > 0) exact[y * image.width + x].paint(1, 1, 1, white * rowCovers[y] * across[x]);
@@ -86,16 +84,13 @@ protected:
 
 } // namespace
 
-// A pixel that tiles share is painted several times, and rounded each time.
 TEST_P(ColorField, EveryPixelOfFiveFieldsIsWithinOneStepOfExactBlending) {
     for (const ReferenceField& field : referenceFields) {
         const auto image = ZKColorMapView::colorMapImageWithSize_tileSize_saturationUpperLimit(
             {field.width, field.height}, field.tile, field.limit);
         ASSERT_TRUE(image);
         EXPECT_EQ(image->size(), (CGSize{field.columns * field.tile, field.rows * field.tile}));
-        const double tile = field.tile * GetParam();
-        const int steps = tile == std::trunc(tile) ? 1 : 2;
-        EXPECT_LE(worstDifference(*image->CGImage(), field, GetParam()), steps) << field.width << " x " << field.height;
+        EXPECT_LE(worstDifference(*image->CGImage(), field, GetParam()), 1) << field.width << " x " << field.height;
     }
 }
 
@@ -126,3 +121,54 @@ TEST_P(ColorField, WithoutWholeTilesThereIsNoPicture) {
 }
 
 INSTANTIATE_TEST_SUITE_P(AtScale, ColorField, ::testing::Values(1, 2, 3));
+
+namespace {
+
+// The tile of 16 points that holds the middle of each pixel of a line, at a scale of so many tenths: in whole numbers.
+std::vector<int> ownersOfPixels(int tiles, int tenths) {
+    const int pixels = (16 * tiles * tenths + 9) / 10;
+    std::vector<int> owners(static_cast<std::size_t>(pixels));
+    for (int p = 0; p < pixels; ++p)
+        owners[static_cast<std::size_t>(p)] = std::min((2 * p + 1) * 5 / (16 * tenths), tiles - 1);
+    return owners;
+}
+
+class FieldAtAnyScale : public ::testing::Test {
+protected:
+    ~FieldAtAnyScale() override { seat::setMainScreen({375, 667}, 1); }
+};
+
+} // namespace
+
+TEST_F(FieldAtAnyScale, EachPixelIsWhollyOneTilesAndTheOneThatHoldsItsMiddle) {
+    constexpr int columns = 6;
+    constexpr int rows = 4;
+    for (int tenths = 5; tenths <= 80; ++tenths) {
+        seat::setMainScreen({375, 667}, tenths / 10.0);
+        const auto map =
+            ZKColorMapView::colorMapImageWithSize_tileSize_saturationUpperLimit({16 * columns, 16 * rows}, 16, 1);
+        const auto background = ZKColorMapView::backgroundImageWithSize_tileSize({16 * columns, 16 * rows}, 16);
+        ASSERT_TRUE(map && background) << tenths;
+        const CGImage& image = *map->CGImage();
+        const auto across = ownersOfPixels(columns, tenths);
+        const auto down = ownersOfPixels(rows, tenths);
+        ASSERT_EQ(image.width, across.size()) << tenths;
+        ASSERT_EQ(image.height, down.size()) << tenths;
+        // Six columns are the six pure colours; four rows are none to three thirds of white.
+        constexpr int pure[columns][3] = {{1, 0, 0}, {1, 1, 0}, {0, 1, 0}, {0, 1, 1}, {0, 0, 1}, {1, 0, 1}};
+        std::size_t wrong = 0;
+        for (std::size_t y = 0; y < image.height; ++y)
+            for (std::size_t x = 0; x < image.width; ++x) {
+                const std::uint32_t pixel = image.pixels[y * image.width + x];
+                const int white = 85 * down[y];
+                std::uint32_t exact = 0xff;
+                for (const int channel : pure[across[x]])
+                    exact = exact << 8 | static_cast<std::uint32_t>(channel == 1 ? 255 : white);
+                wrong += pixel != exact;
+            }
+        EXPECT_EQ(wrong, 0u) << tenths;
+        ASSERT_EQ(background->CGImage()->pixels.size(), image.pixels.size());
+        const auto& below = background->CGImage()->pixels;
+        EXPECT_EQ(std::ranges::count(below, 0xff000000), std::ssize(below)) << tenths;
+    }
+}
