@@ -15,11 +15,16 @@ struct Components {
     double blue;
 };
 
-// The hexcone model. A hue that is no number, or infinite, counts as red; saturation and brightness go through the
-// arithmetic as they come.
+// Sixths of a turn. A hue that is no number, or infinite, counts as red.
+double sixthsOf(double hue) {
+    if (!std::isfinite(hue)) return 0;
+    return std::isfinite(hue * 6) ? hue * 6 : std::fmod(hue, 1) * 6;
+}
+
+// The hexcone model. Saturation and brightness go through the arithmetic as they come.
 Components componentsFromHSB(double hue, double saturation, double brightness) {
     if (saturation == 0) return {brightness, brightness, brightness};
-    const double turn = std::isfinite(hue) ? hue * 6 : 0;
+    const double turn = sixthsOf(hue);
     const double whole = std::floor(turn);
     const double f = turn - whole;
     double sector = std::fmod(whole, 6);

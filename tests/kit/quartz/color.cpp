@@ -54,6 +54,12 @@ TEST(Color, HueOneIsRed) {
     EXPECT_EQ(c.green, 0);
     EXPECT_EQ(c.blue, 0);
     EXPECT_EQ(hsbOf(*hsb(1, 1, 1)).hue, 0);
+    for (const double huge : {1e308, -1e308}) {
+        const Rgb color = rgbOf(*hsb(huge, 1, 1));
+        EXPECT_EQ(color.red, 1) << huge;
+        EXPECT_EQ(color.green, 0) << huge;
+        EXPECT_EQ(color.blue, 0) << huge;
+    }
 }
 
 TEST(Color, HueBelowZeroCountsFromTheOtherEnd) {
