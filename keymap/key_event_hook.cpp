@@ -35,6 +35,8 @@ id hookedHandleKeyUIEvent(NSObject& application, SEL command, std::span<const id
 void installKeyEventHook() { installKeyEventHookOnClass(objc_getClass("UIApplication")); }
 
 void installKeyEventHookOnClass(Class applicationClass) {
+    // Hooked already, here or above: once more, and the hook would take itself for the handler before it.
+    if (class_getMethodImplementation(applicationClass, handlerName) == hookedHandleKeyUIEvent) return;
     keyEventSuperclass = class_getSuperclass(applicationClass);
     const Method handler = class_getInstanceMethod(applicationClass, handlerName);
     if (!handler) return;

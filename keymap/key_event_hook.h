@@ -8,5 +8,5 @@
 // application's class no hook is installed.
 void installKeyEventHook();
 
-// The same on a named class, for as long as the process lives.
+// The same on a named class, for as long as the process lives; a second time does nothing.
 void installKeyEventHookOnClass(Class applicationClass);

@@ -59,6 +59,19 @@ TEST_F(KeyEventHookDeathTest, OnAClassWithItsOwnHandlerCallsThatFirst) {
         testing::ExitedWithCode(0), "");
 }
 
+TEST_F(KeyEventHookDeathTest, ASecondTimeOnOneClassOrBelowItDoesNothing) {
+    EXPECT_EXIT(
+        {
+            const auto object = InheritedHandler::alloc();
+            installKeyEventHookOnClass(HookedBase::classObject());
+            installKeyEventHookOnClass(HookedBase::classObject());
+            installKeyEventHookOnClass(InheritedHandler::classObject());
+            objc_msgSend(*object, "handleKeyUIEvent:", {UIKeyEvent::keyEvent(4, true)});
+            end(handledByBase == 1);
+        },
+        testing::ExitedWithCode(0), "");
+}
+
 TEST_F(KeyEventHookDeathTest, OnAClassThatInheritsItAddsItsOwnAndForwards) {
     EXPECT_EXIT(
         {
