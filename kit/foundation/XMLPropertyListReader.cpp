@@ -2,6 +2,7 @@
 #include "kit/foundation/property_list.h"
 #include "kit/foundation/property_list_scalars.h"
 #include "kit/foundation/utf8.h"
+#include "kit/foundation/xml_encoding.h"
 #include "kit/foundation/xml_property_list_scan.h"
 #include "kit/foundation/xml_property_list_words.h"
 #include "platform/foundation/NSArray.h"
@@ -24,10 +25,6 @@ class XMLReader {
 public:
     XMLReader() : m_parser(XML_ParserCreate("UTF-8")) {
         XML_SetUserData(m_parser, this);
-        XML_SetXmlDeclHandler(m_parser, [](void* self, const char*, const char* encoding, int) {
-            if (encoding && "utf-8"sv != lowered(encoding) && "us-ascii"sv != lowered(encoding))
-                reader(self).refuse("is in another encoding than UTF-8");
-        });
         XML_SetStartDoctypeDeclHandler(
             m_parser, [](void* self, const char* name, const char*, const char*, int hasInternalSubset) {
                 if (name != "plist"sv) reader(self).refuse("is a document of another type");
@@ -64,11 +61,6 @@ private:
     };
 
     static XMLReader& reader(void* self) { return *static_cast<XMLReader*>(self); }
-    static std::string lowered(std::string text) {
-        for (char& c : text)
-            if (c >= 'A' && c <= 'Z') c = static_cast<char>(c | 0x20);
-        return text;
-    }
 
     void refuse(std::string reason) {
         if (!m_refusal.empty()) return;
@@ -191,17 +183,18 @@ void XMLReader::add(id value) {
         container.array->addObject(std::move(value));
         return;
     }
-    // Readers differ on which of the two counts, so neither does.
-    const std::size_t before = container.dictionary->count();
+    // Of two with the same key the last one counts, as for everybody who reads the file.
     container.dictionary->setObject_forKey(std::move(value), *container.key);
-    if (container.dictionary->count() == before) refuse(keyTwice);
     container.key.reset();
 }
 
 } // namespace
 
 id seat::readXMLPropertyList(std::span<const std::uint8_t> bytes, std::string& refusal) {
-    const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    std::string converted;
+    refusal.clear();
+    const std::string_view text = utf8OfXML(bytes, converted, refusal);
+    if (!refusal.empty()) return nullptr;
     // Found out before anything is built: whatever the tokeniser would say, it would say it later.
     constexpr std::size_t longestEpilogue = 4096;
     if (text.substr(text.size() - std::min(text.size(), longestEpilogue)).find("</plist") == std::string_view::npos) {

@@ -1,10 +1,11 @@
 #pragma once
 
-// Property lists in memory: strict reading of XML and binary (bplist00), writing of binary. Any thread.
+// Property lists in memory: strict reading of XML (UTF-8, UTF-16, ISO-8859-1) and binary (bplist00), writing of binary.
+// Any thread.
 //
 // Read and written: dictionaries, arrays, strings, data, dates, booleans, reals of 4 and 8 bytes (bit for bit),
-// integers from -2^63 to 2^64-1. Refused: anything that is cut, out of bounds, ambiguous (a key that comes twice in a
-// dictionary) or that different readers read differently.
+// integers from -2^63 to 2^64-1. Of a key that comes twice in a dictionary the last value counts. Refused: anything
+// that is cut, out of bounds, or that different readers read differently.
 
 #include "platform/foundation/NSData.h"
 #include "platform/foundation/NSPropertyListSerialization.h"

@@ -1,6 +1,5 @@
 #include "kit/foundation/xml_property_list_scan.h"
 
-#include "kit/foundation/KeySet.h"
 #include "kit/foundation/base64.h"
 #include "kit/foundation/property_list_scalars.h"
 #include "kit/foundation/xml_property_list_words.h"
@@ -47,8 +46,7 @@ std::size_t endOfRun(std::string_view text, std::size_t at) {
 
 class Scan {
 public:
-    explicit Scan(std::string_view text)
-        : m_text(text), m_hasReturns(text.find('\r') != std::string_view::npos), m_keys(text) {}
+    explicit Scan(std::string_view text) : m_text(text) {}
 
     std::string fault() {
         if (m_text.starts_with("\xef\xbb\xbf")) m_at = 3;
@@ -62,9 +60,8 @@ public:
 
 private:
     struct Container {
-        Element element;              // Plist for the outermost
-        std::uint32_t dictionary = 0; // its number
-        bool hasKey = false;          // one that waits for its value
+        Element element;     // Plist for the outermost
+        bool hasKey = false; // one that waits for its value
         bool hasValue = false;
     };
 
@@ -212,7 +209,7 @@ private:
             return true;
         }
         if (m_open.size() > propertyListMaximumDepth) return refuse(tooDeep);
-        m_open.push_back({element, element == Element::Dict ? ++m_dictionaries : 0});
+        m_open.push_back({element});
         return true;
     }
 
@@ -233,7 +230,7 @@ private:
         if (m_scalar) {
             m_scalar.reset();
             // A text with more than characters in it is the reader's to judge.
-            if (m_isPlain && !isSound(element, text)) return refuse(element == Element::Key ? keyTwice : badScalar);
+            if (m_isPlain && !isSound(element, text)) return refuse(badScalar);
             if (element == Element::Key) {
                 m_open.back().hasKey = true;
                 return true;
@@ -252,11 +249,8 @@ private:
         return true;
     }
 
-    bool isSound(Element element, std::string_view text) {
+    static bool isSound(Element element, std::string_view text) {
         switch (element) {
-        case Element::Key:
-            // Line ends count alike, however they are spelled.
-            return m_hasReturns || m_keys.insert(m_open.back().dictionary, m_scalarAt, text.size());
         case Element::Integer:
             return integerFromText(trimmed(text)).has_value();
         case Element::Real:
@@ -282,12 +276,9 @@ private:
     bool m_isClosed = false; // the outermost element is
     std::vector<Container> m_open;
     std::size_t m_values = 0;
-    std::uint32_t m_dictionaries = 0;
     std::optional<Element> m_scalar; // the text that is being looked at
     std::size_t m_scalarAt = 0;
     bool m_isPlain = true; // it is characters alone
-    bool m_hasReturns;     // carriage returns, which the tokeniser makes line ends of
-    KeySet m_keys;
 };
 
 } // namespace

@@ -76,7 +76,6 @@ inline constexpr const char* wrongOrder = "has its elements in the wrong order";
 inline constexpr const char* keyOutside = "has a key outside of a dictionary";
 inline constexpr const char* keyAlone = "has a key without a value";
 inline constexpr const char* valueAlone = "has a value without a key";
-inline constexpr const char* keyTwice = "has the same key twice in a dictionary";
 inline constexpr const char* manyValues = "holds more than one value";
 inline constexpr const char* noValue = "holds no value";
 inline constexpr const char* strayText = "has text between its elements";

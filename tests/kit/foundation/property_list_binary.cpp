@@ -109,8 +109,17 @@ TEST(BinaryPropertyList, WhatIsNoValueIsRefused) {
     expectRefused(readBinary({{0xc1, 1}, yes}), "unknown type");
     expectRefused(readBinary({{0xf0}}), "unknown type");
     expectRefused(readBinary({{0xd1, 1, 1}, yes}), "has a key that is no text");
-    expectRefused(readBinary({{0xd2, 1, 1, 2, 2}, text, yes}), "has the same key twice");
-    expectRefused(readBinary({{0xd2, 1, 2, 3, 3}, text, {0x61, 0, 'a'}, yes}), "has the same key twice");
+}
+
+TEST(BinaryPropertyList, OfAKeyThatComesTwiceTheLastValueCounts) {
+    const Bytes no{0x08};
+    for (const id& value : {readBinary({{0xd2, 1, 1, 3, 2}, text, yes, no}).value,
+                            readBinary({{0xd2, 1, 2, 4, 3}, text, {0x61, 0, 'a'}, yes, no}).value}) {
+        const auto dictionary = value.object<NSDictionary>();
+        ASSERT_TRUE(dictionary);
+        EXPECT_EQ(dictionary->count(), 1u);
+        EXPECT_TRUE(dictionary->objectForKey("a").boolValue());
+    }
 }
 
 TEST(BinaryPropertyList, BrokenTextsAreRefused) {

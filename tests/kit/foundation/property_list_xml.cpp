@@ -132,8 +132,13 @@ TEST(XMLPropertyList, WrongNestingIsRefused) {
     expectRefused(read(bytesOf("<dict></dict><!-- </plist> -->")), "wrong order");
 }
 
-TEST(XMLPropertyList, KeyThatComesTwiceIsRefused) {
-    expectRefused(readXML("<dict><key>a</key><true/><key>a</key><true/></dict>"), "has the same key twice");
+TEST(XMLPropertyList, OfAKeyThatComesTwiceTheLastValueCounts) {
+    const auto dictionary =
+        readXML("<dict><key>a</key><true/><key>b</key><true/><key>a</key><integer>7</integer></dict>")
+            .value.object<NSDictionary>();
+    ASSERT_TRUE(dictionary);
+    EXPECT_EQ(dictionary->count(), 2u);
+    EXPECT_EQ(dictionary->objectForKey("a").integerValue(), 7);
 }
 
 TEST(XMLPropertyList, OwnEntitiesAreRefusedAndNeverExpanded) {
@@ -151,14 +156,43 @@ TEST(XMLPropertyList, OwnEntitiesAreRefusedAndNeverExpanded) {
     expectRefused(read(bytesOf("<!DOCTYPE html><plist><true/></plist>")), "another type");
 }
 
+TEST(XMLPropertyList, ISO8859_1IsReadAsItsDeclarationSays) {
+    const auto read1 = [](const std::string& name) {
+        return read(bytesOf("<?xml version='1.0' encoding='" + name +
+                            "' standalone='yes'?><plist><string>M\xfcller \xa9\xff</string></plist>"));
+    };
+    for (const char* const name : {"ISO-8859-1", "iso-8859-1"}) {
+        const id value = read1(name).value;
+        ASSERT_TRUE(value.string()) << name;
+        EXPECT_EQ(*value.string(), "M\u00fcller \u00a9\u00ff");
+    }
+    expectRefused(read1("utf-8"), "is not UTF-8");
+}
+
+TEST(XMLPropertyList, UTF16IsReadInEitherOrderWithAndWithoutItsMark) {
+    const std::u16string text =
+        u"<?xml version='1.0' encoding='UTF-16'?><plist><string>\u00fc\u20ac\U0001d11e</string></plist>";
+    for (const bool bigEndian : {false, true})
+        for (const bool marked : {false, true}) {
+            std::string bytes;
+            for (const char16_t unit : marked ? u"\ufeff" + text : text) {
+                const char high = static_cast<char>(unit >> 8), low = static_cast<char>(unit & 0xff);
+                bytes += bigEndian ? std::string{high, low} : std::string{low, high};
+            }
+            const id value = read(bytesOf(bytes)).value;
+            ASSERT_TRUE(value.string()) << bigEndian << marked;
+            EXPECT_EQ(*value.string(), "\u00fc\u20ac\U0001d11e");
+            EXPECT_FALSE(read(bytesOf(bytes.substr(0, bytes.size() - 1))).value);
+            expectRefused(read(bytesOf(bytes.substr(0, bytes.size() - 4))), "is cut");
+        }
+    expectRefused(read(bytesOf(std::string("\xff\xfe\x00\xd8<\0", 6))), "is not UTF-16");
+}
+
 TEST(XMLPropertyList, OtherEncodingsAreRefused) {
-    expectRefused(read(bytesOf("<?xml version='1.0' encoding='ISO-8859-1'?><plist><true/></plist>")), "UTF-8");
-    expectRefused(read(bytesOf("<?xml version='1.0' encoding='UTF-16'?><plist><true/></plist>")), "UTF-8");
+    expectRefused(read(bytesOf("<?xml version='1.0' encoding='UTF-16'?><plist><true/></plist>")), "encoding");
+    expectRefused(read(bytesOf("<?xml version='1.0' encoding='EBCDIC-CP-US'?><plist><true/></plist>")), "encoding");
     EXPECT_TRUE(read(bytesOf("<?xml version='1.0' encoding='utf-8'?><plist><true/></plist>")).value);
     EXPECT_TRUE(read(bytesOf("\xef\xbb\xbf<plist><true/></plist>")).value);
-    std::string wide;
-    for (const char c : std::string("<plist><true/></plist>")) wide += {c, '\0'};
-    EXPECT_FALSE(read(bytesOf("\xff\xfe" + wide)).value);
 }
 
 TEST(XMLPropertyList, TextThatIsNotUTF8IsRefused) {
