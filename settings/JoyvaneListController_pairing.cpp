@@ -11,12 +11,23 @@
 #include "settings/discovery_states.h"
 #include "settings/preferences.h"
 
+#include <cmath>
+
 namespace {
 
 constexpr const char* discoveryTool = "/usr/bin/jvndiscovery";
 constexpr const char* messageServerName = "com.quorrel.jvn.bootstrap";
 constexpr const char* discoveryUpdateMessage = "JVNDiscoveryUpdate";
 constexpr const char* discoveryStateKey = "JVNDiscoveryState";
+
+// What is no whole number reads as absent: nobody may be told of a success that was not reported.
+std::int64_t discoveryState(const std::shared_ptr<NSDictionary>& userInfo) {
+    const id value = userInfo ? userInfo->objectForKey(discoveryStateKey) : id();
+    const auto* const number = value.number();
+    if (!number) return 0;
+    const double real = number->doubleValue();
+    return std::isfinite(real) && std::trunc(real) == real ? number->integerValue() : 0;
+}
 
 } // namespace
 
@@ -80,7 +91,7 @@ void JoyvaneListController::stopDiscoveryServer() {
 // State and type are those of the message's arrival.
 void JoyvaneListController::handlePairingMessage_userInfo(const std::string&,
                                                           const std::shared_ptr<NSDictionary>& userInfo) {
-    const std::int64_t state = userInfo ? userInfo->objectForKey(discoveryStateKey).integerValue() : 0;
+    const std::int64_t state = discoveryState(userInfo);
     const long controllerType = currentControllerType();
     dispatch_async(dispatch_get_main_queue(),
                    [page = self(this), state, controllerType] { page->reactToDiscovery(state, controllerType); });

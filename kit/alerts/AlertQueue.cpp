@@ -1,6 +1,7 @@
 #include "kit/alerts/AlertQueue.h"
 
 #include "kit/alerts/alert_state.h"
+#include "platform/log.h"
 #include "platform/uikit/UIApplication.h"
 
 #include <algorithm>
@@ -19,8 +20,29 @@ void AlertQueue::add(const std::shared_ptr<UIAlertView>& alert) {
     // Its window is gone: nobody can answer it any more.
     while (!m_alerts.empty() && m_alerts.front()->m_alert->hasAppeared && !m_alerts.front()->window())
         m_alerts.pop_front();
+    if (repeatsTheLast(*alert)) {
+        NSLog("showing the alert \"%s\": the same one stands or waits already", alert->title().c_str());
+        return;
+    }
     m_alerts.push_back(alert);
+    if (m_alerts.size() > mostWaiting) forgetOldestWaiting();
     showFirst();
+}
+
+bool AlertQueue::repeatsTheLast(const UIAlertView& alert) const {
+    if (m_alerts.empty() || !alert.m_alert->delegate.expired()) return false;
+    const UIAlertView& last = *m_alerts.back();
+    return last.m_alert->delegate.expired() && !last.m_alert->isDismissing && last.title() == alert.title() &&
+           last.message() == alert.message() && last.buttonTitles() == alert.buttonTitles();
+}
+
+// The newest ones are what is so now.
+void AlertQueue::forgetOldestWaiting() {
+    const auto oldest = std::find_if(m_alerts.begin() + 1, m_alerts.end(),
+                                     [](const auto& alert) { return alert->m_alert->delegate.expired(); });
+    if (oldest == m_alerts.end()) return;
+    NSLog("showing the alert \"%s\": too many wait, and the oldest of them is left out", (*oldest)->title().c_str());
+    m_alerts.erase(oldest);
 }
 
 void AlertQueue::remove(const std::shared_ptr<UIAlertView>& alert, long buttonIndex) {

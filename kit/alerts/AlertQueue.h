@@ -6,7 +6,8 @@
 #include <memory>
 
 // The alerts that were asked for, in their order: the first one is on screen, the rest wait. Keeps them alive
-// meanwhile. Main thread only.
+// meanwhile. Of alerts that nobody waits to hear from, one that says the same as the last before it is left out, and of
+// too many the oldest; both are logged. Main thread only.
 class AlertQueue {
 public:
     // Never destroyed: an alert may be up when the process ends.
@@ -19,7 +20,11 @@ public:
     bool contains(const UIAlertView& alert) const;
 
 private:
+    static constexpr std::size_t mostWaiting = 8;
+
     void showFirst();
+    bool repeatsTheLast(const UIAlertView& alert) const;
+    void forgetOldestWaiting();
 
     std::deque<std::shared_ptr<UIAlertView>> m_alerts;
 };

@@ -112,6 +112,35 @@ TEST_F(PairingMessages, EveryStateDoesToEveryTypeWhatItShould) {
     }
 }
 
+TEST_F(PairingMessages, HundredsOfReportsLeaveAFewAlertsTheLastOneOfTheLastReport) {
+    startPairing(1);
+    int delivered = 0;
+    const auto send = [&](int state) {
+        seat::sendMessage(server, "JVNDiscoveryUpdate",
+                          testing_support::dictionary({{"JVNDiscoveryState", NSNumber::numberWithInt(state)}}),
+                          [&](bool) { ++delivered; });
+    };
+
+    for (int i = 0; i < 300; ++i) send(2);
+    ASSERT_TRUE(app.waitUntil([&] { return delivered == 300; }));
+    EXPECT_TRUE(app.dismissAlert());
+    EXPECT_EQ(app.alert(), std::nullopt) << "the same one, once";
+    EXPECT_GT(log.count("showing the alert \"Joyvane\""), 0u);
+
+    for (int i = 0; i < 301; ++i) send(i % 2 == 0 ? 2 : 3);
+    ASSERT_TRUE(app.waitUntil([&] { return delivered == 601; }));
+    app.settle();
+    std::vector<std::string> alerts;
+    while (const auto alert = app.alert()) {
+        alerts.push_back(*alert);
+        ASSERT_TRUE(app.dismissAlert());
+        ASSERT_LT(alerts.size(), 20u);
+    }
+    EXPECT_GE(alerts.size(), 2u);
+    EXPECT_EQ(alerts.back().substr(0, 17), "Joyvane\nSuccess!\n");
+    EXPECT_EQ(overlay(), "hidden");
+}
+
 TEST_F(PairingMessages, AReportWithoutAStateOrWithoutADictionaryIsSearching) {
     const std::string searching = "Searching..\nPress the red SYNC button on the back of your controller.";
     startPairing(2);
@@ -122,7 +151,7 @@ TEST_F(PairingMessages, AReportWithoutAStateOrWithoutADictionaryIsSearching) {
     EXPECT_TRUE(app.waitUntil([&] { return overlay() == searching; }));
 }
 
-TEST_F(PairingMessages, AStateOfAnotherTypeReadsAsItsIntegerValueOrNone) {
+TEST_F(PairingMessages, AStateThatIsNoWholeNumberReadsAsAbsent) {
     const std::string searching = "Searching..\nPress the red SYNC button on the back of your controller.";
     startPairing(2);
     const auto expectSearching = [&](const BusPeer::Arguments& arguments, const char* what) {
@@ -132,6 +161,9 @@ TEST_F(PairingMessages, AStateOfAnotherTypeReadsAsItsIntegerValueOrNone) {
         EXPECT_EQ(app.alert(), std::nullopt) << what;
     };
     expectSearching(basic<const char*>("s", "abc"), "a text");
+    expectSearching(basic<const char*>("s", "2"), "a text with a number");
+    expectSearching(basic<double>("d", 2.9), "more than a whole number");
+    expectSearching(basic<double>("d", HUGE_VAL), "infinity");
     expectSearching(basic<dbus_bool_t>("b", FALSE), "false");
     expectSearching(basic<double>("d", 0.9), "a fraction");
     expectSearching(basic<double>("d", std::nan("")), "no number");
@@ -155,7 +187,7 @@ TEST_F(PairingMessages, AStateOfAnotherTypeReadsAsItsIntegerValueOrNone) {
     EXPECT_EQ(call(basic<dbus_uint64_t>("t", ~0ull)), "");
     EXPECT_EQ(call(basic<dbus_int64_t>("x", 1ll << 32)), "") << "not cut to its low half, which would be 0";
     EXPECT_EQ(overlay(), "before");
-    EXPECT_EQ(call(basic<const char*>("s", "4")), "");
+    EXPECT_EQ(call(basic<double>("d", 4.0)), "");
     EXPECT_EQ(overlay(), "Starting Search...\nPrepare your controller.");
     EXPECT_EQ(call(state("v", [](DBusMessageIter& at) { nest(at, 3); })), "");
     EXPECT_TRUE(app.alert()) << "3, within four variants";

@@ -1,4 +1,5 @@
 #include "desktop/painting/snapshot.h"
+#include "kit/alerts/progress_canceller.h"
 #include "platform/uikit/UIProgressHUD.h"
 #include "tests/kit/alerts/AlertTest.h"
 
@@ -38,6 +39,16 @@ TEST_P(AlertLooks, Progress) {
     hud->showInView(page);
     hud->setText("Searching...\nPress both the Share and PS buttons until your PS4 controller blinks.");
     expectLooks("progress");
+}
+
+TEST_P(AlertLooks, ProgressThatCanBeCancelled) {
+    seat::setProgressCanceller([] {});
+    const auto page = add({{0, 0}, {320, 480}});
+    const auto hud = UIProgressHUD::alloc()->init();
+    hud->showInView(page);
+    hud->setText("Searching...\nHold the X and the HOME buttons until the SEARCH light blinks.");
+    expectLooks("progress-cancel");
+    seat::setProgressCanceller({});
 }
 
 INSTANTIATE_TEST_SUITE_P(Scales, AlertLooks, ::testing::Values(1, 2, 3));
