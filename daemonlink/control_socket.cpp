@@ -1,11 +1,14 @@
 #include "daemonlink/control_socket.h"
 
 #include "daemonlink/ControlConnection.h"
+#include "platform/log.h"
 #include "platform/socket.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 
 namespace {
 
@@ -24,7 +27,10 @@ static_assert(controlSocketAddress.sun_len == 32 && controlSocketAddress.sun_fam
 
 int connectTo(const platform::sockaddr_un& address) {
     const int descriptor = platform::socket(platform::AF_UNIX_FAMILY, platform::SOCK_STREAM_TYPE, 0);
-    if (descriptor == -1) return -1;
+    if (descriptor == -1) {
+        NSLog("making a socket for %s: %s", address.sun_path, std::strerror(errno));
+        return -1;
+    }
     // The whole record counts as the address, whatever its length byte says.
     if (platform::connect(descriptor, &address, sizeof address) == -1) {
         platform::close(descriptor);

@@ -4,9 +4,9 @@
 
 #include <cstdint>
 
-// The exchanges of the control socket, on a connection that the caller opened and closes. The result of a send is not
-// looked at: a daemon that has gone shows in the reply that does not come. Those that read a reply wait for it and
-// belong on a worker.
+// The exchanges of the control socket, on a connection that the caller opened and closes. A send that fails changes
+// nothing of what follows: a daemon that has gone shows in the reply that does not come. The first failure of an
+// exchange is logged. Those that read a reply wait for it and belong on a worker.
 namespace daemonlink {
 
 inline constexpr long connectReplySeconds = 20;

@@ -1,7 +1,9 @@
 #include "keymap/JVNKeymapViewController.h"
 
 #include "keymap/default_keymap.h"
+#include "platform/foundation/NSError.h"
 #include "platform/foundation/NSPropertyListSerialization.h"
+#include "platform/log.h"
 
 #include <utility>
 
@@ -59,7 +61,9 @@ void JVNKeymapViewController::viewDidDisappear(bool animated) {
     UITableViewController::viewDidDisappear(animated);
     if (!m_rootSettings) return;
     m_rootSettings->setObject_forKey(m_keymap, keymapKey);
+    std::shared_ptr<NSError> error;
     const auto data = NSPropertyListSerialization::dataWithPropertyList_format_options_error(
-        m_rootSettings, NSPropertyListBinaryFormat_v1_0, 0, nullptr);
+        m_rootSettings, NSPropertyListBinaryFormat_v1_0, 0, &error);
+    if (!data) NSLog("saving the keymap in %s: %s", m_path.c_str(), error->localizedDescription().c_str());
     if (data) data->writeToFile_options_error(m_path, NSDataWritingAtomic, nullptr);
 }

@@ -24,6 +24,7 @@ struct sockaddr_un {
 static_assert(sizeof(sockaddr_un) == 106);
 static_assert(offsetof(sockaddr_un, sun_path) == 2);
 
+// A call that fails sets errno.
 int socket(int domain, int type, int protocol);
 // The path is read up to its first zero, 104 bytes at the most, and stands under the root; how long the root's own path
 // is does not matter. Never waits: with nobody listening, a full backlog, or a peer that is neither our user's nor

@@ -55,6 +55,20 @@ private:
     rlimit m_before{};
 };
 
+// Everything that was read fits, and the keymap's own values no more.
+TEST_F(InterruptedSave, ASettingsFileWithoutRoomForTheKeymapIsLeftAsItIsAndTheLogNamesIt) {
+    std::vector<id> many(99'990, NSNumber::numberWithBool(true));
+    openOver({{"other", NSArray::arrayWithObjects(std::move(many))}});
+    const std::string before = contents();
+
+    changeAndLeave();
+
+    EXPECT_EQ(contents(), before);
+    EXPECT_EQ(log.count("saving the keymap in /var/mobile/Library/Preferences/com.quorrel.joyvane.plist: property list "
+                        "to write holds more than 100000 values"),
+              1u);
+}
+
 TEST_F(InterruptedSave, WithTheQuotaReachedLeavesTheOldFileAndNothingBeside) {
     openOver({{"other", integer(1)}});
     const std::string before = contents();

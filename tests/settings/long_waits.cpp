@@ -41,6 +41,7 @@ TEST_F(LongWaits, AConnectIsGivenUpAfterTwentySecondsAndTheMainThreadIsNeverLate
     EXPECT_EQ(hex(daemon->connections()[1]), connectFrame + " 06 00 00 00 00 00 00 00 00 00 00 00");
     EXPECT_FALSE(page->controllerConnected());
     EXPECT_TRUE(app.find("Connect Controller"));
+    EXPECT_EQ(log.count("connect: waiting for the daemon's answer: none came in time"), 1u);
 }
 
 // A lease makes whoever opens the file wait, as a disk that has to wake up does.
