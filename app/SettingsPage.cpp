@@ -4,9 +4,13 @@
 #include "kit/alerts/progress_canceller.h"
 #include "kit/settings_framework/bundle.h"
 #include "kit/uikit/front_controller.h"
+#include "platform/dispatch.h"
 #include "platform/foundation/NSArray.h"
 #include "platform/uikit/UINavigationController.h"
 #include "system/notify/NotifyListener.h"
+#include "system/socket/connection_listener.h"
+
+#include <utility>
 
 app::SettingsPage::SettingsPage(const Bundle& bundle, Class principalClass, CGSize points, double scale)
     : m_name(bundle.name), m_scene(points, scale) {
@@ -21,19 +25,32 @@ app::SettingsPage::SettingsPage(const Bundle& bundle, Class principalClass, CGSi
 
 app::SettingsPage::~SettingsPage() { close(); }
 
-// The manifest says of which notifications a user has to hear, and in what words; the page itself stays silent.
+// The manifest says of which notifications a user has to hear, and in what words; the page itself stays silent. They
+// are this process's own: what fails for the page of another root is no news here. Once the daemon is reached again
+// there is nothing left to say.
 void app::SettingsPage::listenForFailures(const NSDictionary& manifest) {
     const auto* const failure = manifest.objectForKey("JVNFailureNotification").string();
     const auto* const text = manifest.objectForKey("JVNFailureText").string();
     if (!failure || !text) return;
     m_banner = FailureBanner::alloc()->initWithText(*text);
-    m_listeners.push_back(
-        std::make_unique<seat::NotifyListener>(*failure, [this] { m_banner->showInWindow(m_scene.window()); }));
+    listen(*failure, [this] { m_banner->showInWindow(m_scene.window()); });
+    if (const auto* const socket = manifest.objectForKey("JVNDaemonSocket").string())
+        seat::setConnectionListener(
+            [path = *socket, weak = std::weak_ptr<FailureBanner>(m_banner)](const std::string& connected) {
+                if (connected != path) return;
+                dispatch_async(dispatch_get_main_queue(), [weak] {
+                    if (const auto banner = weak.lock()) banner->hide();
+                });
+            });
     const auto recoveries = manifest.objectForKey("JVNRecoveryNotifications").object<NSArray>();
     if (!recoveries) return;
     for (const id& name : *recoveries)
-        if (name.string())
-            m_listeners.push_back(std::make_unique<seat::NotifyListener>(*name.string(), [this] { m_banner->hide(); }));
+        if (name.string()) listen(*name.string(), [this] { m_banner->hide(); });
+}
+
+void app::SettingsPage::listen(const std::string& name, std::function<void()> heard) {
+    using seat::NotifyListener;
+    m_listeners.push_back(std::make_unique<NotifyListener>(name, std::move(heard), NotifyListener::From::ThisProcess));
 }
 
 // What a Cancel over the page's progress panel sends it; the page itself has no such button.
@@ -53,6 +70,7 @@ std::string app::SettingsPage::title() const {
 
 void app::SettingsPage::close() {
     m_listeners.clear();
+    seat::setConnectionListener({});
     seat::setProgressCanceller({});
     m_scene.window()->setRootViewController(nullptr);
     m_navigation.reset();

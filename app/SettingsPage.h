@@ -5,6 +5,7 @@
 #include "app/Bundle.h"
 #include "kit/uikit/WindowScene.h"
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -39,6 +40,7 @@ public:
 
 private:
     void listenForFailures(const NSDictionary& manifest);
+    void listen(const std::string& name, std::function<void()> heard);
     void offerCancel(const NSDictionary& manifest, const std::shared_ptr<UIViewController>& page);
 
     std::string m_name;

@@ -22,9 +22,10 @@ std::vector<Registered>& listeners() {
 
 } // namespace
 
-seat::NotifyListener::NotifyListener(const std::string& name, std::function<void()> heard)
+seat::NotifyListener::NotifyListener(const std::string& name, std::function<void()> heard, From from)
     : m_heard(std::make_shared<std::function<void()>>(std::move(heard))), m_name(name) {
     listeners().push_back({name, m_heard});
+    if (from == From::ThisProcess) return;
     if (const auto signal = signalForNotification(name))
         m_signal = SessionBus::shared().addSignal(signal->interface, signal->member,
                                                   [heard = Heard(m_heard)](const BusSignal&) {

@@ -8,11 +8,14 @@
 
 namespace seat {
 
-// Hears a notification while it lives, whoever posts it: another program over the session bus, or this process, with or
-// without a bus. Main thread; what this process posts is heard in the order of posting, later than notify_post returns.
+// Hears a notification while it lives: of another program over the session bus, and of this process, with or without a
+// bus; or of this process alone. Main thread; what this process posts is heard in the order of posting, later than
+// notify_post returns.
 class NotifyListener {
 public:
-    NotifyListener(const std::string& name, std::function<void()> heard);
+    enum class From { Anyone, ThisProcess };
+
+    NotifyListener(const std::string& name, std::function<void()> heard, From from = From::Anyone);
     ~NotifyListener();
     NotifyListener(const NotifyListener&) = delete;
     NotifyListener& operator=(const NotifyListener&) = delete;

@@ -3,6 +3,7 @@
 #include "platform/log.h"
 #include "system/files/root.h"
 #include "system/socket/address.h"
+#include "system/socket/connection_listener.h"
 #include "system/socket/receive.h"
 #include "system/socket/socket_faults.h"
 
@@ -60,7 +61,10 @@ int platform::connect(int descriptor, const sockaddr_un* address, std::size_t si
         ::shutdown(descriptor, SHUT_RDWR); // what the caller sends in spite of the failure goes nowhere
         error = EPERM;
     }
-    if (error == 0) return 0;
+    if (error == 0) {
+        seat::tellOfConnection(path);
+        return 0;
+    }
     NSLog("connect %s: %s", path.c_str(), reason(error));
     return failed(error);
 }

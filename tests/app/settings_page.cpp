@@ -1,5 +1,6 @@
 // The real bundle's page in the application, as a finger and a keyboard meet it.
 
+#include "app/FailureBanner.h"
 #include "app/SettingsPage.h"
 #include "kit/dispatch/ManualClock.h"
 #include "kit/uikit/AccessibilityTree.h"
@@ -8,9 +9,14 @@
 #include "platform/foundation/NSPropertyListSerialization.h"
 #include "platform/uikit/UIApplication.h"
 #include "platform/uikit/UINavigationController.h"
+#include "system/bus/SessionBus.h"
 #include "system/files/root.h"
+#include "system/notify/NotifyListener.h"
 #include "system/run_loop/PollLoop.h"
+#include "tests/support/BusPeer.h"
 #include "tests/support/CapturedLog.h"
+#include "tests/support/PrivateBus.h"
+#include "tests/support/ScriptedDaemon.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -28,6 +34,7 @@ namespace fs = std::filesystem;
 class SettingsPageTest : public ::testing::Test {
 protected:
     SettingsPageTest() {
+        seat::SessionBus::shared().close(); // it begins afresh with this bus
         seat::setRoot(root.path());
         writePreferences();
         std::string problem;
@@ -45,6 +52,7 @@ protected:
         touches.reset();
         page.reset();
         seat::setRoot({});
+        seat::SessionBus::shared().close();
     }
 
     // A DualShock 4, so that the pairing row starts the discovery tool.
@@ -105,6 +113,7 @@ protected:
         ASSERT_TRUE(find(UIAccessibilityRole::ProgressIndicator));
     }
 
+    testing_support::PrivateBus bus;
     testing_support::CapturedLog log;
     testing_support::TemporaryFolder root;
     seat::ManualClock clock;
@@ -129,6 +138,32 @@ TEST_F(SettingsPageTest, CancelDuringASearchInterruptsTheToolAndTakesThePanelAwa
 
     EXPECT_TRUE(waitUntil([&] { return toolLog() == "started\ninterrupted\n"; }));
     EXPECT_FALSE(find(UIAccessibilityRole::ProgressIndicator));
+}
+
+TEST_F(SettingsPageTest, ABannerGoesWhenTheDaemonIsReachedAgain) {
+    ASSERT_TRUE(find(UIAccessibilityRole::Alert)) << "without a daemon";
+    const double begun = clock.mediaTime();
+    const testing_support::ScriptedDaemon daemon(root.path());
+
+    ASSERT_TRUE(tap(UIAccessibilityRole::ListItem, "Restart Daemons"));
+
+    EXPECT_TRUE(waitUntil([&] { return !find(UIAccessibilityRole::Alert); }));
+    EXPECT_LT(clock.mediaTime() - begun, app::FailureBanner::secondsShown) << "not because its time was over";
+}
+
+TEST_F(SettingsPageTest, WhatFailsForThePageOfAnotherRootIsNoNewsHere) {
+    touches->wait(app::FailureBanner::secondsShown + 1);
+    ASSERT_FALSE(find(UIAccessibilityRole::Alert)) << "the notice of the first appearance is over";
+    bool heard = false;
+    const seat::NotifyListener listener("com.quorrel.jvnfailure", [&] { heard = true; });
+    const testing_support::BusPeer other(bus.address());
+    ASSERT_TRUE(waitUntil([&] {
+        other.emitSignal("/com/quorrel", "com.quorrel", "jvnfailure");
+        return heard;
+    }));
+    touches->wait(0.1);
+
+    EXPECT_FALSE(find(UIAccessibilityRole::Alert));
 }
 
 TEST_F(SettingsPageTest, WithoutADiscoveryToolThereIsAWayOutToo) {
