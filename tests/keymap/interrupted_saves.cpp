@@ -1,5 +1,6 @@
 // Saves that cannot be completed: the disk is full, the folder may not be written, the process is killed.
 
+#include "platform/foundation/NSArray.h"
 #include "settings/preferences_file.h"
 #include "tests/keymap/editor_test.h"
 

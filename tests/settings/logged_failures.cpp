@@ -73,7 +73,6 @@ TEST_F(LoggedExchange, EachCallThatFails) {
     showSettled(2, true);
     const std::pair<seat::SocketCall, const char*> calls[] = {
         {seat::SocketCall::Socket, "making a socket for /Library/Caches/jvncontrol.sock: Cannot allocate memory"},
-        {seat::SocketCall::Send, "connect: sending to the daemon: Cannot allocate memory"},
         {seat::SocketCall::Receive, "connect: waiting for the daemon's answer: Cannot allocate memory"},
         {seat::SocketCall::SetOption, "setting the time-out of the connection to the daemon: Cannot allocate memory"}};
     for (const auto& [call, line] : calls) {
@@ -87,6 +86,16 @@ TEST_F(LoggedExchange, EachCallThatFails) {
         page->viewWillAppear(false); // a row that was left disabled
         ASSERT_TRUE(app.waitUntil([&] { return rowIsEnabled() && app.find("Connect Controller"); }));
     }
+}
+
+TEST_F(LoggedExchange, ASendThatFails) {
+    start(answering(reply(0, 7), {}));
+    showSettled(2, true);
+
+    seat::failSocketCalls(seat::SocketCall::Send, 1, ENOMEM);
+    ASSERT_TRUE(app.tap("Restart Daemons"));
+
+    EXPECT_EQ(log.all(), Lines{"restart of the daemons: sending to the daemon: Cannot allocate memory"});
 }
 
 class LoggedTool : public Pairing {

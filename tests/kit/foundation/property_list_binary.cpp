@@ -112,7 +112,6 @@ TEST(BinaryPropertyList, WhatIsNoValueIsRefused) {
 }
 
 TEST(BinaryPropertyList, OfAKeyThatComesTwiceTheLastValueCounts) {
-    const Bytes no{0x08};
     for (const id& value : {readBinary({{0xd2, 1, 1, 3, 2}, text, yes, no}).value,
                             readBinary({{0xd2, 1, 2, 4, 3}, text, {0x61, 0, 'a'}, yes, no}).value}) {
         const auto dictionary = value.object<NSDictionary>();
