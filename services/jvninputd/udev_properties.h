@@ -9,7 +9,8 @@
 namespace jvninputd {
 
 // What udev and the kernel say of a device, read with care: a device gives itself its name and its address.
-using Lookup = std::function<const char*(const char* key)>; // nullptr for what is not said
+// nullptr for what is not said; what is said stays as long as the device.
+using Lookup = std::function<const char*(const char* key)>;
 
 struct DeviceKind {
     bool keyboard = false;
