@@ -9,7 +9,6 @@ namespace jvnd {
 
 namespace {
 
-constexpr const char* preferencesFile = "/var/mobile/Library/Preferences/com.quorrel.joyvane.plist";
 constexpr const char* preferencesChanged = "com.quorrel.jvnprefs.changed";
 constexpr const char* bringUpBluetooth = "com.quorrel.jvninitbt";
 

@@ -15,6 +15,9 @@
 
 namespace jvnd {
 
+// Below the root.
+inline constexpr const char* preferencesFile = "/var/mobile/Library/Preferences/com.quorrel.joyvane.plist";
+
 // The user's daemon at work: answers the control socket, holds the settings, and has the Bluetooth service and the
 // devices do what they say.
 class Daemon {
@@ -38,8 +41,6 @@ public:
 
     // A keyboard or a paired controller: there may be something to do at any moment.
     bool isNeeded() const;
-    // There is no preferences file, so nobody has used the page yet.
-    bool isUnused() const { return !m_settings.exists(); }
 
 private:
     Commands::Actions actions();

@@ -32,8 +32,7 @@ void SettingsFile::read() {
     const seat::Descriptor folder(::open(path.parent_path().c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
     using File = seat::PreferencesFile;
     const auto file = folder ? File::read(folder.get(), path.filename()) : File{};
-    m_exists = file.state != File::State::Missing;
-    if (m_exists && file.state != File::State::Good)
+    if (file.state != File::State::Missing && file.state != File::State::Good)
         return services::log("settings: %s: %s; what was read before holds", m_path.c_str(), file.reason.c_str());
     std::string complaint;
     m_settings = readSettings(file.values.get(), complaint);

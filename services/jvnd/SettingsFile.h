@@ -20,8 +20,6 @@ public:
     SettingsFile& operator=(const SettingsFile&) = delete;
 
     const Settings& settings() const { return m_settings; }
-    // False while there is no such file.
-    bool exists() const { return m_exists; }
     // Reads it again, whether or not anything was heard of it.
     void reread();
     // The same, if its folder was taken away since, and nothing can have been heard.
@@ -35,7 +33,6 @@ private:
     std::function<void()> m_changed;
     std::optional<FolderWatch> m_watch;
     Settings m_settings;
-    bool m_exists = false;
 };
 
 } // namespace jvnd

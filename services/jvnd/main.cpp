@@ -48,8 +48,6 @@ int serve(const CommandLine& line, const std::string& root, ControlPlace& place)
     if (!line.inputSocket.empty()) options.inputSocket = line.inputSocket;
     if (line.traces) options.trace = sayLine;
     Daemon daemon(loop, place, std::move(options));
-    // Started with the session, and nobody has ever opened the page: the socket waits for who does.
-    if (place.isManaged() && daemon.isUnused() && !place.hasCaller()) return exitSuccess;
     ::sd_notify(0, "READY=1");
     if (line.traces) sayLine("ready");
     return loop.run();
@@ -75,6 +73,11 @@ int main(int argc, char** argv) {
     if (root.empty()) return fail("the user has no home folder", exitFailure);
     ControlPlace place;
     if (const auto problem = place.open(root + controlSocket); !problem.empty()) return fail(problem, exitFailure);
+    // Started with the session, and nobody has ever opened the page: the socket waits for who does.
+    if (place.isManaged() && !place.hasCaller() && ::access((root + preferencesFile).c_str(), F_OK) != 0) {
+        ::sd_notify(0, "READY=1"); // or the manager takes the end for a failure
+        return exitSuccess;
+    }
     const int code = serve(line, root, place);
     return code == exitRestart ? place.restart(argv) : code;
 }

@@ -423,6 +423,7 @@ class Managed(JvndTest):
     def test_where_nobody_has_used_the_page_it_does_not_stay(self):
         self.launch()
         self.assertEqual(self.daemon.process.wait(10), 0)
+        self.assertEqual(self.notified.recv(100), b"READY=1", "an end without that is a failure to the manager")
 
     def test_somebody_who_has_connected_is_answered_there_too(self):
         path = self.daemon.socket_path
