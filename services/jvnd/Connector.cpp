@@ -1,7 +1,6 @@
 #include "services/jvnd/Connector.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace jvnd {
 
@@ -49,8 +48,7 @@ Connector::~Connector() {
 
 bool Connector::connect(const Target& target) {
     if (m_attempt) return m_attempt->target == target;
-    m_attempt.emplace();
-    m_attempt->target = target;
+    m_attempt.emplace(target);
     m_attempt->timer = m_loop.after(timeout, [this] { timedOut(); });
     m_attempt->operation = m_client.powerOn([this](bluetooth::Error error) { poweredOn(error); });
     return true;

@@ -8,6 +8,7 @@
 #include <functional>
 #include <list>
 #include <optional>
+#include <utility>
 
 namespace jvnd {
 
@@ -58,6 +59,7 @@ public:
 private:
     enum class Step { PowerOn, Link, InputDevice };
     struct Attempt {
+        explicit Attempt(Target wanted) : target(std::move(wanted)) {}
         Target target;
         Step step = Step::PowerOn;
         bluetooth::Client::Handle operation;

@@ -87,7 +87,7 @@ void ControlPlace::takePassed() {
         }
         std::free(names[i]);
     }
-    std::free(names);
+    std::free(static_cast<void*>(names));
 }
 
 std::string ControlPlace::claim(const std::string& realPath) {

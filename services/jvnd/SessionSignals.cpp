@@ -55,9 +55,8 @@ void SessionSignals::ask(const std::string& name, const char* sender) {
 void SessionSignals::answered(std::uint64_t question, const std::string& name, const services::Bus::Reply& reply) {
     std::uint32_t user = 0;
     const bool isKnown = reply.message && ::sd_bus_message_read(reply.message, "u", &user) >= 0;
-    const auto heard = name; // the question goes, and what it holds
-    m_questions.erase(question);
-    if (isKnown && (user == ::geteuid() || user == 0)) m_heard(heard);
+    const auto ended = m_questions.extract(question); // it holds the name
+    if (isKnown && (user == ::geteuid() || user == 0)) m_heard(name);
 }
 
 } // namespace jvnd
