@@ -1,14 +1,14 @@
 #pragma once
 
-// All that the frameworks in kit/ need from below, and nothing else: time, files, the preferences, and a painter with
-// text. system/ and desktop/ define what is declared here; another seat defines it in its own way (tests/memory_seat/
-// does, in memory), and is chosen when a program is linked. Functions are for the main thread unless they say more.
+// All that the frameworks in kit/ need from below, and nothing else: time, files, the preferences, text, and a painter
+// for what kit/quartz does not paint itself. system/ and desktop/ define what is declared here; another seat defines it
+// in its own way (tests/memory_seat/ does, in memory), and is chosen when a program is linked. Functions are for the
+// main thread unless they say more.
 
 #include "platform/foundation/NSData.h"
 #include "platform/foundation/NSError.h"
 #include "platform/foundation/id.h"
 #include "platform/foundation/time.h"
-#include "platform/quartz/CALayer.h"
 #include "platform/quartz/CGContext.h"
 #include "platform/uikit/UIFont.h"
 
@@ -106,23 +106,36 @@ TextSize measureText(std::span<const TextRun> runs, double maxWidth, int lines);
 // pixels. A nil context draws nothing.
 void drawText(CGContextRef context, std::span<const TextRun> runs, CGRect rect, TextAlignment alignment, int lines);
 
-// ---- painting; the drawing calls of platform/quartz/CGContext.h and the image contexts of platform/uikit/UIImage.h
-// are the seat's too
+// ---- painting. Rectangles, rounded rectangles, convex paths, gradients and pictures that are not scaled are painted
+// by kit/quartz itself; a painter is made for a target only when something else is to be drawn into it.
 
-// Makes the context the calling thread's current one while this lives; they nest.
-class CurrentContext {
+struct Clip;      // kit/quartz/Clip.h
+struct PixelRect; // kit/quartz/pixels.h
+struct PixelTarget;
+class PixelRows;
+
+enum class FillRule { Winding, EvenOdd };
+
+// Draws into a target's pixels, source over, edges anti-aliased. Transforms are finite. Coordinates that are no numbers
+// and colours that paint nothing draw nothing. Belongs to the thread that made it.
+class Painter {
 public:
-    explicit CurrentContext(CGContextRef context);
-    ~CurrentContext();
-    CurrentContext(const CurrentContext&) = delete;
-    CurrentContext& operator=(const CurrentContext&) = delete;
+    virtual ~Painter() = default;
+    // Of all that is drawn from now on. The rectangle lies in the target; nothing is drawn before the first call.
+    virtual void setClip(const Clip& clip) = 0;
+    virtual void fillPath(const CGPath& path, const CGAffineTransform& toPixels, FillRule rule, const CGColor& color,
+                          double alpha) = 0;
+    // The rows' pixels, as far as they lie in `rect` and in the path, which is in device pixels.
+    virtual void fillPath(const CGPath& path, const PixelRect& rect, PixelRows& rows) = 0;
+    // `lineWidth` in the path's units, above 0; flat ends, mitred corners.
+    virtual void strokePath(const CGPath& path, const CGAffineTransform& toPixels, double lineWidth,
+                            const CGColor& color, double alpha) = 0;
+    // Premultiplied pixels without padding; `toPixels` places the unit square that they fill.
+    virtual void drawImage(const std::uint32_t* pixels, int width, int height, const CGAffineTransform& toPixels,
+                           double alpha) = 0;
 };
 
-struct PixelTarget;
-
-// Draws what the tree shows now (see `advanceAnimations`) into the damaged places, and nothing beside them. What no
-// layer covers is left as it is. `scale`: pixels a point; damage is in the root's superspace, where (0, 0) is the
-// target's corner, and is taken out to whole pixels. Layer delegates draw meanwhile.
-void renderLayerTree(CALayer& root, const PixelTarget& target, double scale, std::span<const CGRect> damageInPoints);
+// Never nil. The pixels must outlive the painter.
+std::unique_ptr<Painter> makePainter(const PixelTarget& target);
 
 } // namespace seat

@@ -3,12 +3,11 @@
 #include "kit/seat.h"
 
 #include "desktop/painting/TextLayout.h"
-#include "desktop/painting/context.h"
+#include "desktop/painting/ToolkitPainter.h"
 #include "desktop/painting/painting.h"
+#include "kit/quartz/context.h"
 #include "kit/quartz/snapping.h"
 #include "platform/uikit/UIScreen.h"
-
-#include <QPainter>
 
 #include <algorithm>
 #include <cmath>
@@ -52,8 +51,9 @@ void drawText(CGContextRef context, std::span<const TextRun> runs, CGRect rect, 
     const bool pixelForPixel = t.b == 0 && t.c == 0 && std::abs(t.a - scale) <= 1e-9 && std::abs(t.d - scale) <= 1e-9;
     const auto layout = textLayout(runs, rect.size.width * scale, lines, scale);
     if (layout->lines.empty()) return;
-    QPainter* const painter = context->canvas().painter();
-    if (!painter) return;
+    auto* const seatPainter = static_cast<ToolkitPainter*>(context->canvas().painter()); // there is no other kind
+    if (!seatPainter) return;
+    QPainter* const painter = &seatPainter->toolkit();
 
     const auto snapped = [pixelForPixel](double edge) { return pixelForPixel ? nearestPixelEdge(edge) : edge; };
     const double originX = pixelForPixel ? toPixels.tx : 0;

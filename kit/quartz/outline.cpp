@@ -105,6 +105,14 @@ Outline transformed(Outline outline, const CGAffineTransform& transform) {
     return outline;
 }
 
+CGPath pathOf(const Outline& outline) {
+    CGPath path;
+    for (const CGPoint& corner : outline)
+        path.elements.push_back({path.elements.empty() ? Kind::MoveTo : Kind::LineTo, {corner}});
+    if (!path.elements.empty()) path.elements.push_back({Kind::Close, {}});
+    return path;
+}
+
 std::optional<Outline> convexOutline(const CGPath& path, const CGAffineTransform& toPixels) {
     Outline outline;
     bool isClosed = false;

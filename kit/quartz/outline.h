@@ -18,6 +18,8 @@ Outline roundedOutline(double left, double top, double right, double bottom, dou
 
 Outline transformed(Outline outline, const CGAffineTransform& transform);
 
+CGPath pathOf(const Outline& outline);
+
 // Nothing for a path that has several parts, or that does not turn one way only and once round: there it would depend
 // on the rule for filling what is inside.
 std::optional<Outline> convexOutline(const CGPath& path, const CGAffineTransform& toPixels);

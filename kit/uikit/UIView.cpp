@@ -1,6 +1,6 @@
 #include "platform/uikit/UIView.h"
 
-#include "kit/seat.h"
+#include "kit/quartz/graphics_stack.h"
 #include "kit/uikit/ViewInternals.h"
 #include "platform/foundation/NSArray.h"
 #include "platform/uikit/UIGestureRecognizer.h"

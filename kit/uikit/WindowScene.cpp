@@ -1,6 +1,7 @@
 #include "kit/uikit/WindowScene.h"
 
 #include "kit/quartz/animation.h"
+#include "kit/quartz/layer_renderer.h"
 #include "kit/quartz/screen.h"
 #include "kit/uikit/AccessibilityTree.h"
 #include "kit/uikit/ViewInternals.h"

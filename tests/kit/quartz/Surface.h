@@ -3,6 +3,7 @@
 // Pixels to draw into and to look at.
 
 #include "kit/quartz/LayerHost.h"
+#include "kit/quartz/layer_renderer.h"
 #include "kit/quartz/pixels.h"
 #include "kit/quartz/screen.h"
 #include "kit/seat.h"

@@ -2,6 +2,7 @@
 
 #include "platform/quartz/CGContext.h"
 
+#include "kit/quartz/graphics_stack.h"
 #include "kit/seat.h"
 #include "tests/kit/quartz/Surface.h"
 

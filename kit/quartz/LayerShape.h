@@ -2,7 +2,7 @@
 
 // Where a layer's bounds stand in device pixels, and how they are filled.
 
-#include "desktop/painting/Canvas.h"
+#include "kit/quartz/Canvas.h"
 #include "kit/quartz/LayerValues.h"
 
 #include <optional>

@@ -1,10 +1,8 @@
-#include "desktop/painting/layer_painter.h"
+#include "kit/quartz/layer_painter.h"
 
-#include "desktop/painting/LayerShape.h"
-#include "desktop/painting/context.h"
 #include "kit/quartz/LayerInternals.h"
-
-#include <QPainterPath>
+#include "kit/quartz/LayerShape.h"
+#include "kit/quartz/context.h"
 
 #include <vector>
 
@@ -58,7 +56,7 @@ public:
 
 private:
     Canvas& m_canvas;
-    Canvas::Clip m_clip;
+    Clip m_clip;
 };
 
 bool paints(const CGColorRef& color) { return color && color->alpha > 0; }
@@ -189,10 +187,9 @@ void LayerPainter::paintSublayers(CALayer& layer, const LayerShape& shape) {
         if (shape.isUpright()) {
             m_canvas.setClip({m_canvas.clip().rect.intersected(shape.pixels()), m_canvas.clip().shape});
         } else {
-            const auto& outer = m_canvas.clip().shape;
-            const QPainterPath outline = painterPath(shape.outline());
-            m_canvas.setClip({m_canvas.clip().rect.intersected(shape.extent()),
-                              std::make_shared<const QPainterPath>(outer ? outer->intersected(outline) : outline)});
+            const auto& outer = m_canvas.clip();
+            m_canvas.setClip({outer.rect.intersected(shape.extent()),
+                              std::make_shared<const ClipShape>(ClipShape{pathOf(shape.outline()), outer.shape})});
         }
         if (m_canvas.clip().rect.isEmpty()) return;
     }

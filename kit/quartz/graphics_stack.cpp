@@ -1,6 +1,6 @@
-#include "kit/seat.h"
+#include "kit/quartz/graphics_stack.h"
 
-#include "desktop/painting/context.h"
+#include "kit/quartz/context.h"
 #include "kit/quartz/snapping.h"
 #include "platform/uikit/UIImage.h"
 #include "platform/uikit/UIScreen.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "desktop/painting/Canvas.h"
+#include "kit/quartz/Canvas.h"
 #include "platform/quartz/CALayer.h"
 
 namespace seat {

@@ -1,39 +1,26 @@
 #pragma once
 
-// Pixels to draw into, in device pixels: rectangles by plain loops, everything else by the toolkit's painter, which is
-// started only when it is needed. A canvas belongs to the thread that draws in it.
+// Pixels to draw into, in device pixels: rectangles by plain loops, everything else by the seat's painter, which is
+// made only when it is needed. A canvas belongs to the thread that draws in it.
 
+#include "kit/quartz/Clip.h"
 #include "kit/quartz/outline.h"
 #include "kit/quartz/pixels.h"
+#include "kit/seat.h"
 #include "platform/quartz/CGAffineTransform.h"
 #include "platform/quartz/CGImage.h"
 #include "platform/quartz/CGPath.h"
 
 #include <memory>
-#include <optional>
 #include <span>
-
-class QImage;
-class QPainter;
-class QPainterPath;
 
 namespace seat {
 
-QPainterPath painterPath(const CGPath& path);
-QPainterPath painterPath(const Outline& outline);
-
 class Canvas {
 public:
-    // What is drawn is cut to `rect`, and to `shape` when there is one.
-    struct Clip {
-        PixelRect rect;
-        std::shared_ptr<const QPainterPath> shape;
-    };
-
     explicit Canvas(const PixelTarget& target);
     // Draws into the image's pixels; the image may be taken at any time, what is drawn later does not reach it.
     explicit Canvas(std::shared_ptr<CGImage> image);
-    ~Canvas();
     Canvas(const Canvas&) = delete;
     Canvas& operator=(const Canvas&) = delete;
 
@@ -52,24 +39,21 @@ public:
     // `toPixels` places the unit square of the image.
     void drawImage(const CGImage& image, const CGAffineTransform& toPixels, double alpha);
 
-    // Anti-aliasing, cut by the clip, without a transform, opaque. nullptr when there are no pixels. Whoever changes
-    // its state puts it back.
-    QPainter* painter();
+    // The seat's, cut by the clip. nullptr when there are no pixels.
+    Painter* painter();
 
     // Canvas over an image only: what is drawn so far.
     CGImageRef takeImage();
 
 private:
     bool beginWriting();
-    void endPainter();
 
     PixelTarget m_target;
     std::shared_ptr<CGImage> m_image; // when the pixels are an image's
     bool m_imageIsTaken = false;
     Clip m_clip;
     bool m_clipIsSet = false; // in the painter
-    std::unique_ptr<QImage> m_device;
-    std::unique_ptr<QPainter> m_painter;
+    std::unique_ptr<Painter> m_painter;
 };
 
 } // namespace seat

@@ -1,11 +1,6 @@
-#include "desktop/painting/Canvas.h"
+#include "kit/quartz/Canvas.h"
 
-#include "desktop/painting/painting.h"
 #include "kit/quartz/snapping.h"
-
-#include <QImage>
-#include <QPainter>
-#include <QPainterPath>
 
 #include <array>
 #include <cmath>
@@ -46,14 +41,6 @@ Canvas::Canvas(const PixelTarget& target) : m_target(target), m_clip{extent(), n
 Canvas::Canvas(std::shared_ptr<CGImage> image)
     : m_target(targetOf(*image)), m_image(std::move(image)), m_clip{extent(), nullptr} {}
 
-Canvas::~Canvas() { endPainter(); }
-
-void Canvas::endPainter() {
-    m_painter.reset();
-    m_device.reset();
-    m_clipIsSet = false;
-}
-
 void Canvas::setClip(Clip clip) {
     clip.rect = clip.rect.intersected(extent());
     if (clip.rect == m_clip.rect && clip.shape == m_clip.shape) return;
@@ -65,7 +52,8 @@ void Canvas::setClip(Clip clip) {
 bool Canvas::beginWriting() {
     if (m_clip.rect.isEmpty()) return false;
     if (!m_imageIsTaken) return true;
-    endPainter();
+    m_painter.reset();
+    m_clipIsSet = false;
     m_image = std::make_shared<CGImage>(*m_image);
     m_target = targetOf(*m_image);
     m_imageIsTaken = false;
@@ -92,9 +80,9 @@ void Canvas::fillRect(double left, double top, double right, double bottom, cons
     bottom = std::min<double>(bottom, clip.bottom);
     if (!(left < right) || !(top < bottom)) return;
     if (m_clip.shape) {
-        if (QPainter* const painter = this->painter())
-            if (const auto brush = toolkitColor(color, alpha))
-                painter->fillRect(QRectF(QPointF(left, top), QPointF(right, bottom)), *brush);
+        if (Painter* const painter = this->painter())
+            painter->fillPath(pathOf({{left, top}, {right, top}, {right, bottom}, {left, bottom}}),
+                              CGAffineTransformIdentity, FillRule::Winding, color, alpha);
         return;
     }
     if (isOnPixelEdge(left) && isOnPixelEdge(top) && isOnPixelEdge(right) && isOnPixelEdge(bottom)) {
@@ -133,13 +121,9 @@ void Canvas::drawRows(const PixelRect& rect, PixelRows& source) {
 
 void Canvas::drawPixels(const std::uint32_t* pixels, int width, int height, int left, int top, double alpha) {
     if (m_clip.shape) {
-        if (QPainter* const painter = this->painter()) {
-            const QImage image(reinterpret_cast<const uchar*>(pixels), width, height, width * 4,
-                               QImage::Format_ARGB32_Premultiplied);
-            painter->setOpacity(alpha);
-            painter->drawImage(QPoint(left, top), image);
-            painter->setOpacity(1);
-        }
+        if (Painter* const painter = this->painter())
+            painter->drawImage(pixels, width, height, {double(width), 0, 0, double(height), double(left), double(top)},
+                               alpha);
         return;
     }
     const PixelRect visible = PixelRect{left, top, left + width, top + height}.intersected(m_clip.rect);
@@ -161,73 +145,22 @@ void Canvas::drawImage(const CGImage& image, const CGAffineTransform& t, double 
                    static_cast<int>(std::lround(t.tx)), static_cast<int>(std::lround(t.ty)), alpha);
         return;
     }
-    QPainter* const painter = this->painter();
-    if (!painter) return;
-    const QImage picture(reinterpret_cast<const uchar*>(image.pixels.data()), static_cast<int>(image.width),
-                         static_cast<int>(image.height), static_cast<qsizetype>(image.width * 4),
-                         QImage::Format_ARGB32_Premultiplied);
-    painter->setTransform(QTransform(t.a, t.b, t.c, t.d, t.tx, t.ty));
-    painter->setOpacity(std::clamp(alpha, 0.0, 1.0));
-    painter->drawImage(QRectF(0, 0, 1, 1), picture);
-    painter->setOpacity(1);
-    painter->resetTransform();
+    if (Painter* const painter = this->painter())
+        painter->drawImage(image.pixels.data(), static_cast<int>(image.width), static_cast<int>(image.height), t,
+                           alpha);
 }
 
-QPainter* Canvas::painter() {
+Painter* Canvas::painter() {
     if (!beginWriting()) return nullptr;
-    if (!m_painter) {
-        m_device = std::make_unique<QImage>(reinterpret_cast<uchar*>(m_target.pixels), m_target.width, m_target.height,
-                                            m_target.bytesPerLine, QImage::Format_ARGB32_Premultiplied);
-        m_painter = std::make_unique<QPainter>(m_device.get());
-        m_painter->setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
-        m_painter->setPen(Qt::NoPen);
-    }
-    if (!m_clipIsSet) {
-        const PixelRect& rect = m_clip.rect;
-        m_painter->resetTransform();
-        m_painter->setClipRect(rect.left, rect.top, rect.width(), rect.height());
-        if (m_clip.shape) m_painter->setClipPath(*m_clip.shape, Qt::IntersectClip);
-        m_clipIsSet = true;
-    }
+    if (!m_painter) m_painter = makePainter(m_target);
+    if (!m_clipIsSet) m_painter->setClip(m_clip);
+    m_clipIsSet = true;
     return m_painter.get();
 }
 
 CGImageRef Canvas::takeImage() {
     m_imageIsTaken = true;
     return m_image;
-}
-
-QPainterPath painterPath(const CGPath& path) {
-    QPainterPath result;
-    result.setFillRule(Qt::WindingFill);
-    for (const CGPathElement& element : path.elements) {
-        const auto point = [&element](int i) { return QPointF(element.points[i].x, element.points[i].y); };
-        switch (element.kind) {
-        case CGPathElement::Kind::MoveTo:
-            result.moveTo(point(0));
-            break;
-        case CGPathElement::Kind::LineTo:
-            result.lineTo(point(0));
-            break;
-        case CGPathElement::Kind::CurveTo:
-            result.cubicTo(point(0), point(1), point(2));
-            break;
-        case CGPathElement::Kind::Close:
-            result.closeSubpath();
-            break;
-        }
-    }
-    return result;
-}
-
-QPainterPath painterPath(const Outline& outline) {
-    QPolygonF polygon;
-    for (const CGPoint& corner : outline) polygon << QPointF(corner.x, corner.y);
-    QPainterPath result;
-    result.setFillRule(Qt::WindingFill);
-    result.addPolygon(polygon);
-    result.closeSubpath();
-    return result;
 }
 
 } // namespace seat

@@ -1,10 +1,6 @@
-#include "desktop/painting/context.h"
-#include "desktop/painting/painting.h"
 #include "kit/quartz/PathCoverage.h"
+#include "kit/quartz/context.h"
 #include "kit/quartz/snapping.h"
-
-#include <QPainter>
-#include <QPainterPath>
 
 #include <cmath>
 
@@ -19,9 +15,12 @@ bool isUpright(const CGAffineTransform& t) { return t.b == 0 && t.c == 0; }
 
 bool isNumber(CGRect rect) { return std::isfinite(rect.origin.x + rect.origin.y + rect.size.width + rect.size.height); }
 
-QPolygonF corners(CGRect rect, const CGAffineTransform& t) {
-    QPolygonF polygon(QRectF(rect.origin.x, rect.origin.y, rect.size.width, rect.size.height));
-    return seat::toolkitTransform(t).map(polygon);
+bool isFinite(const CGAffineTransform& t) { return std::isfinite(t.a + t.b + t.c + t.d + t.tx + t.ty); }
+
+seat::Outline cornersOf(CGRect rect) {
+    const double left = CGRectGetMinX(rect), top = CGRectGetMinY(rect);
+    const double right = CGRectGetMaxX(rect), bottom = CGRectGetMaxY(rect);
+    return {{left, top}, {right, top}, {right, bottom}, {left, bottom}};
 }
 
 } // namespace
@@ -52,9 +51,8 @@ void CGContext::clipTo(CGRect rect) {
         bounds = bounds.intersected({edge(CGRectGetMinX(extent)), edge(CGRectGetMinY(extent)),
                                      edge(CGRectGetMaxX(extent)), edge(CGRectGetMaxY(extent))});
         if (!isUpright(m_state.toPixels)) {
-            QPainterPath path;
-            path.addPolygon(corners(rect, m_state.toPixels));
-            shape = std::make_shared<const QPainterPath>(shape ? shape->intersected(path) : path);
+            const auto corners = seat::transformed(cornersOf(rect), m_state.toPixels);
+            shape = std::make_shared<const seat::ClipShape>(seat::ClipShape{seat::pathOf(corners), shape});
         }
     }
     m_canvas.setClip(m_state.clip);
@@ -107,19 +105,16 @@ void CGContextFillRect(CGContextRef context, CGRect rect) {
                                    CGRectGetMaxY(pixels), *state.fillColor, state.alpha);
         return;
     }
-    const auto color = seat::toolkitColor(*state.fillColor, state.alpha);
-    if (!color || !isNumber(rect) || !seat::isFinite(state.toPixels)) return;
-    if (QPainter* const painter = context->canvas().painter()) {
-        painter->setBrush(*color);
-        painter->drawPolygon(corners(rect, state.toPixels));
-    }
+    if (!isNumber(rect) || !isFinite(state.toPixels)) return;
+    if (seat::Painter* const painter = context->canvas().painter())
+        painter->fillPath(seat::pathOf(cornersOf(rect)), state.toPixels, seat::FillRule::Winding, *state.fillColor,
+                          state.alpha);
 }
 
 void CGContextFillPath(CGContextRef context, const CGPath& path) {
     if (!context || !context->state().fillColor) return;
     const auto& state = context->state();
-    const auto color = seat::toolkitColor(*state.fillColor, state.alpha);
-    if (!color || !seat::isFinite(state.toPixels)) return;
+    if (!isFinite(state.toPixels)) return;
     seat::Canvas& canvas = context->canvas();
     if (!state.clip.shape) {
         if (const auto covered = seat::convexPathCoverage(path, state.toPixels, canvas.clip().rect)) {
@@ -127,27 +122,22 @@ void CGContextFillPath(CGContextRef context, const CGPath& path) {
             return;
         }
     }
-    if (QPainter* const painter = canvas.painter())
-        painter->fillPath(seat::toolkitTransform(state.toPixels).map(seat::painterPath(path)), *color);
+    if (seat::Painter* const painter = canvas.painter())
+        painter->fillPath(path, state.toPixels, seat::FillRule::Winding, *state.fillColor, state.alpha);
 }
 
 void CGContextStrokePath(CGContextRef context, const CGPath& path) {
     if (!context || !context->state().strokeColor) return;
     const auto& state = context->state();
-    const auto color = seat::toolkitColor(*state.strokeColor, state.alpha);
-    if (!color || !seat::isFinite(state.toPixels) || !(state.lineWidth > 0)) return;
-    if (QPainter* const painter = context->canvas().painter()) {
-        painter->setTransform(seat::toolkitTransform(state.toPixels));
-        painter->strokePath(seat::painterPath(path),
-                            QPen(*color, state.lineWidth, Qt::SolidLine, Qt::FlatCap, Qt::MiterJoin));
-        painter->resetTransform();
-    }
+    if (!isFinite(state.toPixels) || !(state.lineWidth > 0)) return;
+    if (seat::Painter* const painter = context->canvas().painter())
+        painter->strokePath(path, state.toPixels, state.lineWidth, *state.strokeColor, state.alpha);
 }
 
 void CGContextDrawImage(CGContextRef context, CGRect rect, const CGImageRef& image) {
     if (!context || !image || CGRectIsEmpty(rect) || !isNumber(rect)) return;
     const auto& state = context->state();
-    if (!seat::isFinite(state.toPixels)) return;
+    if (!isFinite(state.toPixels)) return;
     const CGAffineTransform placed{rect.size.width, 0, 0, rect.size.height, rect.origin.x, rect.origin.y};
     context->canvas().drawImage(*image, CGAffineTransformConcat(placed, state.toPixels), state.alpha);
 }

@@ -1,16 +1,10 @@
-#include "desktop/painting/LayerShape.h"
+#include "kit/quartz/LayerShape.h"
 
-#include "desktop/painting/painting.h"
 #include "kit/quartz/Coverage.h"
 #include "kit/quartz/GradientRows.h"
 #include "kit/quartz/rounded_coverage.h"
 #include "kit/quartz/snapping.h"
 #include "platform/quartz/CAGradientLayer.h"
-
-#include <QBrush>
-#include <QImage>
-#include <QPainter>
-#include <QPainterPath>
 
 #include <array>
 #include <cmath>
@@ -36,26 +30,12 @@ void snap(double& from, double& to) {
     }
 }
 
-// Ways round, for a clip that the plain loops do not know.
-void fillByPainter(Canvas& canvas, const QPainterPath& path, const CGColor& color, double alpha) {
-    const auto ink = toolkitColor(color, alpha);
-    if (!ink) return;
-    if (QPainter* const painter = canvas.painter()) painter->fillPath(path, *ink);
-}
+bool isFinite(const CGAffineTransform& t) { return std::isfinite(t.a + t.b + t.c + t.d + t.tx + t.ty); }
 
-void drawByPainter(Canvas& canvas, const QPainterPath& path, const PixelRect& rect, PixelRows& rows) {
-    QPainter* const painter = canvas.painter();
-    if (!painter) return;
-    QImage picture(rect.width(), rect.height(), QImage::Format_ARGB32_Premultiplied);
-    for (int y = rect.top; y < rect.bottom; ++y)
-        std::copy_n(rows.at(rect.left, y), rect.width(),
-                    reinterpret_cast<std::uint32_t*>(picture.scanLine(y - rect.top)));
-    QBrush brush(picture);
-    brush.setTransform(QTransform::fromTranslate(rect.left, rect.top));
-    painter->save();
-    painter->setClipRect(rect.left, rect.top, rect.width(), rect.height(), Qt::IntersectClip);
-    painter->fillPath(path, brush);
-    painter->restore();
+// For a clip that the plain loops do not know.
+void fillByPainter(Canvas& canvas, const CGPath& path, FillRule rule, const CGColor& color, double alpha) {
+    if (Painter* const painter = canvas.painter())
+        painter->fillPath(path, CGAffineTransformIdentity, rule, color, alpha);
 }
 
 // What a border of that width covers of a rectangle.
@@ -186,7 +166,7 @@ void LayerShape::fill(Canvas& canvas, const CGColor& color, double alpha, double
     }
     const auto& clip = canvas.clip();
     if (clip.shape) {
-        fillByPainter(canvas, painterPath(outline(inset)), color, alpha);
+        fillByPainter(canvas, pathOf(outline(inset)), FillRule::Winding, color, alpha);
         return;
     }
     for (const auto& [patch, isSoft] : patches(clip.rect)) {
@@ -217,10 +197,10 @@ void LayerShape::strokeInside(Canvas& canvas, const CGColor& color, double width
     }
     const auto& clip = canvas.clip();
     if (clip.shape) {
-        QPainterPath ring = painterPath(outline());
-        ring.addPath(painterPath(outline(pixelsWide)));
-        ring.setFillRule(Qt::OddEvenFill);
-        fillByPainter(canvas, ring, color, alpha);
+        CGPath ring = pathOf(outline());
+        const CGPath inside = pathOf(outline(pixelsWide));
+        ring.elements.insert(ring.elements.end(), inside.elements.begin(), inside.elements.end());
+        fillByPainter(canvas, ring, FillRule::EvenOdd, color, alpha);
         return;
     }
     for (const auto& [patch, isSoft] : patches(clip.rect, std::max(m_radius, pixelsWide))) {
@@ -251,7 +231,8 @@ void LayerShape::drawInside(Canvas& canvas, PixelRows& rows, double inset) const
     const auto& clip = canvas.clip();
     for (const auto& [patch, isSoft] : patches(clip.rect)) {
         if (clip.shape) {
-            drawByPainter(canvas, painterPath(outline(inset)), patch.intersected(clip.rect), rows);
+            if (Painter* const painter = canvas.painter())
+                painter->fillPath(pathOf(outline(inset)), patch.intersected(clip.rect), rows);
         } else if (isSoft) {
             const Soft edge = soft(patch, clip.rect, inset, 0);
             canvas.drawCovered(*edge.runs, edge.x, edge.y, rows);

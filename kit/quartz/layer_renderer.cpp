@@ -1,7 +1,7 @@
-#include "kit/seat.h"
+#include "kit/quartz/layer_renderer.h"
 
-#include "desktop/painting/Canvas.h"
-#include "desktop/painting/layer_painter.h"
+#include "kit/quartz/Canvas.h"
+#include "kit/quartz/layer_painter.h"
 #include "kit/quartz/snapping.h"
 
 #include <cmath>

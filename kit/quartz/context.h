@@ -2,7 +2,7 @@
 
 // The one kind of context: a canvas with points, colours and a stack of states.
 
-#include "desktop/painting/Canvas.h"
+#include "kit/quartz/Canvas.h"
 #include "platform/quartz/CGContext.h"
 
 #include <vector>
@@ -11,7 +11,7 @@ class CGContext {
 public:
     struct State {
         CGAffineTransform toPixels;
-        seat::Canvas::Clip clip;
+        seat::Clip clip;
         CGColorRef fillColor;
         CGColorRef strokeColor;
         double lineWidth = 1;
@@ -33,7 +33,7 @@ public:
 
 private:
     seat::Canvas& m_canvas;
-    seat::Canvas::Clip m_outerClip;
+    seat::Clip m_outerClip;
     State m_state;
     std::vector<State> m_saved;
 };
