@@ -93,31 +93,59 @@ function(joyvane_command_test name)
     LABELS "${ARG_LABELS}" RESOURCE_LOCK "${ARG_LOCK}" ENVIRONMENT "${JOYVANE_TEST_ENVIRONMENT};${ARG_ENVIRONMENT}")
 endfunction()
 
-# joyvane_test(<name> SOURCES <files...> [LIBRARIES <targets...>] [LABELS <labels...>] [TIMEOUT <seconds>] [SERIAL]
+# What every compilation of a test has. An expectation is an if with an else inside, and so may well follow an if without
+# braces. What a test tries is compiled as it is shipped; the test itself need not be fast, and takes the compiler half
+# the time this way.
+function(joyvane_test_options name)
+  target_compile_options(${name} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-dangling-else -O0>)
+endfunction()
+
+# joyvane_test(<name> [SOURCES <files...>] [ANY_SEAT <files...>] [LIBRARIES <targets...>]
+#              [ANY_SEAT_LIBRARIES <targets...>] [LABELS <labels...>] [TIMEOUT <seconds>] [SERIAL]
 #              [ENVIRONMENT <NAME=value...>])
 # A GoogleTest program with the shared main (off-screen toolkit, temporary root), run by CTest as one test a program.
+# Files under ANY_SEAT know nothing of the seat but tests/support/: they are linked once more, with ANY_SEAT_LIBRARIES,
+# into "memory_<name>", which runs them on the seat in memory.
 # Labels that decide where it runs: threads (under the thread sanitizer too), benchmark and pixels-slow (not under the
 # address sanitizer), check (only in the release build).
 function(joyvane_test name)
-  cmake_parse_arguments(ARG "SERIAL" "TIMEOUT" "SOURCES;LIBRARIES;LABELS;ENVIRONMENT" ${ARGN})
+  cmake_parse_arguments(ARG "SERIAL" "TIMEOUT" "SOURCES;ANY_SEAT;LIBRARIES;ANY_SEAT_LIBRARIES;LABELS;ENVIRONMENT" ${ARGN})
   # A program that this build does not run is a target all the same, so that what is said of it needs no condition.
   joyvane_test_wanted(wanted ${ARG_LABELS})
   set(exclude "")
   if(NOT wanted)
     set(exclude EXCLUDE_FROM_ALL)
   endif()
-  add_executable(${name} ${exclude} ${ARG_SOURCES})
-  target_link_libraries(${name} PRIVATE joyvane_flags joyvane_test_main joyvane_platform ${ARG_LIBRARIES})
-  # The logic's own crc32 must not stand in for the compression library's function of that name.
-  target_link_options(${name} PRIVATE -Wl,--exclude-libs,libjoyvane_logic.a)
-  target_precompile_headers(${name} REUSE_FROM joyvane_test_headers)
-  # An expectation is an if with an else inside, and so may well follow an if without braces. What a test tries is
-  # compiled as it is shipped; the test itself need not be fast, and takes the compiler half the time this way.
-  target_compile_options(${name} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-dangling-else -O0>)
   set(serial "")
   if(ARG_SERIAL)
     set(serial SERIAL)
   endif()
+  set(objects "")
+  if(ARG_ANY_SEAT)
+    add_library(${name}_any_seat OBJECT ${exclude} ${ARG_ANY_SEAT})
+    target_link_libraries(${name}_any_seat PRIVATE joyvane_flags joyvane_test_interface)
+    target_precompile_headers(${name}_any_seat REUSE_FROM joyvane_test_headers)
+    joyvane_test_options(${name}_any_seat)
+    set(objects $<TARGET_OBJECTS:${name}_any_seat>)
+    if(NOT JOYVANE_SANITIZE)
+      add_executable(memory_${name} ${exclude} ${objects})
+      target_link_libraries(memory_${name} PRIVATE
+        joyvane_flags joyvane_memory_test_main ${ARG_ANY_SEAT_LIBRARIES} joyvane_memory_test_main)
+      joyvane_command_test(memory_${name} COMMAND memory_${name} ${serial}
+        LABELS memory ${ARG_LABELS} TIMEOUT ${ARG_TIMEOUT} ENVIRONMENT ${ARG_ENVIRONMENT})
+    endif()
+  endif()
+  if(NOT JOYVANE_SEAT STREQUAL "desktop")
+    return()
+  endif()
+  add_executable(${name} ${exclude} ${ARG_SOURCES} ${objects})
+  set_target_properties(${name} PROPERTIES LINKER_LANGUAGE CXX)
+  target_link_libraries(${name} PRIVATE
+    joyvane_flags joyvane_test_main ${ARG_LIBRARIES} ${ARG_ANY_SEAT_LIBRARIES} joyvane_test_main joyvane_platform)
+  # The logic's own crc32 must not stand in for the compression library's function of that name.
+  target_link_options(${name} PRIVATE -Wl,--exclude-libs,libjoyvane_logic.a)
+  target_precompile_headers(${name} REUSE_FROM joyvane_test_headers)
+  joyvane_test_options(${name})
   joyvane_command_test(${name} COMMAND ${name} ${serial}
     LABELS ${ARG_LABELS} TIMEOUT ${ARG_TIMEOUT} ENVIRONMENT ${ARG_ENVIRONMENT})
 endfunction()
@@ -149,7 +177,8 @@ function(joyvane_benchmark name)
     return()
   endif()
   add_executable(${name} ${ARG_SOURCES})
-  target_link_libraries(${name} PRIVATE joyvane_flags joyvane_platform benchmark::benchmark ${ARG_LIBRARIES})
+  target_link_libraries(${name} PRIVATE
+    joyvane_flags benchmark::benchmark ${ARG_LIBRARIES} joyvane_test_seat joyvane_platform)
   target_link_options(${name} PRIVATE -Wl,--exclude-libs,libjoyvane_logic.a)
   joyvane_command_test(${name} COMMAND ${name} --benchmark_min_time=0.001 LABELS benchmark SERIAL)
 endfunction()

@@ -1,11 +1,11 @@
 #include "app/tour/Stage.h"
 
 #include "desktop/painting/png.h"
-#include "desktop/painting/snapshot.h"
 #include "desktop/window/Toolkit.h"
 #include "kit/dispatch/main_queue.h"
 #include "kit/uikit/WindowScene.h"
 #include "kit/uikit/application.h"
+#include "kit/uikit/snapshot.h"
 #include "platform/foundation/time.h"
 
 #include <algorithm>

@@ -1,5 +1,6 @@
 #include "system/notify/NotifyListener.h"
 
+#include "system/bus/SessionBus.h"
 #include "system/notify/signal_name.h"
 
 #include <algorithm>

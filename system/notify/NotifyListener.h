@@ -1,7 +1,6 @@
 #pragma once
 
-#include "system/bus/SessionBus.h"
-
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -23,7 +22,7 @@ public:
 private:
     std::shared_ptr<std::function<void()>> m_heard; // shared with a delivery that is under way
     std::string m_name;
-    SessionBus::Token m_signal = 0;
+    std::uint64_t m_signal = 0; // on the session bus
 };
 
 // Delivers to the listeners of this process. Main thread.

@@ -6,7 +6,7 @@
 #include "platform/uikit/UIControl.h"
 #include "platform/uikit/UIPanGestureRecognizer.h"
 #include "platform/uikit/UITapGestureRecognizer.h"
-#include "system/run_loop/PollLoop.h"
+#include "tests/support/RunLoop.h"
 
 #include <memory>
 #include <optional>
@@ -30,7 +30,7 @@ public:
     std::shared_ptr<ZKColorMapView> keep(const std::shared_ptr<ZKColorMapView>& map);
 
     seat::ManualClock clock;
-    seat::PollLoop loop;
+    testing_support::RunLoop loop;
     seat::WindowScene scene;
     seat::Touches finger{scene, &clock};
 

@@ -1,7 +1,7 @@
 #include "colourpicker/ZKBrightnessSlider.h"
 
 #include "colourpicker/ZKBrightnessCursor.h"
-#include "desktop/painting/snapshot.h"
+#include "kit/uikit/snapshot.h"
 #include "platform/quartz/CAGradientLayer.h"
 #include "tests/colourpicker/PickerScene.h"
 #include "tests/colourpicker/reference_tables.h"

@@ -3,7 +3,7 @@
 #include "colourpicker/ZKColorMapView.h"
 #include "platform/dispatch.h"
 #include "platform/uikit/UIWindow.h"
-#include "system/run_loop/PollLoop.h"
+#include "tests/support/RunLoop.h"
 
 #include <gtest/gtest.h>
 
@@ -49,7 +49,7 @@ protected:
         return layer && layer->superlayer() == map.layer().get();
     }
 
-    seat::PollLoop loop;
+    testing_support::RunLoop loop;
 };
 
 } // namespace

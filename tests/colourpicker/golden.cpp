@@ -1,8 +1,9 @@
 // The picker as it looks: five colours, three scales, three sizes. JOYVANE_UPDATE_GOLDEN=1 makes the pictures anew.
 
+#include "tests/support/golden.h"
 #include "colourpicker/ZKColorMapView.h"
 #include "colourpicker/ZKColorPickerView.h"
-#include "desktop/painting/snapshot.h"
+#include "kit/uikit/snapshot.h"
 #include "ledcolour/hex_colour.h"
 #include "platform/uikit/UIColor.h"
 #include "tests/colourpicker/PickerScene.h"
@@ -21,7 +22,7 @@ constexpr Size sizes[] = {{"small", {320, 416}}, {"phone", {375, 623}}, {"tall",
 constexpr const char* colors[] = {"004EFD", "ffffff", "000000", "e8c8b0", "1f7a33"};
 
 // Text is drawn by the fonts of the machine; everything else is exact to a step or two.
-constexpr seat::PictureTolerance tolerance{.channel = 3, .share = 0.001};
+constexpr testing_support::PictureTolerance tolerance{.channel = 3, .share = 0.001};
 
 class PickerPicture : public ::testing::TestWithParam<std::tuple<int, int, int>> {};
 
@@ -38,7 +39,8 @@ TEST_P(PickerPicture, IsAsDrawnBefore) {
     ASSERT_TRUE(window.waitForField(*std::static_pointer_cast<ZKColorMapView>(picker->colorMapView().view())));
 
     const std::string name = color + "-" + size.name + "@" + std::to_string(scale) + "x";
-    EXPECT_EQ(seat::compareWithGolden(seat::snapshot(window.scene), PICKER_PICTURES, name, PICKER_FAILURES, tolerance),
+    EXPECT_EQ(testing_support::compareWithGolden(seat::snapshot(window.scene), PICKER_PICTURES, name, PICKER_FAILURES,
+                                                 tolerance),
               "");
 }
 

@@ -1,6 +1,5 @@
 #include "colourpicker/ZKColorInfoView.h"
 
-#include "desktop/painting/snapshot.h"
 #include "platform/uikit/UIImage.h"
 #include "platform/uikit/UILabel.h"
 #include "tests/colourpicker/PickerScene.h"

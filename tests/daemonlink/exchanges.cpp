@@ -2,17 +2,13 @@
 #include "daemonlink/ControlConnection.h"
 #include "daemonlink/control_socket.h"
 #include "platform/socket.h"
-#include "system/files/root.h"
 #include "tests/support/ScriptedDaemon.h"
-#include "tests/support/TemporaryFolder.h"
+#include "tests/support/TestRoot.h"
 #include "tests/support/descriptors.h"
 
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <fstream>
-#include <sys/socket.h>
-#include <sys/time.h>
 
 namespace {
 
@@ -24,9 +20,7 @@ using testing_support::ScriptedDaemon;
 
 class Exchange : public testing::Test {
 protected:
-    void SetUp() override { seat::setRoot(m_folder.path()); }
-    void TearDown() override { seat::setRoot({}); }
-    const std::string& root() const { return m_folder.path(); }
+    const std::string& root() const { return m_root.path(); }
 
     // Runs `exchange` on a fresh connection and gives what the daemon got on it.
     template <class Run> std::string bytesOf(ScriptedDaemon::Script script, Run&& exchange) {
@@ -41,7 +35,7 @@ protected:
     }
 
 private:
-    testing_support::TemporaryFolder m_folder;
+    testing_support::TestRoot m_root;
 };
 
 ScriptedDaemon::Script replying(std::size_t requestSize, Bytes reply) {
@@ -202,20 +196,6 @@ TEST_F(Exchange, RestartDaemonsSendsTwentyBytesThatCarryNothingElse) {
     EXPECT_EQ(bytes, "03 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00");
 }
 
-TEST_F(Exchange, TheTimeoutIsAsManyWholeSecondsAsAreAsked) {
-    bytesOf([](DaemonPeer& peer) { peer.readToEnd(); },
-            [](int descriptor) {
-                for (const long seconds : {daemonlink::queryReplySeconds, daemonlink::connectReplySeconds}) {
-                    EXPECT_TRUE(daemonlink::setReplyTimeout(descriptor, seconds));
-                    ::timeval set{};
-                    ::socklen_t size = sizeof set;
-                    ASSERT_EQ(::getsockopt(descriptor, SOL_SOCKET, SO_RCVTIMEO, &set, &size), 0);
-                    EXPECT_EQ(set.tv_sec, seconds);
-                    EXPECT_EQ(set.tv_usec, 0);
-                }
-            });
-}
-
 TEST_F(Exchange, TheTimeoutFailsOnWhatIsNoSocket) { EXPECT_FALSE(daemonlink::setReplyTimeout(-1, 1)); }
 
 TEST_F(Exchange, WithoutAListenerConnectingFailsAndLeavesNothingOpen) {
@@ -230,7 +210,7 @@ TEST_F(Exchange, WithoutAListenerConnectingFailsAndLeavesNothingOpen) {
 
 TEST_F(Exchange, AStaleSocketFileIsAFailure) {
     { const ScriptedDaemon daemon(root()); }
-    std::ofstream(root() + "/Library/Caches/jvncontrol.sock") << "no socket";
+    testing_support::TestRoot::write(root() + "/Library/Caches/jvncontrol.sock", "no socket");
     EXPECT_EQ(JVNConnectToControlSocket(), -1);
 }
 

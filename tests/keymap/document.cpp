@@ -5,10 +5,9 @@
 #include "system/notify/NotifyListener.h"
 #include "tests/keymap/editor_test.h"
 
-#include <filesystem>
-#include <fstream>
-
 namespace {
+
+using testing_support::TestRoot;
 
 using testing_support::dictionary;
 constexpr const char* keymapKey = "JVNKeyboardKeymapKey";
@@ -69,16 +68,13 @@ TEST_F(KeymapEditor, AnnouncesNoSave) {
 }
 
 TEST_F(KeymapEditor, OverAFileThatIsAListWritesNothing) {
-    const std::filesystem::path path = app.preferencesFile();
-    std::filesystem::create_directories(path.parent_path());
     const std::string list = "<?xml version=\"1.0\"?><plist version=\"1.0\"><array/></plist>";
-    std::ofstream(path) << list;
+    TestRoot::write(app.preferencesFile(), list);
     open();
     EXPECT_FALSE(editor->rootSettings());
     EXPECT_EQ(keyShown(0), "D");
     app.goBack();
-    std::ifstream in(path);
-    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(in), {}), list);
+    EXPECT_EQ(TestRoot::read(app.preferencesFile()), list);
 }
 
 TEST_F(KeymapEditor, ReadsTheFileAfreshEachTimeItIsMade) {

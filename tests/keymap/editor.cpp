@@ -4,11 +4,9 @@
 #include "platform/foundation/NSData.h"
 #include "tests/keymap/editor_test.h"
 
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-
 namespace {
+
+using testing_support::TestRoot;
 
 using testing_support::dictionary;
 
@@ -192,17 +190,12 @@ TEST_F(KeymapEditor, SavesWhatWasRemapped) {
 }
 
 TEST_F(KeymapEditor, SavesBinaryWhateverTheFileWas) {
-    const std::filesystem::path path = app.preferencesFile();
-    std::filesystem::create_directories(path.parent_path());
-    std::ofstream(path)
-        << "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>x</key><date>2001-01-01T00:00:00Z</date>"
-           "</dict></plist>";
+    TestRoot::write(app.preferencesFile(),
+                    "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>x</key><date>2001-01-01T00:00:00Z</date>"
+                    "</dict></plist>");
     open();
     app.goBack();
-    std::ifstream in(path, std::ios::binary);
-    std::string head(8, '\0');
-    in.read(head.data(), 8);
-    EXPECT_EQ(head, "bplist00");
+    EXPECT_EQ(TestRoot::read(app.preferencesFile()).value_or("").substr(0, 8), "bplist00");
     EXPECT_EQ(app.preference("x"), id(NSDate{0}));
 }
 
@@ -219,7 +212,7 @@ TEST_F(KeymapEditor, WritesOnEveryDisappearance) {
     app.navigation()->pushViewController_animated(UIViewController::alloc()->init(), false);
     app.settle();
     EXPECT_EQ(saved(), defaults);
-    std::filesystem::remove(app.preferencesFile());
+    TestRoot::remove(app.preferencesFile());
     app.goBack();
     app.goBack();
     EXPECT_EQ(saved(), defaults);
@@ -232,18 +225,15 @@ TEST_F(KeymapEditor, WithoutAFileEditsTheDefaultsAndWritesNone) {
     app.touches().key(keyA);
     EXPECT_EQ(keyShown(0), "A");
     app.goBack();
-    EXPECT_FALSE(std::filesystem::exists(app.preferencesFile()));
+    EXPECT_FALSE(TestRoot::exists(app.preferencesFile()));
 }
 
 TEST_F(KeymapEditor, OverADamagedFileWritesNothing) {
-    const std::filesystem::path path = app.preferencesFile();
-    std::filesystem::create_directories(path.parent_path());
-    std::ofstream(path) << "bplist00 damaged";
+    TestRoot::write(app.preferencesFile(), "bplist00 damaged");
     open();
     EXPECT_EQ(keyShown(0), "D");
     app.goBack();
-    std::ifstream in(path, std::ios::binary);
-    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(in), {}), "bplist00 damaged");
+    EXPECT_EQ(TestRoot::read(app.preferencesFile()), "bplist00 damaged");
 }
 
 TEST_F(KeymapEditor, ThatCannotWriteLeavesTheFileAsItWas) {

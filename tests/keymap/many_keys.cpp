@@ -5,8 +5,7 @@
 #include "tests/support/Heartbeat.h"
 #include "tests/support/cpu_time.h"
 
-#include <filesystem>
-#include <fstream>
+#include <sstream>
 
 namespace {
 
@@ -24,12 +23,12 @@ protected:
             testing_support::dictionary({{"controller_type", integer(6)}, {"JVNKeyboardKeymapKey", keymap}}));
     }
     void writeXML() {
-        std::filesystem::create_directories(std::filesystem::path(app.preferencesFile()).parent_path());
-        std::ofstream file(app.preferencesFile());
+        std::ostringstream file;
         file << "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\"><dict><key>controller_type</key>"
                 "<integer>6</integer><key>JVNKeyboardKeymapKey</key><dict>\n";
         for (int i = 0; i < count; ++i) file << "<key>" << i + 1000 << "</key><integer>" << code(i) << "</integer>\n";
         file << "</dict></dict></plist>\n";
+        testing_support::TestRoot::write(app.preferencesFile(), file.str());
     }
     // Gives how late the main thread was at most, in milliseconds.
     double visit() {

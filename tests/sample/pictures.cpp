@@ -3,22 +3,23 @@
 
 #include "app/Bundle.h"
 #include "app/SettingsPage.h"
-#include "desktop/painting/snapshot.h"
 #include "kit/dispatch/ManualClock.h"
 #include "kit/uikit/AccessibilityTree.h"
 #include "kit/uikit/Touches.h"
 #include "kit/uikit/application.h"
+#include "kit/uikit/snapshot.h"
 #include "platform/uikit/UINavigationController.h"
 #include "system/files/root.h"
 #include "system/run_loop/PollLoop.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/golden.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
 // Letters come from the machine's fonts; everything else is exact to a step or two.
-constexpr seat::PictureTolerance tolerance{.channel = 3, .share = 0.001};
+constexpr testing_support::PictureTolerance tolerance{.channel = 3, .share = 0.001};
 
 // A bundle is loaded once in a process.
 const app::Bundle& bundle() {
@@ -86,7 +87,8 @@ public:
         return told.string() ? *told.string() : "";
     }
     std::string difference(const std::string& name) {
-        return seat::compareWithGolden(seat::snapshot(page.scene()), SAMPLE_PICTURES, name, SAMPLE_FAILURES, tolerance);
+        return testing_support::compareWithGolden(seat::snapshot(page.scene()), SAMPLE_PICTURES, name, SAMPLE_FAILURES,
+                                                  tolerance);
     }
 
 private:

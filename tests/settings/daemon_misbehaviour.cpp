@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <csignal>
+#include <filesystem>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <thread>

@@ -1,7 +1,8 @@
 // The page as it looks: every type in both modes, ambient on and off, three sizes, three scales.
 // JOYVANE_UPDATE_GOLDEN=1 makes the pictures anew.
 
-#include "desktop/painting/snapshot.h"
+#include "tests/support/golden.h"
+#include "kit/uikit/snapshot.h"
 #include "settings/JoyvaneListController.h"
 #include "tests/support/LoggedLines.h"
 #include "tests/support/SettingsHost.h"
@@ -38,7 +39,7 @@ std::vector<Look> looks() {
 }
 
 // Letters come from the machine's fonts; everything else is exact to a step or two.
-constexpr seat::PictureTolerance tolerance{.channel = 3, .share = 0.001};
+constexpr testing_support::PictureTolerance tolerance{.channel = 3, .share = 0.001};
 
 class PagePicture : public testing::TestWithParam<Look> {};
 
@@ -52,9 +53,9 @@ TEST_P(PagePicture, IsAsDrawnBefore) {
     app.open(JoyvaneListController::alloc()->init());
     app.waitUntil([] { return false; }, 0.05);
 
-    EXPECT_EQ(
-        seat::compareWithGolden(seat::snapshot(app.scene()), PAGE_PICTURES, nameOf(look), PAGE_FAILURES, tolerance),
-        "");
+    EXPECT_EQ(testing_support::compareWithGolden(seat::snapshot(app.scene()), PAGE_PICTURES, nameOf(look),
+                                                 PAGE_FAILURES, tolerance),
+              "");
 }
 
 INSTANTIATE_TEST_SUITE_P(All, PagePicture, testing::ValuesIn(looks()), [](const auto& look) {

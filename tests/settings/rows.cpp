@@ -1,9 +1,6 @@
 #include "kit/settings_framework/bundle.h"
 #include "tests/settings/PageTest.h"
 
-#include <filesystem>
-#include <fstream>
-
 namespace {
 
 const std::string head = "[Setup] | Controller | Connection | ";
@@ -269,10 +266,9 @@ class BareResource : public Rows {
 protected:
     void showWith(const std::string& items) {
         const std::string folder = app.root() + "/bundle";
-        std::filesystem::create_directories(folder);
-        std::ofstream(folder + "/Joyvane.plist")
-            << "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>items</key><array>" << items
-            << "</array></dict></plist>";
+        testing_support::TestRoot::write(folder + "/Joyvane.plist",
+                                         "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>items</key><array>" +
+                                             items + "</array></dict></plist>");
         seat::setResourceFolder(folder);
         page = JoyvaneListController::alloc()->init();
         app.open(page);

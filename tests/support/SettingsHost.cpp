@@ -4,17 +4,13 @@
 #include "kit/settings_framework/bundle.h"
 #include "platform/foundation/NSPropertyListSerialization.h"
 #include "platform/uikit/UIApplication.h"
-#include "system/files/root.h"
 
 #include <chrono>
-#include <filesystem>
-#include <fstream>
 
 namespace testing_support {
 
 SettingsHost::SettingsHost(CGSize size, double scale) : m_scene(size, scale), m_touches(m_scene, &m_clock) {
-    seat::setRoot(m_root.path());
-    seat::setResourceFolder(JOYVANE_RESOURCES);
+    seat::setResourceFolder(TestRoot::shipped(JOYVANE_RESOURCES));
     UIApplication::sharedApplication()->setKeyWindow(m_scene.window());
 }
 
@@ -24,7 +20,6 @@ SettingsHost::~SettingsHost() {
     }
     close();
     seat::setResourceFolder({});
-    seat::setRoot({});
 }
 
 void SettingsHost::open(const std::shared_ptr<UIViewController>& screen) {
@@ -112,12 +107,9 @@ std::string SettingsHost::preferencesFile() const {
 }
 
 void SettingsHost::writePreferences(const std::shared_ptr<NSDictionary>& values) const {
-    const std::filesystem::path file = preferencesFile();
-    std::filesystem::create_directories(file.parent_path());
     const auto data = NSPropertyListSerialization::dataWithPropertyList_format_options_error(
         values, NSPropertyListBinaryFormat_v1_0, 0, nullptr);
-    std::ofstream(file, std::ios::binary)
-        .write(reinterpret_cast<const char*>(data->bytes().data()), static_cast<std::streamsize>(data->length()));
+    TestRoot::write(preferencesFile(), std::string(data->bytes().begin(), data->bytes().end()));
 }
 
 std::shared_ptr<NSDictionary> SettingsHost::preferences() const {

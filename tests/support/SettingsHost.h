@@ -7,8 +7,8 @@
 #include "platform/foundation/NSDictionary.h"
 #include "platform/settings_framework/PSListController.h"
 #include "platform/uikit/UINavigationController.h"
-#include "system/run_loop/PollLoop.h"
-#include "tests/support/TemporaryFolder.h"
+#include "tests/support/RunLoop.h"
+#include "tests/support/TestRoot.h"
 
 #include <functional>
 #include <memory>
@@ -31,7 +31,7 @@ public:
     seat::WindowScene& scene() { return m_scene; }
     seat::Touches& touches() { return m_touches; }
     seat::ManualClock& clock() { return m_clock; }
-    seat::PollLoop& loop() { return m_loop; }
+    testing_support::RunLoop& loop() { return m_loop; }
     const std::shared_ptr<UINavigationController>& navigation() const { return m_navigation; }
 
     // Shows the screen as the root of the window; its appearing calls have run when this returns.
@@ -62,9 +62,9 @@ public:
     id preference(const std::string& key) const;
 
 private:
-    TemporaryFolder m_root;
+    TestRoot m_root;
     seat::ManualClock m_clock;
-    seat::PollLoop m_loop;
+    testing_support::RunLoop m_loop;
     seat::WindowScene m_scene;
     seat::Touches m_touches;
     std::shared_ptr<UINavigationController> m_navigation;

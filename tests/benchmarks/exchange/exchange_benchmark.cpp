@@ -11,6 +11,7 @@
 #include "platform/foundation/NSNumber.h"
 #include "settings/JoyvaneListController.h"
 #include "system/files/Descriptor.h"
+#include "system/run_loop/PollLoop.h"
 #include "tests/support/LoggedLines.h"
 #include "tests/support/SettingsHost.h"
 

@@ -1,7 +1,8 @@
-#include "desktop/painting/snapshot.h"
 #include "kit/alerts/progress_canceller.h"
+#include "kit/uikit/snapshot.h"
 #include "platform/uikit/UIProgressHUD.h"
 #include "tests/kit/alerts/AlertTest.h"
+#include "tests/support/golden.h"
 
 namespace {
 
@@ -12,9 +13,9 @@ protected:
         scene.window()->setBackgroundColor(UIColor::colorWithRed_green_blue_alpha(0.949, 0.949, 0.969, 1));
     }
     void expectLooks(const std::string& name) {
-        EXPECT_EQ(seat::compareWithGolden(seat::snapshot(scene), GOLDEN_FOLDER,
-                                          name + "@" + std::to_string(GetParam()) + "x", FAILURES_FOLDER,
-                                          {.channel = 40, .share = 0.02}),
+        EXPECT_EQ(testing_support::compareWithGolden(seat::snapshot(scene), GOLDEN_FOLDER,
+                                                     name + "@" + std::to_string(GetParam()) + "x", FAILURES_FOLDER,
+                                                     {.channel = 40, .share = 0.02}),
                   "");
     }
 };

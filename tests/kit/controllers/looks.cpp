@@ -1,5 +1,6 @@
-#include "desktop/painting/snapshot.h"
+#include "kit/uikit/snapshot.h"
 #include "tests/kit/controllers/screens.h"
+#include "tests/support/golden.h"
 
 namespace {
 
@@ -11,9 +12,9 @@ protected:
         touches.settle();
     }
     void expectLooks(const std::string& name) {
-        EXPECT_EQ(seat::compareWithGolden(seat::snapshot(scene), GOLDEN_FOLDER,
-                                          name + "@" + std::to_string(GetParam()) + "x", FAILURES_FOLDER,
-                                          {.channel = 40, .share = 0.02}),
+        EXPECT_EQ(testing_support::compareWithGolden(seat::snapshot(scene), GOLDEN_FOLDER,
+                                                     name + "@" + std::to_string(GetParam()) + "x", FAILURES_FOLDER,
+                                                     {.channel = 40, .share = 0.02}),
                   "");
     }
 };

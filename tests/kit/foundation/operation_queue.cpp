@@ -1,7 +1,7 @@
 #include "platform/foundation/NSOperationQueue.h"
 
 #include "platform/dispatch.h"
-#include "system/run_loop/PollLoop.h"
+#include "tests/support/RunLoop.h"
 
 #include <gtest/gtest.h>
 #include <mutex>
@@ -148,7 +148,7 @@ TEST(OperationQueue, OperationMayHoldTheLastReferenceToItsQueue) {
     queue.reset();
 
     for (int i = 0; i < 10'000 && !weak.expired(); ++i) std::this_thread::yield();
-    seat::PollLoop loop;
+    testing_support::RunLoop loop;
     EXPECT_TRUE(loop.runUntil([&] {
         dispatch_async(dispatch_get_main_queue(), [] {});
         return weak.expired();

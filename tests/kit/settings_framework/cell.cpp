@@ -1,5 +1,5 @@
+#include "kit/seat.h"
 #include "platform/settings_framework/PSTableCell.h"
-#include "system/preferences/preferences_store.h"
 #include "tests/kit/settings_framework/pages.h"
 
 namespace {

@@ -1,5 +1,6 @@
-#include "desktop/painting/snapshot.h"
+#include "kit/uikit/snapshot.h"
 #include "tests/kit/settings_framework/pages.h"
+#include "tests/support/golden.h"
 
 #include <tuple>
 
@@ -42,8 +43,8 @@ protected:
     }
     // Text is drawn by whatever version of the font library is there, so that single pixels of it may differ.
     void expectLooks(const std::string& what) {
-        EXPECT_EQ(seat::compareWithGolden(seat::snapshot(scene), GOLDEN_FOLDER, name(what), FAILURES_FOLDER,
-                                          {.channel = 40, .share = 0.02}),
+        EXPECT_EQ(testing_support::compareWithGolden(seat::snapshot(scene), GOLDEN_FOLDER, name(what), FAILURES_FOLDER,
+                                                     {.channel = 40, .share = 0.02}),
                   "");
     }
 };

@@ -3,11 +3,8 @@
 #include "kit/settings_framework/bundle.h"
 #include "platform/settings_framework.h"
 #include "platform/uikit/UINavigationController.h"
-#include "system/files/root.h"
 #include "tests/kit/uikit/SceneTest.h"
-#include "tests/support/TemporaryFolder.h"
-
-#include <fstream>
+#include "tests/support/TestRoot.h"
 
 // A page whose rows come from the resource "Page"; its actions leave their names in the log.
 class TestPage : public PSListController {
@@ -32,21 +29,15 @@ public:
 // A scene that shows a page under a navigation bar, with a root and a bundle folder of its own.
 class PageTest : public SceneTest {
 protected:
-    PageTest() {
-        seat::setRoot(m_root.path());
-        seat::setResourceFolder(m_root.path());
-    }
-    ~PageTest() override {
-        seat::setResourceFolder({});
-        seat::setRoot({});
-    }
+    PageTest() { seat::setResourceFolder(m_root.file("bundle")); }
+    ~PageTest() override { seat::setResourceFolder({}); }
 
     // `items` is the inside of the resource's array.
     void writeResource(const std::string& items, const std::string& name = "Page") const {
-        std::ofstream(m_root.file(name + ".plist"))
-            << "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\"><dict><key>title</key>"
-               "<string>Settings</string><key>items</key><array>"
-            << items << "</array></dict></plist>";
+        const std::string head =
+            "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\"><dict><key>title</key>"
+            "<string>Settings</string><key>items</key><array>";
+        m_root.write(m_root.file("bundle/" + name + ".plist"), head + items + "</array></dict></plist>");
     }
     void show() {
         page = TestPage::alloc()->init();
@@ -80,7 +71,7 @@ protected:
     std::shared_ptr<UINavigationController> navigation;
 
 private:
-    testing_support::TemporaryFolder m_root;
+    testing_support::TestRoot m_root;
 };
 
 // Items of a resource.

@@ -10,7 +10,7 @@ class Resources : public PageTest {
 protected:
     ~Resources() override { seat::setLogSink({}); }
 
-    void write(const std::string& bytes) const { std::ofstream(file("Page.plist"), std::ios::binary) << bytes; }
+    void write(const std::string& bytes) const { testing_support::TestRoot::write(file("bundle/Page.plist"), bytes); }
     // The rows of the resource, and that nothing or exactly one line was logged.
     std::size_t load() {
         lines.clear();
@@ -110,8 +110,7 @@ TEST_F(Resources, NameThatLeavesTheBundleIsNoResource) {
 
 TEST_F(Resources, ResourceCutAnywhereShowsAnEmptyPageSoon) {
     writeResource(group("g", "One") + item("PSSwitchCell", "a", "A", bound("a", "<true/>")));
-    std::ifstream stream(file("Page.plist"));
-    const std::string whole{std::istreambuf_iterator<char>(stream), {}};
+    const std::string whole = testing_support::TestRoot::read(file("bundle/Page.plist")).value_or("");
     for (std::size_t length = 0; length < whole.size() - 10; length += 3) {
         write(whole.substr(0, length));
         const auto start = std::chrono::steady_clock::now();

@@ -1,10 +1,9 @@
+#include "kit/seat.h"
 #include "kit/uikit/AccessibilityTree.h"
 #include "kit/uikit/hid_keys.h"
 #include "system/log/log.h"
-#include "system/preferences/preferences_store.h"
 #include "tests/kit/settings_framework/pages.h"
 
-#include <filesystem>
 #include <thread>
 
 namespace {
@@ -247,7 +246,7 @@ TEST_F(PageRows, RowWithoutKeyOrDomainStoresNothing) {
     EXPECT_EQ(page->log, "set(a) ");
     EXPECT_FALSE(page->readPreferenceValue(page->specifierForID("a")));
     EXPECT_FALSE(page->readPreferenceValue(nullptr));
-    EXPECT_FALSE(std::filesystem::exists(file("var")));
+    EXPECT_FALSE(testing_support::TestRoot::exists(file("var")));
 }
 
 TEST_F(PageRows, PreferenceMayBeReadOnAWorker) {

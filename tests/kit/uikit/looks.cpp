@@ -1,6 +1,7 @@
-#include "desktop/painting/snapshot.h"
 #include "kit/uikit/hid_keys.h"
+#include "kit/uikit/snapshot.h"
 #include "tests/kit/uikit/SceneTest.h"
+#include "tests/support/golden.h"
 
 #include <tuple>
 
@@ -15,7 +16,8 @@ protected:
     }
     void expectPicture(const std::string& name) {
         const std::string file = name + "@" + std::to_string(static_cast<int>(GetParam())) + "x";
-        EXPECT_EQ(seat::compareWithGolden(seat::snapshot(scene), GOLDEN_FOLDER, file, FAILURES_FOLDER, {.channel = 2}),
+        EXPECT_EQ(testing_support::compareWithGolden(seat::snapshot(scene), GOLDEN_FOLDER, file, FAILURES_FOLDER,
+                                                     {.channel = 2}),
                   "");
     }
 };

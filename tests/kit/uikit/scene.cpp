@@ -1,9 +1,6 @@
-#include "desktop/painting/snapshot.h"
 #include "kit/uikit/damage.h"
+#include "kit/uikit/snapshot.h"
 #include "tests/kit/uikit/SceneTest.h"
-
-#include <cstdlib>
-#include <filesystem>
 
 namespace {
 
@@ -114,40 +111,4 @@ TEST_F(Scenes, HalfWayThroughAnAnimationHalfIsDrawn) {
     clock.advance(0.6);
     EXPECT_EQ(pixel(105, 5), 0xff000000u);
     EXPECT_FALSE(scene.isAnimating());
-}
-
-TEST_F(Scenes, PicturesAreComparedWithATolerance) {
-    CGImage a{2, 1, {0xff101010, 0xff202020}};
-    CGImage b = a;
-    b.pixels[1] = 0xff202320;
-    EXPECT_TRUE(seat::comparePictures(a, a).isSame);
-
-    const auto exact = seat::comparePictures(a, b);
-    EXPECT_FALSE(exact.isSame);
-    EXPECT_EQ(exact.pixels, 1u);
-    EXPECT_EQ(exact.most, 3);
-    EXPECT_EQ(exact.picture->pixels[1], 0xffff0000u);
-    EXPECT_TRUE(seat::comparePictures(a, b, {.channel = 3}).isSame);
-    EXPECT_TRUE(seat::comparePictures(a, b, {.share = 0.5}).isSame);
-    EXPECT_FALSE(seat::comparePictures(a, {1, 1, {0xff101010}}, {.channel = 255, .share = 1}).isSame);
-}
-
-TEST_F(Scenes, GoldenPicturesAreMadeAnewOnDemandAndMissedOtherwise) {
-    namespace fs = std::filesystem;
-    std::string pattern = (fs::temp_directory_path() / "golden-XXXXXX").string();
-    const std::string folder = mkdtemp(pattern.data());
-    const auto image = seat::snapshot(scene);
-    unsetenv("JOYVANE_UPDATE_GOLDEN");
-    EXPECT_NE(seat::compareWithGolden(image, folder, "white", folder + "/failed"), "");
-
-    setenv("JOYVANE_UPDATE_GOLDEN", "1", 1);
-    EXPECT_EQ(seat::compareWithGolden(image, folder, "white", folder + "/failed"), "");
-    unsetenv("JOYVANE_UPDATE_GOLDEN");
-    EXPECT_EQ(seat::compareWithGolden(image, folder, "white", folder + "/failed"), "");
-
-    scene.window()->setBackgroundColor(UIColor::redColor());
-    EXPECT_NE(seat::compareWithGolden(seat::snapshot(scene), folder, "white", folder + "/failed"), "");
-    EXPECT_TRUE(fs::exists(folder + "/failed/white.actual.png"));
-    EXPECT_TRUE(fs::exists(folder + "/failed/white.difference.png"));
-    fs::remove_all(folder);
 }

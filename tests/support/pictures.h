@@ -2,14 +2,9 @@
 
 #include "platform/quartz/CGImage.h"
 
-#include <string>
+#include <cstddef>
 
-namespace seat {
-
-class WindowScene;
-
-// What the scene shows now, in its pixels; layout is brought up to date first.
-CGImageRef snapshot(WindowScene& scene);
+namespace testing_support {
 
 // How far two pictures may differ and still count as the same.
 struct PictureTolerance {
@@ -25,10 +20,4 @@ struct PictureDifference {
 };
 PictureDifference comparePictures(const CGImage& expected, const CGImage& actual, PictureTolerance tolerance = {});
 
-// Holds the picture against `folder`/`name`.png. Gives the empty string when they agree, else what is wrong, after
-// writing <name>.actual.png and <name>.difference.png into `failures`. With JOYVANE_UPDATE_GOLDEN=1 in the environment
-// the picture in the folder is made anew instead.
-std::string compareWithGolden(const CGImageRef& actual, const std::string& folder, const std::string& name,
-                              const std::string& failures, PictureTolerance tolerance = {});
-
-} // namespace seat
+} // namespace testing_support

@@ -1,0 +1,44 @@
+// Preferences: property-list files among the files in memory, changed one key at a time.
+
+#include "kit/foundation/property_list.h"
+#include "kit/seat.h"
+#include "platform/foundation/NSDictionary.h"
+#include "platform/foundation/NSPropertyListSerialization.h"
+#include "platform/log.h"
+#include "tests/memory_seat/Files.h"
+
+#include <mutex>
+
+namespace {
+
+std::mutex writing;
+
+std::string fileOf(const std::string& domain) { return "/var/mobile/Library/Preferences/" + domain + ".plist"; }
+
+std::shared_ptr<NSMutableDictionary> valuesOf(const std::string& domain) {
+    std::shared_ptr<NSError> error;
+    return seat::readPropertyListFile(fileOf(domain), &error).object<NSMutableDictionary>();
+}
+
+} // namespace
+
+id seat::preferenceValue(const std::string& domain, const std::string& key) {
+    const auto values = valuesOf(domain);
+    return values ? values->objectForKey(key) : id();
+}
+
+bool seat::setPreferenceValue(const std::string& domain, const std::string& key, const id& value,
+                              std::function<void()>) {
+    const std::lock_guard lock(writing);
+    auto values = valuesOf(domain);
+    if (!values) values = NSMutableDictionary::dictionary();
+    values->setObject_forKey(value, key);
+    std::shared_ptr<NSError> error;
+    const auto data = NSPropertyListSerialization::dataWithPropertyList_format_options_error(
+        values, NSPropertyListBinaryFormat_v1_0, 0, &error);
+    if (!data) {
+        NSLog("writing the preferences %s: %s", domain.c_str(), error->localizedDescription().c_str());
+        return false;
+    }
+    return memory_seat::Files::write(fileOf(domain), memory_seat::Bytes(data->bytes().begin(), data->bytes().end()));
+}
