@@ -27,6 +27,8 @@ protected:
     bool padIsThere() { return !eventNodes(padName).empty(); }
 
     InputService service;
+    // A login may take longer than the service stays without anybody.
+    InputClient stays{service.socket(), input::Role::observe};
     VirtualKeyboard keyboard;
 };
 
