@@ -5,8 +5,8 @@
 
 namespace jvninputd {
 
-void Player::play(std::optional<Play> what, Manner manner, Moment now) {
-    m_playing = std::move(what);
+void Player::play(const std::optional<Play>& what, Manner manner, Moment now) {
+    m_playing = what;
     if (m_playing && m_playing->mode != input::PlayMode::byHand) m_playing->handSwitch->on = false;
     if (!m_playing && manner == Manner::atOnce) giveBackAll();
     // Without anything to play the pad stays until the last keyboard is given back.

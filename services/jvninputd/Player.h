@@ -43,7 +43,7 @@ public:
     static constexpr Duration patience = std::chrono::seconds(1);
 
     // Something to play, or nothing: then keyboards are given back and the pad goes.
-    void play(std::optional<Play> what, Manner manner, Moment now);
+    void play(const std::optional<Play>& what, Manner manner, Moment now);
 
     void keyboardAdded(KeyboardId keyboard, Moment now);
     void keyboardRemoved(KeyboardId keyboard, Moment now);

@@ -68,7 +68,7 @@ bool Sessions::atSeat(uid_t user) const {
         found = found || (::sd_session_get_uid(*session, &owner) >= 0 && owner == user && isOpen(*session));
         std::free(*session);
     }
-    std::free(sessions);
+    std::free(static_cast<void*>(sessions));
     return found;
 }
 
