@@ -21,7 +21,7 @@ SOURCE = os.path.dirname(os.path.dirname(HERE))
 KERNEL = os.path.join(SOURCE, "build", "machine", "kernel")
 EMULATOR = "qemu-system-x86_64"
 BOOT_SECONDS = 400  # 15 on an idle computer, minutes on one that is busy with other machines
-LIFE_SECONDS = 1800  # then a machine that somebody forgot ends by itself
+LIFE_SECONDS = 3600  # then a machine that somebody forgot ends by itself
 END = b"\n\x1eend "
 
 
