@@ -1,6 +1,6 @@
 #include "colourpicker/TileGrid.h"
 
-#include "colourpicker/colour_bytes.h"
+#include "colourpicker/truncation.h"
 
 #include <algorithm>
 

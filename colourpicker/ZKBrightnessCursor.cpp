@@ -1,8 +1,8 @@
 #include "colourpicker/ZKBrightnessCursor.h"
 
 #include "colourpicker/HSVColor.h"
-#include "colourpicker/colour_bytes.h"
 #include "colourpicker/cursor_look.h"
+#include "colourpicker/truncation.h"
 #include "platform/foundation/NSString.h"
 #include "platform/quartz/CATransaction.h"
 #include "platform/uikit/UILabel.h"

@@ -2,7 +2,7 @@
 
 #include "colourpicker/HSVColor.h"
 #include "colourpicker/ZKColorMapView.h"
-#include "colourpicker/colour_bytes.h"
+#include "colourpicker/truncation.h"
 #include "platform/foundation/NSString.h"
 
 #include <algorithm>

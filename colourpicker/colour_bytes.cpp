@@ -1,17 +1,7 @@
 #include "colourpicker/colour_bytes.h"
 
+#include "colourpicker/truncation.h"
 #include "platform/uikit/UIColor.h"
-
-#include <cmath>
-#include <limits>
-
-std::int32_t truncatedToInt(double value) {
-    using Limits = std::numeric_limits<std::int32_t>;
-    if (std::isnan(value)) return 0;
-    if (value <= Limits::min()) return Limits::min();
-    if (value >= Limits::max()) return Limits::max();
-    return static_cast<std::int32_t>(value);
-}
 
 ColorBytes colorBytes(const std::shared_ptr<UIColor>& color) {
     double red = 0;

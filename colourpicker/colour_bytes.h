@@ -5,10 +5,6 @@
 
 class UIColor;
 
-// The whole number left of the point. Beyond the range of 32 bits the nearest end of it, and 0 for what is no number,
-// as the phone's processor converts: a plain cast would be undefined there.
-std::int32_t truncatedToInt(double value);
-
 // A colour's components as drawn to a byte each: times 255, cut and not rounded, not clamped to a byte.
 struct ColorBytes {
     std::int32_t red = 0;

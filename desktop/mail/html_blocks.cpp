@@ -1,5 +1,7 @@
 #include "desktop/mail/html_blocks.h"
 
+#include "kit/foundation/utf8.h"
+
 #include <cctype>
 #include <charconv>
 #include <cstdint>
@@ -9,26 +11,6 @@ namespace seat {
 namespace {
 
 bool isSpace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
-
-void appendUTF8(std::string& text, std::uint32_t code) {
-    if (code == 0 || code > 0x10FFFF || (code >= 0xD800 && code <= 0xDFFF)) code = 0xFFFD;
-    const auto byte = [&](std::uint32_t value) { text += static_cast<char>(static_cast<std::uint8_t>(value)); };
-    if (code < 0x80) {
-        byte(code);
-    } else if (code < 0x800) {
-        byte(0xC0 | (code >> 6));
-        byte(0x80 | (code & 63));
-    } else if (code < 0x10000) {
-        byte(0xE0 | (code >> 12));
-        byte(0x80 | ((code >> 6) & 63));
-        byte(0x80 | (code & 63));
-    } else {
-        byte(0xF0 | (code >> 18));
-        byte(0x80 | ((code >> 12) & 63));
-        byte(0x80 | ((code >> 6) & 63));
-        byte(0x80 | (code & 63));
-    }
-}
 
 // Reads the reference at `html[0]`, an ampersand; gives how many characters it took, 0 when it is none.
 std::size_t appendReference(std::string& text, std::string_view html) {
@@ -49,7 +31,8 @@ std::size_t appendReference(std::string& text, std::string_view html) {
     const auto [rest, problem] =
         std::from_chars(digits.data(), digits.data() + digits.size(), code, hexadecimal ? 16 : 10);
     if (problem != std::errc() || rest != digits.data() + digits.size()) return 0;
-    appendUTF8(text, code);
+    const bool isCharacter = code != 0 && code <= 0x10FFFF && (code < 0xD800 || code > 0xDFFF);
+    appendUTF8(text, isCharacter ? code : 0xFFFD);
     return end + 1;
 }
 

@@ -38,7 +38,9 @@ Decoded decode(std::string_view text) {
     return {length, codePoint};
 }
 
-void appendUTF8(std::string& text, std::uint32_t c) {
+} // namespace
+
+void seat::appendUTF8(std::string& text, std::uint32_t c) {
     const auto tail = [&](unsigned shift) { text += static_cast<char>(0x80 | (c >> shift & 0x3f)); };
     if (c < 0x80) {
         text += static_cast<char>(c);
@@ -56,8 +58,6 @@ void appendUTF8(std::string& text, std::uint32_t c) {
         tail(0);
     }
 }
-
-} // namespace
 
 bool seat::isASCII(std::string_view text) { return asciiPrefix(text) == text.size(); }
 

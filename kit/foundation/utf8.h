@@ -13,6 +13,9 @@ bool isASCII(std::string_view text);
 // Well-formed UTF-8: nothing cut or overlong, no surrogates, nothing above U+10FFFF.
 bool isUTF8(std::string_view text);
 
+// `codePoint` is one that may stand in a text: no surrogate, nothing above U+10FFFF.
+void appendUTF8(std::string& text, std::uint32_t codePoint);
+
 // How many UTF-16 units well-formed UTF-8 takes.
 std::size_t utf16Length(std::string_view text);
 // `text` must be well-formed; `bytes` takes two for each unit.

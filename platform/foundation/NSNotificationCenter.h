@@ -12,7 +12,8 @@ inline constexpr const char* UIApplicationDidEnterBackgroundNotification =
 
 // Notifications inside this process. Observers are not owned and are dropped when they die; each is called on the
 // posting thread, outside any lock, in the order of their registration, with the notification's name and sender. One
-// that is removed while a notification is being delivered is not called any more.
+// that is removed while a notification is being delivered is not called any more; one that is added meanwhile hears the
+// next one. An observer that registers twice is called twice. Any thread.
 class NSNotificationCenter final : public NSObject {
     NS_CLASS(NSNotificationCenter)
 

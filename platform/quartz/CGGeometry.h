@@ -2,7 +2,9 @@
 
 #include <limits>
 
-// Points, sizes and rectangles; y grows downward. Plain records with the phone's helpers.
+// Points, sizes and rectangles; y grows downward. Plain records with the phone's helpers. Any thread. Nothing here
+// fails: a coordinate that is no number makes comparisons false, so that such a rectangle contains no point, is empty
+// and meets no other; whoever draws it draws nothing.
 
 struct CGPoint {
     double x = 0;

@@ -1,7 +1,8 @@
 #pragma once
 
 // What a view tells assistive technology. Nodes are made from the view tree: a view whose role is not None is one; the
-// views inside it that have roles are its children.
+// views inside it that have roles are its children. What is asked of it (activate, step, set a value) is what a finger
+// could do to it at that moment: a disabled or hidden view does nothing and answers false. Main thread only.
 
 enum class UIAccessibilityRole {
     None, // no node of its own; its subviews may be

@@ -10,7 +10,10 @@ enum UIControlEvents : unsigned {
     UIControlEventEditingDidEnd = 1u << 18,
 };
 
-// A view that reports through target and action.
+// A view that reports through target and action. By itself it sends TouchDown when a finger comes down, TouchUpInside
+// when it is lifted no farther than 30 points from the control, nothing when it is lifted elsewhere, and TouchCancel
+// when the finger is taken away; it is highlighted while the finger is that near. Disabled it takes touches and sends
+// nothing. ValueChanged and the Editing events are sent by classes derived from it. Main thread only.
 class UIControl : public UIView {
     NS_CLASS(UIControl)
 public:

@@ -2,15 +2,20 @@
 
 #include "platform/uikit/UIGestureRecognizer.h"
 
-// One finger that moves. Begins once the finger has left a small circle; in Ended no touch is left.
+// One finger that moves. Begins once the finger is 8 points or more from where it came down, in any direction; the
+// movement that started it is counted from the rim of that circle, so that what is dragged does not jump. A finger that
+// comes down while one leads is not followed, and its movements change nothing; the leading finger's end ends the
+// gesture, even when the other is still down. A pan that began with its only movement is told once more, Changed, with
+// its touch, before it ends. In Ended and Cancelled no touch is left: numberOfTouches() is 0 and locationOfTouch gives
+// the zero point, while locationInView still knows the last place.
 class UIPanGestureRecognizer : public UIGestureRecognizer {
     NS_CLASS(UIPanGestureRecognizer)
 public:
     std::shared_ptr<UIPanGestureRecognizer> initWithTarget_action(const std::shared_ptr<NSObject>& target, SEL action);
 
-    // Since the gesture began, in points.
+    // Since the gesture began, in points, along the view's axes; nil: the window's. Zero before the first touch.
     CGPoint translationInView(const UIView* view) const;
-    // Points a second.
+    // Points a second over the last tenth of a second; zero when the finger has rested so long.
     CGPoint velocityInView(const UIView* view) const;
     CGPoint locationInView(const UIView* view) const override;
 

@@ -3,6 +3,13 @@
 #include "platform/uikit/UIView.h"
 
 // Shows a part of a larger content; drag (with momentum and a soft end), wheel and keyboard move it vertically.
+//
+// The offset is the bounds' origin. It is kept between -inset.top and content height + inset.bottom - height (never
+// below the first): pulled beyond, the content follows the finger ever less and springs back when it is let go; a
+// content that fits does not move at all. A drag begins where a finger moves more down or up than across; it takes the
+// finger from whatever was hit. A finger on moving content holds it, and is no tap. Each step, by finger, momentum,
+// wheel or animation, sets the bounds and calls contentOffsetChanged() once, with the new offset in place; nothing else
+// is reported, and setting the offset that is there reports nothing. Main thread only.
 class UIScrollView : public UIView {
     NS_CLASS(UIScrollView)
 public:
@@ -12,6 +19,8 @@ public:
 
     CGPoint contentOffset() const;
     void setContentOffset(CGPoint offset);
+    // 0.3 s, ease in and out, and only while the view is in a window; without that, and not animated, at once. Neither
+    // way is the offset cut to the range.
     void setContentOffset_animated(CGPoint offset, bool animated);
     CGSize contentSize() const;
     void setContentSize(CGSize size);
@@ -19,7 +28,7 @@ public:
     void setContentInset(UIEdgeInsets inset);
     bool isDragging() const;
     bool isDecelerating() const;
-    // As little as needed.
+    // As little as needed to show the rectangle, in the content's coordinates; nothing when it is shown.
     void scrollRectToVisible_animated(CGRect rect, bool animated);
     // The wheel; false when there is nothing to scroll in that direction.
     bool scrollBy(CGPoint delta);

@@ -36,7 +36,11 @@ public:
                                                          const std::shared_ptr<NSIndexPath>& indexPath);
 };
 
-// Rows in sections. Cells are made for the rows on screen only and reused. Main thread only.
+// Rows in sections. Cells are made for the rows on screen only and reused: the data source is asked for a row's cell
+// when it comes on screen, and the cell is free again when it has left it. A finger on a row highlights it; lifted
+// there it selects the row, in place of the row selected before, and tells the delegate; moved away, or when the table
+// begins to scroll, it does nothing. A path that does not exist, or is nil, selects, scrolls and finds nothing. Main
+// thread.
 class UITableView : public UIScrollView {
     NS_CLASS(UITableView)
 public:

@@ -8,7 +8,9 @@
 
 class UINavigationController;
 
-// A screen. The view is made at the first call of `view`, then `viewDidLoad` runs. Main thread only.
+// A screen. The view is made at the first call of `view`, then `viewDidLoad` runs, once; it is never unloaded. A screen
+// must be held by whoever shows it: it is retained by the navigation controller, the window or the presenting screen
+// alone. Main thread only.
 class UIViewController : public UIResponder {
     NS_CLASS(UIViewController)
 public:
@@ -45,7 +47,9 @@ public:
     std::shared_ptr<UIViewController> parentViewController() const;
     std::shared_ptr<UIViewController> presentedViewController() const;
     std::shared_ptr<UIViewController> presentingViewController() const;
-    // Over the whole window; the screen below gets its disappearing calls. nil is ignored. The completion may be empty.
+    // Over the whole window; the screen below gets its disappearing calls. nil is ignored; a screen that
+    // stands somewhere already, or a second one over the same screen, is refused with a logged reason. The completion
+    // may be empty; it runs on the main thread after the last life-cycle call.
     void presentViewController_animated_completion(const std::shared_ptr<UIViewController>& controller, bool animated,
                                                    std::function<void()> completion);
     // Takes away what this controller presents, or this controller itself where it is presented.

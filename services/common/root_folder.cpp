@@ -1,14 +1,12 @@
 #include "services/common/root_folder.h"
 
-#include <cstdlib>
+#include "system/files/environment.h"
+
 #include <filesystem>
 
 namespace {
 
-std::string environment(const char* name) {
-    const char* const value = std::getenv(name);
-    return value ? value : "";
-}
+using seat::environment;
 
 std::string defaultFolder() {
     const std::string data = environment("XDG_DATA_HOME");

@@ -1,8 +1,9 @@
 #include "system/bus/session_bus_address.h"
 
-#include <algorithm>
+#include "system/bus/address_entries.h"
+#include "system/files/environment.h"
+
 #include <cerrno>
-#include <charconv>
 #include <cstdlib>
 #include <cstring>
 #include <poll.h>
@@ -18,58 +19,22 @@ using Clock = std::chrono::steady_clock;
 
 constexpr const char* addressVariable = "DBUS_SESSION_BUS_ADDRESS";
 
-std::string environment(const char* name) {
-    const char* const value = std::getenv(name);
-    return value ? value : "";
-}
-
-std::string unescaped(std::string_view text) {
-    std::string plain;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        unsigned code = 0;
-        if (text[i] == '%' && i + 2 < text.size() &&
-            std::from_chars(text.data() + i + 1, text.data() + i + 3, code, 16).ptr == text.data() + i + 3) {
-            plain += static_cast<char>(code);
-            i += 2;
-        } else {
-            plain += text[i];
-        }
-    }
-    return plain;
-}
-
-// Takes what stands before the first `separator` off the text.
-std::string_view takeUpTo(char separator, std::string_view& text) {
-    const auto end = text.find(separator);
-    const auto head = text.substr(0, end);
-    text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
-    return head;
-}
-
 struct SocketName {
     sockaddr_un address{};
     socklen_t length = 0; // 0: no such socket can be
 };
 
-// `pairs` is what follows "unix:".
-SocketName socketName(std::string_view pairs) {
+SocketName socketName(DBusAddressEntry* entry) {
+    std::string path = AddressEntries::value(entry, "path");
+    if (path.empty() && AddressEntries::value(entry, "runtime") == "yes")
+        path = environment("XDG_RUNTIME_DIR") + "/bus";
+    const bool isAbstract = path.empty();
+    if (isAbstract) path = '\0' + AddressEntries::value(entry, "abstract");
     SocketName name;
     name.address.sun_family = AF_UNIX;
-    constexpr auto room = sizeof name.address.sun_path;
-    while (!pairs.empty()) {
-        std::string_view pair = takeUpTo(',', pairs);
-        const auto key = takeUpTo('=', pair);
-        std::string path = unescaped(pair);
-        if (key == "runtime") path = environment("XDG_RUNTIME_DIR") + "/bus";
-        if (key == "abstract")
-            path.insert(path.begin(), '\0');
-        else if (key != "path" && key != "runtime")
-            continue;
-        if (path.size() >= room) return {};
-        std::memcpy(name.address.sun_path, path.data(), path.size());
-        name.length =
-            static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + path.size() + (key == "abstract" ? 0 : 1));
-    }
+    if (path.size() <= (isAbstract ? 1 : 0) || path.size() >= sizeof name.address.sun_path) return {};
+    std::memcpy(name.address.sun_path, path.data(), path.size());
+    name.length = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + path.size() + (isAbstract ? 0 : 1));
     return name;
 }
 
@@ -169,32 +134,23 @@ std::string addressInRuntimeFolder() {
     struct stat information {};
     if (folder.empty() || stat((folder + "/bus").c_str(), &information) != 0 || !S_ISSOCK(information.st_mode))
         return {};
-    std::string address = "unix:path=";
-    for (const char c : folder + "/bus") {
-        static constexpr char digits[] = "0123456789ABCDEF";
-        const auto byte = static_cast<unsigned char>(c);
-        if (std::isalnum(byte) || std::strchr("-_/.", c))
-            address += c;
-        else
-            ((address += '%') += digits[byte >> 4]) += digits[byte & 15];
-    }
-    return address;
+    return addressOfSocketFile(folder + "/bus");
 }
 
 } // namespace
 
-BusState seat::probeBus(std::string_view addresses, std::chrono::milliseconds patience) {
+BusState seat::probeBus(const std::string& addresses, std::chrono::milliseconds patience) {
     const auto deadline = Clock::now() + patience;
     BusState best = BusState::Absent;
-    while (!addresses.empty() && best != BusState::Answers) {
-        std::string_view address = takeUpTo(';', addresses);
-        const auto kind = takeUpTo(':', address);
+    for (DBusAddressEntry* const entry : AddressEntries(addresses)) {
+        const auto method = AddressEntries::method(entry);
         BusState state = BusState::Absent;
-        if (kind == "unix")
-            state = probeSocket(socketName(address), deadline);
-        else if (kind == "tcp" || kind == "nonce-tcp")
+        if (method == "unix")
+            state = probeSocket(socketName(entry), deadline);
+        else if (method == "tcp" || method == "nonce-tcp")
             state = BusState::Answers;
         if (state != BusState::Absent) best = state;
+        if (best == BusState::Answers) break;
     }
     return best;
 }

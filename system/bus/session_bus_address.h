@@ -5,15 +5,15 @@
 
 #include <chrono>
 #include <string>
-#include <string_view>
 
 namespace seat {
 
 enum class BusState { Answers, Silent, Absent };
 
 // Connects, authenticates and says hello, all within `patience`. Of several addresses the first that answers counts.
-// Only UNIX sockets are asked; a network address counts as answering, one that would start a program as absent.
-BusState probeBus(std::string_view addresses, std::chrono::milliseconds patience);
+// A malformed list counts as absent. Only UNIX sockets are asked; a network address counts as answering, one that would
+// start a program as absent.
+BusState probeBus(const std::string& addresses, std::chrono::milliseconds patience);
 
 // An address at which nobody ever listens.
 inline constexpr const char* nobodysBusAddress = "unix:path=/nonexistent/session-bus";

@@ -1,5 +1,6 @@
 #include "colourpicker/HSVColor.h"
 #include "colourpicker/colour_bytes.h"
+#include "colourpicker/truncation.h"
 #include "tests/colourpicker/PickerScene.h"
 #include "tests/colourpicker/reference_tables.h"
 
