@@ -1,4 +1,5 @@
 #include "desktop/painting/snapshot.h"
+#include "kit/uikit/AccessibilityTree.h"
 #include "kit/uikit/damage.h"
 #include "tests/kit/uikit/SceneTest.h"
 
@@ -14,6 +15,20 @@ protected:
         return image->pixels[y * image->width + x];
     }
 };
+
+// Never done with its layout.
+class RestlessView final : public UIView {
+    NS_CLASS(RestlessView)
+    std::shared_ptr<RestlessView> initWithFrame(CGRect frame) {
+        return UIView::initWithFrame(frame) ? self(this) : nullptr;
+    }
+    void layoutSubviews() override {
+        ++layouts;
+        setNeedsLayout();
+    }
+    int layouts = 0;
+};
+NS_CLASS_IMPLEMENTATION(RestlessView, UIView)
 
 std::string written(const std::vector<CGRect>& rects) {
     std::string text;
@@ -41,6 +56,50 @@ TEST_F(Scenes, FrameIsAskedForOnceAndDamageIsWhatChanged) {
     EXPECT_EQ(written(scene.prepareFrame()), "");
     view->setBackgroundColor(UIColor::redColor());
     EXPECT_EQ(asked, 2);
+}
+
+TEST_F(Scenes, FrameThatIsWantedAlreadyIsAskedForAsSoonAsSomebodyCanBeAsked) {
+    scene.prepareFrame();
+    scene.window()->setNeedsLayout();
+    int asked = 0;
+
+    scene.setNeedsFrame([&] { ++asked; });
+
+    EXPECT_EQ(asked, 1);
+    scene.prepareFrame();
+    scene.setNeedsFrame([&] { asked += 10; });
+    EXPECT_EQ(asked, 1) << "none is wanted";
+}
+
+TEST_F(Scenes, FrameIsAskedForAgainWhenWhoeverIsToldOfOneChangesTheLayout) {
+    const auto view = add<UISwitch>({{10, 20}, {51, 31}});
+    scene.prepareFrame();
+    scene.accessibility().setListener([&](seat::AccessibilityIdentity, seat::AccessibilityChange) {
+        view->setNeedsLayout();
+    });
+    scene.prepareFrame();
+    int asked = 0;
+    scene.setNeedsFrame([&] { ++asked; });
+    view->setOn_animated(true, /*animated=*/false);
+    asked = 0;
+
+    scene.prepareFrame();
+
+    EXPECT_EQ(asked, 1);
+    scene.accessibility().setListener(nullptr);
+}
+
+TEST_F(Scenes, ViewThatAsksForLayoutWhileItIsLaidOutGetsNoFrameForIt) {
+    const auto restless = add<RestlessView>({{0, 0}, {10, 10}});
+    int asked = 0;
+    scene.setNeedsFrame([&] { ++asked; });
+    scene.prepareFrame();
+    asked = 0;
+
+    scene.prepareFrame();
+
+    EXPECT_EQ(asked, 0);
+    EXPECT_GT(restless->layouts, 0);
 }
 
 TEST_F(Scenes, DamageStaysShortAndJoinsWhatIsCheaperInOne) {
