@@ -49,15 +49,15 @@ std::string encodedWords(std::string_view text) {
     return words;
 }
 
-// Breaks before a blank, so that lines end within their bound where there is one to break at.
+// Breaks before a space, so that lines end within their bound where there is one to break at.
 std::string folded(std::string_view text) {
     std::string lines;
     std::size_t onLine = 0;
     while (!text.empty()) {
         auto end = text.find(' ', 1);
         if (end == std::string_view::npos) end = text.size();
-        const bool isBlank = text.substr(0, end).find_first_not_of(' ') == std::string_view::npos;
-        if (onLine + end > longestLine && onLine > 0 && text[0] == ' ' && !isBlank) {
+        const bool isSpace = text.substr(0, end).find_first_not_of(' ') == std::string_view::npos;
+        if (onLine + end > longestLine && onLine > 0 && text[0] == ' ' && !isSpace) {
             lines += "\r\n";
             onLine = 0;
         }

@@ -34,7 +34,7 @@ bool isOrdinary(const QString& message) {
 }
 
 void logMessage(QtMsgType type, const QMessageLogContext& context, const QString& message) {
-    // The toolkit's own road ends in abort().
+    // The toolkit's own handling ends in abort().
     if (type == QtFatalMsg && isStarting && noDisplayHandler) {
         auto& problem = startProblem();
         noDisplayHandler(problem.empty() ? "no window system is there" : problem);
@@ -144,11 +144,11 @@ int seat::Toolkit::run() {
 }
 
 bool seat::Toolkit::runUntil(const std::function<bool()>& done, double seconds) {
-    QTimer patience;
-    patience.setSingleShot(true);
-    patience.start(static_cast<int>(seconds * 1000));
+    QTimer timeout;
+    timeout.setSingleShot(true);
+    timeout.start(static_cast<int>(seconds * 1000));
     while (!done()) {
-        if (m_state->hasQuit || !patience.isActive()) return false;
+        if (m_state->hasQuit || !timeout.isActive()) return false;
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     }
     return true;

@@ -25,7 +25,7 @@ bool isBoundary(std::string_view text, std::size_t place) {
     return place == 0 || place >= text.size() || (!continues(text[place]) && !isMark(text, place));
 }
 
-bool isBlank(char byte) { return byte == ' '; }
+bool isSpace(char byte) { return byte == ' '; }
 
 } // namespace
 
@@ -41,8 +41,8 @@ std::size_t TextEditor::before(std::size_t place, Extent extent) const {
         while (!isBoundary(m_text, place));
         return place;
     }
-    while (place > 0 && isBlank(m_text[place - 1])) --place;
-    while (place > 0 && !isBlank(m_text[place - 1])) --place;
+    while (place > 0 && isSpace(m_text[place - 1])) --place;
+    while (place > 0 && !isSpace(m_text[place - 1])) --place;
     return place;
 }
 
@@ -53,8 +53,8 @@ std::size_t TextEditor::after(std::size_t place, Extent extent) const {
         while (!isBoundary(m_text, place));
         return place;
     }
-    while (place < m_text.size() && isBlank(m_text[place])) ++place;
-    while (place < m_text.size() && !isBlank(m_text[place])) ++place;
+    while (place < m_text.size() && isSpace(m_text[place])) ++place;
+    while (place < m_text.size() && !isSpace(m_text[place])) ++place;
     return place;
 }
 
@@ -71,9 +71,9 @@ void TextEditor::select(std::size_t anchor, std::size_t caret) {
 void TextEditor::selectWordAt(std::size_t place) {
     place = std::min(place, m_text.size());
     std::size_t start = place;
-    while (start > 0 && !isBlank(m_text[start - 1])) --start;
+    while (start > 0 && !isSpace(m_text[start - 1])) --start;
     std::size_t end = place;
-    while (end < m_text.size() && !isBlank(m_text[end])) ++end;
+    while (end < m_text.size() && !isSpace(m_text[end])) ++end;
     select(start, end);
 }
 

@@ -50,7 +50,7 @@ private:
     std::size_t m_caret = 0;
 };
 
-// Text on one line: line ends and tabs become blanks, other control characters go, and so does what is no UTF-8.
+// Text on one line: line ends and tabs become spaces, other control characters go, and so does what is no UTF-8.
 std::string onOneLine(std::string_view text);
 
 } // namespace seat

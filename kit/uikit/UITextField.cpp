@@ -51,7 +51,7 @@ CGSize UITextField::sizeThatFits(CGSize size) const { return {size.width, std::c
 
 void UITextField::layoutSubviews() { showCaret(); }
 
-// A blank at the end has no width of its own, so that something is put behind it.
+// A space at the end has no width of its own, so that something is put behind it.
 double UITextField::leftOf(std::size_t place) const {
     if (place == 0) return 0;
     const auto width = [this](std::string text) {

@@ -15,7 +15,7 @@ public:
     std::shared_ptr<UITextField> init();
     std::shared_ptr<UITextField> initWithFrame(CGRect frame);
 
-    // UTF-8 on one line: line ends and tabs become blanks, other control characters go. Setting it puts the caret at
+    // UTF-8 on one line: line ends and tabs become spaces, other control characters go. Setting it puts the caret at
     // the end and sends nothing.
     const std::string& text() const;
     void setText(const std::string& text);

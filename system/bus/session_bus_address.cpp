@@ -91,7 +91,7 @@ public:
         return true;
     }
 
-    // Bytes as they come; empty at the end of the stream, of the patience, or on failure.
+    // Bytes as they come; empty at the end of the stream, of the time, or on failure.
     std::string hear() {
         char bytes[512];
         for (;;) {
@@ -183,8 +183,8 @@ std::string addressInRuntimeFolder() {
 
 } // namespace
 
-BusState seat::probeBus(std::string_view addresses, std::chrono::milliseconds patience) {
-    const auto deadline = Clock::now() + patience;
+BusState seat::probeBus(std::string_view addresses, std::chrono::milliseconds timeout) {
+    const auto deadline = Clock::now() + timeout;
     BusState best = BusState::Absent;
     while (!addresses.empty() && best != BusState::Answers) {
         std::string_view address = takeUpTo(';', addresses);
@@ -199,11 +199,11 @@ BusState seat::probeBus(std::string_view addresses, std::chrono::milliseconds pa
     return best;
 }
 
-BusState seat::settleSessionBus(std::chrono::milliseconds patience) {
+BusState seat::settleSessionBus(std::chrono::milliseconds timeout) {
     auto& address = knownAddress();
     address = environment(addressVariable);
     if (address.empty()) address = addressInRuntimeFolder();
-    const BusState state = probeBus(address, patience);
+    const BusState state = probeBus(address, timeout);
     setenv(addressVariable, state == BusState::Answers ? address.c_str() : nobodysBusAddress, 1);
     return state;
 }

@@ -1,4 +1,4 @@
-// Both roads of the key-event hook, each in a process of its own: a hook stays for the life of the process.
+// Both ways to install the key-event hook, each in a process of its own: a hook stays for the life of the process.
 
 #include "keymap/key_event_hook.h"
 
@@ -61,8 +61,7 @@ TEST_F(KeyEventHookDeathTest, OnAClassWithItsOwnHandlerCallsThatFirst) {
             const IMP before = class_getMethodImplementation(OwnHandler::classObject(), "handleKeyUIEvent:");
             installKeyEventHookOnClass(OwnHandler::classObject());
             objc_msgSend(*object, "handleKeyUIEvent:", {UIKeyEvent::keyEvent(4, true)});
-            end(handledByOwn == 1 && handledByBase == 0 && !editorHadHeardByThen &&
-                !editor->indexPathOfCellToRemap() &&
+            end(handledByOwn == 1 && handledByBase == 0 && !editorHadHeardByThen && !editor->indexPathOfCellToRemap() &&
                 class_getMethodImplementation(OwnHandler::classObject(), "handleKeyUIEvent:") != before);
         },
         testing::ExitedWithCode(0), "");

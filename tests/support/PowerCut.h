@@ -6,9 +6,9 @@
 
 namespace testing_support {
 
-// The disk under one folder, which a power cut may leave without anything that was not flushed. What is in the folder at
-// first counts as flushed; after that a file's bytes are safe as of its last fsync(), names as of the folder's. One at a
-// time; the folder's files are regular and stand in it directly.
+// The disk under one folder, which a power cut may leave without anything that was not flushed. What is in the folder
+// at first counts as flushed; after that a file's bytes are safe as of its last fsync(), names as of the folder's. One
+// at a time; the folder's files are regular and stand in it directly.
 class PowerCut {
 public:
     using Files = std::map<std::string, std::string>; // names and bytes

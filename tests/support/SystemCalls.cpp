@@ -90,8 +90,8 @@ void SystemCalls::clear() {
 
 } // namespace testing_support
 
-// A program's own definition of a library's function stands before the library's. A sanitizer watches some of them, too,
-// and then has the next word.
+// A program's own definition of a library's function stands before the library's. A sanitizer watches some of them,
+// too, and then has the next word.
 #define NEXT_CALL(result, name, parameters)                                                                            \
     extern "C" [[gnu::weak]] result __interceptor_##name parameters;                                                   \
     static auto* next_##name() {                                                                                       \

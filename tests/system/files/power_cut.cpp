@@ -1,7 +1,7 @@
 // What is left of a file that is replaced when the power is cut.
 
-#include "tests/support/PowerCut.h"
 #include "system/files/atomic_file.h"
+#include "tests/support/PowerCut.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <fstream>

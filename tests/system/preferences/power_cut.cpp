@@ -1,8 +1,8 @@
 // What is left of a setting when the power is cut.
 
-#include "tests/support/PowerCut.h"
 #include "platform/foundation/NSData.h"
 #include "platform/foundation/NSPropertyListSerialization.h"
+#include "tests/support/PowerCut.h"
 #include "tests/system/preferences/fixture.h"
 
 using namespace seat;

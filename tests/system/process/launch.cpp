@@ -32,10 +32,10 @@ protected:
 };
 
 TEST_F(Launch, TheToolGetsItsPathAndItsArgumentsAndNothingElse) {
-    const auto lines = report({"", "with blank", "--option"});
+    const auto lines = report({"", "with space", "--option"});
 
     EXPECT_EQ((std::vector<std::string>{"argument " + m_folder.file("usr/bin/tool"), "argument report",
-                                        "argument " + m_folder.file("report"), "argument ", "argument with blank",
+                                        "argument " + m_folder.file("report"), "argument ", "argument with space",
                                         "argument --option"}),
               beginning(lines, "argument "));
 }
