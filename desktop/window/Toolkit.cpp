@@ -15,6 +15,8 @@
 #include <fcntl.h>
 #include <future>
 #include <unistd.h>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -25,6 +27,13 @@ bool isStarting = false;
 std::string& startProblem() {
     static auto* const problem = new std::string;
     return *problem;
+}
+
+// What else was said meanwhile. It is worth a line only when the toolkit has started: each plugin that finds no window
+// system of its kind says so in its own way, and the reason is told in one sentence.
+std::vector<std::string>& waitingMessages() {
+    static auto* const messages = new std::vector<std::string>;
+    return *messages;
 }
 
 // What is no failure of anybody: a reader that asks for a node which has just gone, and a folder that we do not use.
@@ -42,8 +51,11 @@ void logMessage(QtMsgType type, const QMessageLogContext& context, const QString
     const bool isInteresting = type == QtWarningMsg || type == QtCriticalMsg || type == QtFatalMsg;
     if (!isInteresting || isOrdinary(message)) return;
     const bool isOfPlatform = context.category && std::string_view(context.category).starts_with("qt.qpa");
-    if (isStarting && noDisplayHandler && isOfPlatform) {
-        if (startProblem().empty()) startProblem() = message.toStdString();
+    if (isStarting && noDisplayHandler) {
+        if (isOfPlatform && startProblem().empty())
+            startProblem() = message.toStdString();
+        else if (!isOfPlatform)
+            waitingMessages().push_back(message.toStdString());
         return;
     }
     NSLog("toolkit: %s", message.toUtf8().constData());
@@ -114,6 +126,7 @@ seat::Toolkit::Toolkit(const ToolkitOptions& options) : m_state(std::make_unique
     QGuiApplication::setQuitOnLastWindowClosed(false);
     state.application = std::make_unique<QGuiApplication>(state.argumentCount, state.arguments);
     isStarting = false;
+    for (const auto& message : std::exchange(waitingMessages(), {})) NSLog("toolkit: %s", message.c_str());
     askForPlainKeyRepeat();
     setPasteboard(
         {[] { return QGuiApplication::clipboard()->text().toStdString(); },

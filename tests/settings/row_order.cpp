@@ -1,5 +1,6 @@
 // In which order the page changes its rows, as its table hears of it.
 
+#include "platform/uikit/UITableViewController.h"
 #include "tests/settings/PageTest.h"
 
 #include <functional>

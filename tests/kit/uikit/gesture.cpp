@@ -98,7 +98,7 @@ TEST_F(Gestures, FingerThatBeginsTwiceIsCancelledBeforeItBeginsAnew) {
     touches.press({120, 30}, 7);
 
     EXPECT_EQ(recorder->take(), "first:began(10,10) first:cancelled(10,10) second:began(10,20) second:ended(10,20) "
-                                "first:began(20,20) pan:began(50,20) first:cancelled(50,20) pan:cancelled/0 "
+                                "first:began(20,20) first:cancelled(50,20) pan:began(50,20) pan:cancelled/0 "
                                 "second:began(20,30)");
 }
 

@@ -104,6 +104,9 @@ TEST_F(Scenes, ViewThatAsksForLayoutWhileItIsLaidOutGetsNoFrameForIt) {
 TEST_F(Scenes, DamageStaysShortAndJoinsWhatIsCheaperInOne) {
     const CGRect bounds{{0, 0}, {320, 480}};
     std::vector<CGRect> damage;
+    for (const CGRect nothing : {CGRect{{5, 5}, {0, 10}}, CGRect{{5, 5}, {10, 0}}, CGRect{{400, 5}, {10, 10}}})
+        seat::addDamage(damage, nothing, bounds);
+    EXPECT_TRUE(damage.empty());
     seat::addDamage(damage, {{0, 0}, {10, 10}}, bounds);
     seat::addDamage(damage, {{5, 0}, {10, 10}}, bounds);
     EXPECT_EQ(written(damage), "0,0 15x10");
