@@ -55,8 +55,7 @@ TEST(AffineTransform, ThatCannotBeInvertedComesBackAsItIs) {
 }
 
 TEST(AffineTransform, MirroredRectangleHasItsOriginAtTheOtherEnd) {
-    EXPECT_EQ(CGRectApplyAffineTransform({{1, 2}, {3, 4}}, CGAffineTransformMakeScale(-1, 1)),
-              CGRectMake(-4, 2, 3, 4));
+    EXPECT_EQ(CGRectApplyAffineTransform({{1, 2}, {3, 4}}, CGAffineTransformMakeScale(-1, 1)), CGRectMake(-4, 2, 3, 4));
     EXPECT_EQ(CGRectApplyAffineTransform({{1, 2}, {3, 4}}, CGAffineTransformMakeScale(1, -2)),
               CGRectMake(1, -12, 3, 8));
 }
