@@ -1,5 +1,4 @@
 #include "colourpicker/TileGrid.h"
-#include "colourpicker/UIImage_CoreGraphics.h"
 #include "colourpicker/ZKColorMapView.h"
 #include "kit/quartz/screen.h"
 #include "platform/uikit/UIImage.h"
@@ -36,28 +35,6 @@ std::vector<double> covers(std::size_t pixels, double from, double to, bool isLa
         result[i] = middle > from && (middle <= to || isLast) ? 1 : 0;
     }
     return result;
-}
-
-enum class Order { Rows, Columns };
-
-// Black tiles over white of this opacity.
-std::vector<std::uint32_t> tiles(CGSize size, double tile, Order order, double white) {
-    const int columns = static_cast<int>(size.width / tile);
-    const int rows = static_cast<int>(size.height / tile);
-    const auto image = zk_imageWithSize_renderer({columns * tile, rows * tile}, [&](CGContextRef context, CGRect rect) {
-        CGContextSetRGBFillColor(context, 1, 1, 1, white);
-        CGContextFillRect(context, rect);
-        CGContextSetGrayFillColor(context, 0, 1);
-        const int outer = order == Order::Rows ? rows : columns;
-        const int inner = order == Order::Rows ? columns : rows;
-        for (int a = 0; a < outer; ++a)
-            for (int b = 0; b < inner; ++b) {
-                const int column = order == Order::Rows ? b : a;
-                const int row = order == Order::Rows ? a : b;
-                CGContextFillRect(context, {{tile * column, tile * row}, {tile, tile}});
-            }
-    });
-    return image->CGImage()->pixels;
 }
 
 int worstDifference(const CGImage& image, const ReferenceField& field, double scale) {
@@ -135,22 +112,6 @@ TEST_P(ColorField, BackgroundOfWholeTilesIsBlackAllOver) {
     EXPECT_EQ(image->size(), (CGSize{320, 352}));
     EXPECT_EQ(image->CGImage()->width, 320u * GetParam());
     for (const std::uint32_t pixel : image->CGImage()->pixels) ASSERT_EQ(pixel, 0xff000000);
-}
-
-// Where tiles end within pixels, white shines through their seams, and the pixels keep the order of the tiles.
-TEST_P(ColorField, BackgroundIsBlackTilesRowByRowOverWhite) {
-    constexpr CGSize size{40, 40};
-    bool whiteMatters = false;
-    bool orderMatters = false;
-    for (const double tile : {2.3, 3.15, 4.7, 6.45}) {
-        const auto background = ZKColorMapView::backgroundImageWithSize_tileSize(size, tile);
-        ASSERT_TRUE(background);
-        EXPECT_EQ(background->CGImage()->pixels, tiles(size, tile, Order::Rows, 1)) << tile;
-        orderMatters |= background->CGImage()->pixels != tiles(size, tile, Order::Columns, 1);
-        whiteMatters |= background->CGImage()->pixels != tiles(size, tile, Order::Rows, 0);
-    }
-    EXPECT_TRUE(whiteMatters);
-    EXPECT_TRUE(orderMatters || GetParam() == 1);
 }
 
 TEST_P(ColorField, WithoutWholeTilesThereIsNoPicture) {
