@@ -29,7 +29,7 @@ namespace {
 namespace fs = std::filesystem;
 using namespace std::chrono_literals;
 
-constexpr auto busPatience = 300ms; // a bus that is well answers in less than one
+constexpr auto busTimeout = 300ms; // a bus that is well answers in less than one
 
 void complain(const std::string& sentence) { std::fprintf(stderr, "joyvane-settings: %s\n", sentence.c_str()); }
 
@@ -121,7 +121,7 @@ int app::runApplication(const Options& options) {
         return ExitBundleRefused;
     }
     if (!settleRoot(options.root)) return ExitFailure;
-    seat::settleSessionBus(busPatience);
+    seat::settleSessionBus(busTimeout);
 
     // The module is read through on another thread while the toolkit starts.
     auto check = std::async(std::launch::async, seat::moduleProblem, bundle.modulePath, bundle.seal);

@@ -97,7 +97,7 @@ endfunction()
 # braces. What a test tries is compiled as it is shipped; the test itself need not be fast, and takes the compiler half
 # the time this way.
 function(joyvane_test_options name)
-  target_compile_options(${name} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-dangling-else -O0>)
+  target_compile_options(${name} PRIVATE -O0 $<$<CXX_COMPILER_ID:GNU>:-Wno-dangling-else>)
 endfunction()
 
 # joyvane_test(<name> [SOURCES <files...>] [ANY_SEAT <files...>] [LIBRARIES <targets...>]
@@ -162,7 +162,7 @@ function(joyvane_service_test name)
   endif()
   add_executable(${name} ${exclude} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE joyvane_flags joyvane_service GTest::gmock GTest::gtest_main ${ARG_LIBRARIES})
-  target_compile_options(${name} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-dangling-else -O0>)
+  target_compile_options(${name} PRIVATE -O0 $<$<CXX_COMPILER_ID:GNU>:-Wno-dangling-else>)
   joyvane_command_test(${name} COMMAND ${name}
     LABELS ${ARG_LABELS} TIMEOUT ${ARG_TIMEOUT} ENVIRONMENT ${ARG_ENVIRONMENT})
 endfunction()

@@ -1,7 +1,7 @@
 #pragma once
 
 // How to pair a PS3 controller from a computer: the message body (HTML, one line) and the web page with the same. The
-// body's link targets are unquoted attribute values, so they hold no blank, quote, "=" or angle bracket as it stands.
+// body's link targets are unquoted attribute values, so they hold no space, quote, "=" or angle bracket as it stands.
 
 // Targets that others own are their public pages; those of our own site use a reserved name until there is one.
 #define JVN_SITE "http://joyvane.quorrel.example"

@@ -2,13 +2,13 @@
 
 namespace {
 
-constexpr std::string_view blanks = " \t\r";
+constexpr std::string_view spaces = " \t\r";
 
-// Takes the first word off `rest`, which begins with no blank. False when a quotation has no end.
+// Takes the first word off `rest`, which begins with no space. False when a quotation has no end.
 bool takeWord(std::string_view& rest, std::string& word) {
     const bool isQuoted = rest.front() == '"';
     if (isQuoted) rest.remove_prefix(1);
-    const auto end = isQuoted ? rest.find('"') : rest.find_first_of(blanks);
+    const auto end = isQuoted ? rest.find('"') : rest.find_first_of(spaces);
     if (isQuoted && end == std::string_view::npos) return false;
     word = rest.substr(0, end);
     rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
@@ -25,7 +25,7 @@ app::Script app::parseScript(std::string_view text) {
         text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
         ScriptLine line{number, {}};
         for (;;) {
-            const auto begin = rest.find_first_not_of(blanks);
+            const auto begin = rest.find_first_not_of(spaces);
             if (begin == std::string_view::npos || rest[begin] == '#') break;
             rest.remove_prefix(begin);
             std::string word;

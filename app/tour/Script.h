@@ -1,6 +1,6 @@
 #pragma once
 
-// The text that a tour follows: one step a line, words separated by blanks, "quoted" where they hold blanks, # begins a
+// The text that a tour follows: one step a line, words separated by spaces, "quoted" where they hold spaces, # begins a
 // comment.
 
 #include <string>

@@ -24,7 +24,7 @@ namespace {
 using namespace app;
 using Words = std::span<const std::string>; // what follows the verb
 
-constexpr double patience = 10; // seconds
+constexpr double timeout = 10; // seconds
 constexpr double dragSeconds = 0.5;
 
 std::string quoted(const NodeQuery& query) { return query.role + " \"" + query.name + '"'; }
@@ -48,8 +48,8 @@ std::vector<double> numbers(Words words) {
 }
 
 std::string wait(Tour& tour, const std::string& what, const std::function<bool()>& done) {
-    if (tour.stage.waitUntil(done, patience)) return {};
-    return "waited " + NSStringWithFormat("%g", patience) + " s in vain for " + what;
+    if (tour.stage.waitUntil(done, timeout)) return {};
+    return "timed out after " + NSStringWithFormat("%g", timeout) + " s waiting for " + what;
 }
 
 // The node, where it can be touched; `problem` when it cannot be had.

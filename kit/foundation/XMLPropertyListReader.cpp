@@ -143,7 +143,7 @@ void XMLReader::end() {
 void XMLReader::characters(std::string_view text) {
     if (m_scalar)
         m_text += text;
-    else if (text.find_first_not_of(blanks) != std::string_view::npos)
+    else if (text.find_first_not_of(spaces) != std::string_view::npos)
         refuse(strayText);
 }
 

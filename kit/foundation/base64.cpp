@@ -5,16 +5,16 @@
 
 namespace {
 
-constexpr std::uint8_t blank = 64, padding = 65, stranger = 66;
+constexpr std::uint8_t space = 64, padding = 65, invalid = 66;
 
 // What each character stands for: six bits, or one of the above.
 constexpr auto meanings = [] {
     constexpr std::string_view digits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
     std::array<std::uint8_t, 256> all{};
-    for (auto& meaning : all) meaning = stranger;
+    for (auto& meaning : all) meaning = invalid;
     for (std::size_t i = 0; i < digits.size(); ++i)
         all[static_cast<std::uint8_t>(digits[i])] = static_cast<std::uint8_t>(i);
-    for (const char c : {' ', '\t', '\n', '\r'}) all[static_cast<std::uint8_t>(c)] = blank;
+    for (const char c : {' ', '\t', '\n', '\r'}) all[static_cast<std::uint8_t>(c)] = space;
     all['='] = padding;
     return all;
 }();
@@ -29,7 +29,7 @@ std::optional<std::vector<std::uint8_t>> seat::decodeBase64(std::string_view tex
     unsigned count = 0; // bits that wait, always below 8 between two characters
     for (const char c : text) {
         const std::uint8_t meaning = meanings[static_cast<std::uint8_t>(c)];
-        if (meaning >= blank) continue;
+        if (meaning >= space) continue;
         bits = bits << 6 | meaning;
         count += 6;
         if (count < 8) continue;
@@ -54,15 +54,15 @@ std::string seat::encodeBase64(std::string_view bytes) {
 }
 
 bool seat::isBase64(std::string_view text) {
-    std::size_t blanks = 0;
+    std::size_t spaces = 0;
     std::size_t pads = 0;
-    bool hasStrangers = false;
+    bool hasInvalid = false;
     // Without a branch and in counts of a byte, so that many characters are looked at in one go.
     constexpr std::size_t most = 128;
     for (std::string_view rest = text; !rest.empty(); rest.remove_prefix(std::min(rest.size(), most))) {
-        std::uint8_t blanksHere = 0;
+        std::uint8_t spacesHere = 0;
         std::uint8_t padsHere = 0;
-        std::uint8_t strangersHere = 0;
+        std::uint8_t invalidHere = 0;
         for (const char signedC : rest.substr(0, most)) {
             const auto c = static_cast<std::uint8_t>(signedC);
             const auto within = [c](std::uint8_t first, std::uint8_t length) {
@@ -70,22 +70,22 @@ bool seat::isBase64(std::string_view text) {
             };
             const std::uint8_t isDigit =
                 within('A', 26) | within('a', 26) | within('0', 10) | within('+', 1) | within('/', 1);
-            const std::uint8_t isBlank = within(' ', 1) | within('\t', 2) | within('\r', 1);
+            const std::uint8_t isSpace = within(' ', 1) | within('\t', 2) | within('\r', 1);
             const std::uint8_t isPad = within('=', 1);
-            blanksHere = static_cast<std::uint8_t>(blanksHere + isBlank);
+            spacesHere = static_cast<std::uint8_t>(spacesHere + isSpace);
             padsHere = static_cast<std::uint8_t>(padsHere + isPad);
-            strangersHere = static_cast<std::uint8_t>(strangersHere | (1 ^ (isDigit | isBlank | isPad)));
+            invalidHere = static_cast<std::uint8_t>(invalidHere | (1 ^ (isDigit | isSpace | isPad)));
         }
-        blanks += blanksHere;
+        spaces += spacesHere;
         pads += padsHere;
-        hasStrangers |= strangersHere != 0;
+        hasInvalid |= invalidHere != 0;
     }
-    if (hasStrangers || pads > 2 || (text.size() - blanks) % 4 != 0) return false;
+    if (hasInvalid || pads > 2 || (text.size() - spaces) % 4 != 0) return false;
     // The padding is all at the end, and what is before it has no bits that stand for no byte.
     std::uint8_t lastBits = 0;
     for (std::size_t at = text.size(); at-- > 0;) {
         const std::uint8_t meaning = meanings[static_cast<std::uint8_t>(text[at])];
-        if (meaning == blank) continue;
+        if (meaning == space) continue;
         if (meaning != padding) return pads == 0 && (meaning & lastBits) == 0;
         --pads;
         lastBits = static_cast<std::uint8_t>(lastBits << 2 | 3);

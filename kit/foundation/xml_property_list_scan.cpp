@@ -24,7 +24,7 @@ constexpr const char* junk = "is no XML: junk after document element";
 constexpr auto endsRun = [] {
     std::array<bool, 256> all{};
     for (std::size_t c = 0; c < all.size(); ++c)
-        all[c] = c == '<' || c == '&' || (c < 0x20 && !isBlank(static_cast<char>(c)));
+        all[c] = c == '<' || c == '&' || (c < 0x20 && !isSpace(static_cast<char>(c)));
     return all;
 }();
 
@@ -124,10 +124,10 @@ private:
     }
 
     bool betweenElements() {
-        while (m_at < m_text.size() && isBlank(m_text[m_at])) ++m_at;
+        while (m_at < m_text.size() && isSpace(m_text[m_at])) ++m_at;
         if (m_at == m_text.size() || m_text[m_at] == '<') return true;
         m_token = m_at;
-        if (m_text[m_at] == '&') return leaveToReader(); // it may spell a blank
+        if (m_text[m_at] == '&') return leaveToReader(); // it may spell a space
         return refuse(m_isClosed ? junk : m_open.empty() ? badToken : strayText);
     }
 
@@ -171,9 +171,9 @@ private:
         if (m_isClosed) return refuse(junk);
         const auto element = elementNamed(readName(end));
         if (end == m_text.size()) return refuse(unclosed);
-        const bool isWholeName = isBlank(m_text[end]) || m_text[end] == '>' || m_text[end] == '/';
+        const bool isWholeName = isSpace(m_text[end]) || m_text[end] == '>' || m_text[end] == '/';
         if (!element || !isWholeName) return refuse(unknownElement);
-        while (end < m_text.size() && isBlank(m_text[end])) ++end;
+        while (end < m_text.size() && isSpace(m_text[end])) ++end;
         // Its attributes are the reader's to judge, and it does so at once.
         if (element == Element::Plist) end = unquoted("/>", end);
         if (end == m_text.size()) return refuse(unclosed);
@@ -219,7 +219,7 @@ private:
         const Element element = m_scalar.value_or(m_open.back().element);
         std::size_t end = m_at + 2;
         if (readName(end) != elementNames[static_cast<std::size_t>(element)]) return refuse(badTag);
-        while (end < m_text.size() && isBlank(m_text[end])) ++end;
+        while (end < m_text.size() && isSpace(m_text[end])) ++end;
         if (end == m_text.size() || m_text[end] != '>') return refuse(badTag);
         const std::string_view text = m_scalar ? m_text.substr(m_scalarAt, m_at - m_scalarAt) : std::string_view();
         m_at = end + 1;

@@ -56,12 +56,12 @@ inline std::optional<Element> elementNamed(std::string_view name) {
     return name.size() > sizeof(std::uint64_t) ? std::nullopt : elementNamed(packed(name));
 }
 
-inline constexpr std::string_view blanks = " \t\r\n";
-constexpr bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
+inline constexpr std::string_view spaces = " \t\r\n";
+constexpr bool isSpace(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
 
 inline std::string_view trimmed(std::string_view text) {
-    while (!text.empty() && isBlank(text.front())) text.remove_prefix(1);
-    while (!text.empty() && isBlank(text.back())) text.remove_suffix(1);
+    while (!text.empty() && isSpace(text.front())) text.remove_prefix(1);
+    while (!text.empty() && isSpace(text.back())) text.remove_suffix(1);
     return text;
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-// What a path without dents covers; the paths that were filled last are remembered.
+// What a convex path covers; the paths that were filled last are remembered.
 
 #include "kit/quartz/Coverage.h"
 #include "platform/quartz/CGPath.h"

@@ -1,6 +1,7 @@
 #pragma once
 
-// Edges in device pixels. A sum of fractions may miss the edge that was meant by a hair; the allowance makes up for it.
+// Edges in device pixels. A sum of fractions may miss the edge that was meant by a rounding error; the allowance makes
+// up for it.
 
 #include <cmath>
 

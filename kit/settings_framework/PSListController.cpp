@@ -90,11 +90,16 @@ void PSListController::loadView() {
     container->setBackgroundColor(seat::appearance::pageColor());
     m_list->table = UITableView::alloc()->initWithFrame_style(container->bounds(), UITableViewStyleGrouped);
     m_list->table->setAutoresizingMask(UIViewAutoresizingFlexibleWidth | UIViewAutoresizingFlexibleHeight);
+    container->addSubview(m_list->table);
+    setView(container);
+}
+
+void PSListController::viewDidLoad() {
+    UIViewController::viewDidLoad();
+    if (!m_list->table) return;
     const auto me = self(this);
     m_list->table->setDataSource(me);
     m_list->table->setDelegate(me);
-    container->addSubview(m_list->table);
-    setView(container);
 }
 
 void PSListController::viewWillAppear(bool animated) {

@@ -60,6 +60,8 @@ public:
 
     std::shared_ptr<UITableView> table() const;
     void loadView() override;
+    // From here on the table shows the rows.
+    void viewDidLoad() override;
     void viewWillAppear(bool animated) override;
     void viewDidLayoutSubviews() override;
     // While a row stays selected.

@@ -90,7 +90,7 @@ public:
     void setNeedsLayout();
     void layoutIfNeeded();
     virtual void layoutSubviews();
-    // A view directly in this one has changed its size, by whatever road; by default nothing.
+    // A view directly in this one has changed its size, for whatever reason; by default nothing.
     virtual void subviewSizeChanged(UIView& subview);
     unsigned autoresizingMask() const;
     void setAutoresizingMask(unsigned mask);

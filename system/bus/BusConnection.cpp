@@ -15,7 +15,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::chrono::milliseconds patience{5000};
+constexpr std::chrono::milliseconds answerTimeout{5000};
 // What one turn of the run loop gives to messages, so that a flood of them leaves time for everything else.
 constexpr int mostMessagesPerTurn = 64;
 constexpr std::chrono::milliseconds longestTurn{4};
@@ -117,7 +117,7 @@ void seat::BusConnection::open(const std::string& address) {
     close();
     m_state = State::Opening;
     m_attempt = std::make_shared<int>();
-    m_patience = m_events.addTimer(patience, EventSet::Timer::Once, [this] { m_owner.busIsSilent(); });
+    m_answerTimeout = m_events.addTimer(answerTimeout, EventSet::Timer::Once, [this] { m_owner.busIsSilent(); });
     // Connecting waits when the bus does not take its connections. Nothing else of a connection does.
     dispatch_async(dispatch_get_global_queue(DISPATCH_QUEUE_PRIORITY_DEFAULT, 0),
                    [this, address, attempt = std::weak_ptr<int>(m_attempt)] {
@@ -170,7 +170,7 @@ void seat::BusConnection::greeted(DBusMessage* reply) {
         if (m_lossReason.empty()) m_lossReason = "the bus refused the connection";
         return;
     }
-    m_events.remove(std::exchange(m_patience, 0));
+    m_events.remove(std::exchange(m_answerTimeout, 0));
     ::dbus_pending_call_unref(std::exchange(m_hello, nullptr));
     m_uniqueName = name;
     m_state = State::Ready;
@@ -187,7 +187,7 @@ void seat::BusConnection::close() {
     m_attempt.reset();
     m_uniqueName.clear();
     m_lossReason.clear();
-    m_events.remove(std::exchange(m_patience, 0));
+    m_events.remove(std::exchange(m_answerTimeout, 0));
     setDispatchWaiting(false);
     if (m_hello) {
         ::dbus_pending_call_cancel(m_hello);

@@ -80,7 +80,7 @@ private:
     std::chrono::steady_clock::time_point m_readySince;
     std::map<int, Watched> m_watched;
     std::map<DBusTimeout*, EventSet::Token> m_timeouts;
-    EventSet::Token m_patience = 0;
+    EventSet::Token m_answerTimeout = 0;
     Descriptor m_again; // readable while messages wait to be dispatched
     EventSet::Token m_againToken = 0;
     bool m_isDispatching = false;

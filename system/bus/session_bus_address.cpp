@@ -56,7 +56,7 @@ public:
         return true;
     }
 
-    // Bytes as they come; empty at the end of the stream, of the patience, or on failure.
+    // Bytes as they come; empty at the end of the stream, of the time, or on failure.
     std::string hear() {
         char bytes[512];
         for (;;) {
@@ -139,8 +139,8 @@ std::string addressInRuntimeFolder() {
 
 } // namespace
 
-BusState seat::probeBus(const std::string& addresses, std::chrono::milliseconds patience) {
-    const auto deadline = Clock::now() + patience;
+BusState seat::probeBus(const std::string& addresses, std::chrono::milliseconds timeout) {
+    const auto deadline = Clock::now() + timeout;
     BusState best = BusState::Absent;
     for (DBusAddressEntry* const entry : AddressEntries(addresses)) {
         const auto method = AddressEntries::method(entry);
@@ -155,11 +155,11 @@ BusState seat::probeBus(const std::string& addresses, std::chrono::milliseconds 
     return best;
 }
 
-BusState seat::settleSessionBus(std::chrono::milliseconds patience) {
+BusState seat::settleSessionBus(std::chrono::milliseconds timeout) {
     auto& address = knownAddress();
     address = environment(addressVariable);
     if (address.empty()) address = addressInRuntimeFolder();
-    const BusState state = probeBus(address, patience);
+    const BusState state = probeBus(address, timeout);
     setenv(addressVariable, state == BusState::Answers ? address.c_str() : nobodysBusAddress, 1);
     return state;
 }

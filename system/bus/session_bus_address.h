@@ -10,10 +10,10 @@ namespace seat {
 
 enum class BusState { Answers, Silent, Absent };
 
-// Connects, authenticates and says hello, all within `patience`. Of several addresses the first that answers counts.
+// Connects, authenticates and says hello, all within `timeout`. Of several addresses the first that answers counts.
 // A malformed list counts as absent. Only UNIX sockets are asked; a network address counts as answering, one that would
 // start a program as absent.
-BusState probeBus(const std::string& addresses, std::chrono::milliseconds patience);
+BusState probeBus(const std::string& addresses, std::chrono::milliseconds timeout);
 
 // An address at which nobody ever listens.
 inline constexpr const char* nobodysBusAddress = "unix:path=/nonexistent/session-bus";
@@ -21,7 +21,7 @@ inline constexpr const char* nobodysBusAddress = "unix:path=/nonexistent/session
 // Before the toolkit starts, and before there are threads: finds the session's bus (the environment's, else the one in
 // the run-time folder) and probes it. Where none answers, the environment gets an address that nothing listens at, so
 // that every connection fails at once.
-BusState settleSessionBus(std::chrono::milliseconds patience);
+BusState settleSessionBus(std::chrono::milliseconds timeout);
 
 // The bus as the session names it, whether or not it answered; empty when it has none. For later tries, and for
 // children.

@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr std::chrono::seconds patience{5};
+constexpr std::chrono::seconds timeout{5};
 
 } // namespace
 
@@ -21,5 +21,5 @@ void seat::sendMessage(const std::string& center, const std::string& message,
     std::vector<id> arguments;
     if (dictionary) arguments.emplace_back(dictionary);
     SessionBus::shared().call({center, messagingCenterPath, center, message}, dictionary ? "a{sv}" : "", arguments,
-                              patience, std::move(replied));
+                              timeout, std::move(replied));
 }

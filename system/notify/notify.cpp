@@ -16,7 +16,7 @@
 namespace {
 
 // How long a post on another thread waits for the bus at most.
-constexpr std::chrono::milliseconds patience{100};
+constexpr std::chrono::milliseconds timeout{100};
 
 // Where a poster waits for the main thread, which may come too late or never.
 class Handover {
@@ -28,7 +28,7 @@ public:
     }
     void wait() {
         std::unique_lock lock(m_mutex);
-        m_changed.wait_for(lock, patience, [this] { return m_done; });
+        m_changed.wait_for(lock, timeout, [this] { return m_done; });
     }
 
 private:
@@ -40,7 +40,7 @@ private:
 // The bus treats what comes from us in order: when it answers, it has passed on all that was sent before.
 void finishOnceTheBusAnswers(const std::shared_ptr<Handover>& handover) {
     constexpr const char* bus = "org.freedesktop.DBus";
-    seat::SessionBus::shared().call({bus, "/org/freedesktop/DBus", bus, "GetId"}, "", {}, patience,
+    seat::SessionBus::shared().call({bus, "/org/freedesktop/DBus", bus, "GetId"}, "", {}, timeout,
                                     [handover](const seat::SessionBus::Reply&) { handover->finish(); });
 }
 

@@ -8,7 +8,7 @@
 
 namespace seat {
 
-FileLock::FileLock(int folder, const std::string& name, std::chrono::milliseconds patience) {
+FileLock::FileLock(int folder, const std::string& name, std::chrono::milliseconds timeout) {
     // Without waiting for a pipe's other end, should somebody have put one here.
     m_descriptor.reset(
         openat(folder, name.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY, 0600));
@@ -16,7 +16,7 @@ FileLock::FileLock(int folder, const std::string& name, std::chrono::millisecond
         m_reason = std::string("its lock cannot be opened: ") + strerror(errno);
         return;
     }
-    const auto deadline = std::chrono::steady_clock::now() + patience;
+    const auto deadline = std::chrono::steady_clock::now() + timeout;
     // There is no lock call with a time limit; the wait grows so that a short hold costs little and a long one no work.
     auto pause = std::chrono::microseconds(100);
     while (!(m_held = flock(m_descriptor.get(), LOCK_EX | LOCK_NB) == 0)) {

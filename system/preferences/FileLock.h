@@ -11,8 +11,8 @@ namespace seat {
 // of when this object dies, also when its process is killed. The lock's file stays behind, empty.
 class FileLock {
 public:
-    // Waits at most `patience`.
-    FileLock(int folder, const std::string& name, std::chrono::milliseconds patience);
+    // Waits at most `timeout`.
+    FileLock(int folder, const std::string& name, std::chrono::milliseconds timeout);
 
     bool isHeld() const { return m_held; }
     // Somebody else holds it; otherwise the lock's file could not be made.

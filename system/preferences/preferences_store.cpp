@@ -47,7 +47,7 @@ public:
     id value(const std::string& domain, const std::string& key);
     bool setValue(const std::string& domain, const std::string& key, const id& value, std::function<void()> later);
     // `own` is the value whose writer learns of it by the result; 0: none.
-    Outcome storeKept(const std::string& domain, std::chrono::milliseconds patience, Caller caller,
+    Outcome storeKept(const std::string& domain, std::chrono::milliseconds timeout, Caller caller,
                       std::uint64_t own = 0);
     std::vector<std::string> domainsWithKeptValues();
 
@@ -127,7 +127,7 @@ bool Store::setValue(const std::string& domain, const std::string& key, const id
         std::erase_if(kept, [&](const KeptValue& other) { return other.key == key; });
         kept.push_back({key, value, serial = ++m_serial, std::move(later)});
     }
-    const Outcome outcome = storeKept(domain, preferencesPatience, Caller::Writer, serial);
+    const Outcome outcome = storeKept(domain, preferencesTimeout, Caller::Writer, serial);
     if (outcome == Outcome::Busy) waitForLockElsewhere(domain);
     return outcome == Outcome::Stored;
 }
@@ -163,10 +163,10 @@ private:
     std::vector<KeptValue> m_taken;
 };
 
-Outcome Store::storeKept(const std::string& domain, std::chrono::milliseconds patience, Caller caller,
+Outcome Store::storeKept(const std::string& domain, std::chrono::milliseconds timeout, Caller caller,
                          std::uint64_t own) {
     KeptChanges changes(*this, domain);
-    const auto result = changePreferencesFile(folder(), domain, changes, patience);
+    const auto result = changePreferencesFile(folder(), domain, changes, timeout);
     if (!result.reason.empty() && !(result.isBusy && caller == Caller::Worker))
         NSLog("writing the preferences %s: %s%s", domain.c_str(), result.reason.c_str(),
               result.isStored ? "" : "; the value is kept for this session");
@@ -221,10 +221,10 @@ bool setPreferenceValue(const std::string& domain, const std::string& key, const
     return Store::shared().setValue(domain, key, value, std::move(storedLater));
 }
 
-bool storeKeptPreferences(std::chrono::milliseconds patience) {
+bool storeKeptPreferences(std::chrono::milliseconds timeout) {
     bool isAllStored = true;
     for (const auto& domain : Store::shared().domainsWithKeptValues())
-        if (Store::shared().storeKept(domain, patience, Caller::Writer) != Outcome::Stored) isAllStored = false;
+        if (Store::shared().storeKept(domain, timeout, Caller::Writer) != Outcome::Stored) isAllStored = false;
     return isAllStored;
 }
 

@@ -9,10 +9,10 @@
 namespace seat {
 
 // How long a write waits for another process that is writing.
-inline constexpr std::chrono::milliseconds preferencesPatience{50};
+inline constexpr std::chrono::milliseconds preferencesTimeout{50};
 
-// Tries once more to store what is still kept, waiting up to `patience` for each file. True when nothing is kept any
+// Tries once more to store what is still kept, waiting up to `timeout` for each file. True when nothing is kept any
 // more. For the end of the process.
-bool storeKeptPreferences(std::chrono::milliseconds patience = preferencesPatience);
+bool storeKeptPreferences(std::chrono::milliseconds timeout = preferencesTimeout);
 
 } // namespace seat

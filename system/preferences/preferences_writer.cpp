@@ -206,12 +206,12 @@ bool Writer::moveAside(const PreferencesFile& file) {
 void setPreferencesWriteProbe(std::function<int(PreferencesWriteStep)> function) { probe() = std::move(function); }
 
 PreferencesWriteResult changePreferencesFile(const std::string& folder, const std::string& domain,
-                                             PreferencesChanges& changes, std::chrono::milliseconds patience) {
+                                             PreferencesChanges& changes, std::chrono::milliseconds timeout) {
     std::error_code error;
     std::filesystem::create_directories(folder, error);
     const Descriptor descriptor(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!descriptor) return {false, false, "its folder: " + (error ? error.message() : strerror(errno))};
-    const FileLock lock(descriptor.get(), lockName(domain), patience);
+    const FileLock lock(descriptor.get(), lockName(domain), timeout);
     if (!lock.isHeld()) return {false, lock.isBusy(), lock.reason()};
     const auto taken = changes.take();
     // Another thread has stored them with its own.

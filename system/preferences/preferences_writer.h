@@ -28,10 +28,10 @@ public:
     virtual void stored() = 0;
 };
 
-// Real paths. Waits for the lock at most `patience`. A file that cannot be read as a dictionary is moved aside first
+// Real paths. Waits for the lock at most `timeout`. A file that cannot be read as a dictionary is moved aside first
 // ("<domain>.damaged-<n>"), byte for byte; what is no file at all is left alone.
 PreferencesWriteResult changePreferencesFile(const std::string& folder, const std::string& domain,
-                                             PreferencesChanges& changes, std::chrono::milliseconds patience);
+                                             PreferencesChanges& changes, std::chrono::milliseconds timeout);
 
 // Removes what writers that were killed have left beside the domain's file, which would look like a write under way for
 // ever. Never waits.

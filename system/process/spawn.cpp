@@ -1,7 +1,6 @@
 #include "system/process/spawn.h"
 
 #include "system/process/pidfd.h"
-#include "system/process/process_faults.h"
 
 #include <cerrno>
 #include <csignal>
@@ -101,9 +100,8 @@ seat::SpawnedChild seat::spawn(ChildKind kind, const std::string& realPath, cons
     ::sigset_t before;
     ::sigfillset(&all);
     ::pthread_sigmask(SIG_SETMASK, &all, &before);
-    const int fault = takeForkFault();
-    const ::pid_t identifier = fault ? -1 : ::fork();
-    const int forkError = fault ? fault : errno;
+    const ::pid_t identifier = ::fork();
+    const int forkError = errno;
     if (identifier == 0) becomeProgram(program, report.get());
     ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
     if (identifier < 0) return failed(forkError);

@@ -131,7 +131,7 @@ class Tour(unittest.TestCase):
 
     def test_a_step_that_is_none_is_named_with_its_line(self):
         self.assert_fails("dance", "there is no step called dance")
-        self.assert_fails("tap row Nobody", 'tap: waited 10 s in vain for row "Nobody"')
+        self.assert_fails("tap row Nobody", 'tap: timed out after 10 s waiting for row "Nobody"')
         self.assert_fails("tap wall Nobody", "tap: there is no role wall")
 
     def test_steps_with_other_words_than_theirs_say_what_they_take(self):

@@ -18,19 +18,19 @@ import tempfile
 import time
 import zlib
 
-PATIENCE = 20.0  # seconds for anything that is to happen; what does not happen by then never will
+TIMEOUT = 20.0  # seconds for anything that is to happen; what does not happen by then never will
 
 
-def wait_for(what, condition, patience=PATIENCE):
+def wait_for(what, condition, timeout=TIMEOUT):
     """The first true value of condition(); an AssertionError naming `what` when there is none in time."""
-    end = time.monotonic() + patience
+    end = time.monotonic() + timeout
     pause = 0.002
     while True:
         value = condition()
         if value:
             return value
         if time.monotonic() > end:
-            raise AssertionError(f"waited {patience:g} s in vain for {what}")
+            raise AssertionError(f"timed out after {timeout:g} s waiting for {what}")
         time.sleep(pause)
         pause = min(pause * 1.5, 0.05)
 
@@ -311,9 +311,9 @@ class App:
         with open(self.error_path) as file:
             return file.read()
 
-    def wait(self, patience=PATIENCE):
+    def wait(self, timeout=TIMEOUT):
         """The exit code."""
-        return self.process.wait(patience)
+        return self.process.wait(timeout)
 
     def close(self):
         self.process.send_signal(signal.SIGTERM)
@@ -378,13 +378,13 @@ class App:
                 raise
         return found
 
-    def find(self, role=None, name=None, patience=PATIENCE):
+    def find(self, role=None, name=None, timeout=TIMEOUT):
         """The first such node, once it is there."""
-        found = wait_for(f"a {role or 'node'} called {name!r}", lambda: self.nodes(role, name), patience)
+        found = wait_for(f"a {role or 'node'} called {name!r}", lambda: self.nodes(role, name), timeout)
         return found[0]
 
-    def gone(self, role=None, name=None, patience=PATIENCE):
-        wait_for(f"the {role or 'node'} called {name!r} to go", lambda: not self.nodes(role, name), patience)
+    def gone(self, role=None, name=None, timeout=TIMEOUT):
+        wait_for(f"the {role or 'node'} called {name!r} to go", lambda: not self.nodes(role, name), timeout)
 
     def tree(self, node=None, depth=0):
         """The nodes as text, for people."""

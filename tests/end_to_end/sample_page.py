@@ -89,7 +89,7 @@ class SamplePage(unittest.TestCase):
             before = self.focused()
             self.desktop.key(key)
             with contextlib.suppress(AssertionError):  # at the end of a bar, say, there may be nowhere to go
-                wait_for("the focus to move", lambda: self.focused() != before, patience=1)
+                wait_for("the focus to move", lambda: self.focused() != before, timeout=1)
         self.fail(f"{key} never comes to {name!r}")
 
     def open_controls(self):

@@ -2,7 +2,7 @@
 
 #include "platform/log.h"
 #include "platform/socket.h"
-#include "system/socket/socket_faults.h"
+#include "tests/support/SystemCalls.h"
 
 #include <algorithm>
 #include <atomic>
@@ -159,8 +159,11 @@ std::size_t memory_seat::openDescriptors() {
     return all.open.size() + acceptedEnds;
 }
 
+using testing_support::SystemCall;
+using testing_support::systemCallFails;
+
 int platform::socket(int domain, int type, int protocol) {
-    if (const int fault = seat::takeSocketFault(seat::SocketCall::Socket)) return failed(fault);
+    if (systemCallFails(SystemCall::Socket, -1)) return -1;
     if (domain != AF_UNIX_FAMILY || type != SOCK_STREAM_TYPE || protocol != 0) return failed(EINVAL);
     auto& all = Descriptors::shared();
     const std::lock_guard lock(all.mutex);
@@ -169,7 +172,7 @@ int platform::socket(int domain, int type, int protocol) {
 }
 
 int platform::connect(int descriptor, const sockaddr_un* address, std::size_t size) {
-    if (const int fault = seat::takeSocketFault(seat::SocketCall::Connect)) return failed(fault);
+    if (systemCallFails(SystemCall::Connect, descriptor)) return -1;
     if (!address || size != sizeof *address || address->sun_family != AF_UNIX_FAMILY) return failed(EINVAL);
     const std::string path(address->sun_path,
                            std::find(address->sun_path, std::end(address->sun_path), '\0') - address->sun_path);
@@ -187,14 +190,14 @@ int platform::connect(int descriptor, const sockaddr_un* address, std::size_t si
 }
 
 std::ptrdiff_t platform::send(int descriptor, const void* bytes, std::size_t length, int) {
-    if (const int fault = seat::takeSocketFault(seat::SocketCall::Send)) return failed(fault);
+    if (systemCallFails(SystemCall::Send, descriptor)) return -1;
     const auto found = find(descriptor);
     if (!found || !found->connection || !found->connection->toServer.write(bytes, length)) return failed(EPIPE);
     return static_cast<std::ptrdiff_t>(length);
 }
 
 std::ptrdiff_t platform::recv(int descriptor, void* bytes, std::size_t length, int flags) {
-    if (const int fault = seat::takeSocketFault(seat::SocketCall::Receive)) return failed(fault);
+    if (systemCallFails(SystemCall::Receive, descriptor)) return -1;
     const auto found = find(descriptor);
     if (!found || !found->connection) return failed(ENOTCONN);
     auto& pipe = found->connection->toClient;
@@ -216,7 +219,7 @@ std::ptrdiff_t platform::recv(int descriptor, void* bytes, std::size_t length, i
 }
 
 int platform::setsockopt(int descriptor, int level, int option, const void* value, std::size_t size) {
-    if (const int fault = seat::takeSocketFault(seat::SocketCall::SetOption)) return failed(fault);
+    if (systemCallFails(SystemCall::SetOption, descriptor)) return -1;
     timeval time;
     if (level != SOL_SOCKET_LEVEL || option != SO_RCVTIMEO_OPTION || !value || size != sizeof time)
         return failed(EINVAL);
@@ -230,6 +233,7 @@ int platform::setsockopt(int descriptor, int level, int option, const void* valu
 }
 
 int platform::close(int descriptor) {
+    if (systemCallFails(SystemCall::Close, descriptor)) return -1;
     auto& all = Descriptors::shared();
     const std::lock_guard lock(all.mutex);
     const auto found = all.open.find(descriptor);

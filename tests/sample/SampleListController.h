@@ -15,7 +15,7 @@ public:
     bool respondsToSelector(SEL selector) const override { return NSObject::respondsToSelector(selector); }
 
     const PSSpecifierList& specifiers() override;
-    // What the page was told so far, in order, separated by blanks. For tests, which know the page by the runtime only.
+    // What the page was told so far, in order, separated by spaces. For tests, which know the page by the runtime only.
     std::string journal() const { return m_journal; }
 
     void showAlert();

@@ -1,6 +1,5 @@
 // Connecting, disconnecting and asking, over a real socket: what the daemon gets, what the flag and the row become.
 
-#include "system/socket/socket_faults.h"
 #include "tests/settings/connection_test.h"
 #include "tests/support/Heartbeat.h"
 #include "tests/support/descriptors.h"
@@ -75,7 +74,8 @@ TEST_F(Connection, AQueryWhoseTimeoutCannotBeSetLeavesTheRowDisabled) {
     showSettled(1, true);
     page->setControllerConnected(false);
 
-    seat::failSocketCalls(seat::SocketCall::SetOption, 1, EINVAL);
+    SystemCalls calls;
+    calls.fail(SystemCall::SetOption, EINVAL);
     page->queryControllerConnected();
     ASSERT_TRUE(daemon->waitForConnections(2));
     app.settle();
@@ -83,7 +83,6 @@ TEST_F(Connection, AQueryWhoseTimeoutCannotBeSetLeavesTheRowDisabled) {
     EXPECT_FALSE(rowIsEnabled());
     EXPECT_EQ(hex(daemon->connections()[1]), "");
     EXPECT_FALSE(page->controllerConnected());
-    seat::clearSocketFaults();
     page->viewWillAppear(false);
     EXPECT_TRUE(app.waitUntil([&] { return rowIsEnabled(); }));
 }

@@ -5,6 +5,7 @@
 #include "system/notify/NotifyListener.h"
 #include "tests/settings/PageTest.h"
 #include "tests/support/LoggedLines.h"
+#include "tests/support/SystemCalls.h"
 
 #include <cstdint>
 #include <functional>
@@ -15,6 +16,8 @@ using testing_support::Bytes;
 using testing_support::DaemonPeer;
 using testing_support::hex;
 using testing_support::ScriptedDaemon;
+using testing_support::SystemCall;
+using testing_support::SystemCalls;
 
 inline Bytes reply(std::uint8_t command, std::uint8_t state) { return {command, 0, 0, 0, state, 0, 0, 0, 0, 0, 0, 0}; }
 

@@ -1,6 +1,5 @@
 // A daemon that is away, and a system that refuses what a connection needs.
 
-#include "system/socket/socket_faults.h"
 #include "tests/settings/connection_test.h"
 #include "tests/support/descriptors.h"
 
@@ -10,8 +9,6 @@ namespace {
 
 class DaemonAway : public Connection {
 protected:
-    ~DaemonAway() override { seat::clearSocketFaults(); }
-
     void sendEveryCommand() {
         page->queryControllerConnected();
         page->connectController(page->connectSpecifier());
@@ -36,14 +33,15 @@ TEST_F(DaemonAway, IsAnnouncedByEveryCommandButTheRestartAndLeavesNothingOpen) {
 }
 
 TEST_F(DaemonAway, IsWhatASocketThatCannotBeMadeOrConnectedMeans) {
-    for (const auto call : {seat::SocketCall::Socket, seat::SocketCall::Connect}) {
+    for (const auto call : {SystemCall::Socket, SystemCall::Connect}) {
         start(answering(reply(0, 7), {}));
         failures = 0;
         show(1, 1);
         ASSERT_TRUE(app.waitUntil([&] { return daemon->connectionCount() == 1 && rowIsEnabled(); }));
         const std::size_t before = testing_support::openDescriptors();
 
-        seat::failSocketCalls(call, 4, EMFILE);
+        SystemCalls calls;
+        calls.fail(call, EMFILE, /*times=*/1000);
         sendEveryCommand();
 
         EXPECT_EQ(testing_support::openDescriptors(), before);
@@ -58,7 +56,8 @@ TEST_F(DaemonAway, AConnectWhoseTimeoutCannotBeSetSendsNothingAndLeavesTheRowDis
     start(answering(reply(0, 7), reply(8, 0)));
     showSettled(1, true);
 
-    seat::failSocketCalls(seat::SocketCall::SetOption, 1, EINVAL);
+    SystemCalls calls;
+    calls.fail(SystemCall::SetOption, EINVAL);
     ASSERT_TRUE(app.tap("Connect Controller"));
     ASSERT_TRUE(daemon->waitForConnections(2));
     app.settle();

@@ -8,7 +8,7 @@ namespace {
 
 class LeavingDuringAnExchange : public Connection {
 protected:
-    // A page that went before its exchange had begun would be asked for its type in vain: waits until the daemon has
+    // A page that went before its exchange had begun could no longer be asked for its type: waits until the daemon has
     // what it was sent, then frees the page. Gives the row's cell, which the exchange holds.
     std::shared_ptr<PSTableCell> leaveOnceAsked() {
         EXPECT_TRUE(app.waitUntil([&] { return asked.load(); }));

@@ -1,11 +1,14 @@
 // What the page does when it is loaded, comes into view and leaves, and where its pairing row leads.
 
 #include "keymap/JVNKeymapViewController.h"
+#include "kit/dispatch/main_queue.h"
 #include "platform/uikit/UIViewController.h"
 #include "tests/settings/PageTest.h"
 #include "tests/support/LoggedLines.h"
+#include "tests/support/SystemCalls.h"
 #include "tests/support/descriptors.h"
 
+#include <atomic>
 #include <functional>
 
 namespace {
@@ -123,6 +126,29 @@ TEST_F(LifeCycle, AnAnsweredQueryHasClosedItsConnectionWhenTheRowsAreReloaded) {
     told->reloading = nullptr;
     EXPECT_EQ(atReload, before + 1) << "the daemon's end alone";
     daemon.release();
+}
+
+TEST_F(LifeCycle, AnAnsweredQueryHasClosedItsConnectionBeforeItsCompletionIsQueued) {
+    ScriptedDaemon daemon(app.root(), [](DaemonPeer& peer) {
+        peer.read(12);
+        peer.write(Bytes(12, 0));
+        peer.readToEnd();
+    });
+    show(1, 1);
+    ASSERT_TRUE(app.waitUntil([&] { return page->connectSpecifier()->name() == "Disconnect Controller"; }));
+    testing_support::SystemCalls calls;
+    std::atomic<int> connection = -1;
+    std::atomic<int> queuedBefore = -1;
+    calls.before(testing_support::SystemCall::Connect, [&](int descriptor) { connection = descriptor; });
+    calls.before(testing_support::SystemCall::Close, [&](int descriptor) {
+        if (descriptor == connection) queuedBefore = seat::mainQueueIsEmpty() ? 0 : 1;
+    });
+
+    page->queryControllerConnected();
+
+    // Meanwhile the main thread takes nothing from its queue.
+    ASSERT_TRUE(daemon.waitForConnections(2));
+    EXPECT_EQ(queuedBefore, 0);
 }
 
 TEST_F(LifeCycle, AReportedSuccessIsToldAlsoWhenThePageIsFreedMeanwhile) {

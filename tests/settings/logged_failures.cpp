@@ -1,6 +1,5 @@
 // Whoever looks into the log finds one line for each thing that went wrong, with what was done and why it failed.
 
-#include "system/socket/socket_faults.h"
 #include "tests/settings/connection_test.h"
 #include "tests/settings/pairing_test.h"
 
@@ -71,31 +70,23 @@ TEST_F(LoggedExchange, ADaemonThatClosesWithoutAnAnswerIsNotConnectedAndNoFailur
 TEST_F(LoggedExchange, EachCallThatFails) {
     start(answering(reply(0, 7), reply(8, 0)));
     showSettled(2, true);
-    const std::pair<seat::SocketCall, const char*> calls[] = {
-        {seat::SocketCall::Socket, "making a socket for /Library/Caches/jvncontrol.sock: Cannot allocate memory"},
-        {seat::SocketCall::Receive, "connect: waiting for the daemon's answer: Cannot allocate memory"},
-        {seat::SocketCall::SetOption, "setting the time-out of the connection to the daemon: Cannot allocate memory"}};
-    for (const auto& [call, line] : calls) {
+    const std::pair<SystemCall, const char*> failures[] = {
+        {SystemCall::Socket, "making a socket for /Library/Caches/jvncontrol.sock: Cannot allocate memory"},
+        {SystemCall::Send, "connect: sending to the daemon: Cannot allocate memory"},
+        {SystemCall::Receive, "connect: waiting for the daemon's answer: Cannot allocate memory"},
+        {SystemCall::SetOption, "setting the time-out of the connection to the daemon: Cannot allocate memory"}};
+    for (const auto& [call, line] : failures) {
         const std::size_t before = log.all().size();
         page->setControllerConnected(false);
-        seat::failSocketCalls(call, 1, ENOMEM);
+        SystemCalls calls;
+        calls.fail(call, ENOMEM);
         ASSERT_TRUE(app.tap("Connect Controller"));
         EXPECT_TRUE(app.waitUntil([&] { return log.all().size() > before; })) << line;
-        app.waitUntil([&] { return rowIsEnabled(); }, call == seat::SocketCall::SetOption ? 0.2 : 10);
+        app.waitUntil([&] { return rowIsEnabled(); }, call == SystemCall::SetOption ? 0.2 : 10);
         EXPECT_EQ(since(before), Lines{line});
         page->viewWillAppear(false); // a row that was left disabled
         ASSERT_TRUE(app.waitUntil([&] { return rowIsEnabled() && app.find("Connect Controller"); }));
     }
-}
-
-TEST_F(LoggedExchange, ASendThatFails) {
-    start(answering(reply(0, 7), {}));
-    showSettled(2, true);
-
-    seat::failSocketCalls(seat::SocketCall::Send, 1, ENOMEM);
-    ASSERT_TRUE(app.tap("Restart Daemons"));
-
-    EXPECT_EQ(log.all(), Lines{"restart of the daemons: sending to the daemon: Cannot allocate memory"});
 }
 
 class LoggedTool : public Pairing {

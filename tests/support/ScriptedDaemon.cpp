@@ -1,5 +1,7 @@
 #include "tests/support/ScriptedDaemon.h"
 
+#include "tests/support/SystemCalls.h"
+
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>
@@ -61,7 +63,10 @@ ScriptedDaemon::ScriptedDaemon(const std::string& root, Script script) : m_scrip
     ::close(directory);
     if (!bound || ::listen(m_listener, 64) != 0 || ::pipe2(m_stop, O_CLOEXEC) != 0)
         throw std::runtime_error("no stand-in daemon at " + m_path + ": " + std::strerror(errno));
-    m_thread = std::thread([this] { serve(); });
+    m_thread = std::thread([this] {
+        const PeerThread peer;
+        serve();
+    });
 }
 
 ScriptedDaemon::~ScriptedDaemon() {

@@ -62,12 +62,12 @@ TEST_F(NotificationCenter, ObserversOfTheNameHearInTheOrderOfTheirRegistration) 
 
 TEST_F(NotificationCenter, OneSenderOrAnySender) {
     const auto any = listener("any"), one = listener("one");
-    const auto sender = NSObject::alloc(), stranger = NSObject::alloc();
+    const auto sender = NSObject::alloc(), other = NSObject::alloc();
     observe(any, "moved");
     observe(one, "moved", sender);
 
     center().postNotificationName_object("moved", sender);
-    center().postNotificationName_object("moved", stranger);
+    center().postNotificationName_object("moved", other);
     center().postNotificationName_object("moved", nullptr);
 
     EXPECT_EQ(events, "any:moved+ one:moved+ any:moved+ any:moved ");

@@ -48,7 +48,7 @@ TEST_F(PageLists, AnchorThatIsNilOrAbsentMeansTheBeginning) {
     page->insertSpecifier_afterSpecifier_animated(row("y"), nullptr);
     EXPECT_EQ(rows(), "y x [g1] a b [g2] c");
 
-    page->insertSpecifier_afterSpecifier_animated(row("z"), row("stranger"));
+    page->insertSpecifier_afterSpecifier_animated(row("z"), row("unknown"));
     EXPECT_EQ(rows(), "z y x [g1] a b [g2] c");
     EXPECT_EQ(shownTitles(), "New z, New y, New x, A, B, C");
 }

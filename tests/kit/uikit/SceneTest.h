@@ -39,7 +39,7 @@ public:
     void touchCancelled(const std::shared_ptr<UIControl>& control);
 
     void write(const std::string& word);
-    // The words since the last call, with a blank between them.
+    // The words since the last call, with a space between them.
     std::string take();
 
     // What the next event does, once.

@@ -189,8 +189,8 @@ TEST_F(BusLife, ABusOfAnotherUserIsAbsent) {
     ::chmod(std::filesystem::path(bus.socketFile()).parent_path().c_str(), 0777);
     int listens[2];
     ASSERT_EQ(0, ::pipe(listens));
-    const ::pid_t stranger = ::fork();
-    if (stranger == 0) {
+    const ::pid_t other = ::fork();
+    if (other == 0) {
         if (::setuid(65534) != 0) ::_exit(1);
         const int listener = ::socket(AF_UNIX, SOCK_STREAM, 0);
         ::sockaddr_un address{};
@@ -209,8 +209,8 @@ TEST_F(BusLife, ABusOfAnotherUserIsAbsent) {
 
     EXPECT_TRUE(runUntil([&] { return m_log.count("it belongs to another user") == 1 || session().isConnected(); }));
     EXPECT_FALSE(session().isConnected());
-    ::kill(stranger, SIGKILL);
-    ::waitpid(stranger, nullptr, 0);
+    ::kill(other, SIGKILL);
+    ::waitpid(other, nullptr, 0);
 }
 
 TEST_F(BusLife, NothingIsLeftOpenAfterClosing) {

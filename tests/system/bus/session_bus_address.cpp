@@ -90,7 +90,7 @@ TEST(SessionBusAddress, ABusThatSaysHelloAnswers) {
     EXPECT_EQ(BusState::Answers, seat::probeBus(bus.address, 5s));
 }
 
-TEST(SessionBusAddress, AStoppedBusIsSilentAndCostsNoMoreThanThePatience) {
+TEST(SessionBusAddress, AStoppedBusIsSilentAndCostsNoMoreThanTheTimeout) {
     const PrivateBus bus;
     kill(bus.child, SIGSTOP);
 

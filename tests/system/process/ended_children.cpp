@@ -52,18 +52,18 @@ TEST_F(EndedChildren, ASignalReachesARunningToolAndNotAnEndedOne) {
 }
 
 TEST_F(EndedChildren, NobodyElseGetsASignal) {
-    const ::pid_t stranger = ::fork();
-    if (stranger == 0)
+    const ::pid_t other = ::fork();
+    if (other == 0)
         for (;;) ::pause();
 
-    EXPECT_EQ(-1, platform::kill(stranger, SIGINT_NUMBER));
+    EXPECT_EQ(-1, platform::kill(other, SIGINT_NUMBER));
     EXPECT_EQ(-1, platform::kill(0, SIGINT_NUMBER));
     EXPECT_EQ(-1, platform::kill(-1, SIGINT_NUMBER));
     EXPECT_EQ(-1, platform::kill(::getpid(), SIGINT_NUMBER));
 
-    EXPECT_EQ(0, ::waitpid(stranger, nullptr, WNOHANG)); // it lives
-    ::kill(stranger, SIGKILL);
-    ::waitpid(stranger, nullptr, 0);
+    EXPECT_EQ(0, ::waitpid(other, nullptr, WNOHANG)); // it lives
+    ::kill(other, SIGKILL);
+    ::waitpid(other, nullptr, 0);
 }
 
 TEST_F(EndedChildren, TheToolOutlivesItsTask) {

@@ -1,4 +1,4 @@
-#include "system/process/process_faults.h"
+#include "tests/support/SystemCalls.h"
 #include "tests/support/descriptors.h"
 #include "tests/system/process/ProcessTest.h"
 
@@ -14,6 +14,8 @@ const char* const launchedTool = LAUNCHED_TOOL;
 namespace {
 
 using Clock = std::chrono::steady_clock;
+using testing_support::SystemCall;
+using testing_support::SystemCalls;
 
 class Launch : public ProcessTest {
 protected:
@@ -30,10 +32,10 @@ protected:
 };
 
 TEST_F(Launch, TheToolGetsItsPathAndItsArgumentsAndNothingElse) {
-    const auto lines = report({"", "with blank", "--option"});
+    const auto lines = report({"", "with space", "--option"});
 
     EXPECT_EQ((std::vector<std::string>{"argument " + m_folder.file("usr/bin/tool"), "argument report",
-                                        "argument " + m_folder.file("report"), "argument ", "argument with blank",
+                                        "argument " + m_folder.file("report"), "argument ", "argument with space",
                                         "argument --option"}),
               beginning(lines, "argument "));
 }
@@ -94,10 +96,27 @@ TEST_F(Launch, AToolThatIsNoProgramGivesIdentifierZero) {
 TEST_F(Launch, AFolderInItsPlaceGivesIdentifierZero) { expectFailure("/usr/bin", "Permission denied"); }
 
 TEST_F(Launch, WithoutRoomForAnotherProcessTheIdentifierIsZero) {
-    seat::failForks(1, EAGAIN);
+    SystemCalls calls;
+    calls.fail(SystemCall::Fork, EAGAIN);
     expectFailure("/usr/bin/tool", "Resource temporarily unavailable");
 
     EXPECT_NE(0, launch({"exit", "0"})->processIdentifier());
+}
+
+TEST_F(Launch, WithoutADescriptorForAnyOfItsPipesTheIdentifierIsZeroAndNothingStaysOpen) {
+    launch({}, "/usr/bin/missing");
+    const auto before = testing_support::openDescriptors();
+    SystemCalls calls;
+    int pipes = 0;
+    for (;;) {
+        calls.failAt(SystemCall::Pipe, pipes + 1, EMFILE);
+        if (launch({"exit", "0"})->processIdentifier() != 0) break;
+        ++pipes;
+        EXPECT_EQ(before, testing_support::openDescriptors()) << "at pipe " << pipes;
+        ASSERT_LT(pipes, 10);
+    }
+    EXPECT_EQ(pipes, calls.count(SystemCall::Pipe)) << "it fails without any one of them";
+    EXPECT_EQ(m_log.count("Too many open files"), static_cast<std::size_t>(pipes));
 }
 
 TEST_F(Launch, FailuresLeaveNoDescriptor) {

@@ -126,8 +126,8 @@ TEST_F(SocketConnect, APeerOfAnotherUserIsAbsent) {
     const int listener = listenAt(socketFile(), -1);
     int listens[2];
     ASSERT_EQ(0, ::pipe(listens));
-    const ::pid_t stranger = ::fork();
-    if (stranger == 0) {
+    const ::pid_t other = ::fork();
+    if (other == 0) {
         // The user who listens is the one that a caller sees.
         if (::setuid(65534) != 0 || ::listen(listener, 4) != 0) ::_exit(1);
         [[maybe_unused]] const auto written = ::write(listens[1], "x", 1);
@@ -141,8 +141,8 @@ TEST_F(SocketConnect, APeerOfAnotherUserIsAbsent) {
 
     expectFailureAtOnce(EPERM);
 
-    ::kill(stranger, SIGKILL);
-    ::waitpid(stranger, nullptr, 0);
+    ::kill(other, SIGKILL);
+    ::waitpid(other, nullptr, 0);
 }
 
 TEST_F(SocketConnect, OnlyTheWholeRecordOfTheRightFamilyIsTaken) {
