@@ -39,7 +39,7 @@ void Player::setListening(bool isListening, Moment now) {
 }
 
 void Player::timePassed(Moment now) {
-    if (m_patienceEnds && now >= *m_patienceEnds) giveBackAll();
+    if (m_giveBackEnds && now >= *m_giveBackEnds) giveBackAll();
     update(now);
 }
 
@@ -92,9 +92,9 @@ void Player::update(Moment now) {
     }
 
     if (!waiting)
-        m_patienceEnds.reset();
-    else if (!m_patienceEnds)
-        m_patienceEnds = now + patience;
+        m_giveBackEnds.reset();
+    else if (!m_giveBackEnds)
+        m_giveBackEnds = now + giveBackTimeout;
     if (!waiting && !m_playing && m_pad != input::Profile::none) setPad(input::Profile::none);
 }
 

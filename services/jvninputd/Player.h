@@ -36,11 +36,11 @@ public:
     explicit Player(Devices& devices) : m_devices(devices) {}
 
     enum class Manner {
-        whenFree, // each keyboard at a moment when none of its keys is down, within patience
+        whenFree, // each keyboard at a moment when none of its keys is down, within giveBackTimeout
         atOnce,
     };
     // How long giving back waits for such a moment.
-    static constexpr Duration patience = std::chrono::seconds(1);
+    static constexpr Duration giveBackTimeout = std::chrono::seconds(1);
 
     // Something to play, or nothing: then keyboards are given back and the pad goes.
     void play(const std::optional<Play>& what, Manner manner, Moment now);
@@ -56,7 +56,7 @@ public:
 
     // To be called at the deadline, where there is one.
     void timePassed(Moment now);
-    std::optional<Moment> deadline() const { return m_patienceEnds; }
+    std::optional<Moment> deadline() const { return m_giveBackEnds; }
 
     // Readiness::ungoverned stands for every reason for which there is nothing to play.
     input::Readiness readiness() const;
@@ -92,7 +92,7 @@ private:
     bool m_padFailed = false;
     bool m_gameListens = false;
     bool m_paused = false;
-    std::optional<Moment> m_patienceEnds;
+    std::optional<Moment> m_giveBackEnds;
     std::vector<Event> m_padFrame;     // kept for its memory
     std::vector<Event> m_desktopFrame; // likewise
 };

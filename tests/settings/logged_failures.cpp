@@ -70,16 +70,15 @@ TEST_F(LoggedExchange, ADaemonThatClosesWithoutAnAnswerIsNotConnectedAndNoFailur
 TEST_F(LoggedExchange, EachCallThatFails) {
     start(answering(reply(0, 7), reply(8, 0)));
     showSettled(2, true);
-    const std::pair<SystemCall, const char*> failures[] = {
+    const std::pair<SystemCall, const char*> calls[] = {
         {SystemCall::Socket, "making a socket for /Library/Caches/jvncontrol.sock: Cannot allocate memory"},
-        {SystemCall::Send, "connect: sending to the daemon: Cannot allocate memory"},
         {SystemCall::Receive, "connect: waiting for the daemon's answer: Cannot allocate memory"},
         {SystemCall::SetOption, "setting the time-out of the connection to the daemon: Cannot allocate memory"}};
-    for (const auto& [call, line] : failures) {
+    for (const auto& [call, line] : calls) {
         const std::size_t before = log.all().size();
         page->setControllerConnected(false);
-        SystemCalls calls;
-        calls.fail(call, ENOMEM);
+        SystemCalls failing;
+        failing.fail(call, ENOMEM);
         ASSERT_TRUE(app.tap("Connect Controller"));
         EXPECT_TRUE(app.waitUntil([&] { return log.all().size() > before; })) << line;
         app.waitUntil([&] { return rowIsEnabled(); }, call == SystemCall::SetOption ? 0.2 : 10);
@@ -87,6 +86,17 @@ TEST_F(LoggedExchange, EachCallThatFails) {
         page->viewWillAppear(false); // a row that was left disabled
         ASSERT_TRUE(app.waitUntil([&] { return rowIsEnabled() && app.find("Connect Controller"); }));
     }
+}
+
+TEST_F(LoggedExchange, ASendThatFails) {
+    start(answering(reply(0, 7), {}));
+    showSettled(2, true);
+
+    SystemCalls failing;
+    failing.fail(SystemCall::Send, ENOMEM);
+    ASSERT_TRUE(app.tap("Restart Daemons"));
+
+    EXPECT_EQ(log.all(), Lines{"restart of the daemons: sending to the daemon: Cannot allocate memory"});
 }
 
 class LoggedTool : public Pairing {
