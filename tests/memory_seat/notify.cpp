@@ -36,7 +36,7 @@ std::uint32_t notify_post(const char* name) {
     return NOTIFY_STATUS_OK;
 }
 
-seat::NotifyListener::NotifyListener(const std::string& name, std::function<void()> heard)
+seat::NotifyListener::NotifyListener(const std::string& name, std::function<void()> heard, From)
     : m_heard(std::make_shared<std::function<void()>>(std::move(heard))), m_name(name) {
     listeners().push_back({name, m_heard});
 }

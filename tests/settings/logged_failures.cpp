@@ -9,8 +9,6 @@ namespace {
 
 class LoggedExchange : public Connection {
 protected:
-    ~LoggedExchange() override { seat::clearSocketFaults(); }
-
     // A connect that the daemon ends with these bytes; gives the lines that it left.
     std::vector<std::string> connectAnsweredWith(const Bytes& answer) {
         start([answer](DaemonPeer& peer) {

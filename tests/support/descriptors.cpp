@@ -28,4 +28,13 @@ std::size_t unreapedChildren() {
     return count;
 }
 
+int newestChild() {
+    ::pid_t newest = 0;
+    for (const auto& thread : std::filesystem::directory_iterator("/proc/self/task")) {
+        std::ifstream children(thread.path() / "children");
+        for (::pid_t child = 0; children >> child;) newest = child;
+    }
+    return newest;
+}
+
 } // namespace testing_support
