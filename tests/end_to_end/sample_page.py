@@ -211,19 +211,12 @@ class SamplePage(unittest.TestCase):
             wait_for("the switch in the file", lambda: self.stored("switch_on") is not None)
             self.wait_stored("switch_on", value)
 
-    def test_what_is_covered_refuses(self):
+    def test_what_stands_beside_a_progress_panel_can_be_used(self):
         row = self.row("Toggle a Row")
         self.row("Show Progress").press()
         panel = self.app.find(role="progress bar")
         self.assertTrue(panel.name.startswith("Working"))
-        self.assertEqual(row.actions, [])
-        self.desktop.key("Down", "Tab", "Return", "space")
-        x, y, width, height = row.extents
-        self.desktop.click(x + width / 2, y + height / 2)
-        self.app.gone(role="progress bar")
-        self.assertEqual(self.app.nodes(name="A row that comes and goes"), [])
-        row = self.row("Toggle a Row")
-        wait_for("the row to be usable again", lambda: row.actions == ["Press", "SetFocus"])
+        wait_for("the row to be usable", lambda: row.actions == ["Press", "SetFocus"])
         row.press()
         self.app.find(name="A row that comes and goes")
 
@@ -385,19 +378,13 @@ class SamplePage(unittest.TestCase):
             self.app.take_keyboard()
             self.assertIn("showing", row.states)
 
-    def test_a_failure_is_told_and_goes_away_by_itself(self):
+    def test_a_failure_of_another_program_is_not_told(self):
         subprocess.run(["dbus-send", "--session", "--type=signal", "/com/quorrel/sample", "com.quorrel.sample.failure"],
                        env=self.desktop.environment, check=True)
-        banner = self.app.find(role="alert", name="The sample has failed, as it was asked to.")
-        self.assertNotIn("modal", banner.states)
-        self.assertTrue(self.app.nodes(role="list item"), "the page stays within reach")
-        x, y, width, height = self.still(banner)
-        self.assertGreater(y, 550)
-        # It takes no clicks: the row below it gets them.
         self.focus("A switch", "Tab")
         self.desktop.key("space")
         self.wait_stored("switch_on", False)
-        self.app.gone(role="alert")
+        self.assertEqual(self.app.nodes(role="alert"), [])
 
 
 if __name__ == "__main__":
