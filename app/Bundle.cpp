@@ -96,6 +96,15 @@ Class app::loadPrincipalClass(const Bundle& bundle, std::string& problem) {
     return found;
 }
 
+std::string app::packagedPage(const Bundle& bundle, const std::string& address) {
+    const auto pages = bundle.manifest->objectForKey("JVNPackagedPages").object<NSDictionary>();
+    const std::string file = pages ? text(*pages, address.c_str()) : std::string();
+    if (file.empty() || file.find('/') != std::string::npos) return {};
+    std::error_code error;
+    const fs::path path = fs::absolute(bundle.folder, error) / file;
+    return fs::is_regular_file(path, error) ? path.lexically_normal().string() : std::string();
+}
+
 std::shared_ptr<UIViewController> app::makePage(Class principalClass) {
     const auto instance = class_createInstance(principalClass);
     return instance ? objc_msgSend(*instance, "init", {}).object<UIViewController>() : nullptr;

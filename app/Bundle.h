@@ -28,6 +28,10 @@ Bundle readBundle(const std::string& folder, std::string& problem);
 // and `problem` is the sentence to print. The module stays for the rest of the process's life.
 Class loadPrincipalClass(const Bundle& bundle, std::string& problem);
 
+// The bundle's own copy of a web page, as its manifest names it under "JVNPackagedPages" (address -> file); its real
+// path. Empty when it has none.
+std::string packagedPage(const Bundle& bundle, const std::string& address);
+
 // A new screen of the class, set up; nil when it declines.
 std::shared_ptr<UIViewController> makePage(Class principalClass);
 

@@ -36,10 +36,10 @@ std::shared_ptr<FailureBanner> FailureBanner::initWithText(std::string text) {
     return self(this);
 }
 
-void FailureBanner::showInWindow(const std::shared_ptr<UIWindow>& window) {
+void FailureBanner::showInWindow(const std::shared_ptr<UIWindow>& window, double seconds) {
     if (!window) return;
     seat::removeSource(m_timer);
-    m_timer = seat::addTimer(secondsShown, [this] { hide(); });
+    m_timer = seat::addTimer(seconds, [this] { hide(); });
     if (m_isShown && superview() == window) return;
     m_isShown = true;
     window->addSubview(self(this));

@@ -18,13 +18,14 @@ class FailureBanner final : public UIView {
     NS_CLASS(FailureBanner)
 public:
     static constexpr double secondsShown = 6;
+    static constexpr double secondsToCopy = 60; // for a text that somebody may have to write down
 
     ~FailureBanner() override;
 
     std::shared_ptr<FailureBanner> initWithText(std::string text);
 
     // Shown already, it stays for its full time from now on. nil is ignored.
-    void showInWindow(const std::shared_ptr<UIWindow>& window);
+    void showInWindow(const std::shared_ptr<UIWindow>& window, double seconds = secondsShown);
     // Hiding a hidden one does nothing.
     void hide();
     bool isShown() const { return m_isShown; }

@@ -1,6 +1,7 @@
 #include "app/LineProcess.h"
 
 #include "system/process/child_environment.h"
+#include "system/process/pidfd.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -9,8 +10,8 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <spawn.h>
-#include <sys/syscall.h>
 #include <sys/wait.h>
+#include <utility>
 
 namespace {
 
@@ -34,13 +35,18 @@ std::vector<char*> pointers(std::vector<std::string>& strings) {
     return result;
 }
 
-// False when it has not ended by then.
-bool reap(pid_t child, double seconds) {
-    const seat::Descriptor process(static_cast<int>(syscall(SYS_pidfd_open, child, 0)));
-    pollfd entry{process.get(), POLLIN, 0};
-    if (process && poll(&entry, 1, static_cast<int>(seconds * 1000)) == 0) return false;
-    while (waitpid(child, nullptr, 0) == -1 && errno == EINTR) {
+int waitForEnd(pid_t child) {
+    int status = 0;
+    while (waitpid(child, &status, 0) == -1 && errno == EINTR) {
     }
+    return status;
+}
+
+// False when it has not ended by then.
+bool reap(pid_t child, const seat::Descriptor& process, double seconds) {
+    pollfd entry{process.get(), POLLIN, 0};
+    if (poll(&entry, 1, static_cast<int>(seconds * 1000)) == 0) return false;
+    waitForEnd(child);
     return true;
 }
 
@@ -79,6 +85,12 @@ std::unique_ptr<app::LineProcess> app::LineProcess::start(const std::string& pro
         process->m_child = 0;
         return nullptr;
     }
+    process->m_process.reset(::pidfd_open(process->m_child, 0));
+    if (!process->m_process) {
+        kill(process->m_child, SIGKILL);
+        waitForEnd(std::exchange(process->m_child, 0));
+        return nullptr;
+    }
     process->m_heard = std::move(heard);
     process->m_input = std::move(input.writeEnd);
     process->m_output = std::move(output.readEnd);
@@ -86,17 +98,31 @@ std::unique_ptr<app::LineProcess> app::LineProcess::start(const std::string& pro
     process->m_source = seat::addReadableSource(process->m_output.get(), [self = process.get()] {
         if (!self->readSome()) seat::removeSource(std::exchange(self->m_source, 0));
     });
+    process->m_endSource =
+        seat::addReadableSource(process->m_process.get(), [self = process.get()] { self->reapEnded(); });
     return process;
+}
+
+void app::LineProcess::reapEnded() {
+    readSome(); // its last words
+    seat::removeSource(std::exchange(m_source, 0));
+    seat::removeSource(std::exchange(m_endSource, 0));
+    const int status = waitForEnd(std::exchange(m_child, 0));
+    const std::string how = WIFSIGNALED(status) ? "was ended by signal " + std::to_string(WTERMSIG(status))
+                                                : "ended with " + std::to_string(WEXITSTATUS(status));
+    // Whoever hears it may destroy this object.
+    if (const auto ended = m_ended) ended(how);
 }
 
 app::LineProcess::~LineProcess() {
     seat::removeSource(m_source);
+    seat::removeSource(m_endSource);
     if (m_child == 0) return;
     m_input.reset();
     kill(m_child, SIGTERM);
-    if (reap(m_child, 1)) return;
+    if (reap(m_child, m_process, 1)) return;
     kill(m_child, SIGKILL);
-    reap(m_child, 10);
+    reap(m_child, m_process, 10);
 }
 
 bool app::LineProcess::readSome() {

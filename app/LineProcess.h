@@ -13,7 +13,8 @@
 
 namespace app {
 
-// Ends with this object: its standard input is closed, it gets a SIGTERM, and after a second a SIGKILL. Main thread.
+// Ends with this object: its standard input is closed, it gets a SIGTERM, and after a second a SIGKILL. One that ends
+// before is reaped at once. Main thread.
 class LineProcess {
 public:
     // `heard` gets each line of its standard output on the main run loop. nullptr when it cannot be started.
@@ -26,19 +27,27 @@ public:
     // Without the run loop: blocks until the line is the last that it has said, but not longer than `seconds`. What it
     // says meanwhile is heard as usual.
     bool waitForLine(const std::string& line, double seconds);
+    // Hears on the main run loop, once, that it has ended by itself, and how ("ended with 1"): after its last line,
+    // when it has been reaped. The object may be destroyed meanwhile.
+    void setEndListener(std::function<void(const std::string& how)> ended) { m_ended = std::move(ended); }
+    ::pid_t identifier() const { return m_child; } // 0 once it has been reaped
 
 private:
     LineProcess() = default;
     // False at the end of its output.
     bool readSome();
+    void reapEnded();
 
     ::pid_t m_child = 0;
+    seat::Descriptor m_process;
     seat::Descriptor m_input;
     seat::Descriptor m_output;
     seat::SourceToken m_source = 0;
+    seat::SourceToken m_endSource = 0;
     std::string m_partial; // a line without its end yet
     std::string m_lastLine;
     std::function<void(const std::string&)> m_heard;
+    std::function<void(const std::string&)> m_ended;
 };
 
 } // namespace app

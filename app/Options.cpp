@@ -1,5 +1,7 @@
 #include "app/Options.h"
 
+#include "platform/foundation/NSString.h"
+
 #include <charconv>
 #include <cmath>
 #include <string_view>
@@ -24,14 +26,14 @@ std::optional<double> numberBetween(double least, std::string_view text, double 
 std::string setSize(Options& options, std::string_view text) {
     const auto cross = text.find('x');
     if (cross != std::string_view::npos) {
-        const auto width = numberBetween(64, text.substr(0, cross), 16384);
-        const auto height = numberBetween(64, text.substr(cross + 1), 16384);
+        const auto width = numberBetween(320, text.substr(0, cross), 16384);
+        const auto height = numberBetween(240, text.substr(cross + 1), 16384);
         if (width && height) {
             options.size = {*width, *height};
             return {};
         }
     }
-    return "is no size; it takes WIDTHxHEIGHT in points, each from 64 to 16384, as in 375x667";
+    return "is no size; it takes WIDTHxHEIGHT in points, from 320x240 to 16384x16384, as in 375x667";
 }
 
 std::string setScale(Options& options, std::string_view text) {
@@ -45,6 +47,17 @@ std::string setFolder(std::string& folder, std::string_view text) {
     if (text.empty()) return "is no folder";
     folder = text;
     return {};
+}
+
+// Empty, or what is wrong with the size and the scale together.
+std::string sizeProblem(const Options& options) {
+    const double scale = options.scale > 0 ? options.scale : options.tour.empty() ? 1 : app::tourScale;
+    const double width = std::ceil(options.size.width * scale);
+    const double height = std::ceil(options.size.height * scale);
+    if (width * height <= app::mostPixels) return {};
+    return "--size: at scale " + NSStringWithFormat("%g", scale) + " that is " +
+           NSStringWithFormat("%.0fx%.0f", width, height) +
+           " pixels; 7680x4320, or as many in another shape, are the most";
 }
 
 // Empty, or what is wrong with the value, as the rest of a sentence.
@@ -104,6 +117,7 @@ app::ParsedOptions app::parseOptions(std::span<const char* const> arguments) {
         }
         if (!result.problem.empty()) return result;
     }
+    result.problem = sizeProblem(result.options);
     return result;
 }
 

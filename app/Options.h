@@ -18,6 +18,9 @@ enum ExitCode : int {
     ExitBundleRefused = 4,
 };
 
+inline constexpr double tourScale = 2;                // pixels a point, where no scale is given
+inline constexpr double mostPixels = 7680.0 * 4320.0; // of a window or a picture: 130 MB
+
 struct Options {
     std::string root;      // empty: the user's data folder
     std::string bundle;    // empty: looked for beside the program

@@ -1,9 +1,11 @@
 #include "app/SettingsPage.h"
 
 #include "app/FailureBanner.h"
+#include "desktop/links/browser.h"
 #include "kit/alerts/progress_canceller.h"
 #include "kit/settings_framework/bundle.h"
 #include "kit/uikit/front_controller.h"
+#include "kit/uikit/url_opener.h"
 #include "platform/dispatch.h"
 #include "platform/foundation/NSArray.h"
 #include "platform/uikit/UINavigationController.h"
@@ -13,17 +15,37 @@
 #include <utility>
 
 app::SettingsPage::SettingsPage(const Bundle& bundle, Class principalClass, CGSize points, double scale)
-    : m_name(bundle.name), m_scene(points, scale) {
+    : m_bundle(bundle), m_scene(points, scale) {
     seat::setResourceFolder(bundle.folder);
     const auto page = makePage(principalClass);
     if (!page) return;
     listenForFailures(*bundle.manifest);
     offerCancel(*bundle.manifest, page);
+    seat::setURLOpener([this](const std::string& address) { return openAddress(address); });
     m_navigation = UINavigationController::alloc()->initWithRootViewController(page);
     m_scene.window()->setRootViewController(m_navigation);
 }
 
 app::SettingsPage::~SettingsPage() { close(); }
+
+// Pages that the bundle has itself are opened from there.
+bool app::SettingsPage::openAddress(const std::string& address) {
+    const std::string packaged = packagedPage(m_bundle, address);
+    const std::string target = packaged.empty() ? address : packaged;
+    const auto ended = [this, target, lives = std::weak_ptr(m_lives)](bool isStarted) {
+        if (!isStarted && !lives.expired()) sayNotOpened(target);
+    };
+    if (seat::openInBrowser(target, ended)) return true;
+    sayNotOpened(target);
+    return false;
+}
+
+void app::SettingsPage::sayNotOpened(const std::string& target) {
+    if (m_notOpened) m_notOpened->hide();
+    m_notOpened =
+        FailureBanner::alloc()->initWithText("No browser could be started. Open this in one yourself: " + target);
+    m_notOpened->showInWindow(m_scene.window(), FailureBanner::secondsToCopy);
+}
 
 // The manifest says of which notifications a user has to hear, and in what words; the page itself stays silent. They
 // are this process's own: what fails for the page of another root is no news here. Once the daemon is reached again
@@ -65,11 +87,12 @@ void app::SettingsPage::offerCancel(const NSDictionary& manifest, const std::sha
 std::string app::SettingsPage::title() const {
     const auto front = seat::frontController(*m_scene.window());
     const std::string title = front ? front->title() : std::string();
-    return title.empty() ? m_name : title;
+    return title.empty() ? m_bundle.name : title;
 }
 
 void app::SettingsPage::close() {
     m_listeners.clear();
+    seat::setURLOpener({});
     seat::setConnectionListener({});
     seat::setProgressCanceller({});
     m_scene.window()->setRootViewController(nullptr);

@@ -39,14 +39,18 @@ public:
     void close();
 
 private:
+    bool openAddress(const std::string& address);
+    void sayNotOpened(const std::string& target);
     void listenForFailures(const NSDictionary& manifest);
     void listen(const std::string& name, std::function<void()> heard);
     void offerCancel(const NSDictionary& manifest, const std::shared_ptr<UIViewController>& page);
 
-    std::string m_name;
+    Bundle m_bundle;
+    std::shared_ptr<char> m_lives = std::make_shared<char>(); // weakly held by what ends later
     seat::WindowScene m_scene;
     std::shared_ptr<UINavigationController> m_navigation;
     std::shared_ptr<FailureBanner> m_banner;
+    std::shared_ptr<FailureBanner> m_notOpened;
     std::vector<std::unique_ptr<seat::NotifyListener>> m_listeners;
 };
 

@@ -4,11 +4,15 @@
 #include "app/LineProcess.h"
 #include "app/own_programs.h"
 #include "platform/foundation/NSDictionary.h"
+#include "platform/log.h"
 #include "system/files/root.h"
 
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <sys/types.h>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -20,28 +24,88 @@ constexpr const char* simulateVariable = "JOYVANE_SIMULATE"; // tells the tools
 
 // Notes in `made` what was not there.
 void makeFolders(const fs::path& folder, std::vector<fs::path>& made, std::error_code& error) {
-    if (fs::exists(folder)) return;
+    std::error_code ignored;
+    if (fs::exists(folder, ignored)) return;
     makeFolders(folder.parent_path(), made, error);
     if (!error && fs::create_directory(folder, error)) made.push_back(folder);
 }
 
+bool leadsTo(const fs::path& link, const std::string& program) {
+    std::error_code error;
+    return fs::read_symlink(link, error) == program && !error;
+}
+
+// Where it is written down, a line each, what links stand below the root and where they lead: a process that is killed
+// leaves them, and they are not to be taken for the user's own.
+std::string recordPath() { return seat::root() + "/.simulated-tools"; }
+
 } // namespace
 
 struct app::Simulation::State {
+    struct Link {
+        fs::path place;
+        std::string program;
+    };
     std::string daemonName;
     std::unique_ptr<LineProcess> daemon;
     std::shared_ptr<NSDictionary> tools; // logical path -> program; nil when the bundle has none
-    std::vector<fs::path> placed;        // what we have put there, folders before what is in them
+    std::vector<fs::path> folders;       // that we have made, each before what is in it
+    std::vector<Link> links;
     std::function<void(const std::string&)> listener;
+
+    void removeLeftovers();
+    void removeLinks();
+    bool place(const fs::path& place, const std::string& program, std::error_code& error);
+    bool writeRecord() const;
+    void daemonEnded(::pid_t identifier, const std::string& how);
 };
 
-app::Simulation::Simulation() : m_state(std::make_unique<State>()) {}
+void app::Simulation::State::removeLeftovers() {
+    std::ifstream record(recordPath());
+    for (std::string place, program; std::getline(record, place, '\t') && std::getline(record, program);)
+        links.push_back({place, program});
+    removeLinks();
+}
+
+void app::Simulation::State::removeLinks() {
+    std::error_code error;
+    for (const auto& link : std::exchange(links, {}))
+        if (leadsTo(link.place, link.program)) fs::remove(link.place, error);
+    fs::remove(recordPath(), error);
+}
+
+bool app::Simulation::State::writeRecord() const {
+    std::ofstream record(recordPath(), std::ios::trunc);
+    for (const auto& link : links) record << link.place.string() << '\t' << link.program << '\n';
+    return static_cast<bool>(record.flush());
+}
+
+// Written down first. Nothing is done where something stands already; false when the link cannot be made.
+bool app::Simulation::State::place(const fs::path& place, const std::string& program, std::error_code& error) {
+    makeFolders(place.parent_path(), folders, error);
+    if (error || fs::exists(fs::symlink_status(place, error))) return !error;
+    error.clear(); // it is not there
+    links.push_back({place, program});
+    if (writeRecord()) fs::create_symlink(program, place, error);
+    return !error;
+}
+
+void app::Simulation::State::daemonEnded(::pid_t identifier, const std::string& how) {
+    daemon.reset();
+    const std::string sentence = "the simulated " + daemonName + " (process " + std::to_string(identifier) + ") " + how;
+    NSLog("%s", sentence.c_str());
+    if (listener) listener(sentence);
+}
+
+app::Simulation::Simulation() : m_state(std::make_unique<State>()) { m_state->removeLeftovers(); }
 
 app::Simulation::~Simulation() {
     stopDaemon();
     unsetenv(simulateVariable);
+    removeTools();
     std::error_code error; // a folder that others have used meanwhile stays
-    for (auto path = m_state->placed.rbegin(); path != m_state->placed.rend(); ++path) fs::remove(*path, error);
+    for (auto folder = m_state->folders.rbegin(); folder != m_state->folders.rend(); ++folder)
+        fs::remove(*folder, error);
 }
 
 bool app::Simulation::start(const Bundle& bundle, std::string& problem) {
@@ -61,29 +125,16 @@ void app::Simulation::placeTools(std::string& problem) {
         const std::string program = name.string() ? ownProgram(*name.string()) : std::string();
         const fs::path place(seat::hostPath(logicalPath));
         std::error_code error;
-        if (program.empty()) {
+        if (program.empty())
             problem = "simulate: there is no program for " + logicalPath;
-        } else {
-            makeFolders(place.parent_path(), m_state->placed, error);
-            // What an earlier process has left behind is replaced; a tool of the user's own stays.
-            if (fs::is_symlink(place)) fs::remove(place, error);
-            if (!fs::exists(place)) {
-                fs::create_symlink(program, place, error);
-                if (!error) m_state->placed.push_back(place);
-            }
-            if (error) problem = "simulate: " + place.string() + ": " + error.message();
-        }
+        else if (!m_state->place(place, program, error))
+            problem = "simulate: " + place.string() + ": " + error.message();
         return problem.empty();
     });
 }
 
 // The folders stay: they may hold what others have put there since.
-void app::Simulation::removeTools() {
-    std::erase_if(m_state->placed, [](const fs::path& path) {
-        std::error_code error;
-        return fs::is_symlink(path) && fs::remove(path, error);
-    });
-}
+void app::Simulation::removeTools() { m_state->removeLinks(); }
 
 void app::Simulation::setListener(std::function<void(const std::string& line)> listener) {
     m_state->listener = std::move(listener);
@@ -103,7 +154,11 @@ void app::Simulation::startDaemon(std::string& problem) {
                                          [state = m_state.get()](const std::string& line) {
                                              if (state->listener) state->listener(state->daemonName + ": " + line);
                                          });
-    if (m_state->daemon && m_state->daemon->waitForLine("ready", readyTimeout)) return;
+    if (m_state->daemon && m_state->daemon->waitForLine("ready", readyTimeout)) {
+        m_state->daemon->setEndListener([state = m_state.get(), identifier = m_state->daemon->identifier()](
+                                            const std::string& how) { state->daemonEnded(identifier, how); });
+        return;
+    }
     m_state->daemon.reset();
     problem = "simulate: " + program + " did not start";
 }

@@ -18,13 +18,16 @@ struct Bundle;
 
 class Simulation {
 public:
+    // Takes away what a process of this root that was killed has put in place; what else is there stays as it is.
     Simulation();
     // Stops everything and takes away what was put in place.
     ~Simulation();
     Simulation(const Simulation&) = delete;
     Simulation& operator=(const Simulation&) = delete;
 
-    // False, and the sentence to print in `problem`, on failure. A bundle without such programs needs none.
+    // False, and the sentence to print in `problem`, on failure. A bundle without such programs needs none. A tool, or
+    // a link to one, that is in place already is the user's, and stays. A daemon that ends by itself is reaped at once,
+    // logged and told the listener.
     bool start(const Bundle& bundle, std::string& problem);
 
     // Hears each line that the daemon says, behind its name. Main thread; may be empty.

@@ -5,7 +5,7 @@
 #include "app/Simulation.h"
 #include "app/own_programs.h"
 #include "app/tour/tour.h"
-#include "desktop/links/browser.h"
+#include "desktop/mail/MailDrafts.h"
 #include "desktop/window/SceneWindow.h"
 #include "desktop/window/Toolkit.h"
 #include "kit/dispatch/main_queue.h"
@@ -14,11 +14,14 @@
 #include "system/files/root.h"
 #include "system/process/installed_tools.h"
 
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <future>
 #include <memory>
+#include <pwd.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -36,19 +39,39 @@ void noDisplay(const std::string& reason) {
     _exit(app::ExitNoDisplay);
 }
 
+// Empty when the user has none: no folder that others share is taken for it.
 std::string userDataFolder() {
-    if (const char* const data = std::getenv("XDG_DATA_HOME"); data && data[0] == '/') return data;
-    const char* const home = std::getenv("HOME");
-    return std::string(home && *home ? home : "/tmp") + "/.local/share";
+    const char* const data = std::getenv("XDG_DATA_HOME");
+    if (data && data[0] == '/') return data;
+    const char* home = std::getenv("HOME");
+    if (!home || home[0] != '/') {
+        const passwd* const user = getpwuid(getuid());
+        home = user ? user->pw_dir : nullptr;
+    }
+    return home && home[0] == '/' ? std::string(home) + "/.local/share" : std::string();
 }
 
-// Makes the folder that stands for the phone's file system where it is missing. False, and a complaint, on failure.
+// The folder that stands for the phone's file system is made where it is missing. False, and a complaint, on failure.
 bool settleRoot(const std::string& given) {
-    const fs::path root = fs::absolute(given.empty() ? userDataFolder() + "/joyvane" : given).lexically_normal();
+    const std::string data = given.empty() ? userDataFolder() : std::string();
+    if (given.empty() && data.empty()) {
+        complain("root: there is no home folder; set HOME, or give a folder with --root");
+        return false;
+    }
     std::error_code error;
+    const fs::path root = fs::absolute(given.empty() ? data + "/joyvane" : given, error).lexically_normal();
+    if (error) {
+        complain("root " + given + ": the current folder cannot be found: " + error.message());
+        return false;
+    }
+    const mode_t others = umask(077); // new folders are the user's alone
     fs::create_directories(root, error);
-    if (!fs::is_directory(root)) {
-        complain("root " + root.string() + ": " + (error ? error.message() : "is no folder"));
+    umask(others);
+    std::error_code missing;
+    if (!error && !fs::is_directory(root, missing)) error = std::make_error_code(std::errc::not_a_directory);
+    if (!error && access(root.c_str(), R_OK | X_OK) != 0) error.assign(errno, std::generic_category());
+    if (error) {
+        complain("root " + root.string() + ": " + error.message());
         return false;
     }
     seat::setRoot(root.string());
@@ -113,7 +136,7 @@ int app::runApplication(const Options& options) {
         return ExitBundleRefused;
     }
 
-    seat::installBrowser();
+    seat::MailDrafts::shared().removeForgotten();
     Simulation simulation;
     if (options.simulate && !simulation.start(bundle, problem)) {
         complain(problem);
@@ -122,6 +145,7 @@ int app::runApplication(const Options& options) {
     if (!options.simulate) findInstalledTools(bundle);
     const int code = isTour ? playTour(toolkit, options, bundle, principalClass, simulation)
                             : showWindow(toolkit, options, bundle, principalClass);
+    seat::MailDrafts::shared().removeRead();
     seat::SessionBus::shared().close();
     return code;
 }

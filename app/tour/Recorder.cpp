@@ -83,7 +83,8 @@ void app::Recorder::fileChanged(WatchedFile& file) {
     alignas(inotify_event) char events[4096];
     while (read(file.watch.get(), events, sizeof events) > 0) {
     }
-    const auto now = std::filesystem::exists(seat::hostPath(file.logicalPath))
+    std::error_code error;
+    const auto now = std::filesystem::exists(seat::hostPath(file.logicalPath), error)
                          ? NSDictionary::dictionaryWithContentsOfFile(file.logicalPath)
                          : nullptr;
     for (const auto& change : describeChanges(file.contents.get(), now.get()))

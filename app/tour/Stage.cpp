@@ -53,7 +53,6 @@ std::optional<UIAccessibilityRole> app::roleNamed(std::string_view word) {
         {"progress", Role::ProgressIndicator},
         {"bar", Role::NavigationBar},
         {"canvas", Role::Canvas},
-        {"field", Role::TextField},
         {"any", Role::None},
     };
     for (const auto& [name, role] : roles)
@@ -146,22 +145,6 @@ void app::Stage::key(long usage, unsigned modifiers) {
     seat::sendKeyEvent(UIKeyEvent::keyEvent(usage, /*isKeyDown=*/true, /*isRepeat=*/false, modifiers));
     waitUntil([] { return false; }, tapSeconds);
     seat::sendKeyEvent(UIKeyEvent::keyEvent(usage, /*isKeyDown=*/false, /*isRepeat=*/false, modifiers));
-}
-
-void app::Stage::type(std::string_view text) {
-    constexpr long spaceKey = 44;
-    constexpr long someKey = 4;
-    while (!text.empty()) {
-        std::size_t length = 1;
-        while (length < text.size() && (static_cast<unsigned char>(text[length]) & 0xC0) == 0x80) ++length;
-        const long usage = text[0] == ' ' ? spaceKey : someKey;
-        const std::string character(text.substr(0, length));
-        seat::sendKeyEvent(
-            UIKeyEvent::keyEvent(usage, /*isKeyDown=*/true, /*isRepeat=*/false, /*modifiers=*/0, character));
-        seat::sendKeyEvent(UIKeyEvent::keyEvent(usage, /*isKeyDown=*/false));
-        waitUntil([] { return false; }, tapSeconds / 2);
-        text.remove_prefix(length);
-    }
 }
 
 bool app::Stage::step(const NodeQuery& query, UIAccessibilityDirection direction, UIAccessibilityStep step) {

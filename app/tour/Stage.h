@@ -52,8 +52,6 @@ public:
     void drag(CGPoint from, CGPoint to, double seconds);
     void scroll(CGPoint location, double points);
     void key(long usage, unsigned modifiers);
-    // Keys that type these characters, UTF-8; which keys they are is the layout's business.
-    void type(std::string_view text);
     bool step(const NodeQuery& query, UIAccessibilityDirection direction, UIAccessibilityStep step);
 
     void resize(CGSize points, double scale);

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <utility>
 
 namespace fs = std::filesystem;
 
@@ -12,10 +13,7 @@ constexpr const char* mailProgram = "mail-program";
 
 } // namespace
 
-app::StandInDesktop::StandInDesktop(const std::string& tourFolder) {
-    std::error_code error;
-    m_folder = fs::absolute(tourFolder, error) / "desktop";
-    fs::remove_all(m_folder, error);
+app::StandInDesktop::StandInDesktop(std::string folder) : m_folder(std::move(folder)) {
     setVariable("XDG_DATA_HOME", m_folder + "/data");
     setVariable("XDG_DATA_DIRS", m_folder + "/system");
     setVariable("XDG_CONFIG_HOME", m_folder + "/config");
@@ -40,8 +38,15 @@ void app::StandInDesktop::setVariable(const std::string& name, const std::string
     setenv(name.c_str(), value.c_str(), 1);
 }
 
-bool app::StandInDesktop::setHasMail(bool hasMail) {
-    if (hasMail) return install(mailProgram, "message/rfc822", R"(exec cp "$1" "${0%/*}/../message.eml")");
+bool app::StandInDesktop::installMail(const std::string& messageFile) {
+    // Beside the program: a path may hold what a shell would make something else of.
+    std::error_code error;
+    fs::remove(m_folder + "/message", error);
+    fs::create_symlink(messageFile, m_folder + "/message", error);
+    return !error && install(mailProgram, "message/rfc822", R"(cat "$1" >"${0%/*}/message")");
+}
+
+bool app::StandInDesktop::removeMail() {
     std::error_code error;
     fs::remove(m_folder + "/system/applications/" + mailProgram + ".desktop", error);
     return !error;

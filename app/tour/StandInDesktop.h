@@ -1,8 +1,7 @@
 #pragma once
 
 // A desktop of the tour's own: a browser and, when it is to have one, a program for messages, so that a tour starts
-// nothing of the user's. The browser takes its address and ends; the other keeps the message as "message.eml" beside
-// the tour's pictures.
+// nothing of the user's. The browser takes its address and ends; the other keeps the message.
 
 #include <map>
 #include <optional>
@@ -13,15 +12,16 @@ namespace app {
 // While it lives, the folders in which desktops keep their programs are its own. Main thread.
 class StandInDesktop {
 public:
-    // In a folder "desktop" of the tour's folder, which goes in the end.
-    explicit StandInDesktop(const std::string& tourFolder);
+    // In a folder of its own, empty so far, which goes in the end.
+    explicit StandInDesktop(std::string folder);
     ~StandInDesktop();
     StandInDesktop(const StandInDesktop&) = delete;
     StandInDesktop& operator=(const StandInDesktop&) = delete;
 
     bool isThere() const { return m_isThere; }
-    // False when it could not be written.
-    bool setHasMail(bool hasMail);
+    // The program for messages keeps what it is given in that file. False when it could not be installed.
+    bool installMail(const std::string& messageFile);
+    bool removeMail();
 
 private:
     bool install(const std::string& name, const std::string& mediaType, const std::string& action) const;

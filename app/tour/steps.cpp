@@ -1,9 +1,11 @@
 #include "app/tour/steps.h"
 
+#include "app/Options.h"
 #include "app/Simulation.h"
 #include "app/tour/Recorder.h"
 #include "app/tour/Stage.h"
 #include "app/tour/StandInDesktop.h"
+#include "app/tour/TourFolder.h"
 #include "app/tour/key_names.h"
 #include "kit/uikit/application.h"
 #include "platform/foundation/NSString.h"
@@ -123,13 +125,6 @@ std::string key(Words words, Tour& tour) {
     return {};
 }
 
-std::string type(Words words, Tour& tour) {
-    if (words.size() != 1) return "takes a text";
-    tour.stage.type(words[0]);
-    tour.stage.settle();
-    return {};
-}
-
 std::string step(Words words, Tour& tour) {
     using Direction = UIAccessibilityDirection;
     static constexpr std::pair<const char*, Direction> directions[] = {
@@ -175,7 +170,7 @@ std::string waitForSomething(Words words, Tour& tour) {
 std::string picture(Words words, Tour& tour) {
     if (words.size() != 1) return "takes a name";
     tour.stage.settle();
-    return takePicture(words[0], tour) ? "" : "the picture cannot be written";
+    return takePicture(words[0], tour);
 }
 
 std::string say(Words words, Tour& tour) {
@@ -227,7 +222,14 @@ std::string simulation(Words words, Tour& tour) {
 std::string desktop(Words words, Tour& tour) {
     if (words.size() != 2 || words[1] != "mail" || (words[0] != "install" && words[0] != "remove"))
         return "takes \"install mail\" or \"remove mail\"";
-    return tour.desktop.setHasMail(words[0] == "install") ? "" : "the stand-in for a mail program cannot be written";
+    constexpr const char* failure = "the stand-in for a mail program cannot be written";
+    if (words[0] == "remove") return tour.desktop.removeMail() ? "" : failure;
+    if (tour.messageFile.empty()) {
+        std::string problem;
+        tour.messageFile = tour.folder.claim("message.eml", problem);
+        if (!problem.empty()) return problem;
+    }
+    return tour.desktop.installMail(tour.messageFile) ? "" : failure;
 }
 
 std::string background(Words words, Tour& tour) {
@@ -241,6 +243,8 @@ std::string size(Words words, Tour& tour) {
     const auto values = numbers(words);
     if (values.size() != 3 || *std::min_element(values.begin(), values.end()) <= 0)
         return "takes three numbers above 0";
+    if (values[0] * values[1] * values[2] * values[2] > mostPixels)
+        return "these are more pixels than a window may have";
     tour.stage.resize({values[0], values[1]}, values[2]);
     tour.stage.settle();
     return {};
@@ -255,7 +259,6 @@ constexpr Verb verbs[] = {{"tap", tap},
                           {"drag", drag},
                           {"scroll", scroll},
                           {"key", key},
-                          {"type", type},
                           {"step", step},
                           {"wait", waitForSomething},
                           {"picture", picture},
@@ -289,11 +292,14 @@ std::string app::perform(const ScriptLine& line, Tour& tour) {
     return "there is no step called " + word;
 }
 
-bool app::takePicture(const std::string& name, Tour& tour) {
+std::string app::takePicture(const std::string& name, Tour& tour) {
     std::string file = NSStringWithFormat("%03d-", ++tour.pictures);
     for (const char c : name) file += std::isalnum(static_cast<unsigned char>(c)) ? c : '-';
     file += ".png";
-    const bool isWritten = tour.stage.writePicture(tour.folder + "/" + file);
-    if (isWritten) tour.recorder.note("picture " + file);
-    return isWritten;
+    std::string problem;
+    const std::string path = tour.folder.claim(file, problem);
+    if (path.empty()) return problem;
+    if (!tour.stage.writePicture(path)) return "the picture cannot be written";
+    tour.recorder.note("picture " + file);
+    return {};
 }

@@ -7,7 +7,6 @@
 //   drag ROLE NAME FX FY to FX FY      a finger from one place of a node to another
 //   scroll POINTS                      the wheel over the middle of the window
 //   key NAME                           a key down and up: a letter, a digit, return, escape, tab, space, up, ...
-//   type TEXT                          the same for each character of a text
 //   step ROLE NAME DIRECTION [large]   an arrow's step in a slider or canvas
 //   wait ROLE NAME                     until there is such a node (ten seconds at most, as for all that follow)
 //   wait gone ROLE NAME                until there is none
@@ -25,7 +24,7 @@
 //   background                         the window is put away, and is back at once
 //   size WIDTH HEIGHT SCALE            points, and pixels a point
 //
-// Roles: any, row, button, switch, slider, canvas, field, text, heading, list, image, alert, progress, bar, group.
+// Roles: any, row, button, switch, slider, canvas, text, heading, list, image, alert, progress, bar, group.
 
 #include "app/tour/Script.h"
 
@@ -37,20 +36,22 @@ class Recorder;
 class Simulation;
 class Stage;
 class StandInDesktop;
+class TourFolder;
 
 struct Tour {
     Stage& stage;
     Recorder& recorder;
     Simulation& simulation;
     StandInDesktop& desktop;
-    std::string folder; // where the pictures go
+    TourFolder& folder;           // where the pictures go
+    std::string messageFile = {}; // what was handed to the program for messages; empty while there was none
     int pictures = 0;
 };
 
 // Does what the line says. Empty, or what went wrong.
 std::string perform(const ScriptLine& line, Tour& tour);
 
-// The next numbered picture; false when it cannot be written.
-bool takePicture(const std::string& name, Tour& tour);
+// The next numbered picture. Empty, or why it cannot be written.
+std::string takePicture(const std::string& name, Tour& tour);
 
 } // namespace app

@@ -1,26 +1,29 @@
 #include "desktop/links/browser.h"
 
-#include "desktop/links/DefaultApplication.h"
-#include "kit/uikit/url_opener.h"
+#include "desktop/links/desktop_program.h"
 #include "platform/log.h"
 
 namespace seat {
 
-bool openInBrowser(const std::string& url) {
-    const bool secure = url.starts_with("https://");
-    if (!secure && !url.starts_with("http://")) {
-        NSLog("%s is not opened: no web address", url.c_str());
+bool openInBrowser(const std::string& address, const std::function<void(bool isStarted)>& ended) {
+    const bool isSecure = address.starts_with("https://");
+    const bool isFile = address.starts_with("/");
+    if (!isSecure && !isFile && !address.starts_with("http://")) {
+        NSLog("%s is not opened: no web address", address.c_str());
         return false;
     }
-    auto browser = defaultApplication(secure ? "x-scheme-handler/https" : "x-scheme-handler/http");
-    if (!browser) browser = defaultApplication("text/html");
+    auto browser =
+        isFile ? std::nullopt : defaultProgram(isSecure ? "x-scheme-handler/https" : "x-scheme-handler/http");
+    if (!browser) browser = defaultProgram("text/html");
+    // A desktop may know its browser by what it does with addresses alone.
+    if (!browser && isFile) browser = defaultProgram("x-scheme-handler/http");
     if (!browser) {
-        NSLog("%s is not opened: the desktop names no browser", url.c_str());
+        NSLog("%s is not opened: the desktop names no browser", address.c_str());
         return false;
     }
-    return openWithApplication(*browser, url);
+    startProgram(
+        *browser, address, ended ? ended : [](bool) {});
+    return true;
 }
-
-void installBrowser() { setURLOpener(openInBrowser); }
 
 } // namespace seat

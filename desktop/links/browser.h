@@ -1,14 +1,13 @@
 #pragma once
 
+#include <functional>
 #include <string>
 
 namespace seat {
 
-// Hands the address to the user's default browser; false, and a logged reason, when there is none or it cannot be
-// started. Only http and https addresses are handed on. Does not wait. Main thread.
-bool openInBrowser(const std::string& url);
-
-// From now on UIApplication::openURL opens the browser.
-void installBrowser();
+// Hands a web address (http or https), or a page on this machine by its real path, to the user's default browser; other
+// addresses are not handed on. False, and a logged reason, when there is none. Does not wait: `ended`, if given, hears
+// later on the main queue whether the browser could be started. Main thread.
+bool openInBrowser(const std::string& address, const std::function<void(bool isStarted)>& ended = {});
 
 } // namespace seat

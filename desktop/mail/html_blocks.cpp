@@ -53,6 +53,27 @@ std::size_t appendReference(std::string& text, std::string_view html) {
     return end + 1;
 }
 
+// The value of "href" among an element's attributes, with quotation marks or without; empty when there is none.
+std::string hypertextReference(std::string_view attributes) {
+    constexpr std::string_view name = "href=";
+    const auto at = attributes.find(name);
+    if (at == std::string_view::npos || at == 0 || !isSpace(attributes[at - 1])) return {};
+    std::string_view value = attributes.substr(at + name.size());
+    const bool isQuoted = value.starts_with('"') || value.starts_with('\'');
+    const char quote = isQuoted ? value.front() : ' ';
+    if (isQuoted) value.remove_prefix(1);
+    std::string address;
+    while (!value.empty() && (isQuoted ? value.front() != quote : !isSpace(value.front()))) {
+        std::size_t taken = value.front() == '&' ? appendReference(address, value) : 0;
+        if (taken == 0) {
+            address += value.front();
+            taken = 1;
+        }
+        value.remove_prefix(taken);
+    }
+    return address;
+}
+
 class BlockReader {
 public:
     std::vector<HTMLBlock> read(std::string_view html) {
@@ -88,7 +109,7 @@ private:
             name += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
         }
         if (name == "a") {
-            m_inLink = !closes;
+            m_address = closes ? "" : hypertextReference(tag);
         } else if (name == "ol" || name == "ul") {
             finishBlock();
             m_numbered = !closes && name == "ol";
@@ -108,7 +129,7 @@ private:
     void text(const std::string& piece) {
         const bool space = piece.size() == 1 && isSpace(piece[0]);
         if (space && (m_block.runs.empty() || m_block.runs.back().text.ends_with(' '))) return;
-        if (m_block.runs.empty() || m_block.runs.back().isLink != m_inLink) m_block.runs.push_back({"", m_inLink});
+        if (m_block.runs.empty() || m_block.runs.back().address != m_address) m_block.runs.push_back({"", m_address});
         m_block.runs.back().text += space ? " " : piece;
     }
 
@@ -125,7 +146,7 @@ private:
 
     std::vector<HTMLBlock> m_blocks;
     HTMLBlock m_block;
-    bool m_inLink = false;
+    std::string m_address; // of the link that is open
     bool m_numbered = false;
     int m_item = 0;
 };

@@ -12,7 +12,7 @@ struct HTMLBlock {
     enum class Kind { Heading, Subheading, Paragraph, ListItem } kind = Kind::Paragraph;
     struct Run {
         std::string text;
-        bool isLink = false;
+        std::string address = {}; // of a link; empty for other text
     };
     std::string marker; // "1." of a numbered item, "•" of another; empty for other blocks
     std::vector<Run> runs;

@@ -1,7 +1,11 @@
 #include "desktop/mail/message_body.h"
 
+#include "desktop/mail/MessageLink.h"
+#include "desktop/painting/TextLayout.h"
+#include "kit/quartz/text_runs.h"
 #include "kit/uikit/appearance.h"
 #include "platform/uikit/UILabel.h"
+#include "platform/uikit/UIScreen.h"
 
 #include <algorithm>
 
@@ -22,7 +26,7 @@ std::shared_ptr<UILabel> blockLabel(const HTMLBlock& block) {
     const auto text = NSMutableAttributedString::alloc()->initWithString_attributes("", {});
     for (const auto& run : block.runs)
         text->appendAttributedString(*NSMutableAttributedString::alloc()->initWithString_attributes(
-            run.text, {font, run.isLink ? appearance::tintColor() : appearance::textColor()}));
+            run.text, {font, !run.address.empty() ? appearance::tintColor() : appearance::textColor()}));
     const auto result = UILabel::alloc()->init();
     result->setFont(font);
     result->setAttributedText(text);
@@ -37,6 +41,32 @@ std::shared_ptr<UILabel> markerLabel(const std::string& marker) {
     label->setTextAlignment(NSTextAlignmentRight);
     label->setText(marker);
     return label;
+}
+
+constexpr double linkPadding = 4; // around the text, for fingers
+
+// Where a run of the label's text stands, in the label; empty when it is not shown.
+CGRect extentOfRun(const UILabel& label, std::size_t run) {
+    const double scale = UIScreen::mainScreen()->scale();
+    const auto runs = textRuns(*label.attributedText(), label.font(), nullptr);
+    const auto layout = textLayout(runs, label.bounds().size.width * scale, /*lines=*/0, scale);
+    QRectF extent;
+    for (const auto& line : layout->lines)
+        for (const auto& piece : line.pieces)
+            if (piece.run == run) extent |= piece.glyphs.boundingRect().translated(0, line.baseline);
+    return {{extent.x() / scale, extent.y() / scale}, {extent.width() / scale, extent.height() / scale}};
+}
+
+void addLinks(UIView& view, const UILabel& label, const HTMLBlock& block) {
+    for (std::size_t run = 0; run < block.runs.size(); ++run) {
+        if (block.runs[run].address.empty()) continue;
+        CGRect extent = CGRectInset(extentOfRun(label, run), -linkPadding, -linkPadding);
+        extent.origin.x += label.frame().origin.x;
+        extent.origin.y += label.frame().origin.y;
+        const auto link = MessageLink::alloc()->initWithText_address(block.runs[run].text, block.runs[run].address);
+        link->setFrame(extent);
+        view.addSubview(link);
+    }
 }
 
 } // namespace
@@ -63,6 +93,7 @@ double layOutMessage(UIView& view, const std::vector<HTMLBlock>& blocks, double 
             view.addSubview(marker);
         }
         view.addSubview(text);
+        addLinks(view, *text, block);
         y += size.height;
     }
     return y + appearance::sideMargin;

@@ -105,9 +105,6 @@ void seat::AccessibilityBridge::changed(AccessibilityIdentity identity, Accessib
         }
         tell(QAccessible::DescriptionChanged);
         break;
-    case AccessibilityChange::Text:
-        node->editableText().tell();
-        break;
     case AccessibilityChange::State:
         tellState(*node, now);
         break;

@@ -39,8 +39,6 @@ QAccessible::Role toolkitRole(Role role) {
         return QAccessible::ToolBar;
     case Role::Canvas:
         return QAccessible::Canvas;
-    case Role::TextField:
-        return QAccessible::EditableText;
     case Role::None:
         break;
     }
@@ -119,9 +117,6 @@ void* seat::AccessibleNode::interface_cast(QAccessible::InterfaceType type) {
         return static_cast<QAccessibleActionInterface*>(this);
     if (type == QAccessible::ValueInterface && found->range) return static_cast<QAccessibleValueInterface*>(this);
     if (type == QAccessible::TextInterface && isLabel(*found)) return static_cast<QAccessibleTextInterface*>(this);
-    if (type == QAccessible::TextInterface && found->text) return static_cast<QAccessibleTextInterface*>(&m_text);
-    if (type == QAccessible::EditableTextInterface && found->text)
-        return static_cast<QAccessibleEditableTextInterface*>(&m_text);
     return nullptr;
 }
 
@@ -175,7 +170,6 @@ QString seat::AccessibleNode::text(QAccessible::Text kind) const {
     case QAccessible::Value:
         return QString::fromStdString(found->value);
     case QAccessible::Description: {
-        if (found->text) return QString::fromStdString(found->description); // the text has an interface of its own
         const bool hasBoth = !found->value.empty() && !found->description.empty();
         return QString::fromStdString(found->value + (hasBoth ? ". " : "") + found->description);
     }
@@ -215,8 +209,6 @@ QAccessible::State seat::AccessibleNode::state() const {
     state.offscreen = !found->isOnScreen;
     state.modal = found->isModal;
     state.readOnly = found->role == Role::StaticText || found->role == Role::Heading;
-    state.editable = found->text.has_value();
-    state.selectableText = found->text.has_value();
     if (found->isOn) {
         state.checkable = true;
         state.checked = *found->isOn;

@@ -2,7 +2,6 @@
 
 // One node of the accessibility tree as the toolkit, and through it the accessibility bus, wants it.
 
-#include "desktop/window/AccessibleText.h"
 #include "kit/uikit/AccessibilityTree.h"
 
 #include <QAccessible>
@@ -21,7 +20,6 @@ public:
     AccessibleNode(AccessibilityBridge& bridge, AccessibilityIdentity identity);
     ~AccessibleNode() override;
 
-    AccessibleText& editableText() { return m_text; }
     // The bridge is going.
     void detach() { m_bridge = nullptr; }
     // The parent is what the tree says at its last update.
@@ -76,8 +74,6 @@ public:
     QString attributes(int, int* start, int* end) const override;
 
 private:
-    friend class AccessibleText;
-
     // As it is now, and once in each answer: asking again may take away what was given before. nullptr when there is
     // none.
     const AccessibilityNode* node() const;
@@ -89,7 +85,6 @@ private:
     AccessibilityIdentity m_identity;
     AccessibilityIdentity m_parent = 0;
     QString m_announcedText;
-    AccessibleText m_text{*this};
     bool m_isLeaving = false;
 };
 

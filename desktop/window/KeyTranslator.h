@@ -4,7 +4,6 @@
 
 #include <memory>
 #include <set>
-#include <string>
 
 class UIKeyEvent;
 
@@ -13,26 +12,24 @@ namespace seat {
 struct RawKeyEvent {
     unsigned scanCode = 0; // the window system's: the kernel's number of the key plus 8
     bool isDown = true;
-    bool isAutoRepeat = false;   // the window system says so
-    unsigned modifiers = 0;      // UIKeyEvent's
-    std::string characters = {}; // what the window system says it types, UTF-8
+    bool isAutoRepeat = false; // the window system says so
+    unsigned modifiers = 0;    // UIKeyEvent's
+    long symbol = 0;           // UIKeyEvent's
 };
-
-// What of a key's characters is text; with Control, window systems give a control character for a letter: the letter.
-std::string typedText(const std::string& characters, unsigned modifiers);
 
 class KeyTranslator {
 public:
-    // nil for what is no key of the usage page, for keys that went down while another window had the keyboard, and for
-    // what no key did: a held key comes as presses alone, or as pairs of release and press that the window system
-    // marks; the releases of such pairs are dropped, and the presses are marked as repeats.
+    // nil for what has neither a place on the usage page nor a symbol that navigates, for keys that went down while
+    // another window had the keyboard, and for what no key did: a held key comes as presses alone, or as pairs of
+    // release and press that the window system marks; the releases of such pairs are dropped, and the presses are
+    // marked as repeats.
     std::shared_ptr<UIKeyEvent> translate(const RawKeyEvent& event);
 
     // The keyboard is somebody else's now: releases that follow are not ours to hear.
     void forgetHeldKeys() { m_held.clear(); }
 
 private:
-    std::set<long> m_held; // usages
+    std::set<unsigned> m_held; // scan codes
 };
 
 } // namespace seat

@@ -13,8 +13,8 @@ namespace seat {
 class WindowScene;
 
 struct SceneWindowOptions {
-    CGSize size{375, 667};        // points
-    CGSize minimumSize{320, 480}; // points
+    CGSize size{375, 667};        // points; never larger than the screen
+    CGSize minimumSize{320, 240}; // points
     double scale = 0;             // pixels a point; 0: the screen's
 };
 

@@ -7,7 +7,6 @@
 #include "platform/foundation/time.h"
 
 #include <QGuiApplication>
-#include <QInputMethodEvent>
 #include <QPainter>
 #include <QScreen>
 
@@ -48,8 +47,10 @@ seat::SurfaceWindow::SurfaceWindow(const SceneWindowOptions& options)
         return QSize(static_cast<int>(std::lround(points.width * unit)),
                      static_cast<int>(std::lround(points.height * unit)));
     };
-    setMinimumSize(toolkitSize(options.minimumSize).boundedTo(toolkitSize(options.size)));
-    resize(toolkitSize(options.size));
+    const QSize most = screen() ? screen()->availableSize() : toolkitSize(options.size);
+    const QSize size = toolkitSize(options.size).boundedTo(most);
+    setMinimumSize(toolkitSize(options.minimumSize).boundedTo(size));
+    resize(size);
     show();
 }
 
@@ -95,7 +96,6 @@ void seat::SurfaceWindow::makeFrame() {
         if (framePainted) framePainted(platform::CACurrentMediaTime() - start);
     }
     refreshTitle();
-    noteTextInput();
     if (m_scene->isAnimating()) m_pacer.request();
 }
 
@@ -165,12 +165,6 @@ bool seat::SurfaceWindow::event(QEvent* event) {
     case QEvent::Close:
         event->ignore();
         if (closed) closed();
-        return true;
-    case QEvent::InputMethodQuery:
-        answerInputMethod(*static_cast<QInputMethodQueryEvent*>(event));
-        return true;
-    case QEvent::InputMethod:
-        typeText(static_cast<QInputMethodEvent*>(event)->commitString().toStdString());
         return true;
     case QEvent::WindowStateChange:
     case QEvent::Hide:

@@ -14,8 +14,6 @@
 #include <span>
 #include <vector>
 
-class QInputMethodQueryEvent;
-
 namespace seat {
 
 class AccessibilityBridge;
@@ -69,9 +67,6 @@ private:
     void touchEnds(long identifier, CGPoint location);
     void cancelTouches();
     void deliverKey(const QKeyEvent& event, bool isDown);
-    void typeText(const std::string& text);
-    void noteTextInput();
-    void answerInputMethod(QInputMethodQueryEvent& query) const;
 
     WindowScene* m_scene = nullptr; // non-owning
     std::function<std::string()> m_titleSource;
@@ -87,7 +82,6 @@ private:
     bool m_surfaceIsWhole = false; // what was painted last is still in the surface
     bool m_isRefreshing = false;
     bool m_isInForeground = false;
-    bool m_takesText = false;                             // as the input method was told
     std::unique_ptr<AccessibilityBridge> m_accessibility; // once assistive technology has asked
 };
 

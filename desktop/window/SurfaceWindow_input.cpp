@@ -3,15 +3,11 @@
 #include "desktop/window/SurfaceWindow.h"
 #include "kit/uikit/WindowScene.h"
 #include "kit/uikit/application.h"
-#include "kit/uikit/keyboard.h"
+#include "kit/uikit/hid_keys.h"
 #include "platform/foundation/time.h"
 #include "platform/uikit/UIKeyEvent.h"
-#include "platform/uikit/UITextField.h"
-#include "system/input/hid_usage.h"
 
 #include <QGuiApplication>
-#include <QInputMethod>
-#include <QInputMethodEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QTouchEvent>
@@ -30,6 +26,23 @@ unsigned modifiers(Qt::KeyboardModifiers keys) {
     if (keys & Qt::AltModifier) result |= UIKeyEvent::Alt;
     if (keys & Qt::MetaModifier) result |= UIKeyEvent::GUI;
     return result;
+}
+
+// The toolkit's name of a symbol as UIKeyEvent's; 0 for what does not navigate.
+long navigationSymbol(int key) {
+    namespace hid = seat::hid;
+    static constexpr std::pair<int, long> symbols[] = {
+        {Qt::Key_Return, hid::enter},  {Qt::Key_Enter, hid::keypadEnter},
+        {Qt::Key_Escape, hid::escape}, {Qt::Key_Tab, hid::tab},
+        {Qt::Key_Backtab, hid::tab},   {Qt::Key_Space, hid::space},
+        {Qt::Key_Home, hid::home},     {Qt::Key_End, hid::end},
+        {Qt::Key_PageUp, hid::pageUp}, {Qt::Key_PageDown, hid::pageDown},
+        {Qt::Key_Left, hid::left},     {Qt::Key_Right, hid::right},
+        {Qt::Key_Up, hid::up},         {Qt::Key_Down, hid::down},
+    };
+    for (const auto& [symbol, usage] : symbols)
+        if (symbol == key) return usage;
+    return 0;
 }
 
 } // namespace
@@ -108,34 +121,9 @@ void seat::SurfaceWindow::keyPressEvent(QKeyEvent* event) { deliverKey(*event, /
 void seat::SurfaceWindow::keyReleaseEvent(QKeyEvent* event) { deliverKey(*event, /*isDown=*/false); }
 
 void seat::SurfaceWindow::deliverKey(const QKeyEvent& event, bool isDown) {
-    const unsigned held = modifiers(event.modifiers());
-    const std::string characters = event.text().toStdString();
-    if (const auto key = m_keys.translate({event.nativeScanCode(), isDown, event.isAutoRepeat(), held, characters}))
-        return sendKeyEvent(key);
-    // What a program types for the user may come from no key at all.
-    if (isDown && hidUsageForScanCode(event.nativeScanCode()) == 0) typeText(typedText(characters, held));
-}
-
-void seat::SurfaceWindow::typeText(const std::string& text) {
-    const auto field = m_scene ? fieldForText(*m_scene->window()) : nullptr;
-    if (field && !text.empty()) field->insertText(text);
-}
-
-// Dead keys, composing and input methods are at work only while there is a field for what they make.
-void seat::SurfaceWindow::noteTextInput() {
-    const bool takesText = m_scene && fieldForText(*m_scene->window());
-    if (std::exchange(m_takesText, takesText) != takesText) QGuiApplication::inputMethod()->update(Qt::ImEnabled);
-}
-
-void seat::SurfaceWindow::answerInputMethod(QInputMethodQueryEvent& query) const {
-    const auto field = m_scene ? fieldForText(*m_scene->window()) : nullptr;
-    query.setValue(Qt::ImEnabled, field != nullptr);
-    if (!field) return;
-    const CGRect extent = field->convertRect_toView(field->bounds(), nullptr);
-    const double unit = scale() / devicePixelRatio();
-    query.setValue(Qt::ImCursorRectangle, QRectF(extent.origin.x * unit, extent.origin.y * unit,
-                                                 extent.size.width * unit, extent.size.height * unit));
-    query.setValue(Qt::ImHints, int(Qt::ImhNoPredictiveText | Qt::ImhNoAutoUppercase));
+    if (const auto key = m_keys.translate({event.nativeScanCode(), isDown, event.isAutoRepeat(),
+                                           modifiers(event.modifiers()), navigationSymbol(event.key())}))
+        sendKeyEvent(key);
 }
 
 void seat::SurfaceWindow::focusOutEvent(QFocusEvent*) { m_keys.forgetHeldKeys(); }

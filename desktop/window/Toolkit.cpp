@@ -2,11 +2,9 @@
 
 #include "desktop/window/EventLoop.h"
 #include "desktop/window/key_repeat.h"
-#include "kit/uikit/Pasteboard.h"
 #include "platform/log.h"
 #include "system/process/child_environment.h"
 
-#include <QClipboard>
 #include <QGuiApplication>
 
 #include <csignal>
@@ -99,8 +97,8 @@ seat::Toolkit::Toolkit(const ToolkitOptions& options) : m_state(std::make_unique
         options.noDisplay("neither DISPLAY nor WAYLAND_DISPLAY names one");
     }
 
-    // Dead keys and the compose key make their letters in text fields; everywhere else keys are heard as keys. Input
-    // methods that are processes of their own stay away: one that hangs would keep us from starting.
+    // Nothing here takes text: input methods that are processes of their own stay away, since one that hangs would keep
+    // us from starting.
     setVariableForUsAlone("QT_IM_MODULE", "compose");
     // The toolkit's own event loop does, and takes less of everything than the desktop's.
     setVariableForUsAlone("QT_NO_GLIB", "1");
@@ -115,9 +113,6 @@ seat::Toolkit::Toolkit(const ToolkitOptions& options) : m_state(std::make_unique
     state.application = std::make_unique<QGuiApplication>(state.argumentCount, state.arguments);
     isStarting = false;
     askForPlainKeyRepeat();
-    setPasteboard(
-        {[] { return QGuiApplication::clipboard()->text().toStdString(); },
-         [](const std::string& text) { QGuiApplication::clipboard()->setText(QString::fromStdString(text)); }});
     state.loop = std::make_unique<EventLoop>();
 }
 
@@ -128,7 +123,6 @@ seat::Toolkit::~Toolkit() {
         for (int& end : signalPipe) end = (close(end), -1);
     }
     m_state->loop.reset();
-    setPasteboard({});
     m_state->application.reset();
     qInstallMessageHandler(nullptr);
 }

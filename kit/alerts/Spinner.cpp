@@ -15,6 +15,8 @@ namespace {
 constexpr int spokes = 12;
 constexpr double turnsPerSecond = 1;
 
+bool isHeldStill = false;
+
 } // namespace
 
 Spinner::~Spinner() { removeSource(m_timer); }
@@ -23,7 +25,10 @@ std::shared_ptr<Spinner> Spinner::initWithSize(double size) {
     return UIView::initWithFrame(CGRectMake(0, 0, size, size)) ? self(this) : nullptr;
 }
 
+void Spinner::holdStill() { isHeldStill = true; }
+
 void Spinner::setTurning(bool turning) {
+    turning = turning && !isHeldStill;
     if (turning == (m_timer != 0)) return;
     if (turning)
         turnLater();

@@ -14,6 +14,8 @@ public:
 
     std::shared_ptr<Spinner> initWithSize(double size);
     void setTurning(bool turning);
+    // From now on none turns in this process: pictures of the same moment are alike.
+    static void holdStill();
     void drawRect(CGRect rect) override;
 
 private:

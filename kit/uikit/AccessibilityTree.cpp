@@ -21,7 +21,6 @@ bool speaksForItsTexts(UIAccessibilityRole role) {
     case UIAccessibilityRole::Canvas:
     case UIAccessibilityRole::ProgressIndicator:
     case UIAccessibilityRole::Heading:
-    case UIAccessibilityRole::TextField:
         return true;
     default:
         return false;
@@ -69,7 +68,6 @@ AccessibilityNode AccessibilityTree::describe(const UIView& view, AccessibilityI
     node.isOnScreen = !CGRectIsEmpty(visibleRectInWindow(view));
     node.isOn = view.accessibilityIsOn();
     node.range = view.accessibilityRange();
-    node.text = view.accessibilityText();
     node.canPress = isPressable(view, node.role) && node.isEnabled;
     return node;
 }
@@ -124,7 +122,6 @@ void AccessibilityTree::tell(const Nodes& before) const {
         if (node.name != old.name) listener(identity, AccessibilityChange::Name);
         if (node.value != old.value || node.isOn != old.isOn || node.range != old.range)
             listener(identity, AccessibilityChange::Value);
-        if (node.text != old.text) listener(identity, AccessibilityChange::Text);
         if (node.isEnabled != old.isEnabled || node.isSelected != old.isSelected || node.isOnScreen != old.isOnScreen)
             listener(identity, AccessibilityChange::State);
         if (node.extent != old.extent) listener(identity, AccessibilityChange::Extent);
@@ -197,14 +194,6 @@ bool AccessibilityTree::step(AccessibilityIdentity identity, UIAccessibilityDire
 
 bool AccessibilityTree::setValue(AccessibilityIdentity identity, double value) {
     return perform(identity, [value](UIView& view) { return view.accessibilitySetValue(value); });
-}
-
-bool AccessibilityTree::setText(AccessibilityIdentity identity, const std::string& text) {
-    return perform(identity, [text](UIView& view) { return view.accessibilitySetText(text); });
-}
-
-bool AccessibilityTree::selectText(AccessibilityIdentity identity, std::size_t start, std::size_t end) {
-    return perform(identity, [=](UIView& view) { return view.accessibilitySelectText(start, end); });
 }
 
 bool AccessibilityTree::focus(AccessibilityIdentity identity) {

@@ -36,8 +36,7 @@ struct AccessibilityNode {
     bool isOnScreen = true; // some of it can be seen
     std::optional<bool> isOn;
     std::optional<UIAccessibilityRange> range;
-    std::optional<UIAccessibilityText> text; // of a text field
-    bool canPress = false;                   // as far as its kind goes; see canAct()
+    bool canPress = false; // as far as its kind goes; see canAct()
 
     friend bool operator==(const AccessibilityNode&, const AccessibilityNode&) = default;
 };
@@ -51,7 +50,6 @@ enum class AccessibilityChange {
     State, // enabled, selected, on screen
     Extent,
     Focus, // this node has it now
-    Text,  // of a text field, its caret and selection too
 };
 
 // The nodes of a window: one for each visible view with a role, and the window itself as the root. While a modal view
@@ -82,8 +80,6 @@ public:
     bool press(AccessibilityIdentity identity);
     bool step(AccessibilityIdentity identity, UIAccessibilityDirection direction, UIAccessibilityStep step);
     bool setValue(AccessibilityIdentity identity, double value);
-    bool setText(AccessibilityIdentity identity, const std::string& text);
-    bool selectText(AccessibilityIdentity identity, std::size_t start, std::size_t end);
     bool focus(AccessibilityIdentity identity);
     bool escape(AccessibilityIdentity identity);
 

@@ -94,29 +94,6 @@ void Touches::key(long usage, unsigned modifiers) {
     frame();
 }
 
-void Touches::type(std::string_view text) {
-    constexpr long spaceKey = 44;
-    constexpr long someKey = 4;
-    while (!text.empty()) {
-        std::size_t length = 1;
-        while (length < text.size() && (static_cast<unsigned char>(text[length]) & 0xC0) == 0x80) ++length;
-        const long usage = text[0] == ' ' ? spaceKey : someKey;
-        sendKeyEvent(UIKeyEvent::keyEvent(usage, /*isKeyDown=*/true, /*isRepeat=*/false, /*modifiers=*/0,
-                                          std::string(text.substr(0, length))));
-        keyUp(usage);
-        text.remove_prefix(length);
-    }
-    drainMainQueue();
-    frame();
-}
-
-void Touches::shortcut(char letter) {
-    const long usage = 4 + (letter - 'a');
-    sendKeyEvent(UIKeyEvent::keyEvent(usage, /*isKeyDown=*/true, /*isRepeat=*/false, UIKeyEvent::Control,
-                                      std::string(1, letter)));
-    keyUp(usage, UIKeyEvent::Control);
-}
-
 void Touches::wait(double seconds) {
     const double end = now() + seconds;
     for (double left = seconds; left > 0; left = end - now()) {

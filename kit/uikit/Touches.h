@@ -2,8 +2,6 @@
 
 #include "platform/quartz/CGGeometry.h"
 
-#include <string_view>
-
 class UIView;
 
 namespace seat {
@@ -40,10 +38,6 @@ public:
     void keyDown(long usage, unsigned modifiers = 0, bool isRepeat = false);
     void keyUp(long usage, unsigned modifiers = 0);
     void key(long usage, unsigned modifiers = 0);
-    // Keys that type these characters, UTF-8; which keys they are is the layout's business.
-    void type(std::string_view text);
-    // The letter with Control held.
-    void shortcut(char letter);
 
     // Lets time pass, with a frame each sixtieth of a second and the main queue run between them.
     void wait(double seconds);

@@ -44,6 +44,8 @@ namespace seat {
 
 void sendKeyEvent(const std::shared_ptr<UIKeyEvent>& event) {
     const auto application = UIApplication::sharedApplication();
+    // Who hooks the handler learns which keys there are by their places.
+    if (event && event->_keyCode() == 0) return application->handleKeyUIEvent(event);
     objc_msgSend(*application, "handleKeyUIEvent:", {id(event)});
 }
 

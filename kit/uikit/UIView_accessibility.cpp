@@ -16,9 +16,6 @@ std::optional<UIAccessibilityRange> UIView::accessibilityRange() const { return 
 bool UIView::accessibilityActivate() { return false; }
 bool UIView::accessibilityStep(UIAccessibilityDirection, UIAccessibilityStep) { return false; }
 bool UIView::accessibilitySetValue(double) { return false; }
-std::optional<UIAccessibilityText> UIView::accessibilityText() const { return std::nullopt; }
-bool UIView::accessibilitySetText(const std::string&) { return false; }
-bool UIView::accessibilitySelectText(std::size_t, std::size_t) { return false; }
 void UIView::setAccessibilityLabel(std::string label) { m_view->accessibilityLabel = std::move(label); }
 bool UIView::accessibilityElementsHidden() const { return m_view->hidesElements; }
 void UIView::setAccessibilityElementsHidden(bool hidden) { m_view->hidesElements = hidden; }

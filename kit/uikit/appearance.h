@@ -16,7 +16,7 @@ inline constexpr double cardCornerRadius = 10;
 inline constexpr double labelGap = 8; // between a title and what stands beside it
 
 const std::shared_ptr<UIColor>& pageColor();    // behind grouped rows
-const std::shared_ptr<UIColor>& cardColor();    // rows, bars' text field, alerts
+const std::shared_ptr<UIColor>& cardColor();    // rows, alerts
 const std::shared_ptr<UIColor>& pressedColor(); // a row under the finger, or selected
 const std::shared_ptr<UIColor>& separatorColor();
 const std::shared_ptr<UIColor>& textColor();

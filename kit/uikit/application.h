@@ -9,7 +9,8 @@
 namespace seat {
 
 // Every key event of the process enters here, on the main thread: the message "handleKeyUIEvent:" to the application
-// object, found by the runtime.
+// object, found by the runtime. A key without a place
+// goes to the application's own handling alone.
 void sendKeyEvent(const std::shared_ptr<UIKeyEvent>& event);
 
 // The window was minimised, hidden or closed: posts UIApplicationDidEnterBackgroundNotification. Main thread.

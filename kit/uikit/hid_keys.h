@@ -5,13 +5,10 @@ namespace seat::hid {
 
 inline constexpr long enter = 40;
 inline constexpr long escape = 41;
-inline constexpr long backspace = 42;
 inline constexpr long tab = 43;
 inline constexpr long space = 44;
-inline constexpr long insert = 73;
 inline constexpr long home = 74;
 inline constexpr long pageUp = 75;
-inline constexpr long forwardDelete = 76;
 inline constexpr long end = 77;
 inline constexpr long pageDown = 78;
 inline constexpr long right = 79;

@@ -8,7 +8,6 @@
 #include "platform/dispatch.h"
 #include "platform/uikit/UIKeyEvent.h"
 #include "platform/uikit/UIScrollView.h"
-#include "platform/uikit/UITextField.h"
 #include "platform/uikit/UIViewController.h"
 
 #include <algorithm>
@@ -62,7 +61,7 @@ std::optional<UIAccessibilityDirection> direction(long key) {
 // True when the key was the focused slider's or canvas's.
 bool step(UIWindow& window, const UIKeyEvent& event) {
     const auto focused = reachableFocus(window);
-    const auto way = direction(event._keyCode());
+    const auto way = direction(event.symbol());
     if (!focused || !way) return false;
     const auto role = focused->accessibilityRole();
     if (role != UIAccessibilityRole::Slider && role != UIAccessibilityRole::Canvas) return false;
@@ -140,11 +139,11 @@ void activationKey(UIWindow& window, const UIKeyEvent& event) {
     auto& state = WindowInternals::state(window);
     if (event.isKeyDown()) {
         if (event.isRepeat()) return;
-        state.activationKey = event._keyCode();
+        state.activationKey = event.symbol();
         state.activated = reachableFocus(window);
         return;
     }
-    const bool wentDownHere = std::exchange(state.activationKey, 0) == event._keyCode();
+    const bool wentDownHere = std::exchange(state.activationKey, 0) == event.symbol();
     const auto view = std::exchange(state.activated, {}).lock();
     if (!wentDownHere || !view || view != reachableFocus(window)) return;
     WindowInternals::focusByKeyboard(window, view);
@@ -156,7 +155,7 @@ void activationKey(UIWindow& window, const UIKeyEvent& event) {
 
 void keyDown(UIWindow& window, const UIKeyEvent& event) {
     if (step(window, event)) return;
-    switch (event._keyCode()) {
+    switch (event.symbol()) {
     case hid::tab:
         return moveFocus(window, !(event.modifiers() & UIKeyEvent::Shift));
     case hid::down:
@@ -170,7 +169,7 @@ void keyDown(UIWindow& window, const UIKeyEvent& event) {
     case hid::pageDown:
     case hid::home:
     case hid::end:
-        return scroll(window, event._keyCode());
+        return scroll(window, event.symbol());
     default:
         return;
     }
@@ -189,20 +188,15 @@ bool isTaken(UIWindow& window, const UIKeyEvent& event) {
 
 } // namespace
 
-std::shared_ptr<UITextField> fieldForText(const UIWindow& window) {
-    return frontScreenWaits(window) ? nullptr : std::dynamic_pointer_cast<UITextField>(reachableFocus(window));
-}
-
 void handleKey(UIWindow& window, const UIKeyEvent& event) {
     const auto keep = window.shared_from_this();
     if (isTaken(window, event)) {
         WindowInternals::state(window).activationKey = 0;
         return;
     }
-    if (const auto field = fieldForText(window); field && event.isKeyDown() && field->takeKey(event)) return;
     const unsigned others = UIKeyEvent::Control | UIKeyEvent::Alt | UIKeyEvent::GUI;
     if (event.isKeyDown() && (event.modifiers() & others)) return; // the desktop's own shortcuts
-    switch (event._keyCode()) {
+    switch (event.symbol()) {
     case hid::enter:
     case hid::keypadEnter:
     case hid::space:

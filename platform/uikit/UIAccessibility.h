@@ -1,8 +1,5 @@
 #pragma once
 
-#include <cstddef>
-#include <string>
-
 // What a view tells assistive technology. Nodes are made from the view tree: a view whose role is not None is one; the
 // views inside it that have roles are its children.
 
@@ -22,7 +19,6 @@ enum class UIAccessibilityRole {
     ProgressIndicator,
     NavigationBar,
     Canvas, // a two-dimensional field, such as a colour map
-    TextField,
 };
 
 // How far a keyboard or assistive step goes.
@@ -36,13 +32,4 @@ struct UIAccessibilityRange {
     double current = 0;
     double step = 0;
     friend bool operator==(const UIAccessibilityRange&, const UIAccessibilityRange&) = default;
-};
-
-// Text that can be changed. Places are bytes of the UTF-8 text, between two characters.
-struct UIAccessibilityText {
-    std::string text;
-    std::size_t selectionStart = 0;
-    std::size_t selectionEnd = 0; // the same as the start when nothing is selected
-    std::size_t caret = 0;        // one of the two
-    friend bool operator==(const UIAccessibilityText&, const UIAccessibilityText&) = default;
 };

@@ -7,7 +7,6 @@ enum UIControlEvents : unsigned {
     UIControlEventTouchUpInside = 1u << 6,
     UIControlEventTouchCancel = 1u << 8,
     UIControlEventValueChanged = 1u << 12,
-    UIControlEventEditingChanged = 1u << 17,
     UIControlEventEditingDidEnd = 1u << 18,
 };
 

@@ -2,29 +2,30 @@
 
 #include "platform/runtime/NSObject.h"
 
-#include <string>
+#include <optional>
 
 // A key of the hardware keyboard going down or up.
 class UIKeyEvent final : public NSObject {
     NS_CLASS(UIKeyEvent)
 
     static std::shared_ptr<UIKeyEvent> keyEvent(long keyCode, bool isKeyDown, bool isRepeat = false,
-                                                unsigned modifiers = 0, std::string characters = {});
+                                                unsigned modifiers = 0, std::optional<long> symbol = {});
     enum Modifiers : unsigned { Shift = 1, Control = 2, Alt = 4, GUI = 8 };
 
-    // USB HID usage on the Keyboard/Keypad page.
+    // The key by its place on the keyboard, whatever the layout makes of it: USB HID usage on the Keyboard/Keypad page.
+    // 0 for a key that has no place.
     long _keyCode() const { return m_keyCode; }
     bool isKeyDown() const { return m_isKeyDown; }
     bool isRepeat() const { return m_isRepeat; }
     unsigned modifiers() const { return m_modifiers; }
-    // What the key types in the user's layout, UTF-8; with Control the letter by itself. Empty for keys that type
-    // nothing.
-    const std::string& characters() const { return m_characters; }
+    // The key by what the user's layout makes of it: for keys that navigate the usage of the key that does so on a
+    // plain keyboard, 0 for all others. The same as the place where none was given.
+    long symbol() const { return m_symbol; }
 
 private:
     long m_keyCode = 0;
     bool m_isKeyDown = true;
     bool m_isRepeat = false;
     unsigned m_modifiers = 0;
-    std::string m_characters;
+    long m_symbol = 0;
 };

@@ -152,10 +152,6 @@ public:
     // Sliders and canvases; false when nothing moved.
     virtual bool accessibilityStep(UIAccessibilityDirection direction, UIAccessibilityStep step);
     virtual bool accessibilitySetValue(double value);
-    // Text fields.
-    virtual std::optional<UIAccessibilityText> accessibilityText() const;
-    virtual bool accessibilitySetText(const std::string& text);
-    virtual bool accessibilitySelectText(std::size_t start, std::size_t end);
     void setAccessibilityLabel(std::string label);
     // With it all that the view holds is nothing to assistive technology: a screen on its way out, say.
     bool accessibilityElementsHidden() const;

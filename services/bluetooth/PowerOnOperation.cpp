@@ -1,6 +1,5 @@
 #include "services/bluetooth/PowerOnOperation.h"
 
-#include "services/bluetooth/service_errors.h"
 #include "services/bluetooth/service_names.h"
 #include "services/common/log.h"
 
@@ -13,7 +12,6 @@ namespace {
 constexpr std::chrono::seconds limit{8};
 // A service that has just started shows its adapters a moment later.
 constexpr std::chrono::milliseconds adapterTime{1500};
-constexpr std::chrono::milliseconds busyTime{500};
 
 } // namespace
 
@@ -73,11 +71,6 @@ void PowerOnOperation::switchOn() {
     if (message) ::sd_bus_message_append(message.get(), "ssv", adapterInterface, "Powered", "b", 1);
     ask(std::move(message), [this](const Reply& reply) {
         if (reply.error.empty()) return; // the adapter says itself when it is on
-        if (errorOfService(reply.error, reply.text) == Error::Busy) {
-            // Somebody is switching it already, on or off: asked again when that has happened.
-            m_step = Step::ServiceStarted;
-            return wait(busyTime, [this] { goOn(); });
-        }
         services::log("switching Bluetooth on: %s", serviceReason(reply).c_str());
         finish(Error::NoAdapter);
     });

@@ -2,7 +2,6 @@
 
 #include "services/common/log.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace jvndiscovery {
@@ -13,8 +12,6 @@ using namespace std::chrono_literals;
 // A service that is restarted, or an adapter that is plugged in again, gets this long to be back.
 constexpr auto comebackTime = 5s;
 constexpr auto comebackPause = 500ms;
-// A radio that will not search, one time after the other, is asked less and less often.
-constexpr services::Moment longestPause = 16s;
 // A controller with which pairing has failed is left alone for a while, so that others get their turn.
 constexpr auto failurePause = 10s;
 // Pairing is what counts: a controller that does not connect now calls by itself later.
@@ -24,7 +21,7 @@ constexpr auto endTime = 400ms;
 } // namespace
 
 Discovery::Discovery(services::EventLoop& loop, bluetooth::Client& client, Surroundings surroundings)
-    : m_loop(loop), m_client(client), m_surroundings(std::move(surroundings)), m_pause(comebackPause / 2) {
+    : m_loop(loop), m_client(client), m_surroundings(std::move(surroundings)) {
     client.setListener({.deviceChanged = [this](const Device& device) { consider(device); }});
     bringUp();
 }
@@ -60,7 +57,6 @@ void Discovery::search() {
     m_operation.reset();
     m_pairing.reset();
     m_surroundings.report(State::Searching);
-    m_searchBegan = m_loop.now();
     m_search = m_client.search([this](Error) { searchEnded(); });
     if (!m_failed.empty()) m_timer = m_loop.after(failurePause, [this] { considerAll(); });
 }
@@ -73,8 +69,7 @@ void Discovery::leaveAlone(const Address& address) {
 // By itself: Bluetooth is gone, or will not search.
 void Discovery::searchEnded() {
     if (!m_lost) m_lost = m_loop.now();
-    m_pause = m_loop.now() - m_searchBegan > longestPause ? comebackPause : std::min(2 * m_pause, longestPause);
-    m_timer = m_loop.after(m_pause, [this] { bringUp(); });
+    m_timer = m_loop.after(comebackPause, [this] { bringUp(); });
 }
 
 void Discovery::considerAll() {

@@ -69,10 +69,8 @@ private:
     Surroundings m_surroundings;
     bool m_wasUp = false;                   // Bluetooth has been on since the start
     std::optional<services::Moment> m_lost; // when it went
-    services::Moment m_searchBegan{};
-    services::Moment m_pause;           // before the next search, when one has ended by itself
-    std::optional<Address> m_candidate; // what is being paired
-    std::set<Address> m_failed;         // left alone for a while
+    std::optional<Address> m_candidate;     // what is being paired
+    std::set<Address> m_failed;             // left alone for a while
     bluetooth::Client::Handle m_bringUp;
     bluetooth::Client::Handle m_search;
     bluetooth::Client::Handle m_pairing; // kept to the end: with it goes the agent

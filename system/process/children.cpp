@@ -27,6 +27,7 @@ struct Child {
     std::optional<ChildOutput> output;
     SourceToken ended = 0;
     SourceToken loaded = 0;
+    std::function<void(const ChildEnd&)> whenEnded;
 };
 
 // Never destroyed: children outlive statics.
@@ -50,9 +51,10 @@ void tell(int identifier, const std::string& what) {
     if (const auto listener = childListener()) listener("process " + std::to_string(identifier) + " " + what);
 }
 
-std::string ending(const ::siginfo_t& information) {
+ChildEnd ending(const ::siginfo_t& information) {
     const std::string number = std::to_string(information.si_status);
-    return information.si_code == CLD_EXITED ? "ended with " + number : "was ended by signal " + number;
+    if (information.si_code == CLD_EXITED) return {information.si_status, "ended with " + number};
+    return {-1, "was ended by signal " + number};
 }
 
 void finishLoading(int identifier, const std::function<void(int)>& couldNotLoad) {
@@ -80,6 +82,7 @@ void reapChild(int identifier) {
     ::siginfo_t information{};
     const std::string name = found->second.name;
     const bool isTool = found->second.kind == ChildKind::Tool;
+    const auto whenEnded = std::move(found->second.whenEnded);
     if (found->second.output) found->second.output->readWhatIsThere();
     {
         // Under the lock, so that nobody signals the identifier once it may be somebody else's.
@@ -88,13 +91,15 @@ void reapChild(int identifier) {
         children.all.erase(found);
     }
     if (isTool && (information.si_code != CLD_EXITED || information.si_status != 0))
-        NSLog("%s (process %d): it %s", name.c_str(), identifier, ending(information).c_str());
-    tell(identifier, ending(information));
+        NSLog("%s (process %d): it %s", name.c_str(), identifier, ending(information).description.c_str());
+    tell(identifier, ending(information).description);
+    if (whenEnded) whenEnded(ending(information));
 }
 
 } // namespace
 
-void seat::adoptChild(SpawnedChild child, std::function<void(int)> couldNotLoad) {
+void seat::adoptChild(SpawnedChild child, std::function<void(int)> couldNotLoad,
+                      std::function<void(const ChildEnd&)> ended) {
     auto& children = Children::shared();
     const int identifier = child.identifier;
     tell(identifier, "was started: " + child.command);
@@ -107,6 +112,7 @@ void seat::adoptChild(SpawnedChild child, std::function<void(int)> couldNotLoad)
         kept->name.erase(0, kept->name.rfind('/') + 1);
         kept->process = std::move(child.process);
         kept->loading = std::move(child.loading);
+        kept->whenEnded = std::move(ended);
     }
     if (child.output) kept->output.emplace(std::move(child.output), kept->name);
     if (kept->loading)

@@ -8,10 +8,17 @@
 
 namespace seat {
 
+struct ChildEnd {
+    int exitCode = -1;       // -1: a signal ended it
+    std::string description; // "ended with 1", "was ended by signal 9"
+};
+
 // Watches a child on the main run loop and reaps it as soon as it has ended; until then it can be signalled. What a
 // tool writes goes into our log, line by line, the first `mostLoggedLines` of it; how it ended is logged too.
-// `couldNotLoad` hears, with the error number, when its program could not be loaded after all. Main thread.
-void adoptChild(SpawnedChild child, std::function<void(int)> couldNotLoad);
+// `couldNotLoad` hears, with the error number, when its program could not be loaded after all; `ended` hears of its
+// end, once it is reaped. Both may be nil. Main thread.
+void adoptChild(SpawnedChild child, std::function<void(int)> couldNotLoad,
+                std::function<void(const ChildEnd& end)> ended = {});
 
 // Hears a sentence when a child has been started or has ended; nil for nobody. Main thread.
 void setChildListener(std::function<void(const std::string& sentence)> listener);

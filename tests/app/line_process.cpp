@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <csignal>
 #include <fstream>
 #include <sstream>
 
@@ -91,6 +92,39 @@ TEST_F(LineProcessTest, OneThatDoesNotListenIsEndedAfterASecond) {
 
     EXPECT_GE(Clock::now() - begun, std::chrono::milliseconds(900));
     EXPECT_EQ(testing_support::unreapedChildren(), children - 1);
+}
+
+TEST_F(LineProcessTest, OneThatEndsByItselfIsReapedAtOnceAndSaidAfterItsLastLine) {
+    const auto children = testing_support::unreapedChildren();
+    const auto process = shell("trap 'echo last words; exit 3' USR1; echo ready; while :; do sleep 0.01; done");
+    ASSERT_TRUE(process->waitForLine("ready", 5));
+    process->setEndListener([this](const std::string& how) { heard += how + "|"; });
+
+    ::kill(process->identifier(), SIGUSR1);
+
+    EXPECT_TRUE(hears("ready|last words|ended with 3|"));
+    EXPECT_EQ(process->identifier(), 0);
+    EXPECT_EQ(testing_support::unreapedChildren(), children);
+}
+
+TEST_F(LineProcessTest, OneThatIsKilledIsSaidToBe) {
+    const auto process = shell("cat");
+    ASSERT_TRUE(process);
+    process->setEndListener([this](const std::string& how) { heard += how + "|"; });
+
+    ::kill(process->identifier(), SIGKILL);
+
+    EXPECT_TRUE(hears("was ended by signal 9|"));
+}
+
+TEST_F(LineProcessTest, WhoHearsOfTheEndMayDestroyIt) {
+    auto process = shell("cat");
+    ASSERT_TRUE(process);
+    process->setEndListener([&](const std::string&) { process.reset(); });
+
+    ::kill(process->identifier(), SIGKILL);
+
+    EXPECT_TRUE(loop.runUntil([&] { return !process; }, 5));
 }
 
 TEST_F(LineProcessTest, ItsChildrenGetNoneOfOurDescriptors) {

@@ -58,8 +58,8 @@ TEST(Options, WhatIsWrongIsNamed) {
 }
 
 TEST(Options, SizesThatAreNoneAreRefused) {
-    for (const char* size : {"", "x", "300", "300x", "x300", "300x400x500", "300,400", "-300x400", "63x400",
-                             "300x20000", "nanx300", "infx300", "0x10p3x300", "3e99x300", "300 x400"}) {
+    for (const char* size : {"", "x", "300", "300x", "x300", "300x400x500", "300,400", "-300x400", "319x400", "320x239",
+                             "320x20000", "nanx320", "infx320", "0x10p3x320", "3e99x320", "320 x400"}) {
         const auto problem = parse({"--size", size}).problem;
         EXPECT_TRUE(problem.starts_with("--size: \"" + std::string(size) + "\" is no size")) << problem;
     }
@@ -70,6 +70,22 @@ TEST(Options, ScalesThatAreNoneAreRefused) {
         EXPECT_TRUE(parse({"--scale", scale}).problem.starts_with("--scale: ")) << scale;
     EXPECT_EQ(0.5, parse({"--scale", "0.5"}).options.scale);
     EXPECT_EQ(8, parse({"--scale", "8"}).options.scale);
+}
+
+TEST(Options, MorePixelsThanAnyScreenHasAreRefused) {
+    const auto problem = [](const char* size, const char* scale) {
+        return parse({"--size", size, "--scale", scale}).problem;
+    };
+
+    EXPECT_EQ(problem("16384x16384", "8"), "--size: at scale 8 that is 131072x131072 pixels; 7680x4320, or as many in "
+                                           "another shape, are the most");
+    EXPECT_EQ(problem("7680x4320", "1"), "");
+    EXPECT_EQ(problem("3840x2160", "2"), "");
+    EXPECT_NE(problem("3840x2161", "2"), "");
+    EXPECT_EQ(problem("960x540", "8"), "");
+    EXPECT_NE(problem("375x667", "100"), "");
+    EXPECT_EQ(parse({"--size", "7680x4320"}).problem, "") << "a window is never larger than its screen";
+    EXPECT_NE(parse({"--size", "7680x4320", "--tour", "t"}).problem, "") << "a tour's pictures are";
 }
 
 TEST(Options, HelpNamesEachOption) {

@@ -217,12 +217,70 @@ class Refusals(unittest.TestCase):
         self.assertEqual(run.returncode, USAGE)
         self.assertEqual(self.sentence(run), "unknown option --colour; --help lists what there is")
 
+    def assert_no_root(self, root, *, arguments=None, **options):
+        """One sentence that names it; `arguments` and `options` as subprocess.run() has them."""
+        command = [PROGRAM, "--bundle", self.bundle, *(["--root", root] if arguments is None else arguments)]
+        run = subprocess.run(command, text=True, capture_output=True, timeout=30, stdin=subprocess.DEVNULL, **options)
+        self.assertEqual(run.returncode, 1, run.stderr)
+        said = self.sentence(run)
+        self.assertTrue(said.startswith(f"root {root}"), said)
+        return said
+
     def test_a_root_that_cannot_be(self):
         with open(self.root, "w"):
             pass
-        run = self.run_program("--bundle", self.bundle)
-        self.assertEqual(run.returncode, 1)
-        self.assertTrue(self.sentence(run).startswith(f"root {self.root}: "))
+        circle = os.path.join(self.folder, "circle")
+        os.symlink(circle, circle)
+        for root in (self.root, self.root + "/below", circle, circle + "/below", self.folder + "/" + 300 * "x",
+                     self.folder + 20 * ("/" + 250 * "x")):
+            with self.subTest(root=root):
+                self.assert_no_root(root)
+
+    def as_somebody_else(self):
+        """Options with which a child may not do everything; the administrator may."""
+        if os.geteuid() != 0:
+            return {}
+        # Our bundle would be somebody else's to them.
+        for path, folders, files in os.walk(self.folder):
+            for name in [path, *(os.path.join(path, file) for file in files)]:
+                os.chown(name, 65534, 65534)
+        return {"user": 65534, "group": 65534, "extra_groups": []}
+
+    def test_a_root_below_a_folder_that_may_not_be_entered(self):
+        locked = os.path.join(self.folder, "locked")
+        os.makedirs(locked + "/root")
+        somebody = self.as_somebody_else()
+        os.chmod(locked, 0)
+        self.addCleanup(os.chmod, locked, 0o700)
+        for root in (locked + "/root", locked + "/none", locked):
+            with self.subTest(root=root):
+                self.assertIn("Permission denied", self.assert_no_root(root, **somebody))
+
+    def test_a_relative_root_whose_current_folder_is_gone(self):
+        gone = os.path.join(self.folder, "gone")
+        os.mkdir(gone)
+        self.assertIn("current folder", self.assert_no_root("here", cwd=gone, preexec_fn=lambda: os.rmdir(gone)))
+
+    def test_a_home_that_cannot_be_reached(self):
+        circle = os.path.join(self.folder, "circle")
+        os.symlink(circle, circle)
+        environment = {name: value for name, value in os.environ.items() if not name.startswith("XDG_")}
+        said = self.assert_no_root("", arguments=[], env={**environment, "HOME": circle})
+        self.assertTrue(said.startswith(f"root {circle}/.local/share/joyvane: "), said)
+
+    def test_a_new_root_is_its_users_alone(self):
+        mask = os.umask(0)
+        self.addCleanup(os.umask, mask)
+        self.play()
+        self.assertEqual(os.stat(self.root).st_mode & 0o777, 0o700)
+
+    def test_a_size_that_no_screen_has(self):
+        run = self.run_program("--size", "16384x16384", "--scale", "8")
+        self.assertEqual(run.returncode, USAGE)
+        self.assertIn("131072x131072 pixels", self.sentence(run))
+        run = self.run_program("--size", "64x64")
+        self.assertEqual(run.returncode, USAGE)
+        self.assertIn("320x240", self.sentence(run))
 
 
 if __name__ == "__main__":

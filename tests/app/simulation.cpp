@@ -5,14 +5,17 @@
 #include "system/files/root.h"
 #include "system/run_loop/PollLoop.h"
 #include "system/socket/address.h"
+#include "tests/support/LoggedLines.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/descriptors.h"
 
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <sys/socket.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace {
@@ -101,14 +104,46 @@ TEST_F(SimulationTest, AToolOfTheUsersOwnStaysInItsPlace) {
     EXPECT_TRUE(fs::exists(under(tool)));
 }
 
-TEST_F(SimulationTest, ALinkThatWasLeftBehindIsReplaced) {
+TEST_F(SimulationTest, ALinkOfTheUsersOwnStaysWhateverItsNameOrWhereItLeads) {
     fs::create_directories(under("/usr/bin"));
-    fs::create_symlink("/nowhere/jvndiscovery", under(tool));
-    app::Simulation simulation;
+    for (const char* target : {"/nowhere/jvndiscovery", "/bin/true"}) {
+        fs::create_symlink(target, under(tool));
+        {
+            app::Simulation simulation;
+            EXPECT_TRUE(simulation.start(bundle("", "jvndiscovery"), problem)) << problem;
+            simulation.removeTools();
+            simulation.placeTools(problem);
+            EXPECT_EQ(fs::read_symlink(under(tool)), target);
+        }
+        EXPECT_EQ(fs::read_symlink(under(tool)), target);
+        fs::remove(under(tool));
+    }
+}
 
-    ASSERT_TRUE(simulation.start(bundle("", "jvndiscovery"), problem));
+TEST_F(SimulationTest, ALinkThatTheUserPutInPlaceOfOursStays) {
+    {
+        app::Simulation simulation;
+        ASSERT_TRUE(simulation.start(bundle("", "jvndiscovery"), problem));
+        fs::remove(under(tool));
+        fs::create_symlink("/bin/true", under(tool));
+    }
+    EXPECT_EQ(fs::read_symlink(under(tool)), "/bin/true");
+}
 
-    EXPECT_TRUE(fs::is_regular_file(under(tool)));
+TEST_F(SimulationTest, WhatAKilledProcessLeftIsTakenAwayAtTheNextStart) {
+    const pid_t killed = ::fork();
+    if (killed == 0) {
+        app::Simulation simulation;
+        ::_exit(simulation.start(bundle("", "jvndiscovery"), problem) ? 0 : 1); // nothing is put away
+    }
+    int status = -1;
+    ::waitpid(killed, &status, 0);
+    ASSERT_EQ(status, 0);
+    ASSERT_TRUE(fs::is_symlink(under(tool)));
+
+    const app::Simulation simulation; // of a start that simulates nothing
+
+    EXPECT_FALSE(fs::exists(fs::symlink_status(under(tool))));
 }
 
 TEST_F(SimulationTest, WhatIsNotThereIsNamed) {
@@ -174,6 +209,25 @@ TEST_F(SimulationTest, TheDaemonCanBeStoppedAndStartedAgainAndIsOneAtATime) {
     EXPECT_EQ(problem, "");
     EXPECT_TRUE(fs::is_socket(under(socketPath)));
     EXPECT_EQ(testing_support::unreapedChildren(), children);
+}
+
+TEST_F(SimulationTest, ADaemonThatDiesIsReapedAndSaidAtOnce) {
+    const testing_support::LoggedLines log;
+    app::Simulation simulation;
+    std::string heard;
+    const auto children = testing_support::unreapedChildren();
+    ASSERT_TRUE(simulation.start(bundle("jvnd", ""), problem));
+    simulation.setListener([&](const std::string& line) { heard += line + "|"; });
+    const auto daemon = testing_support::newestChild();
+
+    ::kill(daemon, SIGKILL);
+
+    EXPECT_TRUE(loop.runUntil([&] { return heard.find("was ended by signal 9|") != std::string::npos; }));
+    EXPECT_EQ(log.count("the simulated jvnd (process " + std::to_string(daemon) + ") was ended by signal 9"), 1u);
+    EXPECT_EQ(testing_support::unreapedChildren(), children);
+    simulation.startDaemon(problem);
+    EXPECT_EQ(problem, "");
+    EXPECT_TRUE(fs::is_socket(under(socketPath)));
 }
 
 TEST_F(SimulationTest, WhatTheDaemonSaysIsHeardWithItsName) {

@@ -1,6 +1,6 @@
 #include "app/tour/StandInDesktop.h"
 
-#include "desktop/links/DefaultApplication.h"
+#include "desktop/links/desktop_program.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -10,7 +10,7 @@
 
 namespace {
 
-bool has(const char* mediaType) { return seat::defaultApplication(mediaType).has_value(); }
+bool has(const char* mediaType) { return seat::defaultProgram(mediaType).has_value(); }
 
 TEST(StandInDesktop, HasABrowserAndMailOnlyWhenItIsToHaveIt) {
     const testing_support::TemporaryFolder folder;
@@ -19,9 +19,9 @@ TEST(StandInDesktop, HasABrowserAndMailOnlyWhenItIsToHaveIt) {
 
     EXPECT_TRUE(has("x-scheme-handler/http"));
     EXPECT_FALSE(has("message/rfc822"));
-    EXPECT_TRUE(desktop.setHasMail(true));
+    EXPECT_TRUE(desktop.installMail(folder.file("it's a message.eml")));
     EXPECT_TRUE(has("message/rfc822"));
-    EXPECT_TRUE(desktop.setHasMail(false));
+    EXPECT_TRUE(desktop.removeMail());
     EXPECT_FALSE(has("message/rfc822"));
 }
 
@@ -36,7 +36,7 @@ TEST(StandInDesktop, LeavesTheUsersFoldersAndItsOwnFolderAsTheyWere) {
     }
     EXPECT_STREQ("/the/users/own", ::getenv("XDG_DATA_HOME"));
     EXPECT_FALSE(::getenv("XDG_CONFIG_HOME"));
-    EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
+    EXPECT_FALSE(std::filesystem::exists(folder.path())) << "it was for this desktop alone";
     ::unsetenv("XDG_DATA_HOME");
 }
 

@@ -107,7 +107,6 @@ class Tour(unittest.TestCase):
             desktop remove mail
             background
             write /var/some/file "a line" another
-            type "nobody listens"
             tap row "Show Alert"
             wait alert "Which one*"
             tap button Left
@@ -153,24 +152,67 @@ class Tour(unittest.TestCase):
             "write /a": "write: takes a file and its lines",
             "write a b": "write: takes a file and its lines",
             "watch clouds x": 'watch: takes "notification" or "file", and its name',
-            "type a b": "type: takes a text",
             "desktop install": 'desktop: takes "install mail" or "remove mail"',
             "background now": "background: takes nothing",
             "simulation": 'simulation: takes "stop" or "start", or "remove tools" or "place tools"',
             "simulation dance": 'simulation: takes "stop" or "start", or "remove tools" or "place tools"',
             "size 1 2": "size: takes three numbers above 0",
             "size 100 100 -1": "size: takes three numbers above 0",
+            "size 16384 16384 1": "size: these are more pixels than a window may have",
         }.items():
             with self.subTest(step=step):
                 self.assert_fails(step, why)
 
-    def test_pictures_of_an_earlier_tour_go_and_other_files_stay(self):
-        os.mkdir(self.pictures)
-        for name in ("007-old.png", "holiday.png", "0070-x.png"):
-            with open(os.path.join(self.pictures, name), "w"):
-                pass
+    def test_what_an_earlier_tour_made_goes_and_all_else_stays(self):
+        os.makedirs(self.pictures + "/desktop/data")
+        kept = {"007-old.png": "mine", "holiday.png": "mine too", "desktop/data/notes": "and this"}
+        for name, text in kept.items():
+            with open(os.path.join(self.pictures, name), "w") as file:
+                file.write(text)
+        self.assert_plays("picture one\npicture two\ndesktop install mail\n")
         self.assert_plays("picture new\n")
-        self.assertEqual(sorted(os.listdir(self.pictures)), ["001-new.png", "0070-x.png", "holiday.png", "log.txt"])
+        self.assertEqual(sorted(os.listdir(self.pictures)),
+                         [".joyvane-tour", "001-new.png", "007-old.png", "desktop", "holiday.png", "log.txt"])
+        for name, text in kept.items():
+            with open(os.path.join(self.pictures, name)) as file:
+                self.assertEqual(file.read(), text)
+
+    def test_a_file_of_the_users_that_is_in_the_way_is_named_and_stays(self):
+        os.mkdir(self.pictures)
+        for name, script in (("log.txt", "picture x\n"), ("001-x.png", "picture x\n"), ("002-x.png", "picture y\npicture x\n"),
+                             ("message.eml", "desktop install mail\n")):
+            with self.subTest(name=name):
+                path = os.path.join(self.pictures, name)
+                with open(path, "w") as file:
+                    file.write("mine")
+                run = self.play(script)
+                self.assertEqual(run.returncode, 1)
+                self.assertIn(f"{path} is no tour's, and is in the way", run.stderr)
+                with open(path) as file:
+                    self.assertEqual(file.read(), "mine")
+                os.remove(path)
+
+    def test_a_link_of_the_users_is_not_written_through(self):
+        os.mkdir(self.pictures)
+        own = os.path.join(self.folder, "own.txt")
+        with open(own, "w") as file:
+            file.write("mine")
+        os.symlink(own, os.path.join(self.pictures, "log.txt"))
+        self.assertEqual(self.play("picture x\n").returncode, 1)
+        with open(own) as file:
+            self.assertEqual(file.read(), "mine")
+
+    def test_a_list_that_was_edited_leads_nowhere_else(self):
+        os.mkdir(self.pictures)
+        own = os.path.join(self.folder, "own.txt")
+        os.makedirs(os.path.join(self.pictures, "album", "2024"))
+        with open(own, "w"):
+            pass
+        with open(os.path.join(self.pictures, ".joyvane-tour"), "w") as file:
+            file.write("../own.txt\n..\n.\n\n" + own + "\n")
+        self.assert_plays("picture x\n")
+        self.assertTrue(os.path.exists(own))
+        self.assertTrue(os.path.exists(os.path.join(self.pictures, "album", "2024")))
 
     def test_a_script_that_cannot_be_read_is_named(self):
         run = self.play('say "open\n')

@@ -46,32 +46,6 @@ TEST_F(BluetoothOperationTest, AnAdapterThatIsBlockedIsNone) {
     EXPECT_EQ(log, std::vector<std::string>{"switching Bluetooth on: org.bluez.Error.Blocked: Blocked through rfkill"});
 }
 
-TEST_F(BluetoothOperationTest, AnAdapterThatIsBeingSwitchedIsAskedAgain) {
-    begin(false);
-    service.fail("Set Powered", "org.bluez.Error.Busy", "Operation already in progress");
-    const auto handle = client->powerOn(note());
-    ASSERT_TRUE(waitForCall("Set Powered hci0"));
-    loop.runUntil([] { return false; }, 20ms);
-    EXPECT_TRUE(ends.empty());
-
-    service.behave("Set Powered");
-    clock.advance(loop, 500ms);
-
-    EXPECT_EQ(endOf(handle), Error::None);
-    EXPECT_TRUE(log.empty());
-}
-
-TEST_F(BluetoothOperationTest, AnAdapterThatSomebodyElseSwitchesOnIsOn) {
-    begin(false);
-    service.fail("Set Powered", "org.bluez.Error.Busy", "Operation already in progress");
-    const auto handle = client->powerOn(note());
-    ASSERT_TRUE(waitForCall("Set Powered hci0"));
-
-    service.setPowered("hci0", true);
-
-    EXPECT_EQ(endOf(handle), Error::None);
-}
-
 TEST_F(BluetoothOperationTest, AnAdapterThatStaysOffIsNoneAfterAWhile) {
     begin(false);
     service.stall("Set Powered");

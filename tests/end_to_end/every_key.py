@@ -218,6 +218,40 @@ class EveryKey(unittest.TestCase):
         self.desktop.key("Down")
         wait_for("the focus to move again", lambda: self.rows()[1] == ["face button A"])
 
+    def change_keymap(self, *changes):
+        """Other symbols on some keys, as a program that types for the user brings its own; back in the end."""
+        shown = self.desktop.environment["DISPLAY"]
+        plain = subprocess.run(["xkbcomp", "-w0", "-xkb", shown, "-"], capture_output=True, text=True, check=True,
+                               env=self.desktop.environment).stdout
+        changed = plain
+        for key, symbol in changes:
+            changed, count = re.subn(rf"key +<{key}> *{{[^}}]*}};", f"key <{key}> {{ [ {symbol} ] }};", changed)
+            self.assertGreater(count, 0, f"there is no key {key}")
+
+        def load(keymap):
+            subprocess.run(["xkbcomp", "-w0", "-", shown], input=keymap, text=True, check=True, capture_output=True,
+                           env=self.desktop.environment)
+        self.addCleanup(load, plain)
+        load(changed)
+
+    def test_keys_navigate_by_their_symbols_and_are_captured_by_their_places(self):
+        self.start()
+        self.give_focus("Pause")
+        self.change_keymap(("ESC", "h"), ("AC06", "F20"), ("AC01", "Escape"), ("AC02", "Up"), ("UP", "e"))
+        self.desktop.key("h")  # the place of Escape, which types a letter now
+        self.strike(111)  # so does that of the upward arrow
+        self.strike(39)  # the place of S, which is the upward arrow now
+        row = "Right Shoulder (R1)"
+        wait_for("the focus to move once, by the symbol", lambda: self.rows()[1] == [row])
+        self.arm("D-pad up", row)
+        self.strike(38)
+        self.wait_shown("D-pad up", "A", row)
+        self.arm("D-pad up", row)
+        self.desktop.key("h")
+        self.wait_shown("D-pad up", "⎋", row)
+        self.strike(38)  # the place of A, which is Escape now
+        self.app.find("list item", "Configure Keymap")
+
     def test_a_message_that_the_daemon_is_away_takes_no_key(self):
         self.start()  # without a daemon there is such a message for a few seconds
         self.give_focus("Pause")

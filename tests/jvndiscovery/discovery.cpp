@@ -108,21 +108,6 @@ TEST_F(DiscoveryTest, SearchesUntilAControllerComes) {
     EXPECT_EQ(outcome(), Outcome::Paired);
 }
 
-TEST_F(DiscoveryTest, ARadioThatWillNotSearchIsAskedLessAndLessOften) {
-    service.addAdapter();
-    service.fail("StartDiscovery", "org.bluez.Error.Failed", "Not now");
-    begin();
-
-    EXPECT_FALSE(passTime([&] { return !outcomes.empty(); })); // a minute
-    EXPECT_LE(count("StartDiscovery hci0"), 10);
-    EXPECT_GE(count("StartDiscovery hci0"), 5);
-
-    service.behave("StartDiscovery");
-    service.addDevice({.address = pad});
-    EXPECT_TRUE(passTime([&] { return !outcomes.empty(); }));
-    EXPECT_EQ(outcome(), Outcome::Paired);
-}
-
 TEST_F(DiscoveryTest, WhatIsNoGamepadIsLeftAlone) {
     service.addAdapter();
     service.addDevice({.address = "00:AA:01:01:00:07", .classOfDevice = 0x002540});

@@ -9,9 +9,14 @@
 
 NS_CLASS_IMPLEMENTATION(MFMailComposeViewController, UIViewController,
                         method<&MFMailComposeViewController::cancelTapped>("cancelTapped"),
-                        method<&MFMailComposeViewController::sendTapped>("sendTapped"))
+                        method<&MFMailComposeViewController::openTapped>("openTapped"))
 
-MFMailComposeViewController::MFMailComposeViewController() = default;
+struct MFMailComposeViewController::State {
+    std::weak_ptr<MFMailComposeViewControllerDelegate> delegate;
+    bool isFinished = false;
+};
+
+MFMailComposeViewController::MFMailComposeViewController() : m_state(std::make_unique<State>()) {}
 MFMailComposeViewController::~MFMailComposeViewController() = default;
 
 bool MFMailComposeViewController::canSendMail() { return false; }
@@ -24,26 +29,21 @@ std::shared_ptr<MFMailComposeViewController> MFMailComposeViewController::init()
 
 void MFMailComposeViewController::setMailComposeDelegate(
     const std::shared_ptr<MFMailComposeViewControllerDelegate>& delegate) {
-    m_delegate = delegate;
+    m_state->delegate = delegate;
 }
-void MFMailComposeViewController::setMessageBody_isHTML(std::string body, bool isHTML) {
-    m_body = std::move(body);
-    m_bodyIsHTML = isHTML;
-}
+void MFMailComposeViewController::setMessageBody_isHTML(std::string, bool) {}
 void MFMailComposeViewController::loadView() { setView(UIView::alloc()->init()); }
 void MFMailComposeViewController::viewDidAppear(bool animated) { UIViewController::viewDidAppear(animated); }
-void MFMailComposeViewController::viewDidLayoutSubviews() { UIViewController::viewDidLayoutSubviews(); }
 bool MFMailComposeViewController::accessibilityPerformEscape() {
     cancelTapped();
     return true;
 }
-void MFMailComposeViewController::cancelTapped() { finish(MFMailComposeResult::Cancelled, nullptr); }
-void MFMailComposeViewController::sendTapped() {
-    finish(MFMailComposeResult::Failed, NSError::errorWithDescription("there is no mail program"));
-}
-void MFMailComposeViewController::finish(MFMailComposeResult result, const std::shared_ptr<NSError>& error) {
-    if (std::exchange(m_finished, true)) return;
+void MFMailComposeViewController::cancelTapped() { finish(MFMailComposeResult::Cancelled); }
+void MFMailComposeViewController::openTapped() { handedOver(false); }
+void MFMailComposeViewController::handedOver(bool) {}
+void MFMailComposeViewController::finish(MFMailComposeResult result) {
+    if (std::exchange(m_state->isFinished, true)) return;
     const auto keep = self(this);
-    if (const auto delegate = m_delegate.lock())
-        delegate->mailComposeController_didFinishWithResult_error(*this, result, error);
+    if (const auto delegate = m_state->delegate.lock())
+        delegate->mailComposeController_didFinishWithResult_error(*this, result, nullptr);
 }

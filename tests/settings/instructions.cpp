@@ -22,6 +22,11 @@ using testing::IsEmpty;
 const std::string noMailAlert =
     "Your E-mail account is not configured\nYou are taken to a browser with pairing instructions.";
 
+const std::string whatOpenDoes =
+    "Opens in your mail program, where you write whom it is for and send it. Nothing is sent from here.";
+const std::string whatFailed =
+    "Your mail program could not be started, so the message is still here. Try again, or cancel.";
+
 std::vector<std::string> linkTargets(const std::string& html) {
     std::vector<std::string> targets;
     const std::regex link("<a href=([^>]*)>");
@@ -57,10 +62,6 @@ protected:
     std::string bodyOf(const std::string& draft) {
         const auto body = seat::decodeBase64(draft.substr(draft.find("\r\n\r\n") + 4));
         return body ? std::string(body->begin(), body->end()) : std::string();
-    }
-    std::string shownIn(const std::string& field) {
-        const auto* const node = app.find(field);
-        return node && node->text ? node->text->text : "no field";
     }
     bool isComposerGone() {
         return app.waitUntil([&] { return !app.navigation()->presentedViewController(); });
@@ -109,58 +110,64 @@ TEST(InstructionsBody, PageAndDownloadAreOnOneSite) {
               page.substr(0, page.size() - path.size()) + "/sixpairmac.zip");
 }
 
-TEST_F(Instructions, ComposerShowsTheBodyAndEmptyFields) {
+TEST_F(Instructions, ComposerShowsTheBodyAndWhatWillBecomeOfIt) {
     openComposer();
 
-    EXPECT_EQ(shownIn("To"), "");
-    EXPECT_EQ(shownIn("Subject"), "");
-    for (const char* text : {"New Message", "Pairing Your PS3 Controller", "Mac OS X:"})
+    for (const char* text : {"New Message", "Pairing Your PS3 Controller", "Mac OS X:", "Cancel", "Open"})
         EXPECT_TRUE(app.find(text)) << text;
+    EXPECT_TRUE(app.find(whatOpenDoes));
     EXPECT_EQ(app.alert(), std::nullopt);
     EXPECT_THAT(desktop.argumentsOf("mailer"), IsEmpty());
 }
 
-TEST_F(Instructions, SendHandsTheMessageToTheMailProgramAndDismisses) {
+TEST_F(Instructions, OpenHandsTheMessageToTheMailProgramAndDismisses) {
     openComposer();
 
-    ASSERT_TRUE(app.tap("Send"));
+    ASSERT_TRUE(app.tap("Open"));
 
-    EXPECT_TRUE(isComposerGone());
     const std::string draft = handedOver();
     EXPECT_NE(draft.find("\r\nTo: \r\n"), std::string::npos);
     EXPECT_NE(draft.find("\r\nSubject: \r\n"), std::string::npos);
     EXPECT_NE(draft.find("\r\nContent-Type: text/html"), std::string::npos);
     EXPECT_EQ(bodyOf(draft), pairingInstructionsHTML);
+    EXPECT_TRUE(isComposerGone());
     EXPECT_EQ(app.alert(), std::nullopt);
 }
 
-TEST_F(Instructions, TypedRecipientAndSubjectGoWithTheMessage) {
+TEST_F(Instructions, ReturnOpensAtOnce) {
     openComposer();
     app.settle();
 
-    app.touches().type("ann@home.example"); // the first field has the focus from the start
-    ASSERT_TRUE(app.tap("Subject"));
-    app.touches().type("Grüße");
-    EXPECT_EQ(shownIn("To"), "ann@home.example");
-    EXPECT_EQ(shownIn("Subject"), "Grüße");
-    ASSERT_TRUE(app.tap("Send"));
+    app.touches().key(40);
 
     EXPECT_TRUE(isComposerGone());
-    const std::string draft = handedOver();
-    EXPECT_NE(draft.find("\r\nTo: ann@home.example\r\nSubject: =?utf-8?B?R3LDvMOfZQ==?=\r\n"), std::string::npos)
-        << draft;
-    EXPECT_EQ(bodyOf(draft), pairingInstructionsHTML);
+    EXPECT_EQ(bodyOf(handedOver()), pairingInstructionsHTML);
 }
 
-TEST_F(Instructions, FieldsKeepWhatWasTypedWhenTheWindowChanges) {
+TEST_F(Instructions, AMailProgramThatTakesAddressesOnlyGetsTheTextWithItsLinks) {
+    desktop.install("x-scheme-handler/mailto", "webmail");
+    show();
+    ASSERT_TRUE(app.tap("E-mail Pairing Instructions"));
+    ASSERT_TRUE(app.tap("Open"));
+
+    EXPECT_TRUE(isComposerGone());
+    app.waitUntil([&] { return !desktop.argumentsOf("webmail").empty(); });
+    const auto arguments = desktop.argumentsOf("webmail");
+    ASSERT_EQ(arguments.size(), 1u);
+    EXPECT_TRUE(arguments[0].starts_with("mailto:?body=Pairing%20Your%20PS3%20Controller%0D%0A")) << arguments[0];
+    EXPECT_NE(arguments[0].find("%2Fsixpairmac%2Ezip"), std::string::npos);
+}
+
+TEST_F(Instructions, LinksInTheMessageOpenInTheBrowser) {
+    desktop.install("x-scheme-handler/https", "browser");
     openComposer();
     app.settle();
-    app.touches().type("ann@home.example");
 
-    app.scene().resize({800, 500}, 1);
-    app.settle();
+    ASSERT_TRUE(app.tap("here"));
 
-    EXPECT_EQ(shownIn("To"), "ann@home.example");
+    EXPECT_TRUE(app.waitUntil([&] { return !desktop.argumentsOf("browser").empty(); }));
+    EXPECT_THAT(desktop.argumentsOf("browser"), ElementsAre(linkTargets(pairingInstructionsHTML)[3]));
+    EXPECT_TRUE(app.navigation()->presentedViewController()) << "the composer stays";
 }
 
 TEST_F(Instructions, EscapeCancels) {
@@ -180,7 +187,7 @@ TEST_F(Instructions, CancelDismissesAndSendsNothing) {
 
     EXPECT_TRUE(isComposerGone());
     EXPECT_THAT(desktop.argumentsOf("mailer"), IsEmpty());
-    EXPECT_FALSE(std::filesystem::exists(desktop.dataHome() + "/joyvane/message.eml"));
+    EXPECT_FALSE(std::filesystem::exists(app.root() + "/tmp/mail"));
 }
 
 TEST_F(Instructions, ComposerSlidesInAndOutWhateverBecameOfTheMessage) {
@@ -204,14 +211,36 @@ TEST_F(Instructions, ComposerSlidesInAndOutWhateverBecameOfTheMessage) {
     }
 }
 
-TEST_F(Instructions, FailedSendDismissesAndIsNotReportedByThePage) {
+TEST_F(Instructions, AHandOverThatFailsIsSaidAndTheComposerStays) {
     openComposer();
     desktop.removeProgram("mailer");
 
-    ASSERT_TRUE(app.tap("Send"));
+    for (int attempt = 0; attempt < 2; ++attempt) {
+        ASSERT_TRUE(app.tap("Open"));
 
+        ASSERT_TRUE(app.waitUntil([&] { return app.find(whatFailed); }));
+        EXPECT_EQ(app.find(whatFailed)->role, UIAccessibilityRole::Alert);
+        EXPECT_FALSE(app.find(whatOpenDoes));
+        EXPECT_TRUE(app.navigation()->presentedViewController());
+        EXPECT_EQ(app.alert(), whatFailed) << "the page says nothing";
+    }
+
+    desktop.addProgram("mailer");
+    ASSERT_TRUE(app.tap("Open"));
     EXPECT_TRUE(isComposerGone());
-    EXPECT_EQ(app.alert(), std::nullopt);
+    EXPECT_EQ(bodyOf(handedOver()), pairingInstructionsHTML);
+}
+
+TEST_F(Instructions, AMailProgramThatTheDesktopCannotStartIsSaidToo) {
+    openComposer();
+    // Still the default as far as the desktop knows, but nothing that could be started.
+    const testing_support::RefusingTool tool(desktop);
+
+    ASSERT_TRUE(app.tap("Open"));
+
+    EXPECT_TRUE(app.waitUntil([&] { return app.find(whatFailed); }));
+    EXPECT_TRUE(app.navigation()->presentedViewController());
+    EXPECT_TRUE(std::filesystem::is_empty(app.root() + "/tmp/mail")) << "nobody will read the draft";
 }
 
 TEST_F(Instructions, WithoutMailTheAlertLeadsToTheBrowserExactlyOnce) {

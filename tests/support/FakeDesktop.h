@@ -85,4 +85,21 @@ private:
     std::string m_defaults;
 };
 
+// While it lives the desktop's tool answers as ever, but starts nothing.
+class RefusingTool {
+public:
+    explicit RefusingTool(const FakeDesktop& desktop) : m_path(std::getenv("PATH")) {
+        const std::string tool = desktop.programs() + "/gio";
+        std::ofstream(tool) << "#!/bin/sh\n[ \"$1\" = mime ] || exit 1\nPATH='" << m_path << "' exec gio \"$@\"\n";
+        std::filesystem::permissions(tool, std::filesystem::perms::owner_all);
+        ::setenv("PATH", (desktop.programs() + ":" + m_path).c_str(), 1);
+    }
+    ~RefusingTool() { ::setenv("PATH", m_path.c_str(), 1); }
+    RefusingTool(const RefusingTool&) = delete;
+    RefusingTool& operator=(const RefusingTool&) = delete;
+
+private:
+    std::string m_path;
+};
+
 } // namespace testing_support

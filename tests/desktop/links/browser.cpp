@@ -2,7 +2,6 @@
 
 #include "desktop/links/browser.h"
 
-#include "desktop/links/DefaultApplication.h"
 #include "system/run_loop/PollLoop.h"
 #include "tests/support/FakeDesktop.h"
 #include "tests/support/LoggedLines.h"
@@ -31,18 +30,9 @@ TEST_F(Browser, GetsTheAddressInItsPlace) {
     desktop.addDesktopFile("browser", desktop.addProgram("browser") + " --new %u %i --last");
     desktop.setDefault("x-scheme-handler/http", "browser");
 
-    EXPECT_TRUE(seat::openInBrowser("http://a.example/b c?d='e'&f"));
+    EXPECT_TRUE(seat::openInBrowser("http://a.example/b?d='e'&f"));
 
-    EXPECT_THAT(startedWith("browser"), ElementsAre("--new", "http://a.example/b c?d='e'&f", "--last"));
-}
-
-TEST_F(Browser, WithoutAPlaceTheAddressComesLast) {
-    desktop.addDesktopFile("browser", desktop.addProgram("browser") + " --new");
-    desktop.setDefault("x-scheme-handler/http", "browser");
-
-    EXPECT_TRUE(seat::openInBrowser("http://a.example/"));
-
-    EXPECT_THAT(startedWith("browser"), ElementsAre("--new", "http://a.example/"));
+    EXPECT_THAT(startedWith("browser"), ElementsAre("--new", "http://a.example/b?d='e'&f", "--last"));
 }
 
 TEST_F(Browser, SecureAddressesHaveTheirOwn) {
@@ -76,14 +66,35 @@ TEST_F(Browser, OtherAddressesAreNotHandedOn) {
     EXPECT_EQ(log.count("no web address"), 4u);
 }
 
-TEST_F(Browser, ProgramThatCannotBeStartedIsLogged) {
-    const std::string broken = desktop.programs() + "/broken";
-    std::ofstream(broken) << "#!/no/such/interpreter\n";
-    std::filesystem::permissions(broken, std::filesystem::perms::owner_all);
+TEST_F(Browser, PageOnThisMachineIsOpenedByTheProgramForPages) {
+    desktop.install("text/html", "reader");
+    desktop.install("x-scheme-handler/http", "browser");
+    const std::string page = desktop.file("a page.html");
 
-    seat::openWithApplication({"broken", {broken, "%u"}}, "http://a.example/");
+    EXPECT_TRUE(seat::openInBrowser(page));
 
-    EXPECT_TRUE(loop.runUntil([&] { return log.count(broken + " could not be started") == 1; }));
+    EXPECT_THAT(startedWith("reader"), ElementsAre(page));
+}
+
+TEST_F(Browser, PageOnThisMachineGoesToTheBrowserWhereNothingElseTakesPages) {
+    desktop.install("x-scheme-handler/http", "browser");
+    const std::string page = desktop.file("page.html");
+
+    EXPECT_TRUE(seat::openInBrowser(page));
+
+    EXPECT_THAT(startedWith("browser"), ElementsAre(page));
+}
+
+TEST_F(Browser, OneThatCannotBeStartedIsReportedAndLogged) {
+    desktop.install("x-scheme-handler/http", "browser");
+    const testing_support::RefusingTool tool(desktop);
+    std::optional<bool> started;
+
+    EXPECT_TRUE(seat::openInBrowser("http://a.example/", [&](bool isStarted) { started = isStarted; }));
+
+    EXPECT_TRUE(loop.runUntil([&] { return started.has_value(); }));
+    EXPECT_EQ(started, false);
+    EXPECT_EQ(log.count("browser.desktop could not be started"), 1u);
 }
 
 } // namespace

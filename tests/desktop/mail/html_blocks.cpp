@@ -12,7 +12,7 @@ std::string shown(std::string_view html) {
         if (!lines.empty()) lines += "\n";
         lines += block.kind == Kind::Heading ? "# " : block.kind == Kind::Subheading ? "## " : "";
         if (!block.marker.empty()) lines += block.marker + " ";
-        for (const auto& run : block.runs) lines += run.isLink ? "[" + run.text + "]" : run.text;
+        for (const auto& run : block.runs) lines += !run.address.empty() ? "[" + run.text + "]" : run.text;
     }
     return lines;
 }
@@ -28,6 +28,20 @@ TEST(HTMLBlocks, EachNumberedListBeginsAtOne) {
 
 TEST(HTMLBlocks, LinksAreRunsOfTheirOwn) {
     EXPECT_EQ(shown("<li>Get <a href=http://a.example/b>this</a>.</li>"), "• Get [this].");
+}
+
+TEST(HTMLBlocks, LinksKnowWhereTheyLead) {
+    const auto target = [](std::string_view html) {
+        const auto blocks = seat::htmlBlocks(html);
+        return blocks.empty() ? "no text" : blocks[0].runs[0].address;
+    };
+
+    EXPECT_EQ(target("<a href=http://a.example/b>x</a>"), "http://a.example/b");
+    EXPECT_EQ(target("<a class=c href=\"http://a.example/b c\" id=d>x</a>"), "http://a.example/b c");
+    EXPECT_EQ(target("<a href='http://a.example/'>x</a>"), "http://a.example/");
+    EXPECT_EQ(target("<a href=http://a.example/?b&#61;c&amp;d&#61;e>x</a>"), "http://a.example/?b=c&d=e");
+    EXPECT_EQ(target("<a name=here>x</a>"), "");
+    EXPECT_EQ(target("<a data-href=http://a.example/>x</a>"), "");
 }
 
 TEST(HTMLBlocks, WhiteSpaceIsFoldedAndGoesAtTheEdges) {

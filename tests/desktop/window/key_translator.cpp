@@ -1,11 +1,15 @@
 #include "desktop/window/KeyTranslator.h"
 
+#include "kit/uikit/hid_keys.h"
 #include "platform/uikit/UIKeyEvent.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
+namespace hid = seat::hid;
+
+constexpr unsigned scanCodeOfEscape = 9;
 constexpr unsigned scanCodeOfA = 38;
 constexpr unsigned scanCodeOfB = 56;
 constexpr unsigned scanCodeOfVolumeUp = 123;
@@ -16,10 +20,6 @@ std::string say(const std::shared_ptr<UIKeyEvent>& event) {
     std::string text = std::to_string(event->_keyCode());
     text += event->isRepeat() ? " again" : event->isKeyDown() ? " down" : " up";
     return event->modifiers() ? text + " +" + std::to_string(event->modifiers()) : text;
-}
-
-std::string typed(const std::string& characters, unsigned modifiers = 0) {
-    return seat::typedText(characters, modifiers);
 }
 
 class Keyboard {
@@ -95,28 +95,28 @@ TEST(KeyTranslator, KeysHeldWhenTheKeyboardGoesAreForgotten) {
     EXPECT_EQ("", keyboard.repeat(scanCodeOfB));
 }
 
-TEST(TypedText, CharactersAreText) {
-    EXPECT_EQ("a", typed("a"));
-    EXPECT_EQ("é", typed("é"));
-    EXPECT_EQ(" ", typed(" "));
-    EXPECT_EQ("", typed(""));
-}
-
-TEST(TypedText, ControlCharactersAreNot) {
-    for (const char* key : {"\r", "\t", "\b", "\x1b", "\x7f"}) EXPECT_EQ("", typed(key));
-}
-
-TEST(TypedText, WithControlItIsTheLetterItself) {
-    EXPECT_EQ("a", typed("\x01", UIKeyEvent::Control));
-    EXPECT_EQ("v", typed("\x16", UIKeyEvent::Control));
-    EXPECT_EQ("", typed("\x01"));
-}
-
-TEST(KeyTranslator, PressSaysWhatItTypes) {
+TEST(KeyTranslator, WhatAKeyMeansIsSaidBesideItsPlace) {
     seat::KeyTranslator translator;
-    const auto key = translator.translate({scanCodeOfA, true, false, 0, "q"});
+
+    const auto key = translator.translate({scanCodeOfA, true, false, 0, hid::escape});
     ASSERT_TRUE(key);
-    EXPECT_EQ("q", key->characters());
+    EXPECT_EQ(4, key->_keyCode());
+    EXPECT_EQ(hid::escape, key->symbol());
+
+    const auto letter = translator.translate({scanCodeOfEscape, true, false, 0, 0});
+    ASSERT_TRUE(letter);
+    EXPECT_EQ(hid::escape, letter->_keyCode());
+    EXPECT_EQ(0, letter->symbol());
+}
+
+TEST(KeyTranslator, AKeyThatNavigatesIsHeardFromNoPlaceToo) {
+    seat::KeyTranslator translator;
+
+    const auto down = translator.translate({0, true, false, 0, hid::tab});
+    ASSERT_TRUE(down);
+    EXPECT_EQ(0, down->_keyCode());
+    EXPECT_EQ(hid::tab, down->symbol());
+    EXPECT_TRUE(translator.translate({0, false, false, 0, hid::tab}));
 }
 
 } // namespace

@@ -284,6 +284,43 @@ TEST_F(Keyboard, HandlerCanBeReplacedByTheRuntime) {
     EXPECT_EQ(focused(), view);
 }
 
+TEST_F(Keyboard, NavigationFollowsTheSymbolWhereverTheKeyIs) {
+    constexpr long letter = 4;
+    const auto press = [](long place, long symbol) {
+        for (const bool isDown : {true, false})
+            seat::sendKeyEvent(UIKeyEvent::keyEvent(place, isDown, /*isRepeat=*/false, /*modifiers=*/0, symbol));
+        seat::drainMainQueue();
+    };
+    const auto view = add<KeyView>({{10, 10}, {50, 44}});
+
+    press(hid::tab, 0);
+    EXPECT_EQ(focused(), nullptr);
+    press(letter, hid::tab);
+    EXPECT_EQ(focused(), view);
+    press(hid::enter, 0);
+    press(hid::space, 0);
+    EXPECT_EQ(view->log, "");
+    press(letter, hid::enter);
+    EXPECT_EQ(view->log, "activated ");
+}
+
+TEST_F(Keyboard, AKeyWithoutAPlaceNavigatesAndIsNothingToAHook) {
+    const Method method = class_getInstanceMethod(objc_getClass("UIApplication"), "handleKeyUIEvent:");
+    static int heard;
+    heard = 0;
+    const IMP former = method_setImplementation(method, [](NSObject&, SEL, std::span<const id>) {
+        ++heard;
+        return id();
+    });
+    const auto view = add<KeyView>({{10, 10}, {50, 44}});
+
+    seat::sendKeyEvent(UIKeyEvent::keyEvent(0, /*isKeyDown=*/true, /*isRepeat=*/false, /*modifiers=*/0, hid::tab));
+    method_setImplementation(method, former);
+
+    EXPECT_EQ(heard, 0);
+    EXPECT_EQ(focused(), view);
+}
+
 TEST_F(Keyboard, HandlerIsTheApplicationsOwnMethod) {
     const Class application = objc_getClass("UIApplication");
     EXPECT_FALSE(class_addMethod(

@@ -1,0 +1,122 @@
+#include "desktop/mail/ComposeView.h"
+
+#include "desktop/mail/message_body.h"
+#include "kit/uikit/appearance.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace seat {
+
+using namespace appearance;
+
+namespace {
+
+constexpr double notePadding = 10; // above and below
+constexpr const char* whatOpenDoes =
+    "Opens in your mail program, where you write whom it is for and send it. Nothing is sent from here.";
+constexpr const char* whatFailed =
+    "Your mail program could not be started, so the message is still here. Try again, or cancel.";
+
+// A note that assistive technology reads out when it comes.
+class FailureNote final : public UILabel {
+    NS_CLASS(FailureNote)
+public:
+    UIAccessibilityRole accessibilityRole() const override { return UIAccessibilityRole::Alert; }
+};
+NS_CLASS_IMPLEMENTATION(FailureNote, UILabel)
+
+std::shared_ptr<UIView> line() {
+    const auto view = UIView::alloc()->init();
+    view->setBackgroundColor(separatorColor());
+    return view;
+}
+
+} // namespace
+
+NS_CLASS_IMPLEMENTATION(ComposeView, UIView)
+
+ComposeView::~ComposeView() = default;
+
+std::shared_ptr<ComposeView> ComposeView::initWithTitle(const std::string& title) {
+    if (!UIView::initWithFrame(CGRectMake(0, 0, 375, 667))) return nullptr;
+    setBackgroundColor(UIColor::whiteColor());
+    m_bar = UIView::alloc()->init();
+    m_bar->setBackgroundColor(barColor());
+    addSubview(m_bar);
+    m_cancel = TextButton::alloc()->initWithTitle_kind("Cancel", TextButton::Kind::Plain);
+    m_bar->addSubview(m_cancel);
+    m_title = UILabel::alloc()->init();
+    m_title->setFont(UIFont::boldSystemFontOfSize(17));
+    m_title->setText(title);
+    m_title->setTextAlignment(NSTextAlignmentCenter);
+    m_bar->addSubview(m_title);
+    m_open = TextButton::alloc()->initWithTitle_kind("Open", TextButton::Kind::Bold);
+    m_bar->addSubview(m_open);
+    m_barLine = line();
+    m_bar->addSubview(m_barLine);
+    m_message = UIScrollView::alloc()->initWithFrame(CGRectZero);
+    addSubview(m_message);
+    m_noteLine = line();
+    addSubview(m_noteLine);
+    const auto note = UILabel::alloc()->init();
+    note->setTextColor(secondaryTextColor());
+    note->setText(whatOpenDoes);
+    setNote(note);
+    return self(this);
+}
+
+void ComposeView::setNote(std::shared_ptr<UILabel> note) {
+    if (m_note) m_note->removeFromSuperview();
+    m_note = std::move(note);
+    m_note->setFont(UIFont::systemFontOfSize(14));
+    m_note->setNumberOfLines(0);
+    insertSubview_atIndex(m_note, 1); // read after the bar, before the message
+    setNeedsLayout();
+}
+
+void ComposeView::setBlocks(std::vector<HTMLBlock> blocks) {
+    m_blocks = std::move(blocks);
+    m_messageWidth = 0;
+    setNeedsLayout();
+}
+
+void ComposeView::beginHandOver() { m_open->setEnabled(false); }
+
+void ComposeView::showHandOverFailed() {
+    m_open->setEnabled(true);
+    // A new one each time, so that it is read out each time.
+    const auto note = FailureNote::alloc();
+    note->init();
+    note->setTextColor(UIColor::colorWithRed_green_blue_alpha(0.72, 0, 0, 1));
+    note->setText(whatFailed);
+    setNote(note);
+}
+
+void ComposeView::layoutSubviews() {
+    UIView::layoutSubviews();
+    const double width = bounds().size.width;
+    m_bar->setFrame(CGRectMake(0, 0, width, barHeight));
+    m_barLine->setFrame(CGRectMake(0, barHeight - hairline(), width, hairline()));
+    const double cancelWidth = m_cancel->sizeThatFits({width, barHeight}).width;
+    const double openWidth = m_open->sizeThatFits({width, barHeight}).width;
+    m_cancel->setFrame(CGRectMake(sideMargin, 0, cancelWidth, barHeight));
+    m_open->setFrame(CGRectMake(width - sideMargin - openWidth, 0, openWidth, barHeight));
+    const double beside = 2 * sideMargin + std::max(cancelWidth, openWidth);
+    m_title->setFrame(CGRectMake(beside, 0, std::max(0.0, width - 2 * beside), barHeight));
+
+    const double left = messageMargin(width);
+    const double noteWidth = std::max(1.0, width - 2 * left);
+    const double noteHeight = m_note->sizeThatFits({noteWidth, 1e6}).height;
+    m_note->setFrame(CGRectMake(left, barHeight + notePadding, noteWidth, noteHeight));
+    const double top = barHeight + noteHeight + 2 * notePadding;
+    m_noteLine->setFrame(CGRectMake(left, top - hairline(), std::max(0.0, width - left), hairline()));
+
+    m_message->setFrame(CGRectMake(0, top, width, std::max(0.0, bounds().size.height - top)));
+    if (m_messageWidth == width) return;
+    m_messageWidth = width;
+    m_message->setContentSize(CGSizeMake(width, layOutMessage(*m_message, m_blocks, width)));
+}
+
+} // namespace seat
