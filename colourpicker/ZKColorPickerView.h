@@ -42,6 +42,11 @@ public:
     void setBrightnessSlider(BrightnessSlider slider);
     void setColorInfoView(ColorInfoView view);
 
+    // The time of day of the last report that came later than `waitTimeDuration` after the one before; of the making
+    // until there is one. It holds no report back.
+    platform::timeval lastDrawTime() const { return m_lastDrawTime; }
+    platform::timeval waitTimeDuration() const { return m_waitTimeDuration; }
+
     // With constraints the picker places nothing itself.
     bool usingAutoLayout() const;
     void willMoveToSuperview(const std::shared_ptr<UIView>& superview) override;

@@ -15,6 +15,8 @@
 #include <fcntl.h>
 #include <future>
 #include <unistd.h>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -27,6 +29,13 @@ std::string& startProblem() {
     return *problem;
 }
 
+// What else was said meanwhile. It is worth a line only when the toolkit has started: each plugin that finds no window
+// system of its kind says so in its own way, and the reason is told in one sentence.
+std::vector<std::string>& waitingMessages() {
+    static auto* const messages = new std::vector<std::string>;
+    return *messages;
+}
+
 // What is no failure of anybody: a reader that asks for a node which has just gone, and a folder that we do not use.
 bool isOrdinary(const QString& message) {
     return message.startsWith(QLatin1String("WARNING Qt AtSpiAdaptor")) ||
@@ -34,7 +43,7 @@ bool isOrdinary(const QString& message) {
 }
 
 void logMessage(QtMsgType type, const QMessageLogContext& context, const QString& message) {
-    // The toolkit's own road ends in abort().
+    // The toolkit's own handling ends in abort().
     if (type == QtFatalMsg && isStarting && noDisplayHandler) {
         auto& problem = startProblem();
         noDisplayHandler(problem.empty() ? "no window system is there" : problem);
@@ -42,8 +51,11 @@ void logMessage(QtMsgType type, const QMessageLogContext& context, const QString
     const bool isInteresting = type == QtWarningMsg || type == QtCriticalMsg || type == QtFatalMsg;
     if (!isInteresting || isOrdinary(message)) return;
     const bool isOfPlatform = context.category && std::string_view(context.category).starts_with("qt.qpa");
-    if (isStarting && noDisplayHandler && isOfPlatform) {
-        if (startProblem().empty()) startProblem() = message.toStdString();
+    if (isStarting && noDisplayHandler) {
+        if (isOfPlatform && startProblem().empty())
+            startProblem() = message.toStdString();
+        else if (!isOfPlatform)
+            waitingMessages().push_back(message.toStdString());
         return;
     }
     NSLog("toolkit: %s", message.toUtf8().constData());
@@ -114,6 +126,7 @@ seat::Toolkit::Toolkit(const ToolkitOptions& options) : m_state(std::make_unique
     QGuiApplication::setQuitOnLastWindowClosed(false);
     state.application = std::make_unique<QGuiApplication>(state.argumentCount, state.arguments);
     isStarting = false;
+    for (const auto& message : std::exchange(waitingMessages(), {})) NSLog("toolkit: %s", message.c_str());
     askForPlainKeyRepeat();
     setPasteboard(
         {[] { return QGuiApplication::clipboard()->text().toStdString(); },
@@ -144,11 +157,11 @@ int seat::Toolkit::run() {
 }
 
 bool seat::Toolkit::runUntil(const std::function<bool()>& done, double seconds) {
-    QTimer patience;
-    patience.setSingleShot(true);
-    patience.start(static_cast<int>(seconds * 1000));
+    QTimer timeout;
+    timeout.setSingleShot(true);
+    timeout.start(static_cast<int>(seconds * 1000));
     while (!done()) {
-        if (m_state->hasQuit || !patience.isActive()) return false;
+        if (m_state->hasQuit || !timeout.isActive()) return false;
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     }
     return true;

@@ -50,6 +50,17 @@ TEST_F(BrightnessSlider, LimitOfAVirginMakesItsColourBlack) {
     EXPECT_EQ(slider->brightness()->doubleValue(), 0);
 }
 
+// A brightness that the former limit had no place for is read from the colour once the new one has.
+TEST_F(BrightnessSlider, NewLimitReadsTheBrightnessInSinglePrecisionBeforeItTakesTheColourAnew) {
+    const auto slider = showSlider();
+    slider->setColor(hsb(0.6, 0.8, 1.2));
+    ASSERT_EQ(slider->brightness()->doubleValue(), 1.2);
+
+    slider->setBrightnessLowerLimit(NSNumber::numberWithDouble(2));
+
+    EXPECT_EQ(slider->brightness()->doubleValue(), static_cast<double>(1.2f));
+}
+
 TEST_F(BrightnessSlider, AlignmentRectangleIsTheFrameWithoutItsInsetsAndBack) {
     const auto slider = ZKBrightnessSlider::alloc()->init();
     EXPECT_EQ(slider->alignmentRectInsets(), (UIEdgeInsets{10, 20, 10, 20}));

@@ -86,9 +86,9 @@ TEST_F(ColorMap, FieldIsDrawnOnceLaidOutWithBothNumbersAndThenFadesIn) {
 
     EXPECT_EQ(map->alpha(), 1);
     EXPECT_TRUE(window.scene.isAnimating());
-    window.finger.wait(0.15);
-    EXPECT_TRUE(window.scene.isAnimating());
-    window.finger.wait(0.1);
+    window.finger.wait(0.19);
+    EXPECT_TRUE(window.scene.isAnimating()) << "a fifth of a second";
+    window.finger.wait(0.02);
     EXPECT_FALSE(window.scene.isAnimating());
 }
 

@@ -101,6 +101,33 @@ TEST_F(ColorPicker, TwoGesturesTenMillisecondsApartBothReport) {
     EXPECT_EQ(client->heard.size(), 2u);
 }
 
+TEST_F(ColorPicker, TimeOfAReportIsKeptWhenTheOneKeptBeforeIsMoreThanAFifteenthOfASecondAgo) {
+    struct Case {
+        platform::timeval made;
+        platform::timeval reported;
+        bool isKept;
+    };
+    const Case cases[] = {
+        {{100, 0}, {100, 66666}, false},      {{100, 0}, {100, 66667}, true},
+        {{100, 950000}, {101, 10000}, false}, {{100, 950000}, {101, 16666}, false},
+        {{100, 950000}, {101, 16667}, true},  {{100, 0}, {101, 0}, true},
+        {{100, 999999}, {102, 0}, true},      {{100, 500000}, {100, 499999}, false},
+        {{100, 0}, {99, 999999}, false},
+    };
+    const auto written = [](platform::timeval time) { return time.tv_sec * 1'000'000 + time.tv_usec; };
+    for (const auto& [made, reported, isKept] : cases) {
+        window.clock.setTimeOfDay(made);
+        picker = ZKColorPickerView::alloc()->init();
+        EXPECT_EQ(written(picker->lastDrawTime()), written(made));
+        EXPECT_EQ(written(picker->waitTimeDuration()), 66666);
+
+        window.clock.setTimeOfDay(reported);
+        objc_msgSend(*picker, "sendActions", {});
+
+        EXPECT_EQ(written(picker->lastDrawTime()), written(isKept ? reported : made)) << written(reported);
+    }
+}
+
 TEST_F(ColorPicker, ReportsGoOutWhateverTheClockDoes) {
     show();
     const auto client = clientOf(*picker);

@@ -229,8 +229,9 @@ TEST_F(Exchange, TheExportedFunctionsConnectToTheSameSocket) {
 // Callers count the terminating zero; the record is cleared first, so a path without one is still read to its end.
 TEST_F(Exchange, APathWithoutItsZeroStillConnects) {
     ScriptedDaemon daemon(root());
-    const int descriptor = JVNConnecToUNIXSocket("/Library/Caches/jvncontrol.sock", 31);
-    ASSERT_NE(descriptor, -1);
+    const char path[] = "/Library/Caches/jvncontrol.socket";
+    const int descriptor = JVNConnecToUNIXSocket(path, 31);
+    ASSERT_NE(descriptor, -1) << "what stands behind the path is not part of it";
     platform::close(descriptor);
 }
 

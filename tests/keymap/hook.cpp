@@ -1,7 +1,8 @@
-// Both roads of the key-event hook, each in a process of its own: a hook stays for the life of the process.
+// Both ways to install the key-event hook, each in a process of its own: a hook stays for the life of the process.
 
 #include "keymap/key_event_hook.h"
 
+#include "keymap/JVNKeymapViewController.h"
 #include "platform/runtime/method.h"
 #include "platform/uikit/UIKeyEvent.h"
 
@@ -21,11 +22,16 @@ public:
 NS_CLASS_IMPLEMENTATION(HookedBase, NSObject, method<&HookedBase::handle>("handleKeyUIEvent:"))
 
 int handledByOwn = 0;
+bool editorHadHeardByThen = true;
 
 class OwnHandler : public HookedBase {
     NS_CLASS(OwnHandler)
 public:
-    void handleOwn(const std::shared_ptr<UIKeyEvent>&) { ++handledByOwn; }
+    void handleOwn(const std::shared_ptr<UIKeyEvent>&) {
+        ++handledByOwn;
+        const auto& editor = JVNKeymapViewController::activeKeymapController();
+        editorHadHeardByThen = !editor || !editor->indexPathOfCellToRemap();
+    }
 };
 NS_CLASS_IMPLEMENTATION(OwnHandler, HookedBase, method<&OwnHandler::handleOwn>("handleKeyUIEvent:"))
 
@@ -50,10 +56,12 @@ TEST_F(KeyEventHookDeathTest, OnAClassWithItsOwnHandlerCallsThatFirst) {
     EXPECT_EXIT(
         {
             const auto object = OwnHandler::alloc();
+            const auto editor = JVNKeymapViewController::alloc()->initWithKeymapPath("/nowhere.plist");
+            editor->setIndexPathOfCellToRemap(NSIndexPath::indexPathForRow_inSection(0, 0));
             const IMP before = class_getMethodImplementation(OwnHandler::classObject(), "handleKeyUIEvent:");
             installKeyEventHookOnClass(OwnHandler::classObject());
             objc_msgSend(*object, "handleKeyUIEvent:", {UIKeyEvent::keyEvent(4, true)});
-            end(handledByOwn == 1 && handledByBase == 0 &&
+            end(handledByOwn == 1 && handledByBase == 0 && !editorHadHeardByThen && !editor->indexPathOfCellToRemap() &&
                 class_getMethodImplementation(OwnHandler::classObject(), "handleKeyUIEvent:") != before);
         },
         testing::ExitedWithCode(0), "");

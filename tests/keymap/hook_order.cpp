@@ -57,8 +57,15 @@ protected:
 
 } // namespace
 
+// The handler that the application had by then leads a key to the editor.
 TEST(KeyEventHook, IsInPlaceBeforeAnythingElseOfTheModuleIsSetUp) {
-    EXPECT_EQ(handlerAtTheStart, handler(UIApplication::classObject()));
+    const auto editor = JVNKeymapViewController::alloc()->initWithKeymapPath("/nowhere.plist");
+    editor->setIndexPathOfCellToRemap(NSIndexPath::indexPathForRow_inSection(0, 0));
+
+    const std::vector<id> arguments{UIKeyEvent::keyEvent(4, true)};
+    handlerAtTheStart(*UIApplication::sharedApplication(), "handleKeyUIEvent:", arguments);
+
+    EXPECT_FALSE(editor->indexPathOfCellToRemap()) << "the key is bound";
 }
 
 TEST_F(KeyEventHookOrderDeathTest, TheApplicationsHandlerGetsTheSameObjectSelectorAndEvent) {

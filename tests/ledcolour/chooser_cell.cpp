@@ -78,6 +78,18 @@ TEST_F(ColorChooserCell, ShowsNoValueText) {
     EXPECT_TRUE(!cell->detailTextLabel() || cell->detailTextLabel()->text().empty());
 }
 
+TEST_F(ColorChooserCell, ValueLeavesTheTextOfACellThatHasRoomForOne) {
+    const auto cell = JVNColorChooserCell::alloc()->initWithStyle_reuseIdentifier_specifier(
+        UITableViewCellStyleValue1, "cell", rowWithValue("12ab34"));
+    ASSERT_TRUE(cell->detailTextLabel());
+    cell->detailTextLabel()->setText("as it was");
+
+    cell->setValue("ff0000");
+
+    EXPECT_EQ(cell->detailTextLabel()->text(), "as it was");
+    expectColor(cell->accessoryView(), "ff0000");
+}
+
 TEST_F(ColorChooserCell, IsMadeByNameAsTheFrameworkDoes) {
     const auto object = class_createInstance(objc_getClass("JVNColorChooserCell"));
     ASSERT_TRUE(object);

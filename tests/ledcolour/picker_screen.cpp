@@ -112,6 +112,14 @@ TEST_F(PickerScreen, WithoutANavigationBarPickerFillsTheView) {
     EXPECT_EQ(picker().frame(), (CGRect{{0, 0}, {320, 480}}));
 }
 
+TEST_F(PickerScreen, PickerStandsAtTheLeftEdgeWhereverTheScreensViewStands) {
+    screen->setView(UIView::alloc()->initWithFrame({{30, 40}, {300, 400}}));
+
+    screen->viewDidLoad();
+
+    EXPECT_EQ(picker().frame(), (CGRect{{0, 0}, {300, 400}}));
+}
+
 TEST_F(PickerScreen, LeavingUntouchedTellsNobody) {
     push();
     pop();

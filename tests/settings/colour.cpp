@@ -84,6 +84,20 @@ TEST_F(LEDColour, ADragOnTheMapStoresAnnouncesAndSendsOnceAtItsEndAndOnceOnLeavi
     EXPECT_EQ(hex(daemon.connections()[3]).substr(0, 2), "05");
 }
 
+TEST_F(LEDColour, RowShowsThePickedColourBeforeThePickerIsLeft) {
+    show(1);
+    const auto screen = openPicker();
+
+    app.touches().drag(map(), {40, 40}, {200, 120});
+    app.settle();
+
+    ASSERT_TRUE(screen->pickedColor());
+    const id stored = app.preference("JVNLEDColorKey");
+    ASSERT_TRUE(stored.string());
+    EXPECT_NE(*stored.string(), "004efd");
+    EXPECT_TRUE(swatch()->isEqual(*JVNColorForHexString(*stored.string())));
+}
+
 TEST_F(LEDColour, ATapReportsTheColourFromBeforeIt) {
     ScriptedDaemon daemon(app.root());
     show(1);

@@ -189,10 +189,23 @@ TEST_F(Pairing, LeavingThePageGivesUpTheServerAndItsMessageWhoeverElseHoldsTheCe
     EXPECT_EQ(app.alert(), std::nullopt);
 }
 
-TEST_F(Pairing, FreeingThePageInterruptsTheTool) {
+TEST_F(Pairing, FreeingAPageThatWasNeverShownInterruptsTheTool) {
+    installTool();
+    app.writePreferences(testing_support::dictionary({{"controller_type", NSNumber::numberWithInt(1)}}));
+    page = JoyvaneListController::alloc()->init();
+    page->pairController();
+    ASSERT_TRUE(app.waitUntil([&] { return count("started") == 1; }));
+    const std::weak_ptr<JoyvaneListController> weak = page;
+
+    page = nullptr;
+
+    EXPECT_TRUE(weak.expired());
+    EXPECT_TRUE(app.waitUntil([&] { return count("interrupted") == 1; }));
+}
+
+TEST_F(Pairing, TheEndOfTheWindowFreesThePageAndInterruptsTheTool) {
     startPairing(1);
-    page->viewDidAppear(false);
-    std::weak_ptr<JoyvaneListController> weak = page;
+    const std::weak_ptr<JoyvaneListController> weak = page;
 
     page = nullptr;
     app.close();

@@ -54,6 +54,12 @@ TEST_F(AtomicWrite, OneTemporaryAloneIsNoReplacement) {
     EXPECT_FALSE(JVNPreferencesFileStillInAtomicWrite());
 }
 
+TEST_F(AtomicWrite, TwoTemporariesWithoutTheFileAreAWriteUnderWay) {
+    put("com.quorrel.joyvane.plist.a1b2c3");
+    put("com.quorrel.joyvane.plist.d4e5f6");
+    EXPECT_TRUE(JVNPreferencesFileStillInAtomicWrite());
+}
+
 TEST_F(AtomicWrite, TakesNoNameThatOnlyHoldsTheFilesName) {
     put("com.quorrel.joyvane.plist");
     put(".com.quorrel.joyvane.plist");

@@ -181,6 +181,16 @@ TEST_F(Rows, ShowingTheChooserWithoutAddingItDoesNothing) {
     EXPECT_EQ(rows(), before);
 }
 
+TEST_F(Rows, HidingTheChooserTakesItAwayWhetherItMayBeAddedOrNot) {
+    for (const bool addIfMissing : {false, true}) {
+        show(1);
+        page->setHasColorChooserSpecifier_addIfMissing(false, addIfMissing);
+        EXPECT_EQ(rows(), head + "Pair Controller | [DualShock 4] | Ambient LED Color" + tail) << addIfMissing;
+        page->setHasColorChooserSpecifier_addIfMissing(false, addIfMissing);
+        EXPECT_EQ(rows(), head + "Pair Controller | [DualShock 4] | Ambient LED Color" + tail) << addIfMissing;
+    }
+}
+
 TEST_F(Rows, OfADualShock4ThatAreBothThereStayAsTheyAre) {
     show(1);
     page->setHasColorChooserSpecifier_addIfMissing(false, false);

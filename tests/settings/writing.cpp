@@ -1,10 +1,14 @@
 // Settings as they are read from the store and written into it, by touch.
 
 #include "platform/foundation/NSData.h"
+#include "system/files/Descriptor.h"
 #include "system/notify/NotifyListener.h"
 #include "system/preferences/write_steps.h"
 #include "tests/settings/PageTest.h"
 #include "tests/support/LoggedLines.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
 
 namespace {
 
@@ -67,6 +71,21 @@ TEST_F(Settings, OfAListAreInTheFileWhenTheyAreAnnounced) {
     ASSERT_TRUE(app.tap("Connect by Hand"));
 
     EXPECT_EQ(announced, std::vector<id>{NSNumber::numberWithInteger(1)});
+}
+
+TEST_F(Settings, ThatWaitForAnotherProgramsLockAreAnnouncedOnceMoreWhenTheyAreInTheFile) {
+    show(1);
+    watch("JVNAmbientColorKey");
+    const std::string lock = app.root() + "/var/mobile/Library/Preferences/.lock.com.quorrel.joyvane";
+    seat::Descriptor held(::open(lock.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
+    ASSERT_EQ(::flock(held.get(), LOCK_EX), 0);
+
+    ASSERT_TRUE(app.tapSwitch("Ambient LED Color"));
+    EXPECT_EQ(announced, std::vector<id>{id()}) << "the file does not have it yet";
+    held.reset();
+
+    EXPECT_TRUE(app.waitUntil([&] { return announced.size() > 1; }));
+    EXPECT_EQ(announced, (std::vector<id>{id(), yes}));
 }
 
 TEST_F(Settings, AreWrittenBeforeThePageReacts) {

@@ -81,6 +81,11 @@ TEST(HeaderRecipients, CommasInQuotesSeparateNothing) {
               "\"Miller, Ann\" <a@b.example>, c@d.example");
 }
 
+TEST(HeaderRecipients, CommasInAngleBracketsSeparateNothing) {
+    EXPECT_EQ(seat::headerRecipients("Ann <@relay.example,@other.example:a@b.example>,c@d.example"),
+              "Ann <@relay.example,@other.example:a@b.example>, c@d.example");
+}
+
 TEST(HeaderRecipients, ManyStandOnLinesOfTheirOwn) {
     std::string many;
     for (int i = 0; i < 30; ++i) many += "somebody@somewhere.example, ";

@@ -54,6 +54,12 @@ TEST(AffineTransform, ThatCannotBeInvertedComesBackAsItIs) {
     EXPECT_EQ(CGAffineTransformInvert(flat), flat);
 }
 
+TEST(AffineTransform, MirroredRectangleHasItsOriginAtTheOtherEnd) {
+    EXPECT_EQ(CGRectApplyAffineTransform({{1, 2}, {3, 4}}, CGAffineTransformMakeScale(-1, 1)), CGRectMake(-4, 2, 3, 4));
+    EXPECT_EQ(CGRectApplyAffineTransform({{1, 2}, {3, 4}}, CGAffineTransformMakeScale(1, -2)),
+              CGRectMake(1, -12, 3, 8));
+}
+
 TEST(AffineTransform, RectangleTurnedByAQuarterStandsUprightAgain) {
     const CGRect turned =
         CGRectApplyAffineTransform({{0, 0}, {10, 4}}, CGAffineTransformMakeRotation(std::numbers::pi / 2));

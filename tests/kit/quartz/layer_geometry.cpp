@@ -75,6 +75,18 @@ TEST(LayerGeometry, FrameSetUnderAScaleShrinksTheBounds) {
     EXPECT_EQ(layer->frame(), CGRectMake(0, 0, 40, 40));
 }
 
+TEST(LayerGeometry, FrameOfATurnedLayerIsTheOneThatWasSet) {
+    const auto layer = test::layerWithFrame({{0, 0}, {10, 10}});
+    layer->setAffineTransform({0.8, 0.6, -0.6, 0.8, 0, 0});
+
+    layer->setFrame({{10, 20}, {60, 50}});
+
+    EXPECT_NEAR(layer->frame().origin.x, 10, 1e-9);
+    EXPECT_NEAR(layer->frame().origin.y, 20, 1e-9);
+    EXPECT_NEAR(layer->frame().size.width, 60, 1e-9);
+    EXPECT_NEAR(layer->frame().size.height, 50, 1e-9);
+}
+
 TEST(LayerGeometry, NegativeSizeStaysPlainArithmetic) {
     const auto layer = test::layerWithFrame({{20, 10}, {-8, 5}});
     EXPECT_EQ(layer->frame(), CGRectMake(20, 10, -8, 5));

@@ -78,6 +78,16 @@ TEST_F(Resources, AnyFaultyItemRefusesTheWhole) {
                        "<key>validTitles</key><array><integer>0</integer></array>"));
 }
 
+TEST_F(Resources, TenThousandItemsAreReadAndOneMoreIsRefused) {
+    std::string items;
+    for (int i = 0; i < 10'000; ++i) items += "<dict><key>cell</key><string>PSGroupCell</string></dict>";
+    writeResource(items);
+    EXPECT_EQ(load(), 10'000u);
+    EXPECT_EQ(lines.size(), 0u);
+
+    expectRefused(items);
+}
+
 TEST_F(Resources, ResourceThatIsNoneIsRefusedWithOneLine) {
     for (const std::string& bytes :
          {std::string(), std::string("nonsense"), std::string("<plist version=\"1.0\"><array/></plist>"),

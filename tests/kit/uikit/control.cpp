@@ -113,6 +113,23 @@ TEST_F(Controls, ControlAndTargetsLiveUntilAllWereCalled) {
     EXPECT_TRUE(weak.expired());
 }
 
+TEST_F(Controls, TakingOneActionAwayLeavesTheOthersOfItsTarget) {
+    const auto control = UIControl::alloc()->init();
+    std::string log;
+    const auto listener = Listener::alloc();
+    listener->log = &log;
+    for (const char* const action : {"first:", "second:"})
+        control->addTarget_action_forControlEvents(listener, action,
+                                                   UIControlEventValueChanged | UIControlEventEditingDidEnd);
+
+    control->removeTarget_action_forControlEvents(listener.get(), "first:", UIControlEventValueChanged);
+
+    control->sendActionsForControlEvents(UIControlEventValueChanged);
+    EXPECT_EQ(log, "second ");
+    control->sendActionsForControlEvents(UIControlEventEditingDidEnd);
+    EXPECT_EQ(log, "second first second ");
+}
+
 TEST_F(Controls, PairThatAnActionTakesAwayIsNotCalled) {
     const auto control = UIControl::alloc()->init();
     std::string log;

@@ -56,6 +56,52 @@ TEST_F(Gestures, TapThatWandersFails) {
     EXPECT_EQ(recorder->take(), "");
 }
 
+TEST_F(Gestures, TapMayWanderTenPointsAndNoFarther) {
+    const auto view = add({{100, 100}, {80, 40}});
+    listen<UITapGestureRecognizer>(*view);
+
+    for (const double way : {10.0, 10.5}) {
+        touches.press({110, 130});
+        touches.move({110 + way, 130});
+        touches.move({110, 130});
+        touches.release();
+    }
+
+    EXPECT_EQ(recorder->take(), "tap:ended(10,30)");
+}
+
+TEST_F(Gestures, TouchThatWanderedTenPointsStillCountsAsATapAndOneThatWanderedFartherDoesNot) {
+    const auto view = add<TapCounter>({{0, 0}, {200, 200}});
+
+    touches.press({50, 50});
+    touches.move({60, 50});
+    touches.release();
+    touches.wait(1);
+    touches.press({50, 50});
+    touches.move({60.5, 50});
+    touches.move({50, 50});
+    touches.release();
+
+    EXPECT_EQ(view->counts, "1 0 ");
+}
+
+TEST_F(Gestures, FingerThatBeginsTwiceIsCancelledBeforeItBeginsAnew) {
+    const auto first = touchedView({{0, 0}, {100, 100}}, "first");
+    const auto second = touchedView({{100, 0}, {100, 100}}, "second");
+    listen<UIPanGestureRecognizer>(*first);
+
+    touches.press({10, 10}, 7);
+    touches.press({110, 20}, 7);
+    touches.release(7);
+    touches.press({20, 20}, 7);
+    touches.move({50, 20}, 7);
+    touches.press({120, 30}, 7);
+
+    EXPECT_EQ(recorder->take(), "first:began(10,10) first:cancelled(10,10) second:began(10,20) second:ended(10,20) "
+                                "first:began(20,20) first:cancelled(50,20) pan:began(50,20) pan:cancelled/0 "
+                                "second:began(20,30)");
+}
+
 TEST_F(Gestures, SecondFingerEndsATap) {
     const auto view = add({{100, 100}, {80, 40}});
     listen<UITapGestureRecognizer>(*view);

@@ -144,6 +144,23 @@ TEST_F(Keyboard, ReleaseOfAKeyThatWentDownElsewhereActivatesNothing) {
     touches.keyUp(hid::enter);
     seat::drainMainQueue();
     EXPECT_EQ(view->log + other->log, "");
+
+    touches.keyDown(hid::space);
+    touches.keyUp(hid::enter);
+    seat::drainMainQueue();
+    EXPECT_EQ(other->log, "") << "another key went down here";
+}
+
+TEST_F(Keyboard, EscapeThatIsHeldDownEscapesOnce) {
+    const auto view = add<KeyView>({{0, 0}, {50, 44}});
+    view->takesEscape = true;
+    scene.window()->setFocusedView(view);
+
+    touches.keyDown(hid::escape);
+    for (int i = 0; i < 3; ++i) touches.keyDown(hid::escape, 0, /*isRepeat=*/true);
+    touches.keyUp(hid::escape);
+
+    EXPECT_EQ(view->log, "escaped ");
 }
 
 TEST_F(Keyboard, ViewThatIsGoneBeforeItsTurnIsNotActivated) {

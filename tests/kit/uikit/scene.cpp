@@ -1,3 +1,4 @@
+#include "kit/uikit/AccessibilityTree.h"
 #include "kit/uikit/damage.h"
 #include "kit/uikit/snapshot.h"
 #include "tests/kit/uikit/SceneTest.h"
@@ -11,6 +12,20 @@ protected:
         return image->pixels[y * image->width + x];
     }
 };
+
+// Never done with its layout.
+class RestlessView final : public UIView {
+    NS_CLASS(RestlessView)
+    std::shared_ptr<RestlessView> initWithFrame(CGRect frame) {
+        return UIView::initWithFrame(frame) ? self(this) : nullptr;
+    }
+    void layoutSubviews() override {
+        ++layouts;
+        setNeedsLayout();
+    }
+    int layouts = 0;
+};
+NS_CLASS_IMPLEMENTATION(RestlessView, UIView)
 
 std::string written(const std::vector<CGRect>& rects) {
     std::string text;
@@ -40,9 +55,55 @@ TEST_F(Scenes, FrameIsAskedForOnceAndDamageIsWhatChanged) {
     EXPECT_EQ(asked, 2);
 }
 
+TEST_F(Scenes, FrameThatIsWantedAlreadyIsAskedForAsSoonAsSomebodyCanBeAsked) {
+    scene.prepareFrame();
+    scene.window()->setNeedsLayout();
+    int asked = 0;
+
+    scene.setNeedsFrame([&] { ++asked; });
+
+    EXPECT_EQ(asked, 1);
+    scene.prepareFrame();
+    scene.setNeedsFrame([&] { asked += 10; });
+    EXPECT_EQ(asked, 1) << "none is wanted";
+}
+
+TEST_F(Scenes, FrameIsAskedForAgainWhenWhoeverIsToldOfOneChangesTheLayout) {
+    const auto view = add<UISwitch>({{10, 20}, {51, 31}});
+    scene.prepareFrame();
+    scene.accessibility().setListener(
+        [&](seat::AccessibilityIdentity, seat::AccessibilityChange) { view->setNeedsLayout(); });
+    scene.prepareFrame();
+    int asked = 0;
+    scene.setNeedsFrame([&] { ++asked; });
+    view->setOn_animated(true, /*animated=*/false);
+    asked = 0;
+
+    scene.prepareFrame();
+
+    EXPECT_EQ(asked, 1);
+    scene.accessibility().setListener(nullptr);
+}
+
+TEST_F(Scenes, ViewThatAsksForLayoutWhileItIsLaidOutGetsNoFrameForIt) {
+    const auto restless = add<RestlessView>({{0, 0}, {10, 10}});
+    int asked = 0;
+    scene.setNeedsFrame([&] { ++asked; });
+    scene.prepareFrame();
+    asked = 0;
+
+    scene.prepareFrame();
+
+    EXPECT_EQ(asked, 0);
+    EXPECT_GT(restless->layouts, 0);
+}
+
 TEST_F(Scenes, DamageStaysShortAndJoinsWhatIsCheaperInOne) {
     const CGRect bounds{{0, 0}, {320, 480}};
     std::vector<CGRect> damage;
+    for (const CGRect nothing : {CGRect{{5, 5}, {0, 10}}, CGRect{{5, 5}, {10, 0}}, CGRect{{400, 5}, {10, 10}}})
+        seat::addDamage(damage, nothing, bounds);
+    EXPECT_TRUE(damage.empty());
     seat::addDamage(damage, {{0, 0}, {10, 10}}, bounds);
     seat::addDamage(damage, {{5, 0}, {10, 10}}, bounds);
     EXPECT_EQ(written(damage), "0,0 15x10");

@@ -195,9 +195,13 @@ TEST_F(Views, MaskSaysWhatFollowsTheSuperview) {
     const auto centred = add({{40, 40}, {20, 20}}, parent);
     centred->setAutoresizingMask(UIViewAutoresizingFlexibleLeftMargin | UIViewAutoresizingFlexibleRightMargin);
     const auto fixed = add({{1, 2}, {3, 4}}, parent);
+    const auto hidden = add({{0, 0}, {100, 20}}, parent);
+    hidden->setAutoresizingMask(UIViewAutoresizingFlexibleWidth);
+    hidden->setHidden(true);
 
     parent->setFrame({{0, 0}, {200, 150}});
 
+    EXPECT_EQ(hidden->frame(), CGRectMake(0, 0, 200, 20));
     EXPECT_EQ(filling->frame(), CGRectMake(0, 0, 200, 150));
     EXPECT_EQ(atRight->frame(), CGRectMake(180, 10, 10, 10));
     EXPECT_EQ(centred->frame(), CGRectMake(90, 40, 20, 20));
