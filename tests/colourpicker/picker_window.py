@@ -65,7 +65,7 @@ def tapping_shows_the_colour_and_reports_the_one_before(picker):
 def dragging_the_slider_is_reported_by_the_next_tap_only(picker):
     x, y, width, height = picker.slider.extents
     middle = y + height / 2
-    picker.desktop.drag((x + 40, middle), (x + width - 28, middle))
+    picker.desktop.drag((x + 12, middle), (x + width + 6, middle))  # the extents are the bar's
     picker.desktop.click(*picker.tile(0, 0))
     darkest = picker.reported()
     expect("red of the darkest", darkest[:2], "66")

@@ -83,7 +83,7 @@ class Installed(unittest.TestCase):
         for step in ("first-start", "sync-button", "x-home-1", "x-home-2", "x-home-3", "dualshock4", "by-hand-ps3",
                      "no-controller", "paired", "connected", "picker-dragged", "picker-tapped", "ambient-on",
                      "ambient-off", "disconnected", "extended-warning", "keymap-remapped", "no-mail",
-                     "message-addressed", "tool-missing", "daemon-away", "daemon-back"):
+                     "message", "tool-missing", "daemon-away", "daemon-back"):
             self.assertIn(step, names)
         with open(os.path.join(folder, "log.txt"), encoding="utf-8") as file:
             log = "\n".join(line for line in file.read().splitlines() if "  > " not in line)

@@ -50,7 +50,6 @@ bool systemCallFails(SystemCall call, int descriptor) {
     return false;
 }
 
-
 SystemCalls::SystemCalls() {
     clear();
     isActive = true;

@@ -34,24 +34,37 @@ OWN_CALL int socket(int domain, int type, int protocol) noexcept {
     return testing_support::systemCallFails(SystemCall::Socket, -1) ? -1 : next_socket()(domain, type, protocol);
 }
 OWN_CALL int connect(int descriptor, const ::sockaddr* address, ::socklen_t size) {
-    return testing_support::systemCallFails(SystemCall::Connect, descriptor) ? -1 : next_connect()(descriptor, address, size);
+    return testing_support::systemCallFails(SystemCall::Connect, descriptor)
+               ? -1
+               : next_connect()(descriptor, address, size);
 }
 OWN_CALL ssize_t send(int descriptor, const void* bytes, std::size_t size, int flags) {
-    return testing_support::systemCallFails(SystemCall::Send, descriptor) ? -1 : next_send()(descriptor, bytes, size, flags);
+    return testing_support::systemCallFails(SystemCall::Send, descriptor) ? -1
+                                                                          : next_send()(descriptor, bytes, size, flags);
 }
 OWN_CALL ssize_t recv(int descriptor, void* bytes, std::size_t size, int flags) {
-    return testing_support::systemCallFails(SystemCall::Receive, descriptor) ? -1 : next_recv()(descriptor, bytes, size, flags);
+    return testing_support::systemCallFails(SystemCall::Receive, descriptor)
+               ? -1
+               : next_recv()(descriptor, bytes, size, flags);
 }
 OWN_CALL ssize_t sendmsg(int descriptor, const ::msghdr* message, int flags) {
-    return testing_support::systemCallFails(SystemCall::SendMessage, descriptor) ? -1 : next_sendmsg()(descriptor, message, flags);
+    return testing_support::systemCallFails(SystemCall::SendMessage, descriptor)
+               ? -1
+               : next_sendmsg()(descriptor, message, flags);
 }
 OWN_CALL ssize_t recvmsg(int descriptor, ::msghdr* message, int flags) {
-    return testing_support::systemCallFails(SystemCall::ReceiveMessage, descriptor) ? -1 : next_recvmsg()(descriptor, message, flags);
+    return testing_support::systemCallFails(SystemCall::ReceiveMessage, descriptor)
+               ? -1
+               : next_recvmsg()(descriptor, message, flags);
 }
 OWN_CALL int setsockopt(int descriptor, int level, int option, const void* value, ::socklen_t size) noexcept {
-    return testing_support::systemCallFails(SystemCall::SetOption, descriptor) ? -1 : next_setsockopt()(descriptor, level, option, value, size);
+    return testing_support::systemCallFails(SystemCall::SetOption, descriptor)
+               ? -1
+               : next_setsockopt()(descriptor, level, option, value, size);
 }
-OWN_CALL int close(int descriptor) { return testing_support::systemCallFails(SystemCall::Close, descriptor) ? -1 : next_close()(descriptor); }
+OWN_CALL int close(int descriptor) {
+    return testing_support::systemCallFails(SystemCall::Close, descriptor) ? -1 : next_close()(descriptor);
+}
 OWN_CALL int pipe2(int* ends, int flags) noexcept {
     return testing_support::systemCallFails(SystemCall::Pipe, -1) ? -1 : next_pipe2()(ends, flags);
 }
