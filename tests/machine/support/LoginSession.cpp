@@ -47,7 +47,7 @@ void callSession(const std::string& session, const char* method, const char* typ
     char* path = nullptr;
     ::sd_bus_path_encode("/org/freedesktop/login1/session", session.c_str(), &path);
     sd_bus* bus = nullptr;
-    sd_bus_error error = SD_BUS_ERROR_NULL;
+    sd_bus_error error{};
     int result = ::sd_bus_open_system(&bus);
     if (result >= 0)
         result = ::sd_bus_call_method(bus, kManager, path, "org.freedesktop.login1.Session", method, &error, nullptr,
