@@ -499,7 +499,8 @@ class Cost(JvndTest):
         wait_for("no descriptor more", lambda: self.daemon.descriptors() == descriptors)
         grown = self.daemon.private_memory() - memory
         print(f"10,000 exchanges: {grown} KiB more")
-        self.assertLessEqual(grown, 64)
+        # A sanitizer keeps what was freed for a while.
+        self.assertLessEqual(grown, 64 if not os.environ.get("ASAN_OPTIONS") else 256 * 1024)
 
     def test_idle_it_sleeps_in_little_memory_without_the_toolkit(self):
         self.daemon.write_preferences({"controller_type": 6})
