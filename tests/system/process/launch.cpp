@@ -96,6 +96,11 @@ TEST_F(Launch, AToolThatIsNoProgramGivesIdentifierZero) {
 TEST_F(Launch, AFolderInItsPlaceGivesIdentifierZero) { expectFailure("/usr/bin", "Permission denied"); }
 
 TEST_F(Launch, WithoutRoomForAnotherProcessTheIdentifierIsZero) {
+#if defined(__has_feature)
+#if __has_feature(thread_sanitizer)
+    GTEST_SKIP() << "the thread sanitizer forks by itself";
+#endif
+#endif
     SystemCalls calls;
     calls.fail(SystemCall::Fork, EAGAIN);
     expectFailure("/usr/bin/tool", "Resource temporarily unavailable");
