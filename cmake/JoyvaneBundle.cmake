@@ -30,7 +30,7 @@ function(joyvane_bundle name)
   # no longer have the digest in its manifest.
   set_target_properties(${module} PROPERTIES
     OUTPUT_NAME ${name} PREFIX "" SUFFIX "" LIBRARY_OUTPUT_DIRECTORY ${folder} LINKER_LANGUAGE CXX
-    SKIP_BUILD_RPATH ON LINK_DEPENDS ${version_script})
+    SKIP_BUILD_RPATH ON INSTALL_RPATH "" LINK_DEPENDS ${version_script})
   target_link_libraries(${module} PRIVATE joyvane_flags joyvane_platform)
   # The module calls its own functions, whatever else in the process has their names (crc32 is a library's, too).
   # A name in the list that nothing defines is for the test of the exports to report, not for one linker out of two.

@@ -2,7 +2,6 @@
 
 set(JOYVANE_RELEASE_DATE 2026-11-21)
 
-set_target_properties(joyvane_platform joyvane-settings PROPERTIES INSTALL_RPATH "$ORIGIN/../${JOYVANE_PRIVATE_DIR}:$ORIGIN")
 install(TARGETS joyvane-settings RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(TARGETS joyvane_platform LIBRARY DESTINATION ${JOYVANE_PRIVATE_DIR} NAMELINK_SKIP)
 

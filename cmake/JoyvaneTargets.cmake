@@ -22,6 +22,12 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
 endif()
 # Programs are compiled as libraries are, so that both can share a precompiled header.
 set(CMAKE_CXX_COMPILE_OPTIONS_PIE ${CMAKE_CXX_COMPILE_OPTIONS_PIC})
+# What ships is hardened; the sanitizers look harder still, and not through the checks of others.
+if(CMAKE_BUILD_TYPE STREQUAL "Release")
+  add_compile_options(-fstack-protector-strong -fstack-clash-protection)
+  add_compile_definitions(_FORTIFY_SOURCE=2 _GLIBCXX_ASSERTIONS)
+  add_link_options(-Wl,-z,relro -Wl,-z,now -Wl,-z,noexecstack -Wl,-z,defs)
+endif()
 if(JOYVANE_SANITIZE)
   add_compile_options(-fsanitize=${JOYVANE_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   add_link_options(-fsanitize=${JOYVANE_SANITIZE})
@@ -97,7 +103,7 @@ endfunction()
 # braces. What a test tries is compiled as it is shipped; the test itself need not be fast, and takes the compiler half
 # the time this way.
 function(joyvane_test_options name)
-  target_compile_options(${name} PRIVATE -O0 $<$<CXX_COMPILER_ID:GNU>:-Wno-dangling-else>)
+  target_compile_options(${name} PRIVATE -O0 -U_FORTIFY_SOURCE $<$<CXX_COMPILER_ID:GNU>:-Wno-dangling-else>)
 endfunction()
 
 # joyvane_test(<name> [SOURCES <files...>] [ANY_SEAT <files...>] [LIBRARIES <targets...>]
@@ -162,7 +168,7 @@ function(joyvane_service_test name)
   endif()
   add_executable(${name} ${exclude} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE joyvane_flags joyvane_service GTest::gmock GTest::gtest_main ${ARG_LIBRARIES})
-  target_compile_options(${name} PRIVATE -O0 $<$<CXX_COMPILER_ID:GNU>:-Wno-dangling-else>)
+  joyvane_test_options(${name})
   joyvane_command_test(${name} COMMAND ${name}
     LABELS ${ARG_LABELS} TIMEOUT ${ARG_TIMEOUT} ENVIRONMENT ${ARG_ENVIRONMENT})
 endfunction()

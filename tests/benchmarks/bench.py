@@ -38,7 +38,7 @@ class Bench:
         return path
 
     def bundle(self, name):
-        return os.path.join(self.build, "lib", f"{name}.bundle")
+        return os.path.join(self.build, "lib", "joyvane", f"{name}.bundle")
 
     # The whole process, from outside.
 

@@ -164,5 +164,48 @@ class Exports(Checks):
         self.assertIn("three is not exported", output)
 
 
+class Hardening(unittest.TestCase):
+    SOURCE = """#include <cstdio>
+#include <vector>
+std::vector<char> all(100);
+int main(int count, char** words) { char line[64]; std::snprintf(line, sizeof line, "%s", words[0]); return all[count] + line[0]; }
+"""
+    GUARDS = ["-O1", "-fPIE", "-pie", "-fstack-protector-strong", "-D_GLIBCXX_ASSERTIONS",
+              "-Wl,-z,relro", "-Wl,-z,now", "-Wl,-z,noexecstack", "-Wl,-rpath,$ORIGIN/../lib/joyvane"]
+
+    def check(self, without="", also=(), source=SOURCE):
+        with tempfile.TemporaryDirectory() as folder:
+            program = os.path.join(folder, "program")
+            options = [option for option in self.GUARDS if option != without]
+            subprocess.run(["g++", "-x", "c++", "-", "-o", program, *options, *also], input=source, text=True, check=True)
+            result = subprocess.run([sys.executable, os.path.join(SCRIPTS, "check-hardening"), program],
+                                    capture_output=True, text=True)
+            return result.returncode, result.stdout + result.stderr
+
+    def test_a_program_with_every_guard_passes(self):
+        code, output = self.check()
+        self.assertEqual(code, 0, output)
+
+    def test_each_missing_guard_is_found(self):
+        for without, also, found in [
+                ("-pie", ["-no-pie"], "not position-independent"),
+                ("-fstack-protector-strong", ["-fno-stack-protector"], "without stack protector"),
+                ("-D_GLIBCXX_ASSERTIONS", [], "without checked containers"),
+                ("-Wl,-z,relro", ["-Wl,-z,norelro"], "tables stay writable"),
+                ("-Wl,-z,now", ["-Wl,-z,lazy"], "tables stay writable"),
+                ("-Wl,-z,noexecstack", ["-Wl,-z,execstack"], "executable stack"),
+                ("-Wl,-rpath,$ORIGIN/../lib/joyvane", ["-Wl,-rpath,$ORIGIN::/usr/local/lib"], 'libraries in "/usr/local/lib"'),
+                ("-Wl,-rpath,$ORIGIN/../lib/joyvane", ["-Wl,-rpath,$ORIGIN::/usr/local/lib"], 'libraries in ""')]:
+            with self.subTest(without=without, also=also):
+                code, output = self.check(without, also)
+                self.assertEqual(code, 1, output)
+                self.assertIn(found, output)
+
+    def test_a_name_for_tests_among_the_exports_is_found(self):
+        code, output = self.check(also=["-rdynamic"], source=self.SOURCE + "void forgetEverythingForTests() {}\n")
+        self.assertEqual(code, 1, output)
+        self.assertIn("forgetEverythingForTests(), which is for tests", output)
+
+
 if __name__ == "__main__":
     unittest.main(verbosity=2)
