@@ -61,6 +61,7 @@ function(joyvane_bundle name)
     # The manifest is sealed once more: stripping gives the module another size and digest.
     set(target "\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${installed}")
     install(CODE "execute_process(COMMAND_ERROR_IS_FATAL ANY COMMAND
-      \"${Python3_EXECUTABLE}\" \"${seal}\" \"${ARG_MANIFEST}\" \"${target}/${name}\" \"${target}/Info.plist\")")
+      \"${Python3_EXECUTABLE}\" \"${seal}\" \"${ARG_MANIFEST}\" \"${target}/${name}\" \"${target}/Info.plist\")
+      list(APPEND CMAKE_INSTALL_MANIFEST_FILES \"\${CMAKE_INSTALL_PREFIX}/${installed}/Info.plist\")")
   endif()
 endfunction()

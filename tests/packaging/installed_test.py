@@ -15,6 +15,7 @@ import unittest
 import xml.etree.ElementTree
 
 BUILD, CMAKE = sys.argv[1:3]
+OPTION = re.compile(r"--[a-z][a-z-]*")
 PACKAGING = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "packaging")
 
 
@@ -22,21 +23,29 @@ class Installed(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
         cls.folder = tempfile.TemporaryDirectory()
+        # What somebody has installed from this build can still be taken away after this test.
+        cls.manifest = os.path.join(BUILD, "install_manifest.txt")
+        cls.others = open(cls.manifest, encoding="utf-8").read() if os.path.exists(cls.manifest) else None
         cls.prefix = os.path.join(cls.folder.name, "prefix")
         subprocess.run([CMAKE, "--install", BUILD, "--prefix", cls.prefix, "--strip"], check=True, capture_output=True)
         cls.program = os.path.join(cls.prefix, "bin", "joyvane-settings")
 
     @classmethod
     def tearDownClass(cls):
+        if cls.others is not None:
+            with open(cls.manifest, "w", encoding="utf-8") as file:
+                file.write(cls.others)
+        elif os.path.exists(cls.manifest):
+            os.remove(cls.manifest)
         cls.folder.cleanup()
 
-    def run_program(self, *arguments):
+    def run_program(self, *arguments, program=None):
         home = os.path.join(self.folder.name, "home")
         os.makedirs(os.path.join(home, "run"), mode=0o700, exist_ok=True)
         environment = {"PATH": os.environ["PATH"], "HOME": home, "XDG_RUNTIME_DIR": os.path.join(home, "run"),
                        "LC_ALL": "C.UTF-8", "QT_QPA_PLATFORM": "offscreen"}
-        return subprocess.run(["dbus-run-session", "--", self.program, *arguments], env=environment, cwd=self.folder.name, capture_output=True,
-                              text=True, timeout=100)
+        return subprocess.run(["dbus-run-session", "--", program or self.program, *arguments], env=environment,
+                              cwd=self.folder.name, capture_output=True, text=True, timeout=100)
 
     def files(self, top):
         return sorted(os.path.relpath(os.path.join(folder, name), top)
@@ -45,9 +54,13 @@ class Installed(unittest.TestCase):
     def test_everything_is_in_its_place(self):
         for path in ("lib/joyvane/libjoyvane-platform.so.0", "lib/joyvane/Joyvane.bundle/Joyvane",
                      "lib/joyvane/Joyvane.bundle/Joyvane.plist", "lib/joyvane/jvnd", "lib/joyvane/jvndiscovery",
-                     "lib/systemd/user/jvnd.socket", "lib/systemd/user/jvnd.service", "share/man/man8/jvnd.8",
-                     "share/man/man8/jvndiscovery.8", "lib/joyvane/Joyvane.bundle/Info.plist",
-                     "share/applications/com.quorrel.joyvane.desktop", "share/man/man1/joyvane-settings.1",
+                     "lib/systemd/user/jvnd.socket", "lib/systemd/user/jvnd.service", "share/man/man8/jvnd.8.gz",
+                     "share/man/man8/jvndiscovery.8.gz", "share/man/man8/jvninputd.8.gz", "share/man/man1/jvninput.1.gz",
+                     "lib/joyvane/jvninputd", "lib/systemd/system/jvninputd.socket", "lib/systemd/system/jvninputd.service",
+                     "bin/jvninput", "share/doc/joyvane/user-guide.html", "share/doc/joyvane/pictures/page.png",
+                     "share/doc/joyvane/copyright", "share/doc/joyvane/changelog.gz",
+                     "share/bash-completion/completions/jvninput", "lib/joyvane/Joyvane.bundle/Info.plist",
+                     "share/applications/com.quorrel.joyvane.desktop", "share/man/man1/joyvane-settings.1.gz",
                      "share/icons/hicolor/scalable/apps/com.quorrel.joyvane.svg",
                      "share/metainfo/com.quorrel.joyvane.metainfo.xml",
                      "share/bash-completion/completions/joyvane-settings"):
@@ -101,18 +114,49 @@ class Installed(unittest.TestCase):
             self.assertIn("X-Unsent: 1\nTo: \nSubject: \n", file.read())
         self.assertFalse(os.path.exists(os.path.join(folder, "desktop")), "the made-up desktop goes with the tour")
 
-    def test_manual_and_completion_know_the_options_that_help_prints(self):
-        printed = set(re.findall(r"--[a-z]+", self.run_program("--help").stdout))
-        self.assertGreater(len(printed), 5)
-        for path in ("joyvane-settings.1", "joyvane-settings.bash"):
-            with open(os.path.join(PACKAGING, path), encoding="utf-8") as file:
-                known = set(re.findall(r"--[a-z]+", file.read().replace("\\-", "-")))
-            self.assertEqual(printed, known, path)
+    def test_manuals_and_completions_know_the_options_that_help_prints(self):
+        for program, more in (("joyvane-settings", (".1", ".bash")), ("jvninput", (".1", ".bash")), ("jvnd", (".8",)),
+                              ("jvndiscovery", (".8",)), ("jvninputd", (".8",))):
+            path = os.path.join(self.prefix, "bin" if ".1" in more else "lib/joyvane", program)
+            printed = set(OPTION.findall(self.run_program("--help", program=path).stdout))
+            self.assertGreater(len(printed), 2, program)
+            for suffix in more:
+                with open(os.path.join(PACKAGING, program + suffix), encoding="utf-8") as file:
+                    known = set(OPTION.findall(file.read().replace("\\-", "-")))
+                self.assertEqual(printed, known, program + suffix)
+
+    def test_units_name_the_programs_that_were_installed(self):
+        for unit, program in (("user/jvnd.service", "jvnd"), ("system/jvninputd.service", "jvninputd")):
+            with open(os.path.join(self.prefix, "lib/systemd", unit), encoding="utf-8") as file:
+                self.assertIn(f"ExecStart={self.prefix}/lib/joyvane/{program}\n", file.read())
+
+    def test_the_guide_shows_pictures_that_are_there(self):
+        folder = os.path.join(self.prefix, "share/doc/joyvane")
+        with open(os.path.join(folder, "user-guide.html"), encoding="utf-8") as file:
+            shown = re.findall(r'<img src="([^"]*)"', file.read())
+        self.assertGreater(len(shown), 3)
+        for path in shown:
+            self.assertTrue(os.path.isfile(os.path.join(folder, path)), path)
+
+    def test_what_is_installed_can_be_taken_away_again(self):
+        prefix = os.path.join(self.folder.name, "away")
+        os.makedirs(os.path.join(prefix, "share/man/man1"))
+        others = os.path.join(prefix, "share/man/man1/somebody-elses.1")
+        open(others, "w").close()
+        subprocess.run([CMAKE, "--install", BUILD, "--prefix", prefix], check=True, capture_output=True)
+        subprocess.run([CMAKE, "-P", os.path.join(PACKAGING, "..", "cmake", "uninstall.cmake"), BUILD], check=True,
+                       capture_output=True)
+        self.assertEqual(self.files(prefix), ["share/man/man1/somebody-elses.1"])
+        self.assertEqual([name for _, folders, _ in os.walk(prefix) for name in folders if "oyvane" in name], [])
 
     def test_data_for_software_centres_and_desktops_is_well_formed(self):
         component = xml.etree.ElementTree.parse(
             os.path.join(self.prefix, "share/metainfo/com.quorrel.joyvane.metainfo.xml")).getroot()
         self.assertEqual(component.findtext("launchable"), "com.quorrel.joyvane.desktop")
+        if shutil.which("desktop-file-validate"):
+            said = subprocess.run(["desktop-file-validate", os.path.join(
+                self.prefix, "share/applications/com.quorrel.joyvane.desktop")], capture_output=True, text=True, check=False)
+            self.assertEqual((said.returncode, said.stdout), (0, ""))
         if shutil.which("appstreamcli"):
             said = subprocess.run(["appstreamcli", "validate", "--no-net",
                                    os.path.join(self.prefix, "share/metainfo/com.quorrel.joyvane.metainfo.xml")],

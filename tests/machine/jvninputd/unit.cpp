@@ -25,7 +25,7 @@ class Unit : public ::testing::Test {
 protected:
     void SetUp() override {
         std::string unit = contents(JOYVANE_UNITS "/jvninputd.service.in");
-        const std::string place = "@JVNINPUTD_PATH@";
+        const std::string place = "@JOYVANE_PROGRAMS@/jvninputd";
         unit.replace(unit.find(place), place.size(), JVNINPUTD_PROGRAM);
         // The program is not where homes are not to be seen.
         if (std::string(JVNINPUTD_PROGRAM).starts_with("/root") || std::string(JVNINPUTD_PROGRAM).starts_with("/home"))
