@@ -1,4 +1,5 @@
-"""The test machine: the distribution's kernel under plain emulation, over the files of this system.
+"""The test machines: the distribution's kernel under plain emulation, over the files of this system, or with a disk of
+its own on which the distribution is installed.
 
 A running machine is known by its folder, which holds the sockets that it listens to and its console's log.
 """
@@ -19,6 +20,7 @@ import initramfs
 HERE = os.path.dirname(os.path.abspath(__file__))
 SOURCE = os.path.dirname(os.path.dirname(HERE))
 KERNEL = os.path.join(SOURCE, "build", "machine", "kernel")
+DISK = os.path.join(SOURCE, "build", "machine", "system", "disk")
 EMULATOR = "qemu-system-x86_64"
 BOOT_SECONDS = 400  # 15 on an idle computer, minutes on one that is busy with other machines
 LIFE_SECONDS = 3600  # then a machine that somebody forgot ends by itself
@@ -29,20 +31,35 @@ class MachineError(Exception):
     """The machine did not start, or did not answer; the text is for people."""
 
 
-def left_out() -> str | None:
-    """Why this computer has no test machine; None where it has one."""
+def left_out(installed: bool = False) -> str | None:
+    """Why this computer has no test machine, or not the one with an installed system; None where it has it."""
     if platform.machine() != "x86_64":
         return f"The test machine is left out: its kernel is for x86_64, and this is {platform.machine()}."
     if not os.path.exists(os.path.join(KERNEL, "vmlinuz")) and not shutil.which("apt-get"):
         return "The test machine is left out: its kernel comes as a Debian package, and this is no Debian system."
+    if installed and not os.path.exists(DISK):
+        return "The installed system is left out: its disk is missing; scripts/install-deps machine builds it."
     return None
 
 
-def emulator_command(folder: str, *kernel_words: str) -> list[str]:
+def share(path: str, tag: str) -> list[str]:
+    return ["-virtfs", f"local,path={path},mount_tag={tag},security_model=none,readonly=on,multidevs=remap"]
+
+
+def emulator_command(folder: str, installed: bool, *kernel_words: str) -> list[str]:
     """The emulator for a machine whose files are in that folder, from where it must be started."""
     if not shutil.which(EMULATOR) or not os.path.exists(os.path.join(KERNEL, "vmlinuz")):
         raise MachineError("The emulator or the kernel is missing; scripts/install-deps machine fetches them.")
-    initramfs.pack(os.path.join(folder, "initramfs"), os.path.join(KERNEL, "modules"), os.path.join(HERE, "guest"))
+    archive, modules, guest = os.path.join(folder, "initramfs"), os.path.join(KERNEL, "modules"), os.path.join(HERE, "guest")
+    if installed:
+        initramfs.pack(archive, modules, (*initramfs.MODULES, *initramfs.DISK_MODULES),
+                       [guest, os.path.join(HERE, "system", "guest")])
+        # What is written to the disk is thrown away with the machine.
+        files = ["-drive", f"file={DISK},if=virtio,format=raw,snapshot=on", *share(SOURCE, "source")]
+        kernel_words = (f"joyvane.source={SOURCE}", *kernel_words)
+    else:
+        initramfs.pack(archive, modules, initramfs.MODULES, [guest])
+        files = share("/", "root")
     words = [
         "console=ttyS0", "quiet", "panic=-1",
         # A self-test of the ciphers fails under emulation, and Bluetooth would have no keys.
@@ -52,11 +69,11 @@ def emulator_command(folder: str, *kernel_words: str) -> list[str]:
         "systemd.show_status=0", "systemd.log_target=journal-or-kmsg", *kernel_words,
     ]
     return [
-        EMULATOR, "-machine", "pc,i8042=off", "-accel", "tcg,thread=multi", "-cpu", "max", "-m", "768", "-smp", "2",
+        EMULATOR, "-machine", "pc,i8042=off", "-accel", "tcg,thread=multi", "-cpu", "max", "-m", "1024" if installed else "768",
+        "-smp", "2",
         "-nodefaults", "-no-user-config", "-display", "none", "-no-reboot",
         "-kernel", os.path.join(KERNEL, "vmlinuz"), "-initrd", "initramfs", "-append", " ".join(words),
-        "-virtfs", "local,path=/,mount_tag=root,security_model=none,readonly=on,multidevs=remap",
-        "-virtfs", f"local,path={KERNEL}/modules,mount_tag=modules,security_model=none,readonly=on",
+        *files, *share(modules, "modules"),
         "-device", "virtio-serial-pci", "-chardev", "socket,id=port,path=port,server=on,wait=off",
         "-device", "virtserialport,chardev=port,name=joyvane",
     ]
@@ -94,12 +111,12 @@ class Machine:
         self.received = b""
 
     @staticmethod
-    def start(folder: str) -> "Machine":
+    def start(folder: str, installed: bool = False) -> "Machine":
         """Starts a machine in the background, instead of the one that may run there, and waits until it answers."""
         stop(folder)
         shutil.rmtree(folder, ignore_errors=True)
         os.makedirs(folder)
-        command = [*emulator_command(folder), "-serial", "file:console",
+        command = [*emulator_command(folder, installed), "-serial", "file:console",
                    "-chardev", "socket,id=monitor,path=monitor,server=on,wait=off", "-mon", "chardev=monitor"]
         with open(os.path.join(folder, "emulator"), "wb") as said:
             process = subprocess.Popen(["timeout", "--kill-after=5", str(LIFE_SECONDS), *command], cwd=folder,
@@ -120,14 +137,14 @@ class Machine:
             raise MachineError(f"The machine did not start: {error}\n{logs(folder)}") from None
 
     @staticmethod
-    def running(folder: str) -> "Machine":
+    def running(folder: str, installed: bool = False) -> "Machine":
         """The machine of that folder, which is started when it does not run or does not answer."""
         try:
             machine = Machine(folder)
             machine.ping(20)
             return machine
         except (OSError, MachineError):
-            return Machine.start(folder)
+            return Machine.start(folder, installed)
 
     def close(self) -> None:
         self.port.close()
@@ -188,10 +205,10 @@ def logs(folder: str) -> str:
     return text
 
 
-def shell(folder: str) -> int:
+def shell(folder: str, installed: bool = False) -> int:
     """A machine with a root shell on this terminal, until it is left."""
     words = ["joyvane.shell"]
     if sys.stdout.isatty():
         size = os.get_terminal_size()
         words.append(f"systemd.setenv=JOYVANE_SIZE={size.lines}x{size.columns}")
-    return subprocess.run([*emulator_command(folder, *words), "-serial", "mon:stdio"], cwd=folder, check=False).returncode
+    return subprocess.run([*emulator_command(folder, installed, *words), "-serial", "mon:stdio"], cwd=folder, check=False).returncode
