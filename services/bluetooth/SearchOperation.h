@@ -6,7 +6,8 @@
 
 namespace bluetooth {
 
-// One search at one adapter. The service ends it by itself when this program goes.
+// One search, at the adapter in use: it moves when that becomes another. The service ends it by itself when this
+// program goes.
 class SearchOperation final : public ServiceOperation {
 public:
     SearchOperation(SystemClient& client, Client::Completion completion);
@@ -18,6 +19,8 @@ public:
 
 private:
     services::Message adapterMethod(const char* member) const;
+    void begin();
+    void begun(const Reply& reply);
     void ended(Error error);
     void callOff() override;
 

@@ -143,6 +143,34 @@ TEST_F(BluetoothOperationTest, ASearchEndsByItselfWithTheService) {
     EXPECT_EQ(endOf(search), Error::NoAdapter);
 }
 
+TEST_F(BluetoothOperationTest, ASearchMovesToTheAdapterThatIsUsedOnceAllAreThere) {
+    service.addAdapter("hci1");
+    makeClient();
+    ASSERT_TRUE(settle(AdapterState::On));
+    const auto search = client->search(note());
+    ASSERT_TRUE(waitForCall("StartDiscovery hci1"));
+
+    service.addAdapter("hci0");
+    ASSERT_TRUE(waitForCall("StartDiscovery hci0"));
+    service.addDevice({.address = pad});
+
+    EXPECT_TRUE(loop.runUntil([&] { return client->device(padAddress) && client->device(padAddress)->isHeard; }));
+    EXPECT_TRUE(called("StopDiscovery hci1"));
+    EXPECT_TRUE(ends.empty());
+}
+
+TEST_F(BluetoothOperationTest, ASearchGoesOnAtTheAdapterThatIsLeft) {
+    begin();
+    service.addAdapter("hci1");
+    const auto search = client->search(note());
+    ASSERT_TRUE(waitForCall("StartDiscovery hci0"));
+
+    service.removeAdapter("hci0");
+
+    EXPECT_TRUE(waitForCall("StartDiscovery hci1"));
+    EXPECT_TRUE(ends.empty());
+}
+
 TEST_F(BluetoothOperationTest, ASearchThatIsNotAnsweredIsGivenUp) {
     begin();
     service.stall("StartDiscovery");
