@@ -36,7 +36,9 @@ void readWord(SimulatedController& controller, const std::string& word) {
     }
     int type = 0;
     const char* const end = word.data() + word.size();
-    if (word.starts_with(typeWord) && std::from_chars(word.data() + typeWord.size(), end, type).ptr == end)
+    const bool isType = word.starts_with(typeWord);
+    const auto read = std::from_chars(word.data() + (isType ? typeWord.size() : 0), end, type);
+    if (isType && read.ec == std::errc() && read.ptr == end)
         controller.type = type;
     else
         controller.otherWords.push_back(word);
