@@ -13,6 +13,10 @@
 
 namespace memory_seat {
 
+namespace {
+constexpr std::size_t backlog = 128; // connections that nobody has accepted yet; past them connecting fails at once
+} // namespace
+
 bool Pipe::write(const void* bytes, std::size_t count) {
     const std::lock_guard lock(m_mutex);
     if (m_readerGone || m_writerGone) return false;
@@ -113,6 +117,7 @@ std::shared_ptr<Connection> connectTo(const std::string& path) {
     if (!listener) return nullptr;
     auto connection = std::make_shared<Connection>();
     const std::lock_guard lock(listener->mutex);
+    if (listener->waiting.size() >= backlog) return nullptr;
     listener->waiting.push_back(connection);
     listener->changed.notify_all();
     return connection;

@@ -57,7 +57,7 @@ private:
     friend std::shared_ptr<Connection> connectTo(const std::string& path);
 };
 
-// nullptr when nobody listens there.
+// nullptr when nobody listens there, or too many wait already.
 std::shared_ptr<Connection> connectTo(const std::string& path);
 
 // How many ends of sockets are open: descriptors, and accepted ends.

@@ -1,6 +1,7 @@
 // Message servers, reached from this process alone.
 
 #include "kit/dispatch/main_queue.h"
+#include "platform/log.h"
 #include "platform/messaging_center.h"
 #include "platform/runtime.h"
 #include "system/messaging/message_sender.h"
@@ -84,6 +85,8 @@ void seat::sendMessage(const std::string& center, const std::string& message,
                 target = found->second.target.lock();
                 selector = found->second.selector;
             }
+        if (server && !target)
+            NSLog("message %s to %s: nobody has registered for it", message.c_str(), center.c_str());
         if (target) objc_msgSend(*target, selector, {id(message), id(dictionary)});
         if (delivered) delivered(target != nullptr);
     });

@@ -20,6 +20,16 @@ std::shared_ptr<NSMutableDictionary> valuesOf(const std::string& domain) {
     return seat::readPropertyListFile(fileOf(domain), &error).object<NSMutableDictionary>();
 }
 
+// A damaged file keeps its bytes under another name.
+void moveAside(const std::string& file) {
+    const auto bytes = memory_seat::Files::read(file);
+    if (!bytes) return;
+    std::string aside = file + ".damaged";
+    for (int n = 1; memory_seat::Files::read(aside); ++n) aside = file + ".damaged-" + std::to_string(n);
+    memory_seat::Files::write(aside, *bytes);
+    NSLog("preferences %s: damaged, moved aside to %s", file.c_str(), aside.c_str());
+}
+
 } // namespace
 
 id seat::preferenceValue(const std::string& domain, const std::string& key) {
@@ -31,7 +41,10 @@ bool seat::setPreferenceValue(const std::string& domain, const std::string& key,
                               std::function<void()>) {
     const std::lock_guard lock(writing);
     auto values = valuesOf(domain);
-    if (!values) values = NSMutableDictionary::dictionary();
+    if (!values) {
+        moveAside(fileOf(domain));
+        values = NSMutableDictionary::dictionary();
+    }
     values->setObject_forKey(value, key);
     std::shared_ptr<NSError> error;
     const auto data = NSPropertyListSerialization::dataWithPropertyList_format_options_error(
