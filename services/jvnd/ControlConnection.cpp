@@ -18,12 +18,16 @@ constexpr std::size_t readAtOnce = 240;
 ControlConnection::ControlConnection(services::EventLoop& loop, std::uint64_t number, seat::Descriptor descriptor,
                                      CommandHandler& handler, std::function<void()> ended)
     : m_loop(loop), m_number(number), m_descriptor(std::move(descriptor)), m_handler(handler),
-      m_ended(std::move(ended)), m_lastSign(loop.now()) {
+      m_ended(std::move(ended)), m_lastSign(loop.now()) {}
+
+ControlConnection::~ControlConnection() { m_handler.callerGone(*this); }
+
+// Most callers have asked by the time that they are taken, and need not wait until the loop knows of them.
+void ControlConnection::start() {
+    if (!readSome()) return;
     m_silence = m_loop.after(longestSilence, [this] { checkSilence(); });
     watch();
 }
-
-ControlConnection::~ControlConnection() { m_handler.callerGone(*this); }
 
 void ControlConnection::watch() {
     m_ready.reset();
@@ -35,11 +39,11 @@ void ControlConnection::watch() {
     });
 }
 
-void ControlConnection::readSome() {
+bool ControlConnection::readSome() {
     std::array<std::uint8_t, readAtOnce> bytes;
     const auto got = ::recv(m_descriptor.get(), bytes.data(), bytes.size(), MSG_DONTWAIT);
-    if (got < 0 && (errno == EAGAIN || errno == EINTR)) return;
-    if (got <= 0) return end();
+    if (got < 0 && (errno == EAGAIN || errno == EINTR)) return true;
+    if (got <= 0) return end(), false;
 
     m_isReading = true;
     std::span<const std::uint8_t> rest(bytes.data(), static_cast<std::size_t>(got));
@@ -47,11 +51,12 @@ void ControlConnection::readSome() {
     auto result = m_reader.next(rest, frame);
     for (; result == FrameReader::Result::Frame; result = m_reader.next(rest, frame)) {
         m_lastSign = m_loop.now();
-        if (m_handler.handle(*this, frame) == CommandHandler::Then::Close) return end();
+        if (m_handler.handle(*this, frame) == CommandHandler::Then::Close) return end(), false;
     }
     m_isReading = false;
-    if (result == FrameReader::Result::Invalid) return end();
+    if (result == FrameReader::Result::Invalid) return end(), false;
     if (!m_unsent.empty()) watch();
+    return true;
 }
 
 void ControlConnection::reply(const JVNControlFrame& frame) {

@@ -18,20 +18,24 @@ public:
     // So long without a whole frame, and without having one answered, and it is closed.
     static constexpr std::chrono::seconds longestSilence{5};
 
-    // The descriptor does not block. `ended` is called once, when there is nothing more to be had from the caller; it
-    // may destroy this object. All references outlive this object.
+    // The descriptor does not block. `ended` is called once, when there is nothing more to be had from the caller, not
+    // before start(); it may destroy this object. All references outlive this object.
     ControlConnection(services::EventLoop& loop, std::uint64_t number, seat::Descriptor descriptor,
                       CommandHandler& handler, std::function<void()> ended);
     ~ControlConnection();
     ControlConnection(const ControlConnection&) = delete;
     ControlConnection& operator=(const ControlConnection&) = delete;
 
+    // Deals with what is there already, and from now on with what comes. May destroy this object.
+    void start();
+
     void reply(const JVNControlFrame& frame) override;
     std::uint64_t number() const override { return m_number; }
 
 private:
     void watch();
-    void readSome();
+    // False when the connection has ended: this object may be no more.
+    bool readSome();
     void writeSome();
     void checkSilence();
     void end();

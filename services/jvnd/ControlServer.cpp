@@ -47,9 +47,10 @@ void ControlServer::acceptFrom(Listener& listener) {
 
 void ControlServer::adopt(seat::Descriptor descriptor) {
     const auto number = ++m_lastNumber;
-    m_connections[number] = std::make_unique<ControlConnection>(m_loop, number, std::move(descriptor), m_handler,
-                                                                [this, number] { ended(number); });
+    auto& connection = *(m_connections[number] = std::make_unique<ControlConnection>(
+                             m_loop, number, std::move(descriptor), m_handler, [this, number] { ended(number); }));
     if (m_connections.size() == 1 && m_busyChanged) m_busyChanged();
+    connection.start();
 }
 
 void ControlServer::ended(std::uint64_t number) {
