@@ -14,7 +14,8 @@ import sys
 import time
 import unittest
 
-from jv_e2e import App, Desktop, wait_for
+from joyvane_page import JoyvanePage
+from jv_e2e import Desktop, wait_for
 
 PROGRAM = ""
 
@@ -28,39 +29,14 @@ class MainJob(unittest.TestCase):
 
     def start(self, name):
         self.root = self.desktop.path(name)
-        self.app = App(self.desktop, [PROGRAM, "--simulate", "--root", self.root], errors=self.desktop.path(name + ".txt"))
+        self.app = JoyvanePage(self.desktop, PROGRAM, self.root, "--simulate", errors=self.desktop.path(name + ".txt"))
         self.addCleanup(self.app.__exit__, None, None, None)
         self.app.find(name="Controller")
         self.app.take_keyboard()
 
-    def stored(self, key):
-        path = os.path.join(self.root, "var/mobile/Library/Preferences/com.quorrel.joyvane.plist")
-        try:
-            with open(path, "rb") as file:
-                return plistlib.load(file).get(key)
-        except FileNotFoundError:
-            return None
-
-    def wait_stored(self, key, value):
-        wait_for(f"{key} = {value!r} in the file", lambda: self.stored(key) == value)
-
     def rest(self):
         """A screen that slides in takes neither touches nor keys, and nothing tells how far it is."""
         time.sleep(0.6)
-
-    def press(self, name):
-        """The action of the node, as a screen reader does it: as soon as the node is there."""
-        self.app.find(name=name)
-
-        def done():
-            nodes = [node for node in self.app.nodes(name=name) if "showing" in node.states]
-            for action in ("Toggle", "Press"):  # a row with a switch has both, the switch alone can be turned
-                for node in nodes:
-                    if action in node.actions:
-                        node.do(action)
-                        return True
-            return False
-        wait_for(f"{name!r} to press", done)
 
     def click(self, name):
         self.app.find(name=name)
@@ -89,12 +65,12 @@ class MainJob(unittest.TestCase):
         with socket.socket(socket.AF_UNIX) as daemon:
             daemon.bind(os.path.join(caches, "jvncontrol.sock"))
             daemon.listen(8)
-            self.app = App(self.desktop, [PROGRAM, "--root", self.root], errors=self.desktop.path(name + ".txt"))
+            self.app = JoyvanePage(self.desktop, PROGRAM, self.root, errors=self.desktop.path(name + ".txt"))
             self.addCleanup(self.app.__exit__, None, None, None)
             query = daemon.accept()[0]
             self.assertEqual(query.recv(100), bytes([5] + [0] * 11))
             query.close()
-            self.press("Connect Controller")
+            self.app.press("Connect Controller")
             connect = daemon.accept()[0]
             self.assertEqual(len(connect.recv(100)), 20)
             begun = time.monotonic()
@@ -114,12 +90,12 @@ class MainJob(unittest.TestCase):
 
     def test_without_a_daemon_the_page_says_so_and_lives(self):
         self.root = self.desktop.path("alone")
-        self.app = App(self.desktop, [PROGRAM, "--root", self.root], errors=self.desktop.path("alone.txt"))
+        self.app = JoyvanePage(self.desktop, PROGRAM, self.root, errors=self.desktop.path("alone.txt"))
         self.addCleanup(self.app.__exit__, None, None, None)
         self.app.find(name=re.compile("daemon does not answer"))
-        self.press("Restart Daemons")
+        self.app.press("Restart Daemons")
         self.app.find(role="alert", name=re.compile("^Important!"))
-        self.press("Dismiss")
+        self.app.press("Dismiss")
         self.app.gone(role="alert")
         self.app.gone(name=re.compile("daemon does not answer"))
         self.assertEqual(self.app.close(), 0)
@@ -132,55 +108,55 @@ class MainJob(unittest.TestCase):
             plistlib.dump({"controller_type": 1}, file)
         # There is no Bluetooth here, and the tool finds that out by itself.
         self.desktop.environment["DBUS_SYSTEM_BUS_ADDRESS"] = "unix:path=/nonexistent/system"
-        self.app = App(self.desktop, [PROGRAM, "--root", self.root], errors=self.desktop.path("installed.txt"))
+        self.app = JoyvanePage(self.desktop, PROGRAM, self.root, errors=self.desktop.path("installed.txt"))
         self.addCleanup(self.app.__exit__, None, None, None)
-        self.press("Pair Controller")
+        self.app.press("Pair Controller")
         self.app.find(role="alert", name=re.compile("BTstack was not activated"))
-        self.press("Dismiss")
+        self.app.press("Dismiss")
         self.assertEqual(self.app.close(), 0)
 
     def test_a_restart_of_the_daemons_keeps_the_socket(self):
         self.start("restart")
         inode = os.stat(os.path.join(self.root, "Library/Caches/jvncontrol.sock")).st_ino
         for _ in range(2):
-            self.press("Restart Daemons")
-        self.press("Controller")
-        self.press("Keyboard")
-        self.wait_stored("controller_type", 6)
+            self.app.press("Restart Daemons")
+        self.app.press("Controller")
+        self.app.press("Keyboard")
+        self.app.wait_stored("controller_type", 6)
         self.assertEqual(os.stat(os.path.join(self.root, "Library/Caches/jvncontrol.sock")).st_ino, inode)
         self.assertFalse(self.app.nodes(role="alert"))
         self.end()
 
     def test_by_assistive_technology(self):
         self.start("assistive")
-        self.press("Controller")
-        self.press("DualShock 4")
-        self.wait_stored("controller_type", 1)
-        self.press("Connection")
-        self.press("Connect by Hand")
-        self.wait_stored("connection_mode", 1)
+        self.app.press("Controller")
+        self.app.press("DualShock 4")
+        self.app.wait_stored("controller_type", 1)
+        self.app.press("Connection")
+        self.app.press("Connect by Hand")
+        self.app.wait_stored("connection_mode", 1)
 
-        self.press("Connect Controller")
+        self.app.press("Connect Controller")
         self.app.find(name=None, role="alert")
-        self.press("Dismiss")
+        self.app.press("Dismiss")
         self.app.gone(role="alert")
 
-        self.press("Pair Controller")
-        wait_for("the paired controller's address", lambda: len(self.stored("PS4BluetoothAddress") or b"") == 6)
-        self.press("Dismiss")
-        self.press("Connect Controller")
+        self.app.press("Pair Controller")
+        wait_for("the paired controller's address", lambda: len(self.app.stored("PS4BluetoothAddress") or b"") == 6)
+        self.app.press("Dismiss")
+        self.app.press("Connect Controller")
         self.app.find(name="Disconnect Controller")
 
         self.assertEqual(self.app.find(role="list item", name="Choose LED Color").description, "004efd")
-        self.press("Choose LED Color")
+        self.app.press("Choose LED Color")
         wait_for("the picker's slider", lambda: self.app.nodes(role="slider"))
         wait_for("the brightness as a value", lambda: self.app.nodes(role="slider")[0].range)
         self.desktop.key("Escape")
-        self.press("Disconnect Controller")
+        self.app.press("Disconnect Controller")
         self.app.find(name="Connect Controller")
 
-        self.press("Ambient LED Color")
-        self.wait_stored("JVNAmbientColorKey", True)
+        self.app.press("Ambient LED Color")
+        self.app.wait_stored("JVNAmbientColorKey", True)
         self.app.gone(name="Choose LED Color")
         self.end()
 
@@ -188,25 +164,25 @@ class MainJob(unittest.TestCase):
         self.start("pointer")
         self.click("Controller")
         self.click("DualShock 4")
-        self.wait_stored("controller_type", 1)
+        self.app.wait_stored("controller_type", 1)
         self.click("Choose LED Color")
         field = self.app.find(role="canvas", name="Hue and saturation")
         self.rest()
         x, y, width, height = field.extents
         self.desktop.drag((x + width * 0.8, y + height * 0.5), (x + 8, y + 8))
-        self.wait_stored("JVNLEDColorKey", "fd0000")
+        self.app.wait_stored("JVNLEDColorKey", "fd0000")
         self.desktop.key("Escape")
 
         self.click("Controller")
         self.click("Keyboard")
-        self.wait_stored("controller_type", 6)
+        self.app.wait_stored("controller_type", 6)
         self.click("Configure Keymap")
         self.click("D-pad up")
         self.app.find(name="D-pad up")
         self.desktop.key("d")
         self.desktop.key("Escape")
-        wait_for("the keymap in the file", lambda: (self.stored("JVNKeyboardKeymapKey") or {}).get("7") == 3)
-        keymap = self.stored("JVNKeyboardKeymapKey")
+        wait_for("the keymap in the file", lambda: (self.app.stored("JVNKeyboardKeymapKey") or {}).get("7") == 3)
+        keymap = self.app.stored("JVNKeyboardKeymapKey")
         self.assertNotIn("26", keymap)
         self.assertEqual(sorted(keymap.values()), [2, 3, 4, 5, 6, 7, 8, 9, 10, 21])
         self.end()
@@ -219,13 +195,13 @@ class MainJob(unittest.TestCase):
         self.app.find(name="Keyboard")
         self.focus("Keyboard")
         self.desktop.key("space")
-        self.wait_stored("controller_type", 6)
+        self.app.wait_stored("controller_type", 6)
         self.focus("Force Extended Gamepad")
         self.desktop.key("space")
         self.app.find(role="alert")
         self.desktop.key("Return")
         self.app.gone(role="alert")
-        self.wait_stored("JVNForceExtendedGamepad", True)
+        self.app.wait_stored("JVNForceExtendedGamepad", True)
         self.focus("Configure Keymap")
         self.desktop.key("Return")
         self.app.find(name="D-pad left")
@@ -233,7 +209,7 @@ class MainJob(unittest.TestCase):
         self.desktop.key("Return")
         self.desktop.key("Tab")  # taken by the waiting row, not by the application
         self.desktop.key("Escape")
-        wait_for("Tab as a key of the map", lambda: (self.stored("JVNKeyboardKeymapKey") or {}).get("43") == 2)
+        wait_for("Tab as a key of the map", lambda: (self.app.stored("JVNKeyboardKeymapKey") or {}).get("43") == 2)
         self.end()
 
     def focus(self, name):

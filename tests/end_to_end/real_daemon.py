@@ -4,7 +4,6 @@
 """
 
 import os
-import plistlib
 import re
 import socket
 import struct
@@ -14,7 +13,8 @@ import threading
 import time
 import unittest
 
-from jv_e2e import App, Desktop, wait_for
+from joyvane_page import JoyvanePage
+from jv_e2e import Desktop, wait_for
 
 PROGRAM, JVND, MOCK = "", "", ""
 CONTROLLER = "00:AA:01:01:00:01"
@@ -92,7 +92,7 @@ class RealDaemon(unittest.TestCase):
         self.addCleanup(self.input.close)
         self.spawn([JVND, "--root", self.root, "--trace", "--input-socket", os.path.join(self.folder, "input")], "jvnd")
         wait_for("the daemon", lambda: "ready" in self.said("jvnd"))
-        self.app = App(self.desktop, [PROGRAM, "--root", self.root], errors=os.path.join(self.folder, "errors"))
+        self.app = JoyvanePage(self.desktop, PROGRAM, self.root, errors=os.path.join(self.folder, "errors"))
         self.addCleanup(self.app.__exit__, None, None, None)
         self.app.find(name="Controller")
         self.app.take_keyboard()
@@ -117,13 +117,6 @@ class RealDaemon(unittest.TestCase):
         """What went over the control socket, without the connections' numbers and the meanings."""
         return re.findall(r"^\d+ ([<>] [0-9a-f. ]+) \|", self.said("jvnd"), re.MULTILINE)
 
-    def stored(self, key):
-        try:
-            with open(os.path.join(self.root, "var/mobile/Library/Preferences/com.quorrel.joyvane.plist"), "rb") as file:
-                return plistlib.load(file).get(key)
-        except FileNotFoundError:
-            return None
-
     def wait(self, what, condition):
         try:
             return wait_for(what, condition)
@@ -132,31 +125,18 @@ class RealDaemon(unittest.TestCase):
                 print(f"--- {name}:\n{self.said(name)}", file=sys.stderr)
             raise
 
-    def press(self, name):
-        """The action of the node, as a screen reader does it: as soon as the node is there."""
-        self.app.find(name=name)
-
-        def done():
-            for action in ("Toggle", "Press"):
-                for node in self.app.nodes(name=name):
-                    if "showing" in node.states and action in node.actions:
-                        node.do(action)
-                        return True
-            return False
-        wait_for(f"{name!r} to press", done)
-
     def choose_by_hand(self):
-        self.press("Controller")
-        self.press("DualShock 4")
-        self.press("Connection")
-        self.press("Connect by Hand")
+        self.app.press("Controller")
+        self.app.press("DualShock 4")
+        self.app.press("Connection")
+        self.app.press("Connect by Hand")
         self.wait("the settings in the file",
-                  lambda: (self.stored("controller_type"), self.stored("connection_mode")) == (1, 1))
+                  lambda: (self.app.stored("controller_type"), self.app.stored("connection_mode")) == (1, 1))
 
     def pair(self):
-        self.press("Pair Controller")
+        self.app.press("Pair Controller")
         self.app.find(role="alert", name=re.compile("Success!"))
-        self.press("Dismiss")
+        self.app.press("Dismiss")
         self.app.gone(role="alert")
 
     def test_the_main_job(self):
@@ -165,7 +145,7 @@ class RealDaemon(unittest.TestCase):
 
         # Pair.
         self.pair()
-        self.assertEqual(self.stored("PS4BluetoothAddress"), ADDRESS)
+        self.assertEqual(self.app.stored("PS4BluetoothAddress"), ADDRESS)
         self.assertEqual(self.said("bluetooth").split("\n")[1:-1],
                          ["StartDiscovery hci0", "StopDiscovery hci0", "RegisterAgent NoInputNoOutput", "Pair 00:01",
                           "Set Trusted 00:01", "Set WakeAllowed 00:01", "Connect 00:01", "UnregisterAgent"])
@@ -177,7 +157,7 @@ class RealDaemon(unittest.TestCase):
         self.mock.stdin.flush()
         calls = self.said("bluetooth").count("Connect 00:01")
         count = len(self.frames())
-        self.press("Connect Controller")
+        self.app.press("Connect Controller")
         self.wait("the call", lambda: self.said("bluetooth").count("Connect 00:01") > calls)
         self.input.controller(present=1)
         self.app.find(name="Disconnect Controller")
@@ -188,26 +168,26 @@ class RealDaemon(unittest.TestCase):
 
         # Pick.
         count = len(self.frames())
-        self.press("Choose LED Color")
+        self.app.press("Choose LED Color")
         field = self.app.find(role="canvas", name="Hue and saturation")
         time.sleep(0.6)  # a screen that slides in takes no touches, and nothing tells how far it is
         x, y, width, height = field.extents
         self.desktop.drag((x + width * 0.8, y + height * 0.5), (x + 8, y + 8))
-        self.wait("the colour in the file", lambda: self.stored("JVNLEDColorKey") == "fd0000")
+        self.wait("the colour in the file", lambda: self.app.stored("JVNLEDColorKey") == "fd0000")
         self.desktop.key("Escape")
         self.wait("the colour's frame",
                   lambda: "< 04 00 00 00 01 00 00 00 00 00 00 00 fd 00 00 00" in self.frames()[count:])
         self.wait("the colour at the devices", lambda: self.input.light() == (ADDRESS, SET, "fd0000"))
 
         # Ambient: the light is the games', until it is off again.
-        self.press("Ambient LED Color")
+        self.app.press("Ambient LED Color")
         self.wait("a light that is left alone", lambda: self.input.light()[1] == LEAVE_ALONE)
-        self.press("Ambient LED Color")
+        self.app.press("Ambient LED Color")
         self.wait("the colour again", lambda: self.input.light() == (ADDRESS, SET, "fd0000"))
 
         # Disconnect.
         count = len(self.frames())
-        self.press("Disconnect Controller")
+        self.app.press("Disconnect Controller")
         self.app.find(name="Connect Controller")
         self.wait("the link's end", lambda: "Disconnect 00:01" in self.said("bluetooth"))
         self.assertEqual(self.frames()[count:],
@@ -215,8 +195,8 @@ class RealDaemon(unittest.TestCase):
         self.input.controller(present=0)
 
     def test_a_restart_keeps_the_socket_and_the_keyboard_is_governed_before_and_after_it(self):
-        self.press("Controller")
-        self.press("Keyboard")
+        self.app.press("Controller")
+        self.app.press("Keyboard")
         self.wait("the keyboard", lambda: self.input.keyboard() is not None)
         self.assertEqual(self.input.keyboard()[0], 1)
         before = self.input.keyboard()
@@ -225,7 +205,7 @@ class RealDaemon(unittest.TestCase):
 
         inode = os.stat(self.socket_path).st_ino
         for count in range(2, 5):
-            self.press("Restart Daemons")
+            self.app.press("Restart Daemons")
             self.wait("the next start", lambda: self.said("jvnd").count("ready") == count)
             self.wait("the next governor", lambda: len(self.input.messages(HELLO)) == count)
             self.wait("its settings", lambda: self.input.heard[-1:] != [self.input.messages(HELLO)[-1]] and
@@ -234,11 +214,11 @@ class RealDaemon(unittest.TestCase):
         self.assertEqual(os.stat(self.socket_path).st_ino, inode)
         self.assertEqual([frame for frame in self.frames() if frame.startswith("< 03")], ["< 03" + " 00" * 19] * 3)
 
-        self.press("Force Extended Gamepad")
-        self.press("Dismiss")
+        self.app.press("Force Extended Gamepad")
+        self.app.press("Dismiss")
         self.wait("the extended profile", lambda: self.input.keyboard()[2] == 1)
-        self.press("Configure Keymap")
-        self.press("D-pad up")
+        self.app.press("Configure Keymap")
+        self.app.press("D-pad up")
         time.sleep(0.6)
         self.desktop.key("d")
         self.desktop.key("Escape")
