@@ -141,10 +141,15 @@ int MockBluetoothService::dealWith(::sd_bus_message* message, const std::string&
     if (member == "RegisterAgent") {
         const char* agent = nullptr;
         check(::sd_bus_message_read(message, "o", &agent));
-        m_agents[sender] = agent;
+        if (!m_agents.emplace(sender, agent).second)
+            return replyError(message, "org.bluez.Error.AlreadyExists", "Already Exists"), 1;
         return reply(message), 1;
     }
-    if (member == "UnregisterAgent") return m_agents.erase(sender), reply(message), 1;
+    if (member == "UnregisterAgent") {
+        if (m_agents.erase(sender) == 0)
+            return replyError(message, "org.bluez.Error.DoesNotExist", "Does Not Exist"), 1;
+        return reply(message), 1;
+    }
     if (member == "StartDiscovery") return startSearch(message, shortName(path));
     if (member == "StopDiscovery") {
         const auto search = m_searches.find(sender);
@@ -172,10 +177,8 @@ int MockBluetoothService::dealWith(::sd_bus_message* message, const std::string&
     }
     if (member == "Connect") return connect(message, *device);
     if (member == "Disconnect") {
-        if (!std::exchange(device->isConnected, false))
-            return replyError(message, "org.bluez.Error.NotConnected", "Not Connected"), 1;
-        changed(device->address);
-        return reply(message), 1;
+        if (std::exchange(device->isConnected, false)) changed(device->address);
+        return reply(message), 1; // also when it was not connected
     }
     return 0;
 }
@@ -203,7 +206,8 @@ int MockBluetoothService::setProperty(::sd_bus_message* message, const std::stri
 int MockBluetoothService::startSearch(::sd_bus_message* message, const std::string& adapter) {
     if (!m_adapters.contains(adapter) || !m_adapters[adapter].isPowered)
         return replyError(message, "org.bluez.Error.NotReady", "Resource Not Ready"), 1;
-    m_searches.insert(::sd_bus_message_get_sender(message));
+    if (!m_searches.insert(::sd_bus_message_get_sender(message)).second)
+        return replyError(message, "org.bluez.Error.InProgress", "Operation already in progress"), 1;
     reply(message);
     for (const auto& device : m_devices)
         if (device.isDiscoverable) appear(device.address);

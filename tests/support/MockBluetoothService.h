@@ -117,7 +117,7 @@ private:
     std::vector<MockDevice> m_devices;
     std::map<std::string, Manner> m_manners;
     std::map<std::string, std::string> m_agents; // by client: its agent's path
-    std::multiset<std::string> m_searches;       // clients
+    std::set<std::string> m_searches;            // clients
     services::Message m_pairing;                 // not answered yet
     std::string m_pairingPath;
     std::vector<std::pair<std::string, services::Message>> m_stalled;

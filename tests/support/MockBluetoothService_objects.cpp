@@ -40,7 +40,7 @@ void MockBluetoothService::appendDevice(::sd_bus_message* message, const MockDev
     if (device.classOfDevice != 0) check(::sd_bus_message_append(message, "{sv}", "Class", "u", device.classOfDevice));
     appendFlag(message, "Paired", device.isPaired);
     appendFlag(message, "Trusted", device.isTrusted);
-    appendFlag(message, "WakeAllowed", device.mayWake);
+    if (device.mayWake) appendFlag(message, "WakeAllowed", true); // only of a device that can
     appendFlag(message, "Connected", device.isConnected);
     if (isSearching() && device.isDiscoverable) check(::sd_bus_message_append(message, "{sv}", "RSSI", "n", -60));
     check(::sd_bus_message_close_container(message));
