@@ -33,7 +33,7 @@ std::string setSize(Options& options, std::string_view text) {
             return {};
         }
     }
-    return "is no size; it takes WIDTHxHEIGHT in points, from 320x240 to 16384x16384, as in 375x667";
+    return "is no size; it takes WIDTHxHEIGHT in points, from 320x240 to 16384x16384, as in 384x667";
 }
 
 std::string setScale(Options& options, std::string_view text) {
@@ -131,7 +131,7 @@ Shows the settings page of a game-controller add-on.
                    (default: Joyvane.bundle beside this program)
   --simulate       start the add-on's daemon and discovery tool for this root,
                    with simulated controllers
-  --size WxH       the window's size in points (default: 375x667)
+  --size WxH       the window's size in points (default: 384x667)
   --scale S        pixels a point (default: the screen's)
   --tour DIR       show nothing; walk through the page by touches and keys, and
                    write a picture a step and a log into DIR

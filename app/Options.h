@@ -25,7 +25,7 @@ struct Options {
     std::string root;      // empty: the user's data folder
     std::string bundle;    // empty: looked for beside the program
     std::string tour;      // empty: no tour
-    CGSize size{375, 667}; // points
+    CGSize size{384, 667}; // points; the colour field's tiles fill this width
     double scale = 0;      // 0: the screen's
     bool simulate = false;
     bool showHelp = false;

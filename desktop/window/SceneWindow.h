@@ -13,7 +13,7 @@ namespace seat {
 class WindowScene;
 
 struct SceneWindowOptions {
-    CGSize size{375, 667};        // points; never larger than the screen
+    CGSize size{384, 667};        // points; never larger than the screen
     CGSize minimumSize{320, 240}; // points
     double scale = 0;             // pixels a point; 0: the screen's
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/uikit/UIScrollView.h"
 #include "platform/uikit/UIViewController.h"
 
 #include <functional>
@@ -19,6 +20,12 @@ private:
     std::function<void()> m_end;
 };
 
+// Where a screen that keeps its size was placed.
+struct ScreenPlace {
+    std::shared_ptr<UIScrollView> frame; // that it stands in; nil until it was first placed
+    CGSize size;
+};
+
 struct ControllerInternals {
     // Of a view that stands nowhere yet: the screen's, so that what is set up in `viewDidLoad` has a real size.
     static CGRect initialFrame();
@@ -28,5 +35,5 @@ struct ControllerInternals {
     static bool isAppearing(const UIViewController& controller);
     // On the way, but not there yet.
     static bool isArriving(const UIViewController& controller);
-    static CGSize& placedSize(UIViewController& controller);
+    static ScreenPlace& place(UIViewController& controller);
 };

@@ -14,6 +14,7 @@ UIViewController::UIViewController() : m_controller(std::make_unique<State>()) {
 
 UIViewController::~UIViewController() {
     if (m_controller->view) m_controller->view->removeFromSuperview();
+    if (m_controller->place.frame) m_controller->place.frame->removeFromSuperview();
 }
 
 std::shared_ptr<UIViewController> UIViewController::init() { return self(this); }
@@ -108,7 +109,7 @@ CGRect ControllerInternals::initialFrame() {
     return CGRectIsEmpty(screen) ? CGRectMake(0, 0, 320, 480) : screen;
 }
 
-CGSize& ControllerInternals::placedSize(UIViewController& controller) { return controller.m_controller->placedSize; }
+ScreenPlace& ControllerInternals::place(UIViewController& controller) { return controller.m_controller->place; }
 
 void ControllerInternals::setParent(UIViewController& controller, const std::shared_ptr<UIViewController>& parent) {
     controller.m_controller->parent = parent;

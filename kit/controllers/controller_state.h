@@ -11,7 +11,7 @@ struct UIViewController::State {
 
     std::shared_ptr<UIView> view; // nil until it is asked for
     bool isLoading = false;
-    CGSize placedSize; // of the view of a screen that keeps it; zero until it was first placed
+    ScreenPlace place;
     std::string title;
     Appearance appearance = Appearance::Disappeared;
     bool isAnimated = false; // the appearance call that is under way

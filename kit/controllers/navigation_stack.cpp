@@ -54,27 +54,29 @@ void UINavigationController::State::move() {
         if (from) from->beginAppearanceTransition_animated(/*isAppearing=*/false, moves);
         to->beginAppearanceTransition_animated(/*isAppearing=*/true, moves);
     }
+    const auto coming = placedView(*to);
+    const auto going = from ? placedView(*from) : nullptr;
     if (isForward)
-        area->addSubview(to->view());
+        area->addSubview(coming);
     else
-        area->insertSubview_atIndex(to->view(), 0);
+        area->insertSubview_atIndex(coming, 0);
     showBar(isForward, moves);
 
-    const CGPoint center = to->view()->center();
+    const CGPoint center = coming->center();
     const double width = area->bounds().size.width;
     const auto shifted = [&](double fraction) { return CGPointMake(center.x + width * fraction, center.y); };
     if (moves) {
-        from->view()->setAccessibilityElementsHidden(true);
-        to->view()->setCenter(shifted(isForward ? 1 : -parallax));
-        to->view()->layoutIfNeeded();
+        going->setAccessibilityElementsHidden(true);
+        coming->setCenter(shifted(isForward ? 1 : -parallax));
+        coming->layoutIfNeeded();
         area->setUserInteractionEnabled(false);
     }
     const auto slide = [&] {
-        to->view()->setCenter(center);
-        if (from) from->view()->setCenter(shifted(isForward ? -parallax : 1));
+        coming->setCenter(center);
+        if (going) going->setCenter(shifted(isForward ? -parallax : 1));
     };
     const std::weak_ptr<UINavigationController> weak = self(&controller);
-    const auto running = ScreenTransition::start(moves ? slideDuration : 0, slide, [weak, from, to] {
+    const auto running = ScreenTransition::start(moves ? slideDuration : 0, slide, [weak, from, to, going] {
         const auto navigation = weak.lock();
         if (navigation) {
             navigation->m_navigation->transition = nullptr;
@@ -83,7 +85,8 @@ void UINavigationController::State::move() {
         }
         if (from) {
             from->view()->removeFromSuperview();
-            from->view()->setAccessibilityElementsHidden(false);
+            going->removeFromSuperview();
+            going->setAccessibilityElementsHidden(false);
             from->endAppearanceTransition();
         }
         // While the container is still on its way, its own arrival brings the call.

@@ -10,8 +10,17 @@ namespace seat {
 
 namespace {
 
-constexpr double leastWidth = 320;
-constexpr double mostWidthOfHeight = 2.0 / 3; // the widest phone's
+constexpr double phoneWidth = 384;
+constexpr double leastHeightOfWidth = 1.5; // the shapes of phones, from the oldest to today's
+constexpr double mostHeightOfWidth = 2;
+constexpr double fingerRoom = 24; // at each side of what is scrolled
+
+CGSize phoneShape(CGSize area) {
+    double width = std::min(area.width, phoneWidth);
+    if (area.height < width * leastHeightOfWidth) width = std::min(phoneWidth, area.width - 2 * fingerRoom);
+    return {width,
+            std::clamp(area.height, std::ceil(width * leastHeightOfWidth), std::floor(width * mostHeightOfWidth))};
+}
 
 } // namespace
 
@@ -28,16 +37,28 @@ void placeScreen(UIViewController& screen, CGSize area, double barHeight) {
         view->setFrame({{0, 0}, area});
         return;
     }
-    CGSize& size = ControllerInternals::placedSize(screen);
-    if (size == CGSize{})
-        size = {std::min(area.width, std::max(leastWidth, std::floor(area.height * mostWidthOfHeight))), area.height};
-    const double zoom = std::min(area.width / size.width, (area.height - barHeight) / (size.height - barHeight));
+    auto& [frame, size] = ControllerInternals::place(screen);
+    if (!frame) {
+        frame = UIScrollView::alloc()->initWithFrame({{0, 0}, area});
+        size = phoneShape(area);
+        view->setAutoresizingMask(0);
+    }
+    const bool isScrolled = area.height < size.height;
+    const double zoom = std::min(1.0, (area.width - (isScrolled ? 2 * fingerRoom : 0)) / size.width);
     const double left = appearance::roundToPixel((area.width - size.width * zoom) / 2);
-    view->setAutoresizingMask(0);
+    // The content begins below the bar; what the bar covers of the screen stays covered.
+    frame->setContentInset({barHeight, 0, 0, 0});
+    frame->setFrame({{0, 0}, area});
+    frame->setContentSize({area.width, (size.height - barHeight) * zoom});
     view->setTransform(CGAffineTransformMakeScale(zoom, zoom));
     view->setBounds({view->bounds().origin, size});
-    // What the bar covers of it stays covered.
-    view->setCenter({left + size.width * zoom / 2, barHeight + (size.height / 2 - barHeight) * zoom});
+    view->setCenter({left + size.width * zoom / 2, (size.height / 2 - barHeight) * zoom});
+    if (view->superview() != frame) frame->addSubview(view);
+}
+
+std::shared_ptr<UIView> placedView(UIViewController& screen) {
+    const auto& frame = ControllerInternals::place(screen).frame;
+    return frame ? frame : screen.view();
 }
 
 } // namespace seat

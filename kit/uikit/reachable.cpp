@@ -1,9 +1,9 @@
 #include "kit/uikit/reachable.h"
 
+#include "kit/uikit/ScrollInternals.h"
 #include "kit/uikit/ViewInternals.h"
 #include "kit/uikit/focus_order.h"
 #include "kit/uikit/visible_rect.h"
-#include "platform/uikit/UIScrollView.h"
 #include "platform/uikit/UIWindow.h"
 
 namespace seat {
@@ -47,7 +47,8 @@ bool isReachable(const UIView& view) {
     if (!window || !view.isDescendantOfView(frontScope(*window).get())) return false;
     if (takesFingers(*window, view, view)) return true;
     for (const UIView* at = &view; at; at = ViewInternals::state(*at).superview)
-        if (dynamic_cast<const UIScrollView*>(at)) return takesFingers(*window, *at, view);
+        if (const auto* const scroll = dynamic_cast<const UIScrollView*>(at))
+            return ScrollInternals::canScroll(*scroll) && takesFingers(*window, *scroll, view);
     return false;
 }
 

@@ -15,7 +15,7 @@ TEST(Options, WithoutArgumentsTheDefaultsHold) {
     EXPECT_EQ("", options.root);
     EXPECT_EQ("", options.bundle);
     EXPECT_EQ("", options.tour);
-    EXPECT_EQ((CGSize{375, 667}), options.size);
+    EXPECT_EQ((CGSize{384, 667}), options.size);
     EXPECT_EQ(0, options.scale);
     EXPECT_FALSE(options.simulate);
     EXPECT_FALSE(options.showHelp);

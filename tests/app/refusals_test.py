@@ -190,7 +190,7 @@ class Refusals(unittest.TestCase):
             for name in DISPLAY_NAMES:
                 os.environ.pop(name, None)
             _, size = self.play()
-        self.assertEqual(size[0] % 375, 0)
+        self.assertEqual(size[0] % 384, 0)
 
     def test_without_a_bus_it_works(self):
         for address in ("", "unix:path=/nowhere/bus", "nonsense"):

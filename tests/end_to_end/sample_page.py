@@ -104,10 +104,10 @@ class SamplePage(unittest.TestCase):
         window = self.app.root.children[0]
         self.assertEqual((window.role, window.name), ("frame", "Sample"))
         self.assertIn("active", window.states)
-        self.assertEqual(window.extents[2:], (375, 667))
+        self.assertEqual(window.extents[2:], (384, 667))
 
         bar = self.app.find(role="tool bar", name="Sample")
-        self.assertEqual(bar.extents, (*window.extents[:2], 375, 44))
+        self.assertEqual(bar.extents, (*window.extents[:2], 384, 44))
         header = self.app.find(role="heading", name="Values")
         self.assertEqual((header.text, header.actions), ("Values", []))
         footer = self.app.find(name=re.compile("^The switch and the list keep"))

@@ -7,70 +7,99 @@ namespace {
 class Place : public NavigationTest {
 protected:
     CGRect shown(const UIView& view) { return view.convertRect_toView(view.bounds(), nullptr); }
+    std::shared_ptr<LoggedScreen> pushInto(CGSize window) {
+        scene.resize(window, 1);
+        touches.settle();
+        const auto screen = make("b");
+        push(screen);
+        return screen;
+    }
 };
 
 TEST_F(Place, AScreenGetsAPhonesShapeInTheMiddleOfAWideWindow) {
-    scene.resize({1024, 768}, 1);
-    touches.settle();
-    const auto b = make("b");
-    push(b);
+    const auto b = pushInto({1024, 700});
 
-    EXPECT_EQ(written(b->view()->frame()), "256,0 512x768");
+    EXPECT_EQ(shown(*b->view()), CGRectMake(320, 0, 384, 700));
 }
 
 TEST_F(Place, AScreenFillsAWindowOfAPhonesShape) {
-    scene.resize({375, 667}, 2);
-    touches.settle();
-    const auto b = make("b");
-    push(b);
+    const auto b = pushInto({375, 667});
 
-    EXPECT_EQ(written(b->view()->frame()), "0,0 375x667");
+    EXPECT_EQ(shown(*b->view()), CGRectMake(0, 0, 375, 667));
 }
 
-TEST_F(Place, AScreenIsNeverNarrowerThanTheSmallestPhone) {
-    scene.resize({700, 480}, 1);
-    touches.settle();
-    const auto b = make("b");
-    push(b);
+TEST_F(Place, AScreenIsNoHigherThanAPhoneInAHighWindow) {
+    const auto b = pushInto({375, 1200});
 
-    EXPECT_EQ(written(b->view()->frame()), "190,0 320x480");
+    EXPECT_EQ(shown(*b->view()), CGRectMake(0, 0, 375, 750));
 }
 
-TEST_F(Place, AScreenKeepsItsSizeAndIsZoomedBelowTheBar) {
-    const auto b = make("b");
-    const auto part = UIView::alloc()->initWithFrame({{0, 44}, {320, 436}});
+TEST_F(Place, AScreenIsScrolledInALowWindowWithRoomForTheFingerBesideIt) {
+    const auto b = pushInto({320, 240});
+    const auto part = UIView::alloc()->initWithFrame({{0, 380}, {272, 28}});
     b->view()->addSubview(part);
+    EXPECT_EQ(shown(*b->view()), CGRectMake(24, 0, 272, 408));
+
+    touches.drag({10, 200}, {10, 10});
+    touches.settle();
+
+    EXPECT_EQ(shown(*part), CGRectMake(24, 212, 272, 28)) << "at the window's lower edge";
+}
+
+TEST_F(Place, AScreenIsScrolledBelowTheBar) {
+    const auto b = pushInto({720, 360});
+    const auto part = UIView::alloc()->initWithFrame({{0, 44}, {384, 100}});
+    b->view()->addSubview(part);
+    EXPECT_EQ(shown(*part), CGRectMake(168, 44, 384, 100));
+
+    touches.wheel({360, 200}, {0, 1000});
+    touches.settle();
+    EXPECT_EQ(shown(*b->view()), CGRectMake(168, 360 - 576, 384, 576));
+
+    touches.wheel({360, 200}, {0, -1000});
+    touches.settle();
+    EXPECT_EQ(shown(*part), CGRectMake(168, 44, 384, 100));
+}
+
+TEST_F(Place, AScreenKeepsItsSizeInALargerWindow) {
+    const auto b = make("b");
     push(b);
 
     scene.resize({1024, 916}, 1);
     touches.settle();
-    EXPECT_EQ(written(b->view()->bounds()), "0,0 320x480");
-    EXPECT_EQ(shown(*part), CGRectMake(192, 44, 640, 872));
 
-    scene.resize({320, 262}, 1);
-    touches.settle();
-    EXPECT_EQ(shown(*part), CGRectMake(80, 44, 160, 218));
+    EXPECT_EQ(shown(*b->view()), CGRectMake(352, 0, 320, 480));
+}
 
-    scene.resize({320, 480}, 1);
+TEST_F(Place, AScreenIsMadeSmallerBelowTheBarInANarrowerWindow) {
+    const auto b = pushInto({384, 800});
+    const auto part = UIView::alloc()->initWithFrame({{0, 44}, {384, 400}});
+    b->view()->addSubview(part);
+
+    scene.resize({192, 800}, 1);
     touches.settle();
-    EXPECT_EQ(shown(*part), CGRectMake(0, 44, 320, 436));
+    EXPECT_EQ(written(b->view()->bounds()), "0,0 384x768");
+    EXPECT_EQ(shown(*part), CGRectMake(0, 44, 192, 200));
+
+    scene.resize({384, 800}, 1);
+    touches.settle();
+    EXPECT_EQ(shown(*part), CGRectMake(0, 44, 384, 400));
     EXPECT_EQ(b->view()->transform(), CGAffineTransformIdentity);
 }
 
-TEST_F(Place, TouchesReachWhatIsZoomed) {
-    const auto b = make("b");
+TEST_F(Place, TouchesReachWhatIsMadeSmaller) {
+    const auto b = pushInto({384, 800});
     const auto toggle = UISwitch::alloc()->initWithFrame({{100, 200}, {51, 31}});
     b->view()->addSubview(toggle);
-    push(b);
-    scene.resize({640, 916}, 1);
+    scene.resize({192, 800}, 1);
     touches.settle();
 
-    touches.tap({250, 44 + 2 * (215 - 44)});
+    touches.tap({62, 44 + (215 - 44) / 2.0});
 
     EXPECT_TRUE(toggle->isOn());
 }
 
-TEST_F(Place, AScreenThatWasCoveredWhileTheWindowChangedIsZoomedWhenItComesBack) {
+TEST_F(Place, AScreenThatWasCoveredWhileTheWindowChangedIsInTheMiddleWhenItComesBack) {
     push(make("b"));
     scene.resize({640, 916}, 1);
     touches.settle();
@@ -78,8 +107,16 @@ TEST_F(Place, AScreenThatWasCoveredWhileTheWindowChangedIsZoomedWhenItComesBack)
     navigation->popViewControllerAnimated(/*animated=*/true);
     touches.settle();
 
-    EXPECT_EQ(written(a->view()->bounds()), "0,0 320x480");
-    EXPECT_EQ(written(a->view()->frame()), "0,-44 640x960");
+    EXPECT_EQ(shown(*a->view()), CGRectMake(160, 0, 320, 480));
+}
+
+TEST_F(Place, AScreenThatHasGoneLeavesNothingBehind) {
+    const auto before = a->view()->superview()->superview()->subviews().size();
+    push(make("b"));
+
+    navigation->popViewControllerAnimated(/*animated=*/false);
+
+    EXPECT_EQ(a->view()->superview()->superview()->subviews().size(), before);
 }
 
 TEST_F(Place, AListFillsTheWindow) {
