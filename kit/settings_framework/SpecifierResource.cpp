@@ -5,7 +5,9 @@
 #include "platform/foundation/NSPropertyListSerialization.h"
 #include "platform/log.h"
 
+#include <algorithm>
 #include <array>
+#include <string_view>
 #include <utility>
 
 namespace seat {
@@ -22,6 +24,9 @@ constexpr std::array<std::pair<const char*, PSCellType>, 5> kinds{{{"PSGroupCell
 
 // Those that the framework itself reads must be of the kind it reads.
 constexpr std::array stringProperties{"id", "key", "defaults", "PostNotification", "cellClass", "footerText"};
+
+// Of an item that are no properties of its row.
+constexpr std::array<std::string_view, 5> notOfTheRow{"cell", "label", "action", "JVNOnlyFor", "JVNNotFor"};
 
 std::optional<PSCellType> kindNamed(const id& name) {
     for (const auto& [known, kind] : kinds)
@@ -40,6 +45,9 @@ std::string faultOf(const NSDictionary& item) {
         if (!isStringOrAbsent(item, key)) return std::string("its \"") + key + "\" is no string";
     for (const char* key : stringProperties)
         if (!isStringOrAbsent(item, key)) return std::string("its \"") + key + "\" is no string";
+    for (const char* const conditions : {"JVNOnlyFor", "JVNNotFor"})
+        if (item.objectForKey(conditions) && !item.objectForKey(conditions).objectPointer<NSDictionary>())
+            return std::string("its \"") + conditions + "\" is no dictionary";
     if (kindNamed(item.objectForKey("cell")) != PSCellType::LinkList) return {};
     const auto* values = item.objectForKey("validValues").objectPointer<NSArray>();
     const auto* titles = item.objectForKey("validTitles").objectPointer<NSArray>();
@@ -61,10 +69,44 @@ std::shared_ptr<PSSpecifier> makeRow(const NSDictionary& item, const std::shared
         isBound ? SEL("readPreferenceValue:") : SEL(), nullptr, *kindNamed(item.objectForKey("cell")), nullptr);
     if (const std::string action = text("action"); !action.empty()) row->setButtonAction(action);
     item.enumerate([&](const std::string& key, const id& value) {
-        if (key != "cell" && key != "label" && key != "action") row->setProperty_forKey(value, key);
+        if (std::ranges::find(notOfTheRow, key) == notOfTheRow.end()) row->setProperty_forKey(value, key);
         return true;
     });
     return row;
+}
+
+// What the setting of a row of the resource stands at; nothing without such a row.
+std::optional<long> settingOf(const NSArray& items, const std::string& identifier) {
+    for (std::size_t i = 0; i < items.count(); ++i) {
+        const auto* const item = items.objectAtIndex(i).objectPointer<NSDictionary>();
+        if (!item || item->objectForKey("id") != id(identifier)) continue;
+        const auto* const domain = item->objectForKey("defaults").string();
+        const auto* const key = item->objectForKey("key").string();
+        if (!domain || !key) continue;
+        const id stored = preferenceValue(*domain, *key);
+        return (stored ? stored : item->objectForKey("default")).integerValue();
+    }
+    return std::nullopt;
+}
+
+bool isOneOf(const id& values, std::optional<long> setting) {
+    const auto* const list = values.objectPointer<NSArray>();
+    return setting && list && std::ranges::any_of(*list, [&](const id& one) { return one.integerValue() == *setting; });
+}
+
+bool isWanted(const NSDictionary& item, const NSArray& items) {
+    bool isWanted = true;
+    const auto check = [&](const char* conditions, bool mustBe) {
+        const auto* const settings = item.objectForKey(conditions).objectPointer<NSDictionary>();
+        if (!settings) return;
+        settings->enumerate([&](const std::string& row, const id& values) {
+            isWanted &= isOneOf(values, settingOf(items, row)) == mustBe;
+            return isWanted;
+        });
+    };
+    check("JVNOnlyFor", /*mustBe=*/true);
+    check("JVNNotFor", /*mustBe=*/false);
+    return isWanted;
 }
 
 } // namespace
@@ -91,7 +133,7 @@ std::optional<SpecifierResource> readSpecifierResource(const std::string& realPa
         const auto* item = items->objectAtIndex(i).objectPointer<NSDictionary>();
         const std::string fault = item ? faultOf(*item) : "it is no dictionary";
         if (!fault.empty()) return refuse("item " + std::to_string(i) + ": " + fault);
-        resource.specifiers.push_back(makeRow(*item, target));
+        if (isWanted(*item, *items)) resource.specifiers.push_back(makeRow(*item, target));
     }
     return resource;
 }

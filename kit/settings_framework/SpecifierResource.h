@@ -14,7 +14,10 @@ struct SpecifierResource {
 
 // The rows that a resource file describes: a dictionary with "items", each a dictionary with "cell" (the name of a cell
 // kind), "label", "action" and the row's properties. A row with a "key" is bound to the target's
-// `setPreferenceValue:specifier:` and `readPreferenceValue:`. All or nothing: on the first thing that is not as it
+// `setPreferenceValue:specifier:` and `readPreferenceValue:`. An item with "JVNOnlyFor", a dictionary of rows' ids and
+// arrays of integers, is there only while each of these rows' settings, which are in the resource too, has one of the
+// values as the resource is read; with "JVNNotFor", only while none has. A setting without a value counts with its
+// "default". All or nothing: on the first thing that is not as it
 // should be the reason is logged and nothing comes back.
 std::optional<SpecifierResource> readSpecifierResource(const std::string& realPath,
                                                        const std::shared_ptr<NSObject>& target);

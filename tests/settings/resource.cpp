@@ -4,6 +4,8 @@
 #include "tests/settings/PageTest.h"
 #include "tests/support/LoggedLines.h"
 
+#include <gmock/gmock.h>
+
 namespace {
 
 class ResourceRows : public PageTest {
@@ -50,6 +52,7 @@ TEST_F(ResourceRows, WithASettingStoreItInThePagesDomainAndAnnounceIt) {
 }
 
 TEST_F(ResourceRows, HaveOnlyActionsThatThePageHas) {
+    app.writePreferences(testing_support::dictionary({{"controller_type", NSNumber::numberWithInteger(1)}}));
     std::vector<std::string> actions;
     for (const auto& row : page->specifiers()) {
         if (!row->buttonAction()) continue;
@@ -57,6 +60,34 @@ TEST_F(ResourceRows, HaveOnlyActionsThatThePageHas) {
         EXPECT_TRUE(page->respondsToSelector(row->buttonAction())) << row->buttonAction().name();
     }
     EXPECT_EQ(actions, (std::vector<std::string>{"pairController", "emailInstructions", "restartDaemons"}));
+}
+
+// What the text under the first group says of a kind of controller, and how often the instructions are offered.
+TEST_F(ResourceRows, SayWhatTheChosenKindDoesInTheChosenMode) {
+    const auto setupFor = [this](long type, long mode) {
+        app.writePreferences(testing_support::dictionary({{"controller_type", NSNumber::numberWithInteger(type)},
+                                                          {"connection_mode", NSNumber::numberWithInteger(mode)}}));
+        page = JoyvaneListController::alloc()->init();
+        const auto& list = page->specifiers();
+        return list.empty() ? std::string() : seat::textOf(list.front()->propertyForKey("footerText"));
+    };
+    using testing::HasSubstr;
+
+    for (const long mode : {0, 1, 2}) {
+        for (const long type : {-1, 0, 1, 2, 3, 4, 5, 7}) EXPECT_THAT(setupFor(type, mode), HasSubstr("when you press"));
+        EXPECT_THAT(setupFor(0, mode), HasSubstr("from a computer"));
+        EXPECT_THAT(setupFor(6, mode), HasSubstr("both Ctrl keys and press Escape"));
+    }
+    EXPECT_THAT(setupFor(6, 0), HasSubstr("while a game listens"));
+    EXPECT_THAT(setupFor(1, 1), HasSubstr("from here"));
+}
+
+TEST_F(ResourceRows, OfferTheInstructionsOnce) {
+    for (const long type : {0, 1, 6}) {
+        app.writePreferences(testing_support::dictionary({{"controller_type", NSNumber::numberWithInteger(type)}}));
+        page = JoyvaneListController::alloc()->init();
+        EXPECT_EQ(page->indexOfSpecifierID("instructions") >= 0, type != 0) << "the pair row offers them to type 0";
+    }
 }
 
 // The page's own rows follow it: what the resource put behind it would fall under their headings.

@@ -12,7 +12,7 @@ class Rows : public PageTest {};
 TEST_F(Rows, WithoutAFileAreThoseOfAPS3ControllerThatConnectsByItself) {
     show();
 
-    EXPECT_EQ(rows(), head + "E-mail Pairing Instructions" + tail);
+    EXPECT_EQ(rows(), head + "E-mail Pairing Instructions | [Help] | Restart Daemons");
     EXPECT_EQ(page->currentControllerType(), 0);
     EXPECT_EQ(page->connectionType(), 0);
     EXPECT_FALSE(app.preferences()) << "showing the page writes nothing";

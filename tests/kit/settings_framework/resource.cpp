@@ -50,6 +50,31 @@ TEST_F(Resources, EveryPropertyOfAnItemBecomesTheRows) {
     EXPECT_TRUE(lines.empty());
 }
 
+TEST_F(Resources, AnItemMayBeThereForSomeValuesOfASettingOnly) {
+    const auto onlyFor = [](const std::string& settings) { return "<key>JVNOnlyFor</key><dict>" + settings + "</dict>"; };
+    const auto notFor = [](const std::string& settings) { return "<key>JVNNotFor</key><dict>" + settings + "</dict>"; };
+    const std::string two = "<key>type</key><array><integer>2</integer><integer>3</integer></array>";
+    const std::string off = "<key>mode</key><array><integer>0</integer></array>";
+    writeResource(item("PSButtonCell", "a", "A", onlyFor(two)) + item("PSButtonCell", "b", "B", onlyFor(two + off)) +
+                  item("PSButtonCell", "c", "C", onlyFor("<key>nowhere</key><array><integer>0</integer></array>")) +
+                  item("PSButtonCell", "d", "D", notFor(two)) + item("PSButtonCell", "e", "E", onlyFor(two) + notFor(off)) +
+                  item("PSSwitchCell", "type", "Type", bound("t", "<integer>3</integer>")) +
+                  item("PSSwitchCell", "mode", "Mode", bound("m", "<integer>0</integer>")));
+    const auto names = [this] {
+        load();
+        std::string all;
+        for (const auto& row : page->specifiers()) all += row->name() + " ";
+        return all;
+    };
+
+    EXPECT_EQ(names(), "A B Type Mode ") << "nothing is stored: the default counts";
+    EXPECT_FALSE(page->specifiers()[0]->propertyForKey("JVNOnlyFor"));
+    seat::setPreferenceValue("com.quorrel.test", "m", id(NSNumber::numberWithInteger(1)));
+    EXPECT_EQ(names(), "A E Type Mode ");
+    seat::setPreferenceValue("com.quorrel.test", "t", id("1"));
+    EXPECT_EQ(names(), "D Type Mode ");
+}
+
 TEST_F(Resources, RowWithoutKeyIsBoundToNothing) {
     writeResource(item("PSButtonCell", "a", "A", "<key>action</key><string>tapped:</string>"));
     ASSERT_EQ(load(), 1u);
@@ -71,6 +96,8 @@ TEST_F(Resources, AnyFaultyItemRefusesTheWhole) {
     expectRefused(item("PSSwitchCell", "a", "A", "<key>defaults</key><data></data>"));
     expectRefused(item("PSButtonCell", "a", "A", "<key>cellClass</key><array/>"));
     expectRefused(item("PSLinkListCell", "a", "A"));
+    expectRefused(item("PSButtonCell", "a", "A", "<key>JVNOnlyFor</key><array/>"));
+    expectRefused(item("PSButtonCell", "a", "A", "<key>JVNNotFor</key><true/>"));
     expectRefused(item("PSLinkListCell", "a", "A",
                        "<key>validValues</key><array><integer>0</integer></array><key>validTitles</key><array/>"));
     expectRefused(item("PSLinkListCell", "a", "A",
