@@ -1,5 +1,6 @@
 #include "desktop/links/desktop_program.h"
 
+#include "desktop/links/executable.h"
 #include "kit/dispatch/main_queue.h"
 #include "platform/log.h"
 #include "system/process/child_environment.h"
@@ -87,17 +88,33 @@ std::optional<DesktopProgram> entryNamed(const std::string& name) {
     return std::nullopt;
 }
 
-// Whether the entry's command holds one of the codes.
-bool hasPlace(const DesktopProgram& program, std::string_view codes) {
+// A value of the entry; empty when it has none of that name.
+std::string valueOf(const DesktopProgram& program, std::string_view name) {
     std::ifstream lines(program.entry);
     bool isInEntry = false;
     for (std::string line; std::getline(lines, line);) {
         if (line.starts_with('[')) isInEntry = line == "[Desktop Entry]";
-        if (!isInEntry || !line.starts_with("Exec")) continue;
-        for (auto sign = line.find('%'); sign != std::string::npos; sign = line.find('%', sign + 2))
-            if (sign + 1 < line.size() && codes.find(line[sign + 1]) != std::string_view::npos) return true;
+        if (!isInEntry || !line.starts_with(name)) continue;
+        const auto sign = line.find_first_not_of(' ', name.size());
+        if (sign == std::string::npos || line[sign] != '=') continue;
+        const auto begin = line.find_first_not_of(' ', sign + 1);
+        return begin == std::string::npos ? std::string() : line.substr(begin);
     }
+    return {};
+}
+
+// Whether the entry's command holds one of the codes.
+bool hasPlace(const DesktopProgram& program, std::string_view codes) {
+    const std::string command = valueOf(program, "Exec");
+    for (auto sign = command.find('%'); sign != std::string::npos; sign = command.find('%', sign + 2))
+        if (sign + 1 < command.size() && codes.find(command[sign + 1]) != std::string_view::npos) return true;
     return false;
+}
+
+// The library's tool has ended well before the program is executed, and never hears that it was not.
+std::string reasonNotToStart(const DesktopProgram& program) {
+    if (valueOf(program, "DBusActivatable") == "true") return {}; // then the bus starts it
+    return reasonNotToExecute(programOfCommand(valueOf(program, "Exec")));
 }
 
 } // namespace
@@ -123,6 +140,7 @@ void startProgram(const DesktopProgram& program, const std::string& fileOrAddres
         NSLog("%s could not be started: %s", entry.c_str(), reason.c_str());
         queueOnMain([ended] { ended(false); });
     };
+    if (const auto reason = reasonNotToStart(program); !reason.empty()) return failed(reason);
     auto child = spawn(ChildKind::Program, finder, {tool, "launch", program.entry, fileOrAddress}, childEnvironment(),
                        loadingTimeout);
     if (child.identifier == 0) return failed(std::strerror(child.error));

@@ -21,7 +21,7 @@ bool takesFiles(const DesktopProgram& program);
 bool takesAddresses(const DesktopProgram& program);
 
 // Has the desktop's library start the program with a file (its real path) or an address. Does not wait. `ended` hears
-// on the main queue, once, whether the library could start it; the reason has been logged. Main thread.
+// on the main queue, once, whether the program could be started; the reason has been logged. Main thread.
 void startProgram(const DesktopProgram& program, const std::string& fileOrAddress,
                   std::function<void(bool isStarted)> ended);
 

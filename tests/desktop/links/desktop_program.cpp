@@ -33,8 +33,11 @@ protected:
     // Whether the desktop's library could start it.
     bool start(const std::string& mediaType, const std::string& fileOrAddress) {
         const auto program = seat::defaultProgram(mediaType);
+        return program && start(*program, fileOrAddress);
+    }
+    bool start(const seat::DesktopProgram& program, const std::string& fileOrAddress) {
         std::optional<bool> started;
-        if (program) seat::startProgram(*program, fileOrAddress, [&](bool isStarted) { started = isStarted; });
+        seat::startProgram(program, fileOrAddress, [&](bool isStarted) { started = isStarted; });
         loop.runUntil([&] { return started.has_value(); });
         return started.value_or(false);
     }
@@ -121,6 +124,27 @@ TEST_F(DesktopProgram, OneThatCannotBeStartedIsReportedAndLogged) {
 
     EXPECT_EQ(started, false);
     EXPECT_EQ(log.count("mailer.desktop could not be started"), 1u);
+}
+
+TEST_F(DesktopProgram, AScriptWithoutItsInterpreterIsReportedThoughTheDesktopsToolStartsIt) {
+    desktop.install(mail, "mailer");
+    write(desktop.programs() + "/mailer", "#!/nowhere/sh\n");
+
+    EXPECT_FALSE(start(mail, "mailto:"));
+
+    EXPECT_EQ(log.count("mailer.desktop could not be started: /nowhere/sh: No such file or directory"), 1u);
+}
+
+TEST_F(DesktopProgram, AFileThatMayNotBeExecutedIsReported) {
+    desktop.addDesktopFile("mailer", "\"" + desktop.addProgram("mail er") + "\" %u");
+    desktop.setDefault(mail, "mailer");
+    const auto program = seat::defaultProgram(mail);
+    ASSERT_TRUE(program);
+    std::filesystem::permissions(desktop.programs() + "/mail er", std::filesystem::perms::owner_read);
+
+    EXPECT_FALSE(start(*program, "mailto:"));
+
+    EXPECT_EQ(log.count("/mail er: Permission denied"), 1u);
 }
 
 TEST_F(DesktopProgram, WithoutTheDesktopsToolThereIsNone) {
