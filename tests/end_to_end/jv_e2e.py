@@ -90,12 +90,7 @@ class Desktop:
         )
         self.environment = environment
 
-        x_server = self._spawn(
-            ["Xvfb", "-displayfd", "1", "-screen", "0", f"{self.size}x24", "-nolisten", "tcp", "-noreset",
-             "-fbdir", self.path("screen")],
-            stdout=subprocess.PIPE,
-        )
-        environment["DISPLAY"] = ":" + _first_line(x_server.stdout)
+        self._start_display()
         bus = self._spawn(
             ["dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address=1"], stdout=subprocess.PIPE
         )
@@ -103,7 +98,16 @@ class Desktop:
         if self.accessible:
             environment["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1"
         for name in ("DISPLAY", "DBUS_SESSION_BUS_ADDRESS", "XDG_RUNTIME_DIR", "HOME"):
-            os.environ[name] = environment[name]
+            if name in environment:
+                os.environ[name] = environment[name]
+
+    def _start_display(self):
+        x_server = self._spawn(
+            ["Xvfb", "-displayfd", "1", "-screen", "0", f"{self.size}x24", "-nolisten", "tcp", "-noreset",
+             "-fbdir", self.path("screen")],
+            stdout=subprocess.PIPE,
+        )
+        self.environment["DISPLAY"] = ":" + _first_line(x_server.stdout)
 
     def _spawn(self, command, **options):
         options.setdefault("stderr", subprocess.DEVNULL)
