@@ -3,13 +3,12 @@
 #include "kit/foundation/property_list_scalars.h"
 #include "kit/foundation/utf8.h"
 #include "kit/foundation/xml_encoding.h"
-#include "kit/foundation/xml_property_list_scan.h"
-#include "kit/foundation/xml_property_list_words.h"
 #include "platform/foundation/NSArray.h"
 #include "platform/foundation/NSDictionary.h"
 
 #include <algorithm>
 #include <expat.h>
+#include <iterator>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -17,8 +16,26 @@
 namespace {
 
 using namespace seat;
-using namespace seat::xml;
 using namespace std::literals;
+
+enum class Element { Plist, Dict, Array, Key, String, Integer, Real, Date, Data, True, False };
+
+std::optional<Element> elementNamed(std::string_view name) {
+    static constexpr std::string_view names[] = {"plist", "dict", "array", "key",  "string", "integer",
+                                                 "real",  "date", "data",  "true", "false"};
+    const auto* const found = std::find(std::begin(names), std::end(names), name);
+    return found == std::end(names) ? std::nullopt : std::optional(static_cast<Element>(found - std::begin(names)));
+}
+
+constexpr std::string_view whiteSpace = " \t\r\n";
+
+std::string_view trimmed(std::string_view text) {
+    const auto first = text.find_first_not_of(whiteSpace);
+    if (first == std::string_view::npos) return {};
+    return text.substr(first, text.find_last_not_of(whiteSpace) + 1 - first);
+}
+
+static_assert(propertyListMaximumValues == 100'000 && propertyListMaximumDepth == 64);
 
 // Builds the value while the tokeniser reports elements, and stops it at the first thing that does not belong.
 class XMLReader {
@@ -31,7 +48,9 @@ public:
                 if (hasInternalSubset) reader(self).refuse("declares entities or types of its own");
             });
         // Without it a reference to an entity of the outer document type would simply vanish.
-        XML_SetSkippedEntityHandler(m_parser, [](void* self, const char*, int) { reader(self).refuse(unknownEntity); });
+        XML_SetSkippedEntityHandler(m_parser, [](void* self, const char*, int) {
+            reader(self).refuse("refers to an entity that XML does not define");
+        });
         XML_SetElementHandler(
             m_parser,
             [](void* self, const char* name, const char** attributes) { reader(self).start(name, attributes); },
@@ -88,17 +107,17 @@ private:
 void XMLReader::start(const char* name, const char** attributes) {
     if (!m_refusal.empty()) return;
     const auto element = elementNamed(name);
-    if (!element) return refuse(unknownElement);
+    if (!element) return refuse("has an unknown element");
     for (; *attributes; attributes += 2)
-        if (element != Element::Plist || *attributes != "version"sv) return refuse(unknownAttribute);
-    if (m_scalar) return refuse(elementInText);
-    if (m_inPlist == (element == Element::Plist)) return refuse(wrongOrder);
+        if (element != Element::Plist || *attributes != "version"sv) return refuse("has an unknown attribute");
+    if (m_scalar) return refuse("has an element within a text");
+    if (m_inPlist == (element == Element::Plist)) return refuse("has its elements in the wrong order");
 
     if (element == Element::Plist) {
         m_inPlist = true;
     } else if (element == Element::Key) {
-        if (m_open.empty() || !m_open.back().dictionary) return refuse(keyOutside);
-        if (m_open.back().key) return refuse(keyAlone);
+        if (m_open.empty() || !m_open.back().dictionary) return refuse("has a key outside of a dictionary");
+        if (m_open.back().key) return refuse("has a key without a value");
         m_scalar = element;
     } else {
         startValue(*element);
@@ -107,13 +126,13 @@ void XMLReader::start(const char* name, const char** attributes) {
 
 void XMLReader::startValue(Element element) {
     if (m_open.empty() ? bool(m_value) : m_open.back().dictionary && !m_open.back().key)
-        return refuse(m_open.empty() ? manyValues : valueAlone);
-    if (++m_count > propertyListMaximumValues) return refuse(tooManyValues);
+        return refuse(m_open.empty() ? "holds more than one value" : "has a value without a key");
+    if (++m_count > propertyListMaximumValues) return refuse("holds more than 100000 values");
     if (element != Element::Dict && element != Element::Array) {
         m_scalar = element;
         return;
     }
-    if (m_open.size() == propertyListMaximumDepth) return refuse(tooDeep);
+    if (m_open.size() == propertyListMaximumDepth) return refuse("is nested deeper than 64");
     if (element == Element::Dict)
         m_open.push_back({NSMutableDictionary::dictionary(), nullptr, {}});
     else
@@ -126,15 +145,15 @@ void XMLReader::end() {
         m_open.back().key = std::move(m_text);
     } else if (m_scalar) {
         id value = scalar(*m_scalar);
-        if (!value) return refuse(badScalar);
+        if (!value) return refuse("has a text that is no value of its type");
         add(std::move(value));
     } else if (!m_open.empty()) {
         const Container closed = std::move(m_open.back());
         m_open.pop_back();
-        if (closed.key) return refuse(keyAlone);
+        if (closed.key) return refuse("has a key without a value");
         add(closed.dictionary ? id(closed.dictionary) : id(closed.array));
     } else if (!m_value) {
-        refuse(noValue);
+        refuse("holds no value");
     }
     m_scalar.reset();
     m_text.clear();
@@ -143,8 +162,8 @@ void XMLReader::end() {
 void XMLReader::characters(std::string_view text) {
     if (m_scalar)
         m_text += text;
-    else if (text.find_first_not_of(spaces) != std::string_view::npos)
-        refuse(strayText);
+    else if (text.find_first_not_of(whiteSpace) != std::string_view::npos)
+        refuse("has text between its elements");
 }
 
 id XMLReader::scalar(Element element) {
@@ -205,8 +224,5 @@ id seat::readXMLPropertyList(std::span<const std::uint8_t> bytes, std::string& r
         refusal = "is not UTF-8";
         return nullptr;
     }
-    refusal = faultOfXMLPropertyList(text);
-    return refusal.empty() ? buildXMLPropertyList(text, refusal) : nullptr;
+    return XMLReader().read(text, refusal);
 }
-
-id seat::buildXMLPropertyList(std::string_view text, std::string& refusal) { return XMLReader().read(text, refusal); }

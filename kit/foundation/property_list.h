@@ -39,8 +39,5 @@ id readPropertyListFile(const std::string& path, std::shared_ptr<NSError>* error
 // What readPropertyList() chooses from.
 id readXMLPropertyList(std::span<const std::uint8_t> bytes, std::string& refusal);
 id readBinaryPropertyList(std::span<const std::uint8_t> bytes, std::string& refusal);
-// What readXMLPropertyList() ends with when a first look has found no fault: tells of every fault by itself, but
-// slowly. The text is UTF-8.
-id buildXMLPropertyList(std::string_view text, std::string& refusal);
 
 } // namespace seat

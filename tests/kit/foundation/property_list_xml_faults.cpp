@@ -1,4 +1,3 @@
-#include "kit/foundation/xml_property_list_scan.h"
 #include "tests/kit/foundation/property_list_bytes.h"
 
 #include <gmock/gmock.h>
@@ -9,11 +8,10 @@ namespace {
 using namespace property_list_testing;
 using testing::HasSubstr;
 
-std::string faultOf(const std::string& body) {
-    return seat::faultOfXMLPropertyList("<plist version=\"1.0\">\n" + body + "</plist>");
-}
+Read readBody(const std::string& body) { return read(bytesOf("<plist version=\"1.0\">\n" + body + "</plist>")); }
+std::string faultOf(const std::string& body) { return readBody(body).refusal; }
 
-TEST(XMLPropertyListFirstLook, FindsWhatTheReaderWouldFindAtTheEnd) {
+TEST(XMLPropertyListFaults, EachIsNamedWithItsLine) {
     const std::pair<const char*, const char*> faults[] = {
         {"<dict><key>a</key><string>b</strin></dict>", "mismatched tag (line 2)"},
         {"<array><true/></dict>", "mismatched tag"},
@@ -37,11 +35,11 @@ TEST(XMLPropertyListFirstLook, FindsWhatTheReaderWouldFindAtTheEnd) {
     };
     for (const auto& [body, reason] : faults) {
         EXPECT_THAT(faultOf(body), HasSubstr(reason)) << body;
-        EXPECT_FALSE(read(bytesOf("<plist>" + std::string(body) + "</plist>")).value) << body;
+        EXPECT_FALSE(readBody(body).value) << body;
     }
 }
 
-TEST(XMLPropertyListFirstLook, LeavesAloneWhatIsUnusualButSound) {
+TEST(XMLPropertyListFaults, WhatIsUnusualButSoundIsNone) {
     for (const char* const body : {
              "<dict><key>a</key><dict><key>a</key><true/></dict><key>b</key><true/></dict>",
              "<array><dict><key>a</key><true/></dict><dict><key>a</key><true/></dict></array>",
@@ -54,13 +52,12 @@ TEST(XMLPropertyListFirstLook, LeavesAloneWhatIsUnusualButSound) {
              "<?x > <true/> ?><!-- <true/> --><true/>",
          }) {
         EXPECT_EQ(faultOf(body), "") << body;
-        EXPECT_TRUE(read(bytesOf("<plist>" + std::string(body) + "</plist>")).value) << body;
+        EXPECT_TRUE(readBody(body).value) << body;
     }
     for (const char* const text : {
              "<plist version=\"a>b/\"><true/></plist>",
              "\xef\xbb\xbf<!DOCTYPE plist SYSTEM \"a>b[\"><plist><true/></plist>\n<!-- x --><?y?>",
          }) {
-        EXPECT_EQ(seat::faultOfXMLPropertyList(text), "") << text;
         EXPECT_TRUE(read(bytesOf(text)).value) << text;
     }
 }
