@@ -1,81 +1,43 @@
 #include "system/modules/SHA256.h"
 
-#include <algorithm>
-#include <bit>
+#include <gcrypt.h>
 
 namespace {
 
-constexpr std::array<std::uint32_t, 64> roundConstants = {
-    0x428a2f98, 0x71374491, 0xb5c0fbcf, 0xe9b5dba5, 0x3956c25b, 0x59f111f1, 0x923f82a4, 0xab1c5ed5,
-    0xd807aa98, 0x12835b01, 0x243185be, 0x550c7dc3, 0x72be5d74, 0x80deb1fe, 0x9bdc06a7, 0xc19bf174,
-    0xe49b69c1, 0xefbe4786, 0x0fc19dc6, 0x240ca1cc, 0x2de92c6f, 0x4a7484aa, 0x5cb0a9dc, 0x76f988da,
-    0x983e5152, 0xa831c66d, 0xb00327c8, 0xbf597fc7, 0xc6e00bf3, 0xd5a79147, 0x06ca6351, 0x14292967,
-    0x27b70a85, 0x2e1b2138, 0x4d2c6dfc, 0x53380d13, 0x650a7354, 0x766a0abb, 0x81c2c92e, 0x92722c85,
-    0xa2bfe8a1, 0xa81a664b, 0xc24b8b70, 0xc76c51a3, 0xd192e819, 0xd6990624, 0xf40e3585, 0x106aa070,
-    0x19a4c116, 0x1e376c08, 0x2748774c, 0x34b0bcb5, 0x391c0cb3, 0x4ed8aa4a, 0x5b9cca4f, 0x682e6ff3,
-    0x748f82ee, 0x78a5636f, 0x84c87814, 0x8cc70208, 0x90befffa, 0xa4506ceb, 0xbef9a3f7, 0xc67178f2};
-
-std::uint32_t bigEndian32(const std::uint8_t* bytes) {
-    return std::uint32_t{bytes[0]} << 24 | std::uint32_t{bytes[1]} << 16 | std::uint32_t{bytes[2]} << 8 | bytes[3];
+// Once a process, before anything else of the library, unless somebody else has done it. Digests are no secrets: none
+// of its locked memory is wanted.
+void initialiseLibrary() {
+    [[maybe_unused]] static const bool isInitialised = [] {
+        if (gcry_control(GCRYCTL_INITIALIZATION_FINISHED_P)) return true;
+        gcry_check_version(nullptr);
+        gcry_control(GCRYCTL_DISABLE_SECMEM, 0);
+        gcry_control(GCRYCTL_INITIALIZATION_FINISHED, 0);
+        return true;
+    }();
 }
 
 } // namespace
 
-void seat::SHA256::addBlock(const std::uint8_t* block) {
-    std::array<std::uint32_t, 64> w;
-    for (std::size_t i = 0; i < 16; ++i) w[i] = bigEndian32(block + 4 * i);
-    for (std::size_t i = 16; i < 64; ++i) {
-        const std::uint32_t s0 = std::rotr(w[i - 15], 7) ^ std::rotr(w[i - 15], 18) ^ (w[i - 15] >> 3);
-        const std::uint32_t s1 = std::rotr(w[i - 2], 17) ^ std::rotr(w[i - 2], 19) ^ (w[i - 2] >> 10);
-        w[i] = w[i - 16] + s0 + w[i - 7] + s1;
-    }
-
-    auto [a, b, c, d, e, f, g, h] = m_state;
-    for (std::size_t i = 0; i < 64; ++i) {
-        const std::uint32_t s1 = std::rotr(e, 6) ^ std::rotr(e, 11) ^ std::rotr(e, 25);
-        const std::uint32_t choice = (e & f) ^ (~e & g);
-        const std::uint32_t t1 = h + s1 + choice + roundConstants[i] + w[i];
-        const std::uint32_t s0 = std::rotr(a, 2) ^ std::rotr(a, 13) ^ std::rotr(a, 22);
-        const std::uint32_t majority = (a & b) ^ (a & c) ^ (b & c);
-        h = g;
-        g = f;
-        f = e;
-        e = d + t1;
-        d = c;
-        c = b;
-        b = a;
-        a = t1 + s0 + majority;
-    }
-    const std::array<std::uint32_t, 8> mixed{a, b, c, d, e, f, g, h};
-    for (std::size_t i = 0; i < mixed.size(); ++i) m_state[i] += mixed[i];
+seat::SHA256::SHA256() {
+    initialiseLibrary();
+    gcry_md_hd_t handle = nullptr;
+    if (gcry_md_open(&handle, GCRY_MD_SHA256, 0) == 0) m_handle.reset(handle);
 }
 
+void seat::SHA256::Close::operator()(gcry_md_handle* handle) const { gcry_md_close(handle); }
+
 void seat::SHA256::add(std::span<const std::uint8_t> bytes) {
-    const std::size_t held = m_length % m_pending.size();
-    m_length += bytes.size();
-    if (held != 0) {
-        const std::size_t taken = std::min(bytes.size(), m_pending.size() - held);
-        std::copy_n(bytes.begin(), taken, m_pending.begin() + static_cast<std::ptrdiff_t>(held));
-        bytes = bytes.subspan(taken);
-        if (held + taken < m_pending.size()) return;
-        addBlock(m_pending.data());
-    }
-    for (; bytes.size() >= m_pending.size(); bytes = bytes.subspan(m_pending.size())) addBlock(bytes.data());
-    std::copy(bytes.begin(), bytes.end(), m_pending.begin());
+    if (m_handle) gcry_md_write(m_handle.get(), bytes.data(), bytes.size());
 }
 
 std::string seat::SHA256::hexDigest() {
-    const std::uint64_t bits = m_length * 8;
-    static constexpr std::array<std::uint8_t, 64> padding{0x80};
-    const std::size_t held = m_length % 64;
-    add(std::span(padding).first(held < 56 ? 56 - held : 120 - held));
-    std::array<std::uint8_t, 8> length;
-    for (std::size_t i = 0; i < length.size(); ++i) length[i] = static_cast<std::uint8_t>(bits >> (56 - 8 * i));
-    add(length);
-
+    if (!m_handle) return {};
     static constexpr char digits[] = "0123456789abcdef";
+    const unsigned char* const digest = gcry_md_read(m_handle.get(), GCRY_MD_SHA256);
     std::string text;
-    for (const std::uint32_t word : m_state)
-        for (int shift = 28; shift >= 0; shift -= 4) text += digits[word >> shift & 0xf];
+    for (unsigned i = 0; digest && i < gcry_md_get_algo_dlen(GCRY_MD_SHA256); ++i) {
+        text += digits[digest[i] >> 4];
+        text += digits[digest[i] & 15];
+    }
     return text;
 }

@@ -1,27 +1,29 @@
 #pragma once
 
-#include <array>
-#include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <string>
 
+struct gcry_md_handle;
+
 namespace seat {
 
-// SHA-256 (FIPS 180-4) over bytes that come in pieces.
+// SHA-256 (FIPS 180-4) over bytes that come in pieces, by the system's cryptographic library, which knows the
+// processor.
 class SHA256 {
 public:
+    SHA256();
     void add(std::span<const std::uint8_t> bytes);
-    // The digest as 64 lower-case hexadecimal digits. Nothing can be added after it.
+    // The digest as 64 lower-case hexadecimal digits; nothing can be added after it. Empty when the library cannot
+    // work.
     std::string hexDigest();
 
 private:
-    void addBlock(const std::uint8_t* block);
-
-    std::array<std::uint32_t, 8> m_state{0x6a09e667, 0xbb67ae85, 0x3c6ef372, 0xa54ff53a,
-                                         0x510e527f, 0x9b05688c, 0x1f83d9ab, 0x5be0cd19};
-    std::array<std::uint8_t, 64> m_pending{};
-    std::uint64_t m_length = 0; // bytes added so far
+    struct Close {
+        void operator()(gcry_md_handle* handle) const;
+    };
+    std::unique_ptr<gcry_md_handle, Close> m_handle;
 };
 
 } // namespace seat

@@ -85,7 +85,9 @@ std::string seat::moduleProblem(const std::string& path, const ModuleSeal& seal)
         digest.add(bytes);
         done += bytes.size();
     }
-    if (digest.hexDigest() != seal.sha256) return "was changed: its digest is not the one in the manifest";
+    const std::string found = digest.hexDigest();
+    if (found.empty()) return "cannot be checked: the cryptographic library does not work";
+    if (found != seal.sha256) return "was changed: its digest is not the one in the manifest";
     return {};
 }
 
