@@ -1,7 +1,7 @@
 #include "app/FailureBanner.h"
 
+#include "kit/uikit/UIWindow.h"
 #include "platform/runtime/method.h"
-#include "platform/uikit/UIWindow.h"
 
 #include <algorithm>
 

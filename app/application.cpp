@@ -125,7 +125,10 @@ int app::runApplication(const Options& options) {
 
     // The module is read through on another thread while the toolkit starts.
     auto check = std::async(std::launch::async, seat::moduleProblem, bundle.modulePath, bundle.seal);
-    seat::Toolkit toolkit({.needsDisplay = !isTour, .noDisplay = noDisplay});
+    seat::Toolkit toolkit({.name = "joyvane-settings",
+                           .desktopEntry = "com.quorrel.joyvane",
+                           .needsDisplay = !isTour,
+                           .noDisplay = noDisplay});
     if (const auto reason = check.get(); !reason.empty()) {
         complain("bundle refused: " + bundle.modulePath + " " + reason);
         return ExitBundleRefused;

@@ -4,6 +4,7 @@
 #include "desktop/window/Toolkit.h"
 #include "kit/dispatch/main_queue.h"
 #include "kit/uikit/WindowScene.h"
+#include "kit/uikit/appearance.h"
 #include "kit/uikit/application.h"
 #include "kit/uikit/snapshot.h"
 #include "platform/foundation/time.h"
@@ -17,7 +18,6 @@ namespace {
 constexpr double frameSeconds = 1.0 / 60;
 constexpr double tapSeconds = 0.06;
 constexpr long finger = 1;
-constexpr double barHeight = 44; // rows below the bar cannot be touched
 
 bool matches(const std::string& name, const std::string& wanted) {
     if (wanted.ends_with('*')) return name.starts_with(std::string_view(wanted).substr(0, wanted.size() - 1));
@@ -106,7 +106,8 @@ bool app::Stage::reveal(const NodeQuery& query) {
         const auto* const node = find(query);
         if (!node) return false;
         const double y = CGRectGetMidY(node->extent);
-        const double highest = node->role == UIAccessibilityRole::Button ? 0 : barHeight;
+        // Rows that the bar covers cannot be touched.
+        const double highest = node->role == UIAccessibilityRole::Button ? 0 : seat::appearance::barHeight;
         if (y > highest && y < window.height) return true;
         const double before = node->extent.origin.y;
         scroll(middle, std::clamp(y - middle.y, -200.0, 200.0));

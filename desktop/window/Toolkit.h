@@ -9,9 +9,9 @@
 namespace seat {
 
 struct ToolkitOptions {
-    std::string name = "joyvane-settings";            // what the window system calls us
-    std::string desktopEntry = "com.quorrel.joyvane"; // the entry's file name without ".desktop"; the application id
-    bool needsDisplay = true;                         // false: nothing will be shown, everything else works
+    std::string name;         // what the window system calls the program
+    std::string desktopEntry; // the entry's file name without ".desktop"; the application id
+    bool needsDisplay = true; // false: nothing will be shown, everything else works
     // Called when there is no display to be had, with the reason; must end the process.
     void (*noDisplay)(const std::string& reason) = nullptr;
 };
