@@ -3,24 +3,16 @@
 #include "tests/support/SystemCalls.h"
 
 #include <cstdio>
-#include <cstring>
-#include <fcntl.h>
-#include <filesystem>
-#include <poll.h>
-#include <stdexcept>
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
 
 namespace testing_support {
 
 Bytes DaemonPeer::read(std::size_t count) {
     Bytes bytes(count);
     std::size_t got = 0;
-    while (got < count) {
-        const ssize_t n = ::recv(m_descriptor, bytes.data() + got, count - got, 0);
-        if (n <= 0) break;
-        got += static_cast<std::size_t>(n);
+    while (m_socket && got < count) {
+        const std::size_t n = m_socket->read(bytes.data() + got, count - got);
+        if (n == 0) break;
+        got += n;
     }
     bytes.resize(got);
     m_received.insert(m_received.end(), bytes.begin(), bytes.end());
@@ -32,42 +24,28 @@ void DaemonPeer::readToEnd() {
     }
 }
 
-void DaemonPeer::write(const Bytes& bytes) const { ::send(m_descriptor, bytes.data(), bytes.size(), MSG_NOSIGNAL); }
+void DaemonPeer::write(const Bytes& bytes) const {
+    if (m_socket) m_socket->write(bytes.data(), bytes.size());
+}
 
 void DaemonPeer::writeByteByByte(const Bytes& bytes) const {
     for (const auto byte : bytes) write({byte});
 }
 
-void DaemonPeer::endWriting() const { ::shutdown(m_descriptor, SHUT_WR); }
+void DaemonPeer::endWriting() const {
+    if (m_socket) m_socket->endWriting();
+}
 
 void DaemonPeer::close() {
-    if (m_descriptor == -1) return;
-    const linger reset{1, 0};
-    ::setsockopt(m_descriptor, SOL_SOCKET, SO_LINGER, &reset, sizeof reset);
-    ::close(m_descriptor);
-    m_descriptor = -1;
+    if (m_socket) m_socket->resetWhenClosed();
+    m_socket = nullptr;
 }
 
-ScriptedDaemon::ScriptedDaemon(const std::string& root, Script script) : m_script(std::move(script)) {
-    const std::filesystem::path folder = root + "/Library/Caches";
-    std::filesystem::create_directories(folder);
-    m_path = folder / "jvncontrol.sock";
-    ::unlink(m_path.c_str());
-    // Bound by its short name under an open folder: a root may be longer than an address.
-    const int directory = ::open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    std::snprintf(address.sun_path, sizeof address.sun_path, "/proc/self/fd/%d/jvncontrol.sock", directory);
-    m_listener = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    const bool bound = ::bind(m_listener, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
-    ::close(directory);
-    if (!bound || ::listen(m_listener, 64) != 0 || ::pipe2(m_stop, O_CLOEXEC) != 0)
-        throw std::runtime_error("no stand-in daemon at " + m_path + ": " + std::strerror(errno));
-    m_thread = std::thread([this] {
-        const PeerThread peer;
-        serve();
-    });
-}
+ScriptedDaemon::ScriptedDaemon(const std::string& root, Script script)
+    : m_listener(listenUnder(root)), m_script(std::move(script)), m_thread([this] {
+          const PeerThread peer;
+          serve();
+      }) {}
 
 ScriptedDaemon::~ScriptedDaemon() {
     {
@@ -75,11 +53,8 @@ ScriptedDaemon::~ScriptedDaemon() {
         m_stopping = true;
     }
     m_changed.notify_all();
-    ::close(m_stop[1]);
+    m_listener->stop();
     m_thread.join();
-    ::close(m_stop[0]);
-    ::close(m_listener);
-    ::unlink(m_path.c_str());
 }
 
 void ScriptedDaemon::setScript(Script script) {
@@ -104,12 +79,8 @@ bool ScriptedDaemon::waitForConnections(std::size_t count, std::chrono::millisec
 }
 
 void ScriptedDaemon::serve() {
-    for (;;) {
-        pollfd watched[2] = {{m_listener, POLLIN, 0}, {m_stop[0], POLLIN, 0}};
-        if (::poll(watched, 2, -1) < 0 || watched[1].revents) return;
-        const int descriptor = ::accept4(m_listener, nullptr, nullptr, SOCK_CLOEXEC);
-        if (descriptor == -1) continue;
-        DaemonPeer peer(descriptor);
+    while (auto socket = m_listener->accept()) {
+        DaemonPeer peer(std::move(socket));
         peer.m_wait = [this] {
             std::unique_lock lock(m_mutex);
             m_changed.wait(lock, [&] { return m_released > 0 || m_stopping; });
@@ -121,7 +92,7 @@ void ScriptedDaemon::serve() {
             script = m_script;
         }
         script(peer);
-        if (peer.m_descriptor != -1) ::close(peer.m_descriptor);
+        peer.m_socket = nullptr;
         const std::lock_guard lock(m_mutex);
         m_connections.push_back(std::move(peer.m_received));
         m_changed.notify_all();

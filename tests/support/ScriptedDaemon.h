@@ -1,13 +1,17 @@
 #pragma once
 
+#include "tests/support/DaemonSocket.h"
+
 #include <chrono>
 #include <condition_variable>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace testing_support {
@@ -17,7 +21,7 @@ using Bytes = std::vector<std::uint8_t>;
 // One accepted connection, as its script sees it. Everything that arrives is kept.
 class DaemonPeer {
 public:
-    explicit DaemonPeer(int descriptor) : m_descriptor(descriptor) {}
+    explicit DaemonPeer(std::unique_ptr<DaemonSocket> socket) : m_socket(std::move(socket)) {}
 
     // Waits for `count` more bytes, or the end; gives what came.
     Bytes read(std::size_t count);
@@ -36,7 +40,7 @@ public:
 
 private:
     friend class ScriptedDaemon;
-    int m_descriptor;
+    std::unique_ptr<DaemonSocket> m_socket; // nullptr once it was closed
     Bytes m_received;
     std::function<void()> m_wait;
 };
@@ -65,9 +69,7 @@ public:
 private:
     void serve();
 
-    int m_listener = -1;
-    int m_stop[2] = {-1, -1};
-    std::string m_path;
+    std::unique_ptr<DaemonListener> m_listener;
     mutable std::mutex m_mutex;
     mutable std::condition_variable m_changed;
     Script m_script;
