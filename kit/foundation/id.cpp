@@ -8,12 +8,12 @@
 
 namespace {
 
-std::string_view withoutLeadingBlanks(std::string_view string) {
+std::string_view withoutLeadingSpaces(std::string_view string) {
     return string.substr(std::min(string.find_first_not_of(" \t\n\v\f\r"), string.size()));
 }
 
 double realValue(std::string_view string) {
-    string = withoutLeadingBlanks(string);
+    string = withoutLeadingSpaces(string);
     if (string.starts_with('+')) string.remove_prefix(1);
     // Words that stand for no finite number are no numbers here.
     const auto digit = string.find_first_of("0123456789.");
@@ -24,7 +24,7 @@ double realValue(std::string_view string) {
 }
 
 bool truth(std::string_view string) {
-    string = withoutLeadingBlanks(string);
+    string = withoutLeadingSpaces(string);
     if (string.empty()) return false;
     if (std::string_view("YyTt").find(string[0]) != std::string_view::npos) return true;
     // A sign and zeros may stand before the digit that counts.

@@ -5,10 +5,10 @@
 
 namespace jvninputd {
 
-void Player::play(const std::optional<Play>& what, Manner manner, Moment now) {
+void Player::play(const std::optional<Play>& what, GiveBack giveBack, Moment now) {
     m_playing = what;
     if (m_playing && m_playing->mode != input::PlayMode::byHand) m_playing->handSwitch->on = false;
-    if (!m_playing && manner == Manner::atOnce) giveBackAll();
+    if (!m_playing && giveBack == GiveBack::AtOnce) giveBackAll();
     // Without anything to play the pad stays until the last keyboard is given back.
     m_padFailed = false;
     if (m_playing && m_playing->profile != m_pad) setPad(m_playing->profile);

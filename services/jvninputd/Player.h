@@ -35,15 +35,15 @@ public:
     // Not owned.
     explicit Player(Devices& devices) : m_devices(devices) {}
 
-    enum class Manner {
-        whenFree, // each keyboard at a moment when none of its keys is down, within giveBackTimeout
-        atOnce,
+    enum class GiveBack {
+        WhenFree, // each keyboard at a moment when none of its keys is down, within giveBackTimeout
+        AtOnce,
     };
     // How long giving back waits for such a moment.
     static constexpr Duration giveBackTimeout = std::chrono::seconds(1);
 
     // Something to play, or nothing: then keyboards are given back and the pad goes.
-    void play(const std::optional<Play>& what, Manner manner, Moment now);
+    void play(const std::optional<Play>& what, GiveBack giveBack, Moment now);
 
     void keyboardAdded(KeyboardId keyboard, Moment now);
     void keyboardRemoved(KeyboardId keyboard, Moment now);

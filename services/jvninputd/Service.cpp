@@ -109,7 +109,7 @@ const Client* Service::whoPlays() const {
 void Service::changePlayer() {
     const Client* next = whoPlays();
     if (next == m_playing) return;
-    m_player.play(std::nullopt, Player::Manner::atOnce, m_loop.now());
+    m_player.play(std::nullopt, Player::GiveBack::AtOnce, m_loop.now());
     m_playing = next;
     if (m_playing) playSettings();
 }
@@ -127,7 +127,7 @@ void Service::settingsCame(Client& client) {
 
 void Service::playSettings() {
     const input::Settings& settings = *m_playing->settings();
-    if (!settings.keyboardPlays) return m_player.play(std::nullopt, Player::Manner::whenFree, m_loop.now());
+    if (!settings.keyboardPlays) return m_player.play(std::nullopt, Player::GiveBack::WhenFree, m_loop.now());
     Play play;
     play.keymap = Keymap::from({settings.bindings, settings.bindingCount});
     if (play.keymap.leftOut() > 0)
@@ -137,7 +137,7 @@ void Service::playSettings() {
     play.profile =
         settings.forceExtended || play.keymap.needsExtended() ? input::Profile::extended : input::Profile::plain;
     play.handSwitch = &m_handSwitches[m_playing];
-    m_player.play(play, Player::Manner::whenFree, m_loop.now());
+    m_player.play(play, Player::GiveBack::WhenFree, m_loop.now());
 }
 
 // Whose colour counts: root's, else that of the user in front.

@@ -2,9 +2,9 @@
 
 #include "services/bluetooth/clients.h"
 #include "services/common/log.h"
+#include "tests/support/HeldClock.h"
 #include "tests/support/MockBluetoothService.h"
 #include "tests/support/PrivateBus.h"
-#include "tests/support/held_clock.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>

@@ -1,8 +1,8 @@
 #include "services/bluetooth/SimulatedWorld.h"
 #include "services/bluetooth/clients.h"
 #include "services/common/log.h"
+#include "tests/support/HeldClock.h"
 #include "tests/support/TemporaryFolder.h"
-#include "tests/support/held_clock.h"
 
 #include <filesystem>
 #include <fstream>
@@ -115,12 +115,12 @@ TEST_F(SimulatedClientTest, WhatAPersonWritesIsHeard) {
 }
 
 TEST_F(SimulatedClientTest, ControllersRefuseAsTheyAreToldTo) {
-    const std::tuple<const char*, Error, Error> manners[] = {
+    const std::tuple<const char*, Error, Error> refusals[] = {
         {"pairing", Error::None, Error::None},           {"pairing refuses", Error::Refused, Error::Refused},
         {"pairing pin", Error::Refused, Error::Refused}, {"pairing off", Error::Unreachable, Error::Unreachable},
         {"paired forgot", Error::None, Error::None}, // paired anew
     };
-    for (const auto& [words, pairing, connecting] : manners) {
+    for (const auto& [words, pairing, connecting] : refusals) {
         write("controller 00:AA:01:01:00:01 " + std::string(words) + " : X\nbluetooth on\n");
         const auto client = make();
         EXPECT_EQ(endOf(client->pair(pad, note())), pairing) << words;

@@ -5,7 +5,7 @@
 #include "services/jvnd/FrameReader.h"
 #include "tests/jvnd/FakeBluetooth.h"
 #include "tests/jvnd/FakeDevices.h"
-#include "tests/support/held_clock.h"
+#include "tests/support/HeldClock.h"
 
 #include <algorithm>
 #include <cstdlib>

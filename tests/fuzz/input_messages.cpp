@@ -1,6 +1,6 @@
 #include "services/common/log.h"
 #include "services/jvninputd/Server.h"
-#include "tests/support/held_clock.h"
+#include "tests/support/HeldClock.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -20,15 +20,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             std::vector<input::KeyBinding> bindings(count);
             if (count > 0) std::memcpy(bindings.data(), data + 4, count * sizeof(input::KeyBinding));
             const Keymap keymap = Keymap::from(bindings);
-            world.player.play(world.something(keymap, static_cast<input::PlayMode>(word & 1)), Player::Manner::whenFree,
-                              world.now);
+            world.player.play(world.something(keymap, static_cast<input::PlayMode>(word & 1)),
+                              Player::GiveBack::WhenFree, world.now);
             break;
         }
         case 1:
             world.player.setListening(word & 1 && world.devices.pad != input::Profile::none, world.now);
             break;
         case 2:
-            world.player.play(std::nullopt, word & 1 ? Player::Manner::atOnce : Player::Manner::whenFree, world.now);
+            world.player.play(std::nullopt, word & 1 ? Player::GiveBack::AtOnce : Player::GiveBack::WhenFree,
+                              world.now);
             break;
         case 3:
             world.pass(std::chrono::milliseconds(word % 2000));
@@ -46,7 +47,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         if (!world.devices.wrong.empty()) std::abort();
     }
 
-    world.player.play(std::nullopt, Player::Manner::atOnce, world.now);
+    world.player.play(std::nullopt, Player::GiveBack::AtOnce, world.now);
     for (const auto& [id, keyboard] : world.devices.keyboards)
         if (keyboard.taken || !keyboard.standIn.empty()) std::abort();
     if (!world.devices.padState.empty() || !world.devices.wrong.empty()) std::abort();

@@ -2,7 +2,7 @@
 
 #include "tests/jvnd/FakeBluetooth.h"
 #include "tests/jvnd/FakeDevices.h"
-#include "tests/support/held_clock.h"
+#include "tests/support/HeldClock.h"
 
 #include <gtest/gtest.h>
 

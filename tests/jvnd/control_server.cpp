@@ -1,9 +1,9 @@
 #include "services/jvnd/ControlServer.h"
 
 #include "services/common/log.h"
+#include "tests/support/HeldClock.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/descriptors.h"
-#include "tests/support/held_clock.h"
 
 #include <cstring>
 #include <gtest/gtest.h>

@@ -2,8 +2,8 @@
 
 #include "services/common/log.h"
 #include "tests/jvnd/FakeBluetooth.h"
+#include "tests/support/HeldClock.h"
 #include "tests/support/TemporaryFolder.h"
-#include "tests/support/held_clock.h"
 
 #include <cstring>
 #include <gtest/gtest.h>

@@ -1,8 +1,8 @@
 #include "services/jvnd/SettingsFile.h"
 
 #include "services/common/log.h"
+#include "tests/support/HeldClock.h"
 #include "tests/support/TemporaryFolder.h"
-#include "tests/support/held_clock.h"
 
 #include <filesystem>
 #include <fstream>

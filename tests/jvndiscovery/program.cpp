@@ -1,105 +1,11 @@
 // The real tool: by its process, the buses, signals and the preferences' file.
 
-#include "platform/foundation/NSData.h"
-#include "platform/foundation/NSDictionary.h"
-#include "system/files/Descriptor.h"
-#include "system/preferences/FileLock.h"
-#include "system/preferences/PreferencesFile.h"
-#include "tests/jvndiscovery/PageServer.h"
-#include "tests/jvndiscovery/ToolProcess.h"
-#include "tests/support/MockBluetoothService.h"
-#include "tests/support/PrivateBus.h"
-#include "tests/support/TemporaryFolder.h"
-
-#include <algorithm>
-#include <cstdlib>
-#include <filesystem>
-#include <gtest/gtest.h>
+#include "tests/jvndiscovery/DiscoveryProgramTest.h"
 
 using namespace std::chrono_literals;
-using testing_support::MockBluetoothService;
-using testing_support::MockDevice;
-using testing_support::PageServer;
-using testing_support::PrivateBus;
-using testing_support::ToolProcess;
+using namespace testing_support;
 
 namespace {
-
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool isSanitized = true;
-#elif defined(__has_feature)
-constexpr bool isSanitized = __has_feature(address_sanitizer) || __has_feature(thread_sanitizer);
-#else
-constexpr bool isSanitized = false;
-#endif
-
-class DiscoveryProgramTest : public testing::Test {
-protected:
-    DiscoveryProgramTest() {
-        ::setenv("JOYVANE_ROOT", folder.path().c_str(), 1);
-        std::filesystem::create_directories(preferences);
-        choose(1);
-    }
-    ~DiscoveryProgramTest() override { ::unsetenv("JOYVANE_ROOT"); }
-
-    void choose(int type) const {
-        write("<plist version=\"1.0\"><dict><key>controller_type</key><integer>" + std::to_string(type) +
-              "</integer><key>JVNLEDColorKey</key><string>00ff00</string></dict></plist>");
-    }
-    void write(const std::string& text) const { std::ofstream(file) << text; }
-    std::string content() const {
-        std::ifstream stream(file);
-        return {std::istreambuf_iterator<char>(stream), {}};
-    }
-    // What is stored under a key.
-    id stored(const char* key) const {
-        const seat::Descriptor directory(::open(preferences.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
-        const auto read = seat::PreferencesFile::read(directory.get(), "com.quorrel.joyvane.plist");
-        return read.values ? read.values->objectForKey(key) : id();
-    }
-    std::string storedAddress() const {
-        const auto data = stored("PS4BluetoothAddress").object<NSData>();
-        std::string text;
-        for (std::size_t i = 0; data && i < data->length(); ++i) {
-            char digits[4];
-            std::snprintf(digits, sizeof digits, "%02X ", data->bytes()[i]);
-            text += digits;
-        }
-        return text;
-    }
-    ToolProcess& start(std::vector<std::string> arguments = {}) {
-        arguments.insert(arguments.begin(), JOYVANE_JVNDISCOVERY);
-        tool.reset();
-        tool.emplace(loop, std::move(arguments), folder.file("errors"));
-        return *tool;
-    }
-    bool until(const std::function<bool()>& done) { return loop.runUntil(done); }
-    // Of what the loop does not hear of.
-    bool untilSeen(const std::function<bool()>& done) {
-        for (int i = 0; i < 2000 && !done(); ++i) loop.runUntil(done, 5ms);
-        return done();
-    }
-    long count(const std::string& call) const { return std::count(service.calls.begin(), service.calls.end(), call); }
-    void expectNothingLeft() {
-        EXPECT_TRUE(until([&] { return !service.isSearching() && !service.hasAgent() && !service.isPairing(); }));
-        std::vector<std::string> names;
-        for (const auto& entry : std::filesystem::directory_iterator(preferences))
-            names.push_back(entry.path().filename());
-        std::erase(names, ".lock.com.quorrel.joyvane");
-        EXPECT_EQ(names, std::vector<std::string>{"com.quorrel.joyvane.plist"});
-    }
-
-    const std::string pad = "00:AA:01:01:00:01";
-    testing_support::TemporaryFolder folder;
-    const std::string preferences = folder.file("var/mobile/Library/Preferences");
-    const std::string file = preferences + "/com.quorrel.joyvane.plist";
-    PrivateBus systemBus{PrivateBus::Start::Now, "DBUS_SYSTEM_BUS_ADDRESS"};
-    PrivateBus sessionBus;
-    services::EventLoop loop;
-    MockBluetoothService service{loop};
-    PageServer page{loop};
-    std::optional<ToolProcess> tool;
-};
 
 TEST_F(DiscoveryProgramTest, PairsStoresAndTellsThePageInItsOrder) {
     service.addAdapter();
@@ -230,68 +136,6 @@ TEST_F(DiscoveryProgramTest, AnAdapterThatIsPulledOutIsSaid) {
     EXPECT_EQ(page.states, "403");
 }
 
-// At each question that it asks of the service.
-TEST_F(DiscoveryProgramTest, AnInterruptionAtAnyMomentEndsItWithinHalfASecondAndLeavesNothing) {
-    const std::vector<std::string> moments{"GetManagedObjects", "Set Powered",     "StartDiscovery",
-                                           "StopDiscovery",     "RegisterAgent",   "Pair",
-                                           "Set Trusted",       "Set WakeAllowed", "Connect"};
-    for (const auto& moment : moments) {
-        for (const bool isStalled : {false, true}) {
-            service.addAdapter("hci0", false);
-            service.addDevice({.address = pad});
-            page.states.clear();
-            if (isStalled) service.stall(moment);
-            bool isThere = false;
-            service.arrived = [&](const std::string& member) {
-                if (member == moment && !std::exchange(isThere, true)) tool->interrupt();
-            };
-            start();
-            EXPECT_EQ(tool->code(), 0) << moment;
-            EXPECT_LT(tool->endTime(), 500ms) << moment;
-            expectNothingLeft();
-            EXPECT_FALSE(service.device(pad).isPaired) << moment;
-            EXPECT_EQ(page.states.find('2'), std::string::npos) << moment;
-            EXPECT_EQ(storedAddress(), "") << moment;
-            service.arrived = nullptr;
-            service.behave(moment);
-            service.removeDevice(pad);
-            service.removeAdapter("hci0");
-        }
-    }
-}
-
-TEST_F(DiscoveryProgramTest, AnInterruptionBeforeTheBusHasAnsweredEndsItToo) {
-    systemBus.stop();
-    start();
-    // It takes signals for itself from the first line of its program on.
-    ASSERT_TRUE(untilSeen([&] {
-        std::ifstream status("/proc/" + std::to_string(tool->identifier()) + "/status");
-        const std::string text{std::istreambuf_iterator<char>(status), {}};
-        return text.find("SigBlk:\t0000000000004003") != std::string::npos || tool->isOver();
-    }));
-
-    tool->interrupt();
-
-    EXPECT_EQ(tool->code(), 0);
-    EXPECT_LT(tool->endTime(), 500ms);
-    EXPECT_EQ(page.states, "");
-    systemBus.resume();
-}
-
-TEST_F(DiscoveryProgramTest, AServiceThatHangsDoesNotHoldTheInterruptionUp) {
-    service.addAdapter();
-    for (const char* member : {"StopDiscovery", "CancelPairing", "UnregisterAgent", "RemoveDevice", "Pair"})
-        service.stall(member);
-    service.addDevice({.address = pad});
-    start();
-    ASSERT_TRUE(until([&] { return service.isPairing() || count("Pair 00:01") == 1; }));
-
-    tool->interrupt();
-
-    EXPECT_EQ(tool->code(), 0);
-    EXPECT_LT(tool->endTime(), 500ms);
-}
-
 TEST_F(DiscoveryProgramTest, TwentyPairingsLeaveNothingBehind) {
     service.addAdapter();
     for (int i = 0; i < 20; ++i) {
@@ -323,17 +167,6 @@ TEST_F(DiscoveryProgramTest, AnAddressThatCannotBeStoredIsNoSuccess) {
     EXPECT_EQ(storedAddress(), "");
     EXPECT_NE(tool->errors().find("storing the address of ..:00:01: "), std::string::npos) << tool->errors();
     EXPECT_EQ(tool->errors().find("00:AA"), std::string::npos) << "a whole address";
-}
-
-TEST_F(DiscoveryProgramTest, EndsWithWhoStartedIt) {
-    service.addAdapter();
-    tool.emplace(loop, std::vector<std::string>{"/bin/sh", "-c", JOYVANE_JVNDISCOVERY " & wait"},
-                 folder.file("errors"));
-    ASSERT_TRUE(until([&] { return service.isSearching(); }));
-
-    ::kill(tool->identifier(), SIGKILL);
-
-    EXPECT_TRUE(until([&] { return !service.isSearching(); }));
 }
 
 TEST_F(DiscoveryProgramTest, PairsWithoutAPageToo) {

@@ -1,7 +1,7 @@
 #include "services/common/log.h"
 #include "services/jvninputd/Server.h"
 #include "services/jvninputd/listening_socket.h"
-#include "tests/support/held_clock.h"
+#include "tests/support/HeldClock.h"
 
 #include <cerrno>
 #include <cstring>

@@ -1,7 +1,4 @@
-#include "tests/jvninputd/PlayerWorld.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
+#include "tests/jvninputd/PlayerTest.h"
 
 using namespace jvninputd;
 using namespace jvninputd::testing;
@@ -11,26 +8,6 @@ using ::testing::IsEmpty;
 
 namespace {
 
-class PlayerTest : public ::testing::Test, protected PlayerWorld {
-protected:
-    ~PlayerTest() override { EXPECT_THAT(devices.wrong, IsEmpty()); }
-
-    void chord() {
-        press(KEY_LEFTCTRL);
-        press(KEY_RIGHTCTRL);
-        press(KEY_ESC);
-    }
-    void releaseChord() {
-        release(KEY_ESC);
-        release(KEY_RIGHTCTRL);
-        release(KEY_LEFTCTRL);
-    }
-    void playByHand() {
-        plugIn(1);
-        player.play(something(keymapOf(defaultBindings), input::PlayMode::byHand), Player::Manner::whenFree, now);
-    }
-};
-
 TEST_F(PlayerTest, WithoutAnythingToPlayKeyboardsAreNotEvenOpened) {
     plugIn(1);
     EXPECT_THAT(devices.calls, IsEmpty());
@@ -39,7 +16,7 @@ TEST_F(PlayerTest, WithoutAnythingToPlayKeyboardsAreNotEvenOpened) {
 
 TEST_F(PlayerTest, WhileNobodyListensThereIsAPadAndKeysAreNotRead) {
     plugIn(1);
-    player.play(something(), Player::Manner::whenFree, now);
+    player.play(something(), Player::GiveBack::WhenFree, now);
 
     EXPECT_THAT(devices.calls, ElementsAre("make pad 1"));
     EXPECT_EQ(player.readiness(), input::Readiness::waitingForGame);
@@ -99,7 +76,7 @@ TEST_F(PlayerTest, APressAndReleaseInOneFrameIsBoth) {
 TEST_F(PlayerTest, AKeyboardIsTakenOnlyWhenNoneOfItsKeysIsDown) {
     plugIn(1);
     plugIn(2);
-    player.play(something(), Player::Manner::whenFree, now);
+    player.play(something(), Player::GiveBack::WhenFree, now);
     press(KEY_ENTER);
     player.setListening(true, now);
     EXPECT_FALSE(taken(1));
@@ -115,7 +92,7 @@ TEST_F(PlayerTest, AKeyboardIsTakenOnlyWhenNoneOfItsKeysIsDown) {
 
 TEST_F(PlayerTest, WaitingForKeysIsSaid) {
     plugIn(1);
-    player.play(something(), Player::Manner::whenFree, now);
+    player.play(something(), Player::GiveBack::WhenFree, now);
     press(KEY_ENTER);
     player.setListening(true, now);
 
@@ -167,7 +144,7 @@ TEST_F(PlayerTest, WhoGovernsGoesAndEverythingIsLetGoAtOnce) {
     press(KEY_W);
     press(KEY_TAB);
     devices.calls.clear();
-    player.play(std::nullopt, Player::Manner::atOnce, now);
+    player.play(std::nullopt, Player::GiveBack::AtOnce, now);
 
     EXPECT_THAT(devices.calls, ElementsAre("pad 3:17=0", "desktop 1 1:15=0", "give back 1", "close 1", "make pad 0"));
     EXPECT_FALSE(player.deadline());
@@ -176,7 +153,7 @@ TEST_F(PlayerTest, WhoGovernsGoesAndEverythingIsLetGoAtOnce) {
 TEST_F(PlayerTest, AKeyboardThatIsNoLongerChosenIsGivenBackWhenFreeAndThenThePadGoes) {
     startGame();
     press(KEY_W);
-    player.play(std::nullopt, Player::Manner::whenFree, now);
+    player.play(std::nullopt, Player::GiveBack::WhenFree, now);
     EXPECT_TRUE(taken());
     EXPECT_EQ(devices.pad, input::Profile::plain);
 
@@ -188,7 +165,7 @@ TEST_F(PlayerTest, AKeyboardThatIsNoLongerChosenIsGivenBackWhenFreeAndThenThePad
 TEST_F(PlayerTest, AKeyPressedWhileItWaitsToBeGivenBackReachesTheDesktop) {
     startGame();
     press(KEY_W);
-    player.play(std::nullopt, Player::Manner::whenFree, now);
+    player.play(std::nullopt, Player::GiveBack::WhenFree, now);
     devices.calls.clear();
     press(KEY_S);
 
@@ -199,7 +176,7 @@ TEST_F(PlayerTest, AKeymapChangedInTheMiddleOfAPressReleasesWhatWasPressed) {
     startGame();
     press(KEY_W);
     press(KEY_Q);
-    player.play(something(keymapOf({{26, 5}, {20, 6}})), Player::Manner::whenFree, now); // W is A, Q is B
+    player.play(something(keymapOf({{26, 5}, {20, 6}})), Player::GiveBack::WhenFree, now); // W is A, Q is B
     EXPECT_EQ(devices.padShows(), "3:17=-1");
 
     release(KEY_W);
@@ -214,7 +191,7 @@ TEST_F(PlayerTest, AKeymapChangedInTheMiddleOfAPressReleasesWhatWasPressed) {
 TEST_F(PlayerTest, AnotherProfileIsAnotherPadAndHeldKeysDoNotShowOnIt) {
     startGame();
     press(KEY_W);
-    player.play(something(keymapOf({{26, 3}, {4, 11}})), Player::Manner::whenFree, now);
+    player.play(something(keymapOf({{26, 3}, {4, 11}})), Player::GiveBack::WhenFree, now);
     EXPECT_EQ(devices.pad, input::Profile::extended);
     EXPECT_EQ(devices.padShows(), "");
     EXPECT_FALSE(player.listening());
@@ -255,7 +232,7 @@ TEST_F(PlayerTest, AKeyboardPluggedInDuringAGamePlaysToo) {
 TEST_F(PlayerTest, AKeyboardThatAnotherProgramHadIsTakenAfterItsNextKey) {
     plugIn(1);
     devices.keyboards[1].otherHasIt = true;
-    player.play(something(), Player::Manner::whenFree, now);
+    player.play(something(), Player::GiveBack::WhenFree, now);
     player.setListening(true, now);
     EXPECT_FALSE(taken());
     EXPECT_FALSE(player.deadline()) << "no timer runs for it";
@@ -266,116 +243,6 @@ TEST_F(PlayerTest, AKeyboardThatAnotherProgramHadIsTakenAfterItsNextKey) {
     EXPECT_TRUE(taken());
 }
 
-TEST_F(PlayerTest, TheChordPausesAndResumes) {
-    startGame();
-    press(KEY_W);
-    devices.calls.clear();
-    chord();
-    EXPECT_THAT(devices.calls, ElementsAre("desktop 1 1:29=1", "desktop 1 1:97=1", "pad 3:17=0",
-                                           "desktop 1 1:29=0 1:97=0", "give back 1"))
-        << "its Escape goes nowhere";
-    EXPECT_EQ(player.readiness(), input::Readiness::paused);
-
-    release(KEY_W);
-    releaseChord();
-    EXPECT_FALSE(taken());
-    chord();
-    EXPECT_FALSE(taken()) << "the chord's own keys are still down";
-    releaseChord();
-    EXPECT_TRUE(taken());
-}
-
-TEST_F(PlayerTest, TheChordWorksWhateverIsMapped) {
-    startGame(keymapOf({{224, 5}, {228, 6}, {41, 21}}));
-    chord();
-    EXPECT_FALSE(taken());
-    EXPECT_EQ(devices.padShows(), "");
-}
-
-TEST_F(PlayerTest, TheChordForKeyboardsWithoutARightCtrl) {
-    startGame();
-    press(KEY_LEFTCTRL);
-    press(KEY_LEFTALT);
-    press(KEY_ESC);
-
-    EXPECT_FALSE(taken());
-}
-
-TEST_F(PlayerTest, OneModifierIsNoChord) {
-    startGame();
-    for (const unsigned modifier : {KEY_LEFTCTRL, KEY_RIGHTCTRL, KEY_LEFTALT}) {
-        press(modifier);
-        press(KEY_ESC);
-        EXPECT_TRUE(taken());
-        EXPECT_EQ(devices.padShows(), "1:315=1");
-        release(KEY_ESC);
-        release(modifier);
-    }
-}
-
-TEST_F(PlayerTest, TheChordsKeysMayBeOnTwoKeyboards) {
-    startGame();
-    plugIn(2);
-    press(KEY_LEFTCTRL, 1);
-    press(KEY_RIGHTCTRL, 2);
-    press(KEY_ESC, 1);
-
-    EXPECT_FALSE(taken(1));
-    EXPECT_FALSE(taken(2));
-}
-
-TEST_F(PlayerTest, APauseEndsWhenTheLastReaderClosesThePad) {
-    startGame();
-    chord();
-    releaseChord();
-    player.setListening(false, now);
-    player.setListening(true, now);
-
-    EXPECT_TRUE(taken());
-}
-
-TEST_F(PlayerTest, ByHandTheChordSwitchesOnAndOff) {
-    playByHand();
-    EXPECT_EQ(player.readiness(), input::Readiness::switchedOff);
-    EXPECT_TRUE(devices.keyboards[1].open);
-    chord();
-    releaseChord();
-    EXPECT_TRUE(taken());
-    chord();
-    EXPECT_FALSE(taken());
-}
-
-TEST_F(PlayerTest, ByHandAGameThatComesOrGoesChangesNothing) {
-    playByHand();
-    player.setListening(true, now);
-    EXPECT_FALSE(taken());
-    chord();
-    releaseChord();
-    player.setListening(false, now);
-    EXPECT_TRUE(taken());
-}
-
-TEST_F(PlayerTest, TheSwitchOutlastsALock) {
-    playByHand();
-    chord();
-    releaseChord();
-    player.play(std::nullopt, Player::Manner::atOnce, now);
-    EXPECT_FALSE(taken());
-    player.play(something(keymapOf(defaultBindings), input::PlayMode::byHand), Player::Manner::whenFree, now);
-
-    EXPECT_TRUE(taken());
-}
-
-TEST_F(PlayerTest, TheSwitchIsOffAfterTheOtherMode) {
-    playByHand();
-    chord();
-    releaseChord();
-    player.play(something(), Player::Manner::whenFree, now);
-    player.play(something(keymapOf(defaultBindings), input::PlayMode::byHand), Player::Manner::whenFree, now);
-
-    EXPECT_EQ(player.readiness(), input::Readiness::switchedOff);
-}
-
 TEST_F(PlayerTest, WithoutAPadNothingIsTaken) {
     devices.padCanBeMade = false;
     startGame();
@@ -383,7 +250,7 @@ TEST_F(PlayerTest, WithoutAPadNothingIsTaken) {
     EXPECT_EQ(player.readiness(), input::Readiness::noPad);
 
     devices.padCanBeMade = true;
-    player.play(something(), Player::Manner::whenFree, now);
+    player.play(something(), Player::GiveBack::WhenFree, now);
     player.setListening(true, now);
     EXPECT_TRUE(taken());
 }

@@ -170,14 +170,14 @@ private:
         const auto profileBefore = devices.pad;
         m_playing =
             something(Keymap::from(bindings), below(4) ? input::PlayMode::whileListened : input::PlayMode::byHand);
-        player.play(m_playing, Player::Manner::whenFree, now);
+        player.play(m_playing, Player::GiveBack::WhenFree, now);
         if (devices.pad != profileBefore) m_model.held.clear();
     }
 
     void stopPlaying() {
         m_playing.reset();
         const bool atOnce = below(2) == 0;
-        player.play(std::nullopt, atOnce ? Player::Manner::atOnce : Player::Manner::whenFree, now);
+        player.play(std::nullopt, atOnce ? Player::GiveBack::AtOnce : Player::GiveBack::WhenFree, now);
         if (!atOnce) return;
         for (const auto& [id, keyboard] : devices.keyboards) EXPECT_FALSE(keyboard.taken);
         EXPECT_EQ(devices.pad, input::Profile::none);

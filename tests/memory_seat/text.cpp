@@ -3,6 +3,7 @@
 
 #include "kit/quartz/Canvas.h"
 #include "kit/quartz/context.h"
+#include "kit/quartz/drawing.h"
 #include "kit/quartz/snapping.h"
 #include "kit/seat.h"
 #include "platform/uikit/UIScreen.h"
@@ -70,7 +71,7 @@ struct Line {
     }
 };
 
-// Blanks at a line's end have no width.
+// Spaces at a line's end have no width.
 void trim(Line& line) {
     while (!line.characters.empty() && line.characters.back().code == U' ') {
         line.width -= line.characters.back().width;
@@ -88,7 +89,7 @@ std::vector<Line> linesOf(std::span<const TextRun> runs, double maxWidth, int mo
             ++i;
             continue;
         }
-        // A word with the blanks before it.
+        // A word with the spaces before it.
         std::size_t end = i;
         Line word;
         while (end < characters.size() && characters[end].code == U' ') word.add(characters[end++]);

@@ -1,6 +1,6 @@
 #include "services/common/EventLoop.h"
 
-#include "tests/support/held_clock.h"
+#include "tests/support/HeldClock.h"
 
 #include <csignal>
 #include <gtest/gtest.h>

@@ -47,13 +47,13 @@ void MockBluetoothService::vanish() {
 }
 
 void MockBluetoothService::fail(const std::string& member, const std::string& error, const std::string& text) {
-    m_manners[member] = {Manner::Kind::Fail, error, text};
+    m_faults[member] = {Fault::Kind::Fail, error, text};
 }
-void MockBluetoothService::stall(const std::string& member) { m_manners[member] = {Manner::Kind::Stall, "", ""}; }
+void MockBluetoothService::stall(const std::string& member) { m_faults[member] = {Fault::Kind::Stall, "", ""}; }
 void MockBluetoothService::answerNonsense(const std::string& member) {
-    m_manners[member] = {Manner::Kind::Nonsense, "", ""};
+    m_faults[member] = {Fault::Kind::Nonsense, "", ""};
 }
-void MockBluetoothService::behave(const std::string& member) { m_manners.erase(member); }
+void MockBluetoothService::behave(const std::string& member) { m_faults.erase(member); }
 
 void MockBluetoothService::letGo(const std::string& member) {
     behave(member);
@@ -118,15 +118,15 @@ int MockBluetoothService::handle(::sd_bus_message* message) {
     if (arrived) arrived(member);
     if (!m_bus) return 1; // the test has had enough
 
-    if (const auto manner = m_manners.find(member); manner != m_manners.end()) {
-        switch (manner->second.kind) {
-        case Manner::Kind::Fail:
-            replyError(message, manner->second.error, manner->second.text);
+    if (const auto fault = m_faults.find(member); fault != m_faults.end()) {
+        switch (fault->second.kind) {
+        case Fault::Kind::Fail:
+            replyError(message, fault->second.error, fault->second.text);
             return 1;
-        case Manner::Kind::Stall:
+        case Fault::Kind::Stall:
             m_stalled.emplace_back(member, ::sd_bus_message_ref(message));
             return 1;
-        case Manner::Kind::Nonsense:
+        case Fault::Kind::Nonsense:
             ::sd_bus_reply_method_return(message, "sa{sv}u", "what?", 0, 7U);
             return 1;
         }

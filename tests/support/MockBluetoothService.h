@@ -81,7 +81,7 @@ private:
         bool isPowered = true;
         bool isBlocked = false;
     };
-    struct Manner {
+    struct Fault {
         enum class Kind { Fail, Stall, Nonsense } kind;
         std::string error;
         std::string text;
@@ -115,7 +115,7 @@ private:
     ::sd_bus* m_bus = nullptr;
     std::map<std::string, Adapter> m_adapters;
     std::vector<MockDevice> m_devices;
-    std::map<std::string, Manner> m_manners;
+    std::map<std::string, Fault> m_faults;
     std::map<std::string, std::string> m_agents; // by client: its agent's path
     std::set<std::string> m_searches;            // clients
     services::Message m_pairing;                 // not answered yet

@@ -32,7 +32,7 @@ protected:
         loop.runReady();
     }
     // Another process's draft.
-    std::string strangersDraft(const std::string& name, int ageInSeconds) {
+    std::string foreignDraft(const std::string& name, int ageInSeconds) {
         const std::string path = root.file("tmp/mail/" + name);
         fs::create_directories(fs::path(path).parent_path());
         std::ofstream(path) << "a message";
@@ -104,9 +104,9 @@ TEST_F(MailDrafts, AtTheEndThoseThatWereReadGoAndTheOthersStay) {
 }
 
 TEST_F(MailDrafts, ALaterStartRemovesWhatWasForgottenAndNothingElse) {
-    const std::string forgotten = strangersDraft("message-abcdef.eml", 3600);
-    const std::string fresh = strangersDraft("message-ghijkl.eml", 60);
-    const std::string other = strangersDraft("holiday.eml", 3600);
+    const std::string forgotten = foreignDraft("message-abcdef.eml", 3600);
+    const std::string fresh = foreignDraft("message-ghijkl.eml", 60);
+    const std::string other = foreignDraft("holiday.eml", 3600);
 
     drafts.removeForgotten();
 

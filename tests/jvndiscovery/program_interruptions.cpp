@@ -1,0 +1,83 @@
+// The real tool is interrupted, or left alone by who started it.
+
+#include "tests/jvndiscovery/DiscoveryProgramTest.h"
+
+using namespace std::chrono_literals;
+using namespace testing_support;
+
+namespace {
+
+// At each question that it asks of the service.
+TEST_F(DiscoveryProgramTest, AnInterruptionAtAnyMomentEndsItWithinHalfASecondAndLeavesNothing) {
+    const std::vector<std::string> moments{"GetManagedObjects", "Set Powered",     "StartDiscovery",
+                                           "StopDiscovery",     "RegisterAgent",   "Pair",
+                                           "Set Trusted",       "Set WakeAllowed", "Connect"};
+    for (const auto& moment : moments) {
+        for (const bool isStalled : {false, true}) {
+            service.addAdapter("hci0", false);
+            service.addDevice({.address = pad});
+            page.states.clear();
+            if (isStalled) service.stall(moment);
+            bool isThere = false;
+            service.arrived = [&](const std::string& member) {
+                if (member == moment && !std::exchange(isThere, true)) tool->interrupt();
+            };
+            start();
+            EXPECT_EQ(tool->code(), 0) << moment;
+            EXPECT_LT(tool->endTime(), 500ms) << moment;
+            expectNothingLeft();
+            EXPECT_FALSE(service.device(pad).isPaired) << moment;
+            EXPECT_EQ(page.states.find('2'), std::string::npos) << moment;
+            EXPECT_EQ(storedAddress(), "") << moment;
+            service.arrived = nullptr;
+            service.behave(moment);
+            service.removeDevice(pad);
+            service.removeAdapter("hci0");
+        }
+    }
+}
+
+TEST_F(DiscoveryProgramTest, AnInterruptionBeforeTheBusHasAnsweredEndsItToo) {
+    systemBus.stop();
+    start();
+    // It takes signals for itself from the first line of its program on.
+    ASSERT_TRUE(untilSeen([&] {
+        std::ifstream status("/proc/" + std::to_string(tool->identifier()) + "/status");
+        const std::string text{std::istreambuf_iterator<char>(status), {}};
+        return text.find("SigBlk:\t0000000000004003") != std::string::npos || tool->isOver();
+    }));
+
+    tool->interrupt();
+
+    EXPECT_EQ(tool->code(), 0);
+    EXPECT_LT(tool->endTime(), 500ms);
+    EXPECT_EQ(page.states, "");
+    systemBus.resume();
+}
+
+TEST_F(DiscoveryProgramTest, AServiceThatHangsDoesNotHoldTheInterruptionUp) {
+    service.addAdapter();
+    for (const char* member : {"StopDiscovery", "CancelPairing", "UnregisterAgent", "RemoveDevice", "Pair"})
+        service.stall(member);
+    service.addDevice({.address = pad});
+    start();
+    ASSERT_TRUE(until([&] { return service.isPairing() || count("Pair 00:01") == 1; }));
+
+    tool->interrupt();
+
+    EXPECT_EQ(tool->code(), 0);
+    EXPECT_LT(tool->endTime(), 500ms);
+}
+
+TEST_F(DiscoveryProgramTest, EndsWithWhoStartedIt) {
+    service.addAdapter();
+    tool.emplace(loop, std::vector<std::string>{"/bin/sh", "-c", JOYVANE_JVNDISCOVERY " & wait"},
+                 folder.file("errors"));
+    ASSERT_TRUE(until([&] { return service.isSearching(); }));
+
+    ::kill(tool->identifier(), SIGKILL);
+
+    EXPECT_TRUE(until([&] { return !service.isSearching(); }));
+}
+
+} // namespace
