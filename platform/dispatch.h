@@ -11,8 +11,12 @@ using dispatch_queue_t = DispatchQueue*;
 
 inline constexpr long DISPATCH_QUEUE_PRIORITY_DEFAULT = 0;
 
+// The same queue at each call.
 dispatch_queue_t dispatch_get_main_queue();
+// There is one, whatever the priority; `flags` is 0.
 dispatch_queue_t dispatch_get_global_queue(long priority, unsigned long flags);
+// Any thread; never waits. nil and an empty block do nothing. What the block holds is released right after its run, on
+// the thread that ran it.
 void dispatch_async(dispatch_queue_t queue, std::function<void()> block);
 
 // True on the thread that runs the main queue.

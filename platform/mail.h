@@ -7,8 +7,10 @@
 class MFMailComposeViewController;
 class NSError;
 
+// The numbers are the phone's; this seat reports Cancelled and Sent.
 enum class MFMailComposeResult { Cancelled = 0, Saved = 1, Sent = 2, Failed = 3 };
 
+// Who hears how the screen was left. Main thread.
 class MFMailComposeViewControllerDelegate {
 public:
     virtual ~MFMailComposeViewControllerDelegate() = default;
@@ -33,15 +35,16 @@ public:
     // Weak; hears once how the screen was left: cancelled, or sent once the mail program was started. Without one the
     // screen dismisses itself.
     void setMailComposeDelegate(const std::shared_ptr<MFMailComposeViewControllerDelegate>& delegate);
+    // UTF-8; set before the screen is shown.
     void setMessageBody_isHTML(std::string body, bool isHTML);
 
-    void loadView() override;
     void viewDidAppear(bool animated) override;
-    // As Cancel does.
-    bool accessibilityPerformEscape() override;
 
 private:
     MFMailComposeViewController();
+    void loadView() override;
+    // As Cancel does.
+    bool accessibilityPerformEscape() override;
     void cancelTapped();
     void openTapped();
     void handedOver(bool isStarted);

@@ -14,11 +14,14 @@ class CPDistributedMessagingCenter final : public NSObject {
     // The same object for the same name while one is alive.
     static std::shared_ptr<CPDistributedMessagingCenter> centerNamed(const std::string& name);
 
+    // Running a running server, and stopping a stopped one, do nothing.
     void runServerOnCurrentThread();
     void stopServer();
     // The target is weak; the selector takes the message's name and its dictionary (nil when it carried none).
     void registerForMessageName_target_selector(const std::string& message, const std::shared_ptr<NSObject>& target,
                                                 SEL selector);
+    // One target a name: registering again replaces it. A message that nobody registered for is
+    // dropped.
     void unregisterForMessageName(const std::string& message);
 
     struct State; // opaque

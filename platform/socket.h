@@ -5,8 +5,9 @@
 #include <cstddef>
 #include <cstdint>
 
-// UNIX-domain stream sockets with the phone's constants and its 106-byte address record. Failure is -1; nothing here
-// raises a signal. Descriptors are close-on-exec.
+// UNIX-domain stream sockets with the phone's constants and its 106-byte address record. Failure is -1, and errno says
+// why; nothing here raises a signal. Descriptors are close-on-exec. Any thread; a descriptor is for one thread at a
+// time.
 
 namespace platform {
 
@@ -16,6 +17,7 @@ inline constexpr int SOL_SOCKET_LEVEL = 0xffff;
 inline constexpr int SO_RCVTIMEO_OPTION = 0x1006;
 inline constexpr int MSG_WAITALL_FLAG = 0x40;
 
+// The first two bytes are the length of what counts and the family; the path ends at its first zero.
 struct sockaddr_un {
     std::uint8_t sun_len = 0;
     std::uint8_t sun_family = 0;
@@ -37,6 +39,7 @@ std::ptrdiff_t send(int descriptor, const void* bytes, std::size_t length, int f
 std::ptrdiff_t recv(int descriptor, void* bytes, std::size_t length, int flags);
 // SOL_SOCKET_LEVEL with SO_RCVTIMEO_OPTION and a timeval; anything else fails.
 int setsockopt(int descriptor, int level, int option, const void* value, std::size_t size);
+// A descriptor is closed once, whatever this returns.
 int close(int descriptor);
 
 } // namespace platform

@@ -1,6 +1,7 @@
 #include "desktop/mail/ComposeView.h"
 
 #include "desktop/mail/message_body.h"
+#include "kit/quartz/geometry.h"
 #include "kit/uikit/appearance.h"
 
 #include <algorithm>

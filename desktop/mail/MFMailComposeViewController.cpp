@@ -4,9 +4,9 @@
 #include "desktop/mail/html_blocks.h"
 #include "desktop/mail/mail_program.h"
 #include "desktop/mail/message_text.h"
+#include "kit/uikit/UIWindow.h"
 #include "platform/foundation/NSError.h"
 #include "platform/runtime/method.h"
-#include "platform/uikit/UIWindow.h"
 
 #include <utility>
 
@@ -75,7 +75,7 @@ void MFMailComposeViewController::cancelTapped() { finish(MFMailComposeResult::C
 void MFMailComposeViewController::openTapped() {
     if (m_state->isFinished) return;
     const auto mail = seat::mailProgram();
-    if (!mail) return handedOver(false);
+    if (!mail) return handedOver(/*isStarted=*/false);
     m_state->view->beginHandOver();
     const std::string html = m_state->bodyIsHTML ? m_state->body : seat::htmlOfText(m_state->body);
     seat::handOver(*mail, html, [weak = std::weak_ptr(self(this))](bool isStarted) {
@@ -94,5 +94,5 @@ void MFMailComposeViewController::finish(MFMailComposeResult result) {
     if (const auto delegate = m_state->delegate.lock())
         delegate->mailComposeController_didFinishWithResult_error(*this, result, nullptr);
     else
-        dismissViewControllerAnimated_completion(true, nullptr);
+        dismissViewControllerAnimated_completion(/*animated=*/true, nullptr);
 }

@@ -20,7 +20,7 @@ void handOver(const MailProgram& mail, const std::string& htmlBody, std::functio
     if (mail.takes == MailProgram::Takes::Address)
         return startProgram(mail.program, mailAddressWithBody(plainMessage(htmlBody)), std::move(ended));
     const std::string draft = MailDrafts::shared().save(mailDraft(htmlBody));
-    if (draft.empty()) return queueOnMain([ended] { ended(false); });
+    if (draft.empty()) return queueOnMain([ended] { ended(/*isStarted=*/false); });
     startProgram(mail.program, draft, [draft, ended](bool isStarted) {
         if (!isStarted) MailDrafts::shared().discard(draft);
         ended(isStarted);

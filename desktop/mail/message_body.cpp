@@ -2,6 +2,7 @@
 
 #include "desktop/mail/MessageLink.h"
 #include "desktop/painting/TextLayout.h"
+#include "kit/quartz/geometry.h"
 #include "kit/quartz/text_runs.h"
 #include "kit/uikit/appearance.h"
 #include "platform/uikit/UILabel.h"

@@ -6,6 +6,7 @@
 #include "desktop/painting/ToolkitPainter.h"
 #include "desktop/painting/painting.h"
 #include "kit/quartz/context.h"
+#include "kit/quartz/geometry.h"
 #include "kit/quartz/snapping.h"
 #include "platform/uikit/UIScreen.h"
 

@@ -18,7 +18,7 @@ bool AlertQueue::contains(const UIAlertView& alert) const {
 void AlertQueue::add(const std::shared_ptr<UIAlertView>& alert) {
     if (contains(*alert)) return;
     // Its window is gone: nobody can answer it any more.
-    while (!m_alerts.empty() && m_alerts.front()->m_alert->hasAppeared && !m_alerts.front()->window())
+    while (!m_alerts.empty() && AlertInternals::state(*m_alerts.front()).hasAppeared && !m_alerts.front()->window())
         m_alerts.pop_front();
     if (repeatsTheLast(*alert)) {
         NSLog("showing the alert \"%s\": the same one stands or waits already", alert->title().c_str());
@@ -30,16 +30,18 @@ void AlertQueue::add(const std::shared_ptr<UIAlertView>& alert) {
 }
 
 bool AlertQueue::repeatsTheLast(const UIAlertView& alert) const {
-    if (m_alerts.empty() || !alert.m_alert->delegate.expired()) return false;
+    if (m_alerts.empty() || !AlertInternals::state(alert).delegate.expired()) return false;
     const UIAlertView& last = *m_alerts.back();
-    return last.m_alert->delegate.expired() && !last.m_alert->isDismissing && last.title() == alert.title() &&
-           last.message() == alert.message() && last.buttonTitles() == alert.buttonTitles();
+    return AlertInternals::state(last).delegate.expired() && !AlertInternals::state(last).isDismissing &&
+           last.title() == alert.title() && last.message() == alert.message() &&
+           last.buttonTitles() == alert.buttonTitles();
 }
 
 // The newest ones are what is so now.
 void AlertQueue::forgetOldestWaiting() {
-    const auto oldest = std::find_if(m_alerts.begin() + 1, m_alerts.end(),
-                                     [](const auto& alert) { return alert->m_alert->delegate.expired(); });
+    const auto oldest = std::find_if(m_alerts.begin() + 1, m_alerts.end(), [](const auto& alert) {
+        return AlertInternals::state(*alert).delegate.expired();
+    });
     if (oldest == m_alerts.end()) return;
     NSLog("showing the alert \"%s\": too many wait, and the oldest of them is left out", (*oldest)->title().c_str());
     m_alerts.erase(oldest);
@@ -50,17 +52,17 @@ void AlertQueue::remove(const std::shared_ptr<UIAlertView>& alert, long buttonIn
     if (at == m_alerts.end()) return;
     m_alerts.erase(at);
     // It may be shown again.
-    alert->m_alert->hasAppeared = false;
+    AlertInternals::state(*alert).hasAppeared = false;
     // With its buttons the focus goes too, back to where it was before.
     alert->removeFromSuperview();
-    if (const auto delegate = alert->m_alert->delegate.lock())
+    if (const auto delegate = AlertInternals::state(*alert).delegate.lock())
         delegate->alertView_didDismissWithButtonIndex(*alert, buttonIndex);
     showFirst();
 }
 
 void AlertQueue::showFirst() {
-    if (m_alerts.empty() || m_alerts.front()->m_alert->hasAppeared) return;
+    if (m_alerts.empty() || AlertInternals::state(*m_alerts.front()).hasAppeared) return;
     const auto window = UIApplication::sharedApplication()->keyWindow();
     if (!window) return;
-    m_alerts.front()->appearIn(*window);
+    AlertInternals::appearIn(*m_alerts.front(), *window);
 }

@@ -1,5 +1,6 @@
 #include "kit/alerts/Spinner.h"
 
+#include "kit/quartz/geometry.h"
 #include "platform/uikit/UIBezierPath.h"
 
 #include <cmath>

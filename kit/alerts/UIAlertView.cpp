@@ -2,6 +2,7 @@
 
 #include "kit/alerts/AlertQueue.h"
 #include "kit/alerts/alert_state.h"
+#include "kit/quartz/geometry.h"
 #include "kit/tables/CellParts.h"
 #include "kit/uikit/appearance.h"
 #include "platform/runtime/method.h"

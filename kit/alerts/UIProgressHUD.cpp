@@ -3,6 +3,7 @@
 #include "kit/alerts/Spinner.h"
 #include "kit/alerts/progress_canceller.h"
 #include "kit/controllers/TextButton.h"
+#include "kit/quartz/geometry.h"
 #include "kit/tables/CellParts.h"
 #include "kit/uikit/appearance.h"
 #include "platform/runtime/method.h"

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "kit/controllers/TextButton.h"
+#include "kit/uikit/UIWindow.h"
 #include "platform/uikit/UIAlertView.h"
 #include "platform/uikit/UIScrollView.h"
-#include "platform/uikit/UIWindow.h"
 
 struct UIAlertView::State {
     std::string title;
@@ -23,3 +23,10 @@ struct UIAlertView::State {
 
     bool hasButtonsSideBySide() const { return buttons.size() == 2; }
 };
+
+struct UIAlertView::Internals {
+    static State& state(UIAlertView& alert) { return *alert.m_alert; }
+    static const State& state(const UIAlertView& alert) { return *alert.m_alert; }
+    static void appearIn(UIAlertView& alert, UIWindow& window) { alert.appearIn(window); }
+};
+using AlertInternals = UIAlertView::Internals;

@@ -26,7 +26,7 @@ struct ScreenPlace {
     CGSize size;
 };
 
-struct ControllerInternals {
+struct UIViewController::Internals {
     // Of a view that stands nowhere yet: the screen's, so that what is set up in `viewDidLoad` has a real size.
     static CGRect initialFrame();
     // Weakly; nil takes it out.
@@ -37,3 +37,4 @@ struct ControllerInternals {
     static bool isArriving(const UIViewController& controller);
     static ScreenPlace& place(UIViewController& controller);
 };
+using ControllerInternals = UIViewController::Internals;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/uikit/UINavigationBar.h"
+#include "kit/controllers/UINavigationBar.h"
 
 #include <memory>
 #include <optional>
@@ -8,7 +8,7 @@
 
 class UINavigationController;
 
-struct NavigationBarInternals {
+struct UINavigationBar::Internals {
     struct Item {
         std::string title;
         std::optional<std::string> backTitle; // nothing: no back button
@@ -17,3 +17,4 @@ struct NavigationBarInternals {
     enum class Direction { Forward, Back };
     static void show(UINavigationBar& bar, const Item& item, Direction direction, bool animated);
 };
+using NavigationBarInternals = UINavigationBar::Internals;

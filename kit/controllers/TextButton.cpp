@@ -1,5 +1,6 @@
 #include "kit/controllers/TextButton.h"
 
+#include "kit/quartz/geometry.h"
 #include "kit/tables/CellParts.h"
 #include "kit/uikit/appearance.h"
 #include "platform/uikit/UIBezierPath.h"

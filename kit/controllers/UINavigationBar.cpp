@@ -1,7 +1,8 @@
-#include "platform/uikit/UINavigationBar.h"
+#include "kit/controllers/UINavigationBar.h"
 
 #include "kit/controllers/NavigationBarInternals.h"
 #include "kit/controllers/TextButton.h"
+#include "kit/quartz/geometry.h"
 #include "kit/uikit/appearance.h"
 #include "platform/uikit/UINavigationController.h"
 

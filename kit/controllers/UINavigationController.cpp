@@ -1,6 +1,7 @@
 #include "platform/uikit/UINavigationController.h"
 
 #include "kit/controllers/navigation_state.h"
+#include "kit/quartz/geometry.h"
 #include "kit/uikit/appearance.h"
 #include "platform/log.h"
 #include "platform/runtime/method.h"
@@ -60,7 +61,7 @@ std::shared_ptr<UIViewController> UINavigationController::childInFront() const {
     return presented ? presented : topViewController();
 }
 
-const std::shared_ptr<UINavigationBar>& UINavigationController::navigationBar() { return m_navigation->bar; }
+std::shared_ptr<UIView> UINavigationController::navigationBar() { return m_navigation->bar; }
 
 void UINavigationController::loadView() {
     UIViewController::loadView();

@@ -2,6 +2,7 @@
 
 #include "kit/controllers/controller_state.h"
 #include "kit/controllers/navigation_state.h"
+#include "kit/quartz/geometry.h"
 #include "kit/uikit/view_controller.h"
 #include "platform/uikit/UINavigationController.h"
 #include "platform/uikit/UIScreen.h"

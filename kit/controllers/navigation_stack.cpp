@@ -3,6 +3,7 @@
 #include "kit/controllers/NavigationBarInternals.h"
 #include "kit/controllers/navigation_state.h"
 #include "kit/controllers/screen_place.h"
+#include "kit/quartz/geometry.h"
 #include "kit/uikit/appearance.h"
 
 #include <algorithm>

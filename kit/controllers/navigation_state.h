@@ -1,6 +1,7 @@
 #pragma once
 
 #include "kit/controllers/ControllerInternals.h"
+#include "kit/controllers/UINavigationBar.h"
 #include "platform/uikit/UINavigationController.h"
 
 // What a navigation controller keeps. The stack changes at once; what is shown is then brought in line with it.
@@ -27,6 +28,7 @@ private:
     void prepare(UIViewController& screen) const;
 };
 
-struct NavigationInternals {
+struct UINavigationController::Internals {
     static void titleChanged(UINavigationController& controller);
 };
+using NavigationInternals = UINavigationController::Internals;

@@ -1,8 +1,9 @@
 // Screens over the whole window.
 
 #include "kit/controllers/controller_state.h"
+#include "kit/quartz/geometry.h"
+#include "kit/uikit/UIWindow.h"
 #include "platform/log.h"
-#include "platform/uikit/UIWindow.h"
 
 #include <utility>
 

@@ -1,6 +1,7 @@
 #include "kit/controllers/screen_place.h"
 
 #include "kit/controllers/ControllerInternals.h"
+#include "kit/quartz/geometry.h"
 #include "kit/uikit/appearance.h"
 
 #include <algorithm>

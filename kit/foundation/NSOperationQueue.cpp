@@ -46,11 +46,6 @@ NSOperationQueue::~NSOperationQueue() {
 
 std::shared_ptr<NSOperationQueue> NSOperationQueue::init() { return NSObject::init() ? self(this) : nullptr; }
 
-bool NSOperationQueue::isSuspended() const {
-    const std::lock_guard lock(m_state->mutex);
-    return m_state->suspended;
-}
-
 void NSOperationQueue::setSuspended(bool suspended) {
     const std::lock_guard lock(m_state->mutex);
     m_state->suspended = suspended;

@@ -1,6 +1,7 @@
 #include "platform/quartz/CALayer.h"
 
 #include "kit/quartz/LayerInternals.h"
+#include "kit/quartz/geometry.h"
 #include "kit/quartz/layer_change.h"
 #include "kit/quartz/repaint.h"
 

@@ -32,9 +32,9 @@ void CALayer::removeFromSuperlayer() {
     if (kept) LayerInternals::cancelAnimations(*this);
 }
 
-void CALayer::setHost(seat::LayerHost* host) {
-    m_layer->host = host;
-    if (!host) LayerInternals::cancelAnimations(*this);
+void LayerInternals::setHost(CALayer& root, seat::LayerHost* host) {
+    state(root).host = host;
+    if (!host) cancelAnimations(root);
 }
 
 seat::LayerHost* LayerInternals::host(const CALayer& layer) {

@@ -1,4 +1,5 @@
 #include "platform/quartz/CGAffineTransform.h"
+#include "kit/quartz/geometry.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,5 +1,7 @@
 #include "kit/quartz/PathCoverage.h"
 #include "kit/quartz/context.h"
+#include "kit/quartz/drawing.h"
+#include "kit/quartz/geometry.h"
 #include "kit/quartz/snapping.h"
 
 #include <cmath>

@@ -1,4 +1,5 @@
 #include "platform/quartz/CGGeometry.h"
+#include "kit/quartz/geometry.h"
 
 #include <algorithm>
 

@@ -3,6 +3,7 @@
 // What the files of this folder know of a layer.
 
 #include "kit/quartz/LayerAnimations.h"
+#include "kit/quartz/LayerHost.h"
 #include "kit/quartz/LayerValues.h"
 #include "platform/quartz/CALayer.h"
 
@@ -26,7 +27,7 @@ struct CALayer::State {
     std::unique_ptr<seat::LayerAnimations> animations; // while some run
 };
 
-struct LayerInternals {
+struct CALayer::Internals {
     using State = CALayer::State;
 
     static CALayer::State& state(CALayer& layer) { return *layer.m_layer; }
@@ -38,6 +39,8 @@ struct LayerInternals {
         return animations ? animations->shown : layer.m_layer->model;
     }
 
+    // On the root layer, by whoever shows the tree; non-owning, nullptr when it is shown no more.
+    static void setHost(CALayer& root, seat::LayerHost* host);
     // nullptr while the layer is in no tree that is shown.
     static seat::LayerHost* host(const CALayer& layer);
 
@@ -47,3 +50,4 @@ struct LayerInternals {
     // Ends what runs in the layer and below; what is drawn is the model at once.
     static void cancelAnimations(CALayer& layer);
 };
+using LayerInternals = CALayer::Internals;

@@ -2,6 +2,7 @@
 
 #include "kit/quartz/Coverage.h"
 #include "kit/quartz/GradientRows.h"
+#include "kit/quartz/geometry.h"
 #include "kit/quartz/rounded_coverage.h"
 #include "kit/quartz/snapping.h"
 #include "platform/quartz/CAGradientLayer.h"

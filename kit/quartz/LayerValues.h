@@ -1,5 +1,6 @@
 #pragma once
 
+#include "kit/quartz/geometry.h"
 #include "platform/quartz/CATransform3D.h"
 #include "platform/quartz/CGColor.h"
 #include "platform/quartz/CGGeometry.h"

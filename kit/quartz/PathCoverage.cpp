@@ -1,5 +1,6 @@
 #include "kit/quartz/PathCoverage.h"
 
+#include "kit/quartz/geometry.h"
 #include "kit/quartz/recently_used.h"
 
 #include <algorithm>

@@ -1,5 +1,6 @@
 #include "platform/uikit/UIBezierPath.h"
 
+#include "kit/quartz/drawing.h"
 #include "platform/uikit/UIImage.h"
 
 #include <algorithm>

@@ -1,5 +1,6 @@
 #include "platform/uikit/UIColor.h"
 
+#include "kit/quartz/drawing.h"
 #include "platform/uikit/UIImage.h"
 
 #include <algorithm>
@@ -99,10 +100,6 @@ std::shared_ptr<UIColor> UIColor::redColor() {
 }
 std::shared_ptr<UIColor> UIColor::blueColor() {
     static const auto* const color = new auto(colorWithRed_green_blue_alpha(0, 0, 1, 1));
-    return *color;
-}
-std::shared_ptr<UIColor> UIColor::grayColor() {
-    static const auto* const color = new auto(colorWithWhite_alpha(0.5, 1));
     return *color;
 }
 std::shared_ptr<UIColor> UIColor::lightGrayColor() {

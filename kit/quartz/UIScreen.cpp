@@ -1,5 +1,6 @@
 #include "platform/uikit/UIScreen.h"
 
+#include "kit/quartz/geometry.h"
 #include "kit/quartz/screen.h"
 
 #include <atomic>

@@ -1,6 +1,7 @@
 #include "kit/quartz/graphics_stack.h"
 
 #include "kit/quartz/context.h"
+#include "kit/quartz/geometry.h"
 #include "kit/quartz/snapping.h"
 #include "platform/uikit/UIImage.h"
 #include "platform/uikit/UIScreen.h"

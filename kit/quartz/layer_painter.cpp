@@ -3,6 +3,7 @@
 #include "kit/quartz/LayerInternals.h"
 #include "kit/quartz/LayerShape.h"
 #include "kit/quartz/context.h"
+#include "kit/quartz/geometry.h"
 
 #include <vector>
 

@@ -1,6 +1,7 @@
 #include "kit/quartz/layer_renderer.h"
 
 #include "kit/quartz/Canvas.h"
+#include "kit/quartz/geometry.h"
 #include "kit/quartz/layer_painter.h"
 #include "kit/quartz/snapping.h"
 

@@ -1,4 +1,5 @@
 #include "kit/quartz/outline.h"
+#include "kit/quartz/geometry.h"
 
 #include <algorithm>
 #include <cmath>

@@ -2,6 +2,7 @@
 
 #include "kit/quartz/LayerHost.h"
 #include "kit/quartz/LayerInternals.h"
+#include "kit/quartz/geometry.h"
 #include "kit/quartz/snapping.h"
 #include "platform/uikit/UIScreen.h"
 

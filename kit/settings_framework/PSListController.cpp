@@ -1,11 +1,13 @@
 #include "platform/settings_framework/PSListController.h"
 
 #include "kit/controllers/ControllerInternals.h"
+#include "kit/quartz/geometry.h"
 #include "kit/seat.h"
 #include "kit/settings_framework/SpecifierResource.h"
 #include "kit/settings_framework/bundle.h"
 #include "kit/settings_framework/cell_factory.h"
 #include "kit/settings_framework/list_state.h"
+#include "kit/uikit/UIWindow.h"
 #include "kit/uikit/appearance.h"
 #include "platform/log.h"
 #include "platform/notify.h"

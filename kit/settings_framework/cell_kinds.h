@@ -2,8 +2,8 @@
 
 // The cells of the row kinds.
 
+#include "kit/uikit/UISwitch.h"
 #include "platform/settings_framework/PSTableCell.h"
-#include "platform/uikit/UISwitch.h"
 
 // A switch at the right end, which tells the row's setter of each change.
 class PSSwitchTableCell final : public PSTableCell {

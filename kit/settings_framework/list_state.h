@@ -33,7 +33,7 @@ struct PSListController::State {
     std::set<const PSSpecifier*> outdated; // have the cell of a former row, and show what that one said
 
     std::shared_ptr<PSSpecifier> row(const NSIndexPath& path) const;         // nil when there is none
-    std::shared_ptr<NSIndexPath> pathOf(const PSSpecifier* specifier) const; // nil for groups and strangers
+    std::shared_ptr<NSIndexPath> pathOf(const PSSpecifier* specifier) const; // nil for groups and rows of other lists
     void rememberRows(const PSSpecifierList& list);
     // A row that is what a former one was takes over its cell.
     void takeFormerCell(const std::shared_ptr<PSSpecifier>& row);

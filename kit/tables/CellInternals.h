@@ -18,10 +18,11 @@ struct CellPlace {
 
 } // namespace seat
 
-struct CellInternals {
+struct UITableViewCell::Internals {
     static void setPlace(UITableViewCell& cell, seat::CellPlace place);
     // Weak; nil for a cell in no table.
     static void setTable(UITableViewCell& cell, const std::shared_ptr<UITableView>& table);
     // The texts and the accessory come in softly; the card stays as it is.
     static void fadeContentIn(UITableViewCell& cell);
 };
+using CellInternals = UITableViewCell::Internals;

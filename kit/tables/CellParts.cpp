@@ -1,5 +1,6 @@
 #include "kit/tables/CellParts.h"
 
+#include "kit/quartz/geometry.h"
 #include "kit/uikit/appearance.h"
 #include "platform/uikit/UIBezierPath.h"
 #include "platform/uikit/UIImage.h"

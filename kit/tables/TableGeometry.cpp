@@ -1,5 +1,6 @@
 #include "kit/tables/TableGeometry.h"
 
+#include "kit/quartz/geometry.h"
 #include "kit/uikit/appearance.h"
 
 #include <algorithm>
@@ -27,14 +28,14 @@ void TableGeometry::setSections(std::vector<TableSection> sections) {
     m_places.assign(m_sections.size(), {});
 }
 
-void TableGeometry::layOut(double width, bool isGrouped, double top, const Measure& measure) {
+void TableGeometry::layOut(double width, bool isGrouped, const Measure& measure) {
     const double margin = isGrouped ? sideMargin : 0;
     m_cardWidth = std::max(0.0, std::min(width - 2 * margin, readableWidth));
     m_left = std::floor((width - m_cardWidth) / 2);
     const double textWidth = std::max(0.0, m_cardWidth - 2 * sideMargin);
 
     m_places.assign(m_sections.size(), {});
-    double y = top;
+    double y = 0;
     for (std::size_t i = 0; i < m_sections.size(); ++i) {
         const TableSection& section = m_sections[i];
         Place& place = m_places[i];
@@ -57,7 +58,7 @@ void TableGeometry::layOut(double width, bool isGrouped, double top, const Measu
         }
         place.bottom = y;
     }
-    m_height = m_sections.empty() ? top : y + (isGrouped ? bottomSpace : 0);
+    m_height = m_sections.empty() ? 0 : y + (isGrouped ? bottomSpace : 0);
 }
 
 bool TableGeometry::contains(TableRow row) const {

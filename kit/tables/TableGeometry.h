@@ -32,7 +32,7 @@ public:
 
     void setSections(std::vector<TableSection> sections);
     // To be called again when the sections, the width or what stands above them change; until then all is at 0.
-    void layOut(double width, bool isGrouped, double top, const Measure& measure);
+    void layOut(double width, bool isGrouped, const Measure& measure);
 
     const std::vector<TableSection>& sections() const { return m_sections; }
     bool contains(TableRow row) const;

@@ -1,5 +1,6 @@
 #include "kit/tables/TableText.h"
 
+#include "kit/quartz/geometry.h"
 #include "kit/uikit/appearance.h"
 
 namespace seat {

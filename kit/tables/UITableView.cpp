@@ -1,5 +1,6 @@
 #include "platform/uikit/UITableView.h"
 
+#include "kit/quartz/geometry.h"
 #include "kit/tables/CellInternals.h"
 #include "kit/tables/table_state.h"
 #include "kit/uikit/appearance.h"
@@ -176,27 +177,9 @@ void UITableView::scrollToRowAtIndexPath_animated(const std::shared_ptr<NSIndexP
     scrollRectToVisible_animated(rect, animated);
 }
 
-std::shared_ptr<UIView> UITableView::tableHeaderView() const { return m_table->headerView; }
-
-void UITableView::setTableHeaderView(std::shared_ptr<UIView> view) {
-    if (m_table->headerView) m_table->headerView->removeFromSuperview();
-    m_table->headerView = std::move(view);
-    if (m_table->headerView) insertSubview_atIndex(m_table->headerView, 0);
-    m_table->layOut();
-    setNeedsLayout();
-}
-
 void UITableView::layoutSubviews() {
     UIScrollView::layoutSubviews();
     m_table->update();
-}
-
-void UITableView::subviewSizeChanged(UIView& subview) {
-    UIScrollView::subviewSizeChanged(subview);
-    // Setting the header's width is the table's own doing; a new height moves everything below.
-    if (&subview != m_table->headerView.get() || m_table->geometry.sections().empty()) return;
-    m_table->laidOutWidth = -1;
-    setNeedsLayout();
 }
 
 void UITableView::contentOffsetChanged() {

@@ -1,5 +1,6 @@
 #include "platform/uikit/UITableViewCell.h"
 
+#include "kit/quartz/geometry.h"
 #include "kit/tables/CellInternals.h"
 #include "kit/tables/CellParts.h"
 #include "kit/uikit/appearance.h"

@@ -1,3 +1,4 @@
+#include "kit/quartz/geometry.h"
 #include "kit/tables/CellInternals.h"
 #include "kit/tables/table_state.h"
 
@@ -35,7 +36,7 @@ void UITableView::State::animateIn(const Change& change, const std::map<const UI
 void UITableView::State::animateOut(const std::vector<LeavingCell>& leaving) {
     if (leaving.empty()) return;
     for (const auto& [cell, target] : leaving) {
-        table.sendSubviewToBack(cell);
+        table.insertSubview_atIndex(cell, 0);
         CellInternals::setTable(*cell, nullptr);
     }
     const std::weak_ptr<UITableView> weakTable = strong();

@@ -1,3 +1,4 @@
+#include "kit/quartz/geometry.h"
 #include "kit/tables/CellInternals.h"
 #include "kit/tables/TableText.h"
 #include "kit/tables/table_state.h"
@@ -33,12 +34,7 @@ void UITableView::State::layOut() {
     if (!isLaidOutForNow() || measured.size() > 5000) measured.clear();
     laidOutWidth = width;
     laidOutScale = UIScreen::mainScreen()->scale();
-    double top = 0;
-    if (headerView) {
-        top = headerView->bounds().size.height;
-        headerView->setFrame(CGRectMake(0, 0, width, top));
-    }
-    geometry.layOut(width, style == UITableViewStyleGrouped, top, [this](const std::string& text, double room) {
+    geometry.layOut(width, style == UITableViewStyleGrouped, [this](const std::string& text, double room) {
         const auto [found, isNew] = measured.try_emplace(text);
         if (isNew) found->second = TableText::heightOf(text, room);
         return found->second;
@@ -168,7 +164,7 @@ void UITableView::State::insertInOrder(const TableItem& item, const std::shared_
     std::erase(subviews, view);
     const auto next = items.upper_bound(item);
     const auto self = items.find(item);
-    std::ptrdiff_t index = headerView ? 1 : 0;
+    std::ptrdiff_t index = 0;
     if (next != items.end())
         index = indexOf(next->second);
     else if (self != items.begin())

@@ -1,6 +1,6 @@
 #include "kit/tables/table_focus.h"
 #include "kit/tables/table_state.h"
-#include "platform/uikit/UITouch.h"
+#include "kit/uikit/UITouch.h"
 
 #include <utility>
 

@@ -89,7 +89,6 @@ struct UITableView::State {
     std::weak_ptr<UITableViewDataSource> dataSource;
     std::weak_ptr<UITableViewDelegate> delegate;
     long style = UITableViewStylePlain;
-    std::shared_ptr<UIView> headerView;
 
     seat::TableGeometry geometry;
     double laidOutWidth = -1;

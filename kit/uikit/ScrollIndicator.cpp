@@ -1,5 +1,6 @@
 #include "kit/uikit/ScrollIndicator.h"
 
+#include "kit/quartz/geometry.h"
 #include "platform/quartz/CATransaction.h"
 #include "platform/uikit/UIColor.h"
 #include "platform/uikit/UIView.h"

@@ -1,30 +1,30 @@
 #pragma once
 
+#include "kit/uikit/PanReader.h"
 #include "kit/uikit/ScrollIndicator.h"
 #include "kit/uikit/ScrollMotion.h"
 #include "platform/uikit/UIPanGestureRecognizer.h"
 #include "platform/uikit/UIScrollView.h"
 
-// A scroll view's own pan: begins where the finger moves more down or up than across and there is something to scroll.
-class UIScrollViewPanGestureRecognizer final : public UIPanGestureRecognizer {
-    NS_CLASS(UIScrollViewPanGestureRecognizer)
-public:
-    std::shared_ptr<UIScrollViewPanGestureRecognizer> initWithTarget_action(const std::shared_ptr<NSObject>& target,
-                                                                            SEL action);
+namespace seat {
 
-protected:
-    void touchesBegan_withEvent(const UITouchList& touches, UIEvent& event) override;
-    bool shouldBegin() const override;
+// A scroll view's own pan: begins where the finger moves more down or up than across and there is something to scroll.
+class ScrollPanReader final : public PanReader {
+public:
+    void began(UIGestureRecognizer& recognizer, const UITouchList& touches, UIEvent& event) override;
+    bool shouldBegin(const UIGestureRecognizer& recognizer) const override;
 
 private:
     bool m_catches = false; // this finger came down on moving content, and holds it
 };
 
+} // namespace seat
+
 // What a scroll view keeps.
 struct UIScrollView::State {
     CGSize contentSize;
     UIEdgeInsets contentInset;
-    std::shared_ptr<UIScrollViewPanGestureRecognizer> pan;
+    std::shared_ptr<UIPanGestureRecognizer> pan;
     seat::ScrollIndicator indicator;
     double grabbedOffset = 0; // where the content would stand without a rubber band when the drag began
     bool dragging = false;
@@ -32,7 +32,7 @@ struct UIScrollView::State {
     bool movesByItself = false; // an animated change of the offset runs
 };
 
-struct ScrollInternals {
+struct UIScrollView::Internals {
     static UIScrollView::State& state(UIScrollView& view) { return *view.m_scroll; }
     static const UIScrollView::State& state(const UIScrollView& view) { return *view.m_scroll; }
 
@@ -45,3 +45,4 @@ struct ScrollInternals {
     // Back into the range after the content or the view has changed.
     static void settle(UIScrollView& view);
 };
+using ScrollInternals = UIScrollView::Internals;

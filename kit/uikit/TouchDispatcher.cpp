@@ -1,9 +1,9 @@
 #include "kit/uikit/TouchDispatcher.h"
 
 #include "kit/uikit/GestureInternals.h"
+#include "kit/uikit/UIWindow.h"
 #include "platform/uikit/UIControl.h"
 #include "platform/uikit/UITapGestureRecognizer.h"
-#include "platform/uikit/UIWindow.h"
 
 #include <cmath>
 
@@ -50,7 +50,7 @@ void TouchDispatcher::began(long identifier, CGPoint location, double time) {
     next->viewHears = hit != nullptr;
     for (auto view = hit; view; view = view->superview())
         for (const auto& recognizer : view->gestureRecognizers())
-            if (recognizer->isEnabled()) {
+            if (GestureInternals::state(*recognizer).enabled) {
                 GestureInternals::setDispatcher(*recognizer, this);
                 next->recognizers.push_back(recognizer);
             }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/uikit/UITouch.h"
+#include "kit/uikit/UITouch.h"
 
 #include <map>
 #include <memory>
@@ -37,7 +37,6 @@ private:
         bool viewHears = false;   // the view is to be told of the touch, or is being told
         bool viewWasTold = false; // it had its touchesBegan
     };
-    using Method = void (UIGestureRecognizer::*)(const UITouchList&, UIEvent&);
 
     std::shared_ptr<Sequence> sequence(long identifier) const;
     std::shared_ptr<UIEvent> makeEvent() const;

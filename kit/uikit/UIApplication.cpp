@@ -1,12 +1,12 @@
 #include "platform/uikit/UIApplication.h"
 
+#include "kit/uikit/UIWindow.h"
 #include "kit/uikit/application.h"
 #include "kit/uikit/keyboard.h"
 #include "kit/uikit/url_opener.h"
 #include "platform/foundation/NSNotificationCenter.h"
 #include "platform/log.h"
 #include "platform/runtime/method.h"
-#include "platform/uikit/UIWindow.h"
 
 NS_CLASS_IMPLEMENTATION(UIApplication, UIResponder, method<&UIApplication::handleKeyUIEvent>("handleKeyUIEvent:"))
 

@@ -1,5 +1,6 @@
 #include "platform/uikit/UIControl.h"
 
+#include "kit/uikit/UITouch.h"
 #include "platform/foundation/id.h"
 
 #include <algorithm>
@@ -37,27 +38,13 @@ void UIControl::addTarget_action_forControlEvents(const std::shared_ptr<NSObject
         m_pairs.push_back({target, action, events});
 }
 
-void UIControl::removeTarget_action_forControlEvents(const NSObject* target, SEL action, unsigned events) {
-    for (Pair& pair : m_pairs)
-        if (pair.target.lock().get() == target && pair.action == action) pair.events &= ~events;
-    std::erase_if(m_pairs, [](const Pair& pair) { return pair.events == 0 || pair.target.expired(); });
-}
-
-bool UIControl::has(const NSObject* target, SEL action, unsigned events) const {
-    return std::ranges::any_of(m_pairs, [&](const Pair& pair) {
-        return (pair.events & events) && pair.action == action && pair.target.lock().get() == target;
-    });
-}
-
 void UIControl::sendActionsForControlEvents(unsigned events) {
     const auto sender = self(this);
     std::vector<std::pair<std::shared_ptr<NSObject>, SEL>> calls;
     for (const Pair& pair : m_pairs)
         if (pair.events & events)
             if (auto target = pair.target.lock()) calls.emplace_back(std::move(target), pair.action);
-    for (const auto& [target, action] : calls)
-        // An action before this one may have taken the pair away.
-        if (has(target.get(), action, events)) objc_msgSend(*target, action, {id(sender)});
+    for (const auto& [target, action] : calls) objc_msgSend(*target, action, {id(sender)});
 }
 
 bool UIControl::isEnabled() const { return m_enabled; }

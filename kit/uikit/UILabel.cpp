@@ -1,5 +1,6 @@
 #include "platform/uikit/UILabel.h"
 
+#include "kit/quartz/drawing.h"
 #include "kit/quartz/text_runs.h"
 #include "kit/seat.h"
 #include "platform/uikit/UIImage.h"
@@ -36,6 +37,13 @@ bool looksTheSame(const NSAttributedString& a, const NSAttributedString& b) {
         return x.text == y.text && x.attributes.font == y.attributes.font &&
                isSameColor(x.attributes.foregroundColor, y.attributes.foregroundColor);
     });
+}
+
+std::vector<seat::TextRun> runsOf(const UILabel& label) {
+    const auto& color = label.textColor()->CGColor();
+    const auto& attributed = label.attributedText();
+    return attributed ? seat::textRuns(*attributed, label.font(), color)
+                      : seat::textRuns(label.text(), label.font(), color);
 }
 
 } // namespace
@@ -114,15 +122,10 @@ void UILabel::textChanged() {
     invalidateIntrinsicContentSize();
 }
 
-std::vector<seat::TextRun> UILabel::runs() const {
-    const auto& color = m_textColor->CGColor();
-    return m_attributedText ? seat::textRuns(*m_attributedText, m_font, color) : seat::textRuns(m_text, m_font, color);
-}
-
 CGSize UILabel::sizeThatFits(CGSize size) const {
     // One line is never wrapped: it wants all of its width.
     const double width = m_numberOfLines != 1 && size.width > 0 ? size.width : unlimited;
-    return seat::measureText(runs(), width, m_numberOfLines).size;
+    return seat::measureText(runsOf(*this), width, m_numberOfLines).size;
 }
 
 CGSize UILabel::intrinsicContentSize() const { return sizeThatFits(bounds().size); }
@@ -131,7 +134,7 @@ void UILabel::drawRect(CGRect rect) {
     const CGContextRef context = UIGraphicsGetCurrentContext();
     CGContextSaveGState(context);
     if (!m_enabled) CGContextSetAlpha(context, disabledAlpha);
-    seat::drawText(context, runs(), rect, hostAlignment(m_textAlignment), m_numberOfLines);
+    seat::drawText(context, runsOf(*this), rect, hostAlignment(m_textAlignment), m_numberOfLines);
     CGContextRestoreGState(context);
 }
 

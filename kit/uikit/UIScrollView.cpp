@@ -1,6 +1,7 @@
 #include "platform/uikit/UIScrollView.h"
 
 #include "kit/uikit/FrameSteps.h"
+#include "kit/uikit/GestureInternals.h"
 #include "kit/uikit/ScrollInternals.h"
 #include "kit/uikit/WindowInternals.h"
 #include "platform/runtime/method.h"
@@ -16,8 +17,8 @@ UIScrollView::~UIScrollView() = default;
 std::shared_ptr<UIScrollView> UIScrollView::initWithFrame(CGRect frame) {
     if (!UIView::initWithFrame(frame)) return nullptr;
     setClipsToBounds(true);
-    m_scroll->pan =
-        UIScrollViewPanGestureRecognizer::alloc()->initWithTarget_action(shared_from_this(), "handleScrollPan:");
+    m_scroll->pan = UIPanGestureRecognizer::alloc()->initWithTarget_action(shared_from_this(), "handleScrollPan:");
+    GestureInternals::setReader(*m_scroll->pan, std::make_unique<seat::ScrollPanReader>());
     addGestureRecognizer(m_scroll->pan);
     return self(this);
 }

@@ -9,8 +9,6 @@
 #include <algorithm>
 #include <cmath>
 
-NS_CLASS_IMPLEMENTATION(UIScrollViewPanGestureRecognizer, UIPanGestureRecognizer)
-
 namespace {
 
 constexpr double animatedSeconds = 0.3;
@@ -35,21 +33,16 @@ void showIndicator(UIScrollView& view) {
 
 } // namespace
 
-std::shared_ptr<UIScrollViewPanGestureRecognizer>
-UIScrollViewPanGestureRecognizer::initWithTarget_action(const std::shared_ptr<NSObject>& target, SEL action) {
-    return UIPanGestureRecognizer::initWithTarget_action(target, action) ? self(this) : nullptr;
-}
-
-void UIScrollViewPanGestureRecognizer::touchesBegan_withEvent(const UITouchList& began, UIEvent& event) {
-    UIPanGestureRecognizer::touchesBegan_withEvent(began, event);
-    const auto scroll = std::dynamic_pointer_cast<UIScrollView>(view());
+void seat::ScrollPanReader::began(UIGestureRecognizer& recognizer, const UITouchList& touches, UIEvent& event) {
+    PanReader::began(recognizer, touches, event);
+    const auto scroll = std::dynamic_pointer_cast<UIScrollView>(recognizer.view());
     // The finger that stops moving content takes hold of it; it is no tap on what happens to pass below.
-    m_catches = scroll && scroll->isDecelerating() && state() == UIGestureRecognizerStatePossible;
-    if (m_catches) beginAtOnce();
+    m_catches = scroll && scroll->isDecelerating() && recognizer.state() == UIGestureRecognizerStatePossible;
+    if (m_catches) beginAtOnce(recognizer);
 }
 
-bool UIScrollViewPanGestureRecognizer::shouldBegin() const {
-    const auto scroll = std::dynamic_pointer_cast<UIScrollView>(view());
+bool seat::ScrollPanReader::shouldBegin(const UIGestureRecognizer& recognizer) const {
+    const auto scroll = std::dynamic_pointer_cast<UIScrollView>(recognizer.view());
     if (!scroll || !ScrollInternals::canScroll(*scroll)) return false;
     return m_catches || std::abs(movement().y) > std::abs(movement().x);
 }
@@ -110,7 +103,7 @@ void ScrollInternals::handlePan(UIScrollView& view) {
         state.grabbedOffset = seat::unbanded(view.contentOffset().y, range);
         [[fallthrough]];
     case UIGestureRecognizerStateChanged: {
-        const double pulled = state.grabbedOffset - state.pan->translationInView(nullptr).y;
+        const double pulled = state.grabbedOffset - seat::PanReader::of(*state.pan).translationInView(nullptr).y;
         moveTo(view, {x, seat::rubberBanded(pulled, range)});
         showIndicator(view);
         break;
@@ -119,7 +112,7 @@ void ScrollInternals::handlePan(UIScrollView& view) {
     case UIGestureRecognizerStateCancelled: {
         state.dragging = false;
         const bool wasCut = state.pan->state() == UIGestureRecognizerStateCancelled;
-        const double velocity = wasCut ? 0 : -state.pan->velocityInView(nullptr).y;
+        const double velocity = wasCut ? 0 : -seat::PanReader::of(*state.pan).velocityInView(nullptr).y;
         const seat::ScrollMotion motion(view.contentOffset().y, velocity, range);
         if (motion.duration() <= 0 || !frameSteps(view)) {
             moveTo(view, {x, motion.end()});

@@ -1,8 +1,13 @@
-#include "platform/uikit/UISwitch.h"
+#include "kit/uikit/UISwitch.h"
 
-#include "kit/uikit/UISwitchPanGestureRecognizer.h"
+#include "kit/quartz/geometry.h"
+#include "kit/uikit/GestureInternals.h"
+#include "kit/uikit/PanReader.h"
 #include "platform/runtime/method.h"
+#include "platform/uikit/UIPanGestureRecognizer.h"
 #include "platform/uikit/UITapGestureRecognizer.h"
+
+#include <cmath>
 
 NS_CLASS_IMPLEMENTATION(UISwitch, UIControl, method<&UISwitch::handleTap>("handleTap:"),
                         method<&UISwitch::handlePan>("handlePan:"))
@@ -31,6 +36,14 @@ std::shared_ptr<UIColor> green() { return UIColor::colorWithRed_green_blue_alpha
 // Dark enough beside the white of knob and page for every eye to see where the knob stands.
 std::shared_ptr<UIColor> grey() { return UIColor::colorWithWhite_alpha(0.57, 1); }
 
+// Up and down are the table's.
+class PanAcross final : public seat::PanReader {
+public:
+    bool shouldBegin(const UIGestureRecognizer&) const override {
+        return std::abs(movement().x) > std::abs(movement().y);
+    }
+};
+
 void setCapsuleFrame(CALayer& layer, CGRect frame) {
     layer.setFrame(frame);
     layer.setCornerRadius(frame.size.height / 2);
@@ -57,8 +70,9 @@ std::shared_ptr<UISwitch> UISwitch::initWithFrame(CGRect frame) {
     place(m_on);
 
     addGestureRecognizer(UITapGestureRecognizer::alloc()->initWithTarget_action(shared_from_this(), "handleTap:"));
-    addGestureRecognizer(
-        UISwitchPanGestureRecognizer::alloc()->initWithTarget_action(shared_from_this(), "handlePan:"));
+    const auto pan = UIPanGestureRecognizer::alloc()->initWithTarget_action(shared_from_this(), "handlePan:");
+    GestureInternals::setReader(*pan, std::make_unique<PanAcross>());
+    addGestureRecognizer(pan);
     return self(this);
 }
 
@@ -111,7 +125,7 @@ void UISwitch::handleTap(const std::shared_ptr<UIGestureRecognizer>& recognizer)
     if (recognizer && recognizer->state() == UIGestureRecognizerStateEnded && isEnabled()) change(!m_on);
 }
 
-void UISwitch::handlePan(const std::shared_ptr<UIGestureRecognizer>& recognizer) {
+void UISwitch::handlePan(const std::shared_ptr<UIPanGestureRecognizer>& recognizer) {
     if (!recognizer || !isEnabled()) return;
     const auto keep = shared_from_this();
     switch (recognizer->state()) {
@@ -119,7 +133,7 @@ void UISwitch::handlePan(const std::shared_ptr<UIGestureRecognizer>& recognizer)
     case UIGestureRecognizerStateChanged: {
         setPressed(true);
         // The knob follows the finger to the other side, past the middle.
-        const bool on = recognizer->locationInView(this).x > size.width / 2;
+        const bool on = seat::PanReader::of(*recognizer).locationInView(this).x > size.width / 2;
         if (on != m_shownOn) show(on, /*animated=*/true);
         break;
     }

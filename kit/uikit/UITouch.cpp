@@ -1,4 +1,4 @@
-#include "platform/uikit/UITouch.h"
+#include "kit/uikit/UITouch.h"
 
 #include "platform/uikit/UIView.h"
 

@@ -1,5 +1,6 @@
 #include "platform/uikit/UIView.h"
 
+#include "kit/quartz/geometry.h"
 #include "kit/quartz/graphics_stack.h"
 #include "kit/uikit/ViewInternals.h"
 #include "platform/foundation/NSArray.h"
@@ -101,9 +102,6 @@ void UIView::drawLayer_inContext(CALayer&, CGContextRef context) {
     const seat::CurrentContext current(context);
     drawRect(bounds());
 }
-
-int UIView::tag() const { return m_view->tag; }
-void UIView::setTag(int tag) { m_view->tag = tag; }
 
 std::shared_ptr<UIResponder> UIView::nextResponder() const {
     if (const auto controller = m_view->controller.lock()) return controller;

@@ -1,10 +1,10 @@
 // Layout: autoresizing, the layout pass, intrinsic sizes, alignment rectangles.
 
+#include "kit/uikit/UIWindow.h"
 #include "kit/uikit/ViewInternals.h"
 #include "kit/uikit/WindowInternals.h"
 #include "kit/uikit/autoresizing.h"
 #include "platform/uikit/UIViewController.h"
-#include "platform/uikit/UIWindow.h"
 
 NS_CLASS_IMPLEMENTATION(NSLayoutConstraint, NSObject)
 

@@ -1,5 +1,6 @@
 // Who is hit, in whose coordinates, and whose gestures are listened for.
 
+#include "kit/quartz/geometry.h"
 #include "kit/uikit/GestureInternals.h"
 #include "kit/uikit/ViewInternals.h"
 #include "platform/uikit/UIGestureRecognizer.h"
@@ -56,17 +57,11 @@ void UIView::addGestureRecognizer(const std::shared_ptr<UIGestureRecognizer>& re
     if (!recognizer) return;
     if (const auto old = recognizer->view()) {
         if (old.get() == this) return;
-        old->removeGestureRecognizer(recognizer);
+        std::erase(old->m_view->recognizers, recognizer);
+        GestureInternals::cancel(*recognizer);
     }
     GestureInternals::setView(*recognizer, self(this));
     m_view->recognizers.push_back(recognizer);
-}
-
-void UIView::removeGestureRecognizer(const std::shared_ptr<UIGestureRecognizer>& given) {
-    const auto recognizer = given;
-    if (std::erase(m_view->recognizers, recognizer) == 0) return;
-    GestureInternals::setView(*recognizer, nullptr);
-    GestureInternals::cancel(*recognizer);
 }
 
 const std::vector<std::shared_ptr<UIGestureRecognizer>>& UIView::gestureRecognizers() const {

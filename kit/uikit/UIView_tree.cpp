@@ -1,9 +1,9 @@
 // The tree of views: who holds whom, and who is told.
 
+#include "kit/uikit/UIWindow.h"
 #include "kit/uikit/ViewInternals.h"
 #include "kit/uikit/WindowInternals.h"
 #include "kit/uikit/view_controller.h"
-#include "platform/uikit/UIWindow.h"
 
 #include <algorithm>
 
@@ -102,10 +102,6 @@ void UIView::insertSubview_atIndex(const std::shared_ptr<UIView>& given, std::si
 
 void UIView::bringSubviewToFront(const std::shared_ptr<UIView>& view) {
     if (view && view->m_view->superview == this) addSubview(view);
-}
-
-void UIView::sendSubviewToBack(const std::shared_ptr<UIView>& view) {
-    if (view && view->m_view->superview == this) insertSubview_atIndex(view, 0);
 }
 
 void UIView::removeFromSuperview() {

@@ -1,4 +1,4 @@
-#include "platform/uikit/UIWindow.h"
+#include "kit/uikit/UIWindow.h"
 
 #include "kit/uikit/ViewInternals.h"
 #include "kit/uikit/WindowInternals.h"

@@ -15,7 +15,6 @@ struct UIView::State {
     std::weak_ptr<UIViewController> controller; // of which this is the view
     std::string accessibilityLabel;
     unsigned autoresizingMask = 0;
-    int tag = 0;
     std::uint64_t identity = 0; // 0 until assistive technology asks
     bool userInteractionEnabled = true;
     bool needsLayout = true; // a view is laid out once before it is first seen
@@ -24,7 +23,7 @@ struct UIView::State {
     bool hidesElements = false; // from assistive technology
 };
 
-struct ViewInternals {
+struct UIView::Internals {
     static UIView::State& state(UIView& view) { return *view.m_view; }
     static const UIView::State& state(const UIView& view) { return *view.m_view; }
 
@@ -48,3 +47,4 @@ struct ViewInternals {
     // The view shows itself and takes part: not hidden, not nearly invisible.
     static bool isVisible(const UIView& view);
 };
+using ViewInternals = UIView::Internals;

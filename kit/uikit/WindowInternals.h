@@ -1,7 +1,7 @@
 #pragma once
 
 #include "kit/uikit/TouchDispatcher.h"
-#include "platform/uikit/UIWindow.h"
+#include "kit/uikit/UIWindow.h"
 
 #include <functional>
 #include <set>
@@ -25,7 +25,7 @@ struct UIWindow::State {
     seat::FrameSteps* frameSteps = nullptr;     // the scene's, non-owning; nil without one
 };
 
-struct WindowInternals {
+struct UIWindow::Internals {
     static UIWindow::State& state(UIWindow& window) { return *window.m_window; }
     static const UIWindow::State& state(const UIWindow& window) { return *window.m_window; }
 
@@ -40,3 +40,4 @@ struct WindowInternals {
     // Neither the view nor one in it has the focus any more, or gets it back.
     static void forgetFocus(UIWindow& window, const UIView& subtree);
 };
+using WindowInternals = UIWindow::Internals;

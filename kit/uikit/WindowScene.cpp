@@ -1,5 +1,6 @@
 #include "kit/uikit/WindowScene.h"
 
+#include "kit/quartz/LayerInternals.h"
 #include "kit/quartz/animation.h"
 #include "kit/quartz/layer_renderer.h"
 #include "kit/quartz/screen.h"
@@ -28,7 +29,7 @@ void layOutAnew(UIView& view) {
 WindowScene::WindowScene(CGSize points, double scale) : m_scale(scale) {
     setMainScreen(points, scale);
     m_window = UIWindow::alloc()->initWithFrame({{0, 0}, points});
-    m_window->layer()->setHost(this);
+    LayerInternals::setHost(*m_window->layer(), this);
     auto& state = WindowInternals::state(*m_window);
     state.requestFrame = [this] { requestFrame(); };
     state.frameSteps = &m_steps;
@@ -41,7 +42,7 @@ WindowScene::~WindowScene() {
     auto& state = WindowInternals::state(*m_window);
     state.requestFrame = nullptr;
     state.frameSteps = nullptr;
-    m_window->layer()->setHost(nullptr);
+    LayerInternals::setHost(*m_window->layer(), nullptr);
     m_window->setRootViewController(nullptr);
 }
 

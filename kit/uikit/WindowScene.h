@@ -3,7 +3,7 @@
 #include "kit/quartz/LayerHost.h"
 #include "kit/seat.h"
 #include "kit/uikit/FrameSteps.h"
-#include "platform/uikit/UIWindow.h"
+#include "kit/uikit/UIWindow.h"
 
 #include <functional>
 #include <memory>

@@ -1,4 +1,5 @@
 #include "kit/uikit/damage.h"
+#include "kit/quartz/geometry.h"
 
 #include <cmath>
 

@@ -1,8 +1,8 @@
 #include "kit/uikit/focus_order.h"
 
+#include "kit/uikit/UIWindow.h"
 #include "kit/uikit/ViewInternals.h"
 #include "kit/uikit/reachable.h"
-#include "platform/uikit/UIWindow.h"
 
 #include <algorithm>
 #include <ranges>

@@ -1,8 +1,9 @@
 #include "kit/uikit/focus_ring.h"
 
+#include "kit/quartz/geometry.h"
+#include "kit/uikit/UIWindow.h"
 #include "kit/uikit/visible_rect.h"
 #include "platform/uikit/UIColor.h"
-#include "platform/uikit/UIWindow.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,6 +1,6 @@
 #include "kit/uikit/front_controller.h"
 
-#include "platform/uikit/UIWindow.h"
+#include "kit/uikit/UIWindow.h"
 
 std::shared_ptr<UIViewController> seat::frontController(const UIWindow& window) {
     auto front = window.rootViewController();

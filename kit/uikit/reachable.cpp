@@ -1,10 +1,11 @@
 #include "kit/uikit/reachable.h"
 
+#include "kit/quartz/geometry.h"
 #include "kit/uikit/ScrollInternals.h"
+#include "kit/uikit/UIWindow.h"
 #include "kit/uikit/ViewInternals.h"
 #include "kit/uikit/focus_order.h"
 #include "kit/uikit/visible_rect.h"
-#include "platform/uikit/UIWindow.h"
 
 namespace seat {
 

@@ -1,5 +1,6 @@
 #include "kit/uikit/visible_rect.h"
 
+#include "kit/quartz/geometry.h"
 #include "kit/uikit/ViewInternals.h"
 
 namespace seat {

@@ -14,7 +14,9 @@ class NSMutableDictionary final : public NSObject {
     NS_CLASS(NSMutableDictionary)
 
     static std::shared_ptr<NSMutableDictionary> dictionary();
-    // The file as a property list, XML or binary; nil when it is missing, unreadable or no dictionary.
+    // The file at the phone's path as a property list, XML or binary, within the bounds of NSPropertyListSerialization;
+    // nil when it is missing, and, with a logged reason, when it is unreadable, refused or no dictionary. Of two equal
+    // keys in the file the last one counts.
     static std::shared_ptr<NSMutableDictionary> dictionaryWithContentsOfFile(const std::string& path);
 
     std::size_t count() const { return m_entries.size() - m_removed; }
@@ -23,11 +25,12 @@ class NSMutableDictionary final : public NSObject {
     // Keeps the place of a key that is already there. A nil object removes the key.
     void setObject_forKey(id object, std::string_view key);
     void removeObjectForKey(std::string_view key);
+    // In order.
     std::vector<std::string> allKeys() const;
     // Makes room for so many keys at once.
     void reserve(std::size_t count);
 
-    // A shallow copy in the same order.
+    // A shallow copy in the same order: the values are shared, the list of keys is not.
     std::shared_ptr<NSMutableDictionary> mutableCopy() const;
 
     // Calls `visit(key, object)` in order until it returns false. The visitor may remove keys, but not set any.

@@ -19,11 +19,13 @@ class NSNotificationCenter final : public NSObject {
 
     static std::shared_ptr<NSNotificationCenter> defaultCenter();
 
-    // An absent sender means any sender.
+    // An absent sender means any sender; a sender that has died since matches none. A nil observer or selector is
+    // ignored. The selector's method takes the name and the sender.
     void addObserver_selector_name_object(const std::shared_ptr<NSObject>& observer, SEL selector, std::string name,
                                           const std::shared_ptr<NSObject>& object);
-    // Takes a plain pointer so that a destructor can say that its object is gone.
+    // All of its registrations. Takes a plain pointer so that a destructor can say that its object is gone.
     void removeObserver(const NSObject* observer);
+    // Returns when every observer has been called; `object` is the sender and may be nil.
     void postNotificationName_object(std::string_view name, const std::shared_ptr<NSObject>& object);
 
     ~NSNotificationCenter() override;

@@ -4,11 +4,12 @@
 #include <optional>
 
 // A number object: an immutable value that keeps the type it was made with. A number that may be absent is a
-// std::optional<NSNumber>; `floatValue(optional)` and its kin read 0 from an absent one.
+// std::optional<NSNumber>; `floatValue(optional)` and its kin read 0 from an absent one. Any thread.
 class NSNumber {
 public:
     enum class Type : std::uint8_t { Bool, Int, Integer, UnsignedInt, UnsignedLongLong, Float, Double };
 
+    // The type is kept: what is stored as a bool is written to a property list as one, and reads back as one.
     static NSNumber numberWithBool(bool value);
     static NSNumber numberWithInt(std::int32_t value);
     static NSNumber numberWithInteger(std::int64_t value);
@@ -20,7 +21,9 @@ public:
     Type type() const { return m_type; }
     bool isFloatingPoint() const { return m_type == Type::Float || m_type == Type::Double; }
 
-    // Conversions truncate towards zero and saturate; NaN gives 0.
+    // Conversions to whole numbers truncate towards zero and saturate at the type's bounds; NaN gives 0. `boolValue` is
+    // false for 0 and NaN; `floatValue` rounds to the nearest single-precision number, beyond its range to
+    // infinity.
     bool boolValue() const;
     std::int32_t intValue() const;
     std::int64_t integerValue() const;

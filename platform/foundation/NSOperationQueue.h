@@ -13,9 +13,9 @@ class NSOperationQueue final : public NSObject {
 
     std::shared_ptr<NSOperationQueue> init();
 
-    bool isSuspended() const;
-    // An operation that is running goes on.
+    // An operation that is running goes on. A queue begins unsuspended.
     void setSuspended(bool suspended);
+    // Never waits. An empty block is ignored.
     void addOperationWithBlock(std::function<void()> block);
 
     ~NSOperationQueue() override;

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <string>
 
+// Reads numbers out of a string, one after the other. Not for several threads at once.
 class NSScanner final : public NSObject {
     NS_CLASS(NSScanner)
 
@@ -13,7 +14,7 @@ class NSScanner final : public NSObject {
 
     // Skips white space (tabs and newlines too), accepts "0x" or "0X", reads hexadecimal digits up to the first other
     // character. Too large for 32 bits: all ones. False, and `value` untouched, when no number can be read; "0x" alone
-    // reads as 0.
+    // reads as 0. What was read is behind it, so that the next call goes on there. `value` may be null.
     bool scanHexInt(std::uint32_t* value);
 
 private:

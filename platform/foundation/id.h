@@ -1,7 +1,7 @@
 #pragma once
 
 // Any value object, or nil: what a property list holds, what a message carries. Reading from nil, or from a value of
-// another kind, gives nil, 0 or false; it never fails.
+// another kind, gives nil, 0 or false; it never fails. A copy shares an object and copies anything else.
 
 #include "platform/foundation/NSNumber.h"
 #include "platform/runtime/NSObject.h"
@@ -22,6 +22,7 @@ struct NSDate {
 class id {
 public:
     id() = default;
+    // nil, also from an absent number, a nil class and a nil object.
     id(std::nullptr_t) {}
     id(NSNumber number) : m_value(number) {}
     id(std::optional<NSNumber> number) {
@@ -55,14 +56,16 @@ public:
         return held ? dynamic_cast<T*>(held->get()) : nullptr;
     }
 
-    // A number's value, or a string's leading decimal number ("3" gives 3, "abc" 0); 0 for anything else.
+    // A number's value, or a string's leading decimal number ("3" gives 3, "abc" 0); 0 for anything else. Whole numbers
+    // saturate; "inf" and "nan" are no numbers.
     std::int64_t integerValue() const;
     double doubleValue() const;
     float floatValue() const;
     // A number that is not zero; a string that begins with Y, y, T, t or a non-zero digit.
     bool boolValue() const;
 
-    // Equality by value; nil equals nil only.
+    // Equality by value; nil equals nil only. Values of different kinds differ ("3" is not 3), numbers of different
+    // types do not (3 is 3.0); objects are asked by `isEqual`.
     friend bool operator==(const id& a, const id& b);
 
 private:

@@ -10,12 +10,9 @@
 #include <vector>
 
 class CALayer;
-struct LayerInternals;
-namespace seat {
-class LayerHost;
-}
 
-// Draws a layer's own content, between its background and its sublayers.
+// Draws a layer's own content, between its background and its sublayers, in the layer's coordinates. Called on the main
+// thread while a frame is painted; the context is valid during the call.
 class CALayerDelegate {
 public:
     virtual ~CALayerDelegate() = default;
@@ -28,16 +25,20 @@ public:
 class CALayer : public NSObject {
     NS_CLASS(CALayer)
 public:
+    struct Internals; // the seat's way in, opaque to everybody else
     static constexpr bool diesOnMainThread = true;
     ~CALayer() override;
 
+    // A layer without size, look or sublayers; opacity 1.
     static std::shared_ptr<CALayer> layer() { return alloc()->init(); }
     std::shared_ptr<CALayer> init();
     // A fresh layer: no geometry or look is taken over from the other, which may be nil.
     std::shared_ptr<CALayer> initWithLayer(const std::shared_ptr<CALayer>& layer);
 
-    // `frame` is derived from bounds, position (of the centre) and transform; set only while the transform is the
-    // identity does it read back unchanged.
+    // In the superlayer's coordinates, in points. `frame` is derived from bounds, position (of the centre) and
+    // transform; set while the transform is the identity it reads back unchanged, to the bit. The bounds' origin is
+    // what stands at the layer's top left corner: another one scrolls what is inside. Coordinates that are no numbers
+    // are kept and paint nothing.
     CGRect frame() const;
     void setFrame(CGRect frame);
     CGRect bounds() const;
@@ -49,6 +50,8 @@ public:
     CGAffineTransform affineTransform() const;
     void setAffineTransform(CGAffineTransform transform);
 
+    // Points. At more than half the shorter edge the ends are round; a border lies inside the bounds, over the
+    // sublayers. nil colours, and widths that are not above 0, paint nothing.
     double cornerRadius() const;
     void setCornerRadius(double radius);
     double borderWidth() const;
@@ -57,7 +60,7 @@ public:
     void setBorderColor(CGColorRef color);
     const CGColorRef& backgroundColor() const;
     void setBackgroundColor(CGColorRef color);
-    // 0 to 1, for the layer with all that it holds.
+    // 0 to 1, for the layer with all that it holds, painted as one picture.
     double opacity() const;
     void setOpacity(double opacity);
     bool isHidden() const;
@@ -71,27 +74,26 @@ public:
 
     const std::vector<std::shared_ptr<CALayer>>& sublayers() const;
     CALayer* superlayer() const; // non-owning
-    // Adding a layer takes it from where it was. nil is ignored.
+    // Sublayers are painted in their order, the last in front. Adding a layer takes it from where it was; nil, and a
+    // layer that this one stands in, are ignored.
     void addSublayer(const std::shared_ptr<CALayer>& layer);
     // An index beyond the end appends.
     void insertSublayer_atIndex(const std::shared_ptr<CALayer>& layer, unsigned index);
     void removeFromSuperlayer();
 
-    CALayerDelegate* delegate() const; // non-owning
+    // Non-owning; who sets it takes it back before it dies. nil draws nothing.
+    CALayerDelegate* delegate() const;
     void setDelegate(CALayerDelegate* delegate);
 
-    // Asks for a repaint of the layer.
+    // Asks for a repaint of the layer with the next frame, of the rectangle in its own coordinates; nothing while the
+    // layer stands in no tree that is shown.
     void setNeedsDisplay();
     void setNeedsDisplayInRect(CGRect rect);
-
-    // Set on the root layer by whoever shows the tree; non-owning, nullptr when it is shown no more.
-    void setHost(seat::LayerHost* host);
 
 protected:
     CALayer();
 
 private:
-    friend struct LayerInternals;
     struct State;
     std::unique_ptr<State> m_layer;
 };

@@ -2,7 +2,9 @@
 
 #include <memory>
 
-// A colour as drawing uses it: components from 0 to 1, not premultiplied. Immutable and shared; nil paints nothing.
+// A colour as drawing uses it: components from 0 to 1, not premultiplied; what is outside is cut to that when it is
+// drawn, and a colour with a component that is no number paints nothing. Immutable and shared between threads; nil
+// paints nothing.
 struct CGColor {
     double red = 0;
     double green = 0;

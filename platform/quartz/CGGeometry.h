@@ -32,14 +32,12 @@ struct UIEdgeInsets {
     friend bool operator==(UIEdgeInsets, UIEdgeInsets) = default;
 };
 
+// Nothing at the origin, and nothing nowhere: what an intersection of rectangles that do not meet gives.
 inline constexpr CGRect CGRectZero{};
 inline constexpr CGRect CGRectNull{{std::numeric_limits<double>::infinity(), std::numeric_limits<double>::infinity()},
                                    {0, 0}};
 
-constexpr CGPoint CGPointMake(double x, double y) { return {x, y}; }
-constexpr CGSize CGSizeMake(double width, double height) { return {width, height}; }
-constexpr CGRect CGRectMake(double x, double y, double width, double height) { return {{x, y}, {width, height}}; }
-
+// The edges as they are given: of a negative size the "max" edge lies before the "min" one.
 constexpr double CGRectGetMinX(CGRect r) { return r.origin.x; }
 constexpr double CGRectGetMidX(CGRect r) { return r.origin.x + r.size.width / 2; }
 constexpr double CGRectGetMaxX(CGRect r) { return r.origin.x + r.size.width; }
@@ -47,6 +45,7 @@ constexpr double CGRectGetMinY(CGRect r) { return r.origin.y; }
 constexpr double CGRectGetMidY(CGRect r) { return r.origin.y + r.size.height / 2; }
 constexpr double CGRectGetMaxY(CGRect r) { return r.origin.y + r.size.height; }
 
+// Exact, to the bit but for -0; a rectangle with a coordinate that is no number equals none, not even itself.
 constexpr bool CGRectEqualToRect(CGRect a, CGRect b) { return a == b; }
 constexpr bool CGRectIsNull(CGRect r) {
     return r.origin.x == std::numeric_limits<double>::infinity() ||
@@ -62,9 +61,3 @@ constexpr bool CGRectContainsPoint(CGRect r, CGPoint p) {
 constexpr CGRect CGRectInset(CGRect r, double dx, double dy) {
     return {{r.origin.x + dx, r.origin.y + dy}, {r.size.width - 2 * dx, r.size.height - 2 * dy}};
 }
-constexpr CGRect CGRectOffset(CGRect r, double dx, double dy) { return {{r.origin.x + dx, r.origin.y + dy}, r.size}; }
-// The null rectangle when they do not meet.
-CGRect CGRectIntersection(CGRect a, CGRect b);
-// The null rectangle is the neutral element.
-CGRect CGRectUnion(CGRect a, CGRect b);
-bool CGRectIntersectsRect(CGRect a, CGRect b);

@@ -6,7 +6,7 @@
 #include <vector>
 
 // Pixels, premultiplied, one 32-bit word each (alpha in the top byte, then red, green, blue), rows from the top without
-// padding. Immutable once shared; any thread.
+// padding; `pixels` holds width times height of them. Immutable once shared; any thread.
 struct CGImage {
     std::size_t width = 0; // pixels
     std::size_t height = 0;

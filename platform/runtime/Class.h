@@ -20,7 +20,7 @@ public:
     SEL(const std::string& name);
 
     explicit operator bool() const { return m_name != nullptr; }
-    // The empty string for the null selector.
+    // The empty string for the null selector. Valid for ever.
     const std::string& name() const;
 
     friend bool operator==(SEL a, SEL b) { return a.m_name == b.m_name; }
@@ -61,7 +61,9 @@ IMP class_getMethodImplementation(Class cls, SEL selector);
 // own.
 bool class_addMethod(Class cls, SEL selector, IMP implementation, const char* types);
 
+// Null for a nil method. The encoding holds for ever.
 const char* method_getTypeEncoding(Method method);
 IMP method_getImplementation(Method method);
-// Returns the implementation that was there.
+// Returns the implementation that was there; calls that run already end in it. A nil method or implementation changes
+// nothing and gives null.
 IMP method_setImplementation(Method method, IMP implementation);

@@ -16,6 +16,7 @@ public:
 // pointer. Creation has two steps: `T::alloc()` makes the object, an `init...` sets it up and gives it back, or nil.
 class NSObject : public std::enable_shared_from_this<NSObject> {
 public:
+    // Never nil. What comes of it is not to be used before an `init...`.
     static std::shared_ptr<NSObject> alloc();
     static Class classObject();
 
@@ -25,7 +26,9 @@ public:
 
     std::shared_ptr<NSObject> init();
 
+    // Of the object itself, not of the pointer's type.
     virtual Class isa() const;
+    // Inherited and added methods count.
     virtual bool respondsToSelector(SEL selector) const;
     bool isKindOfClass(Class cls) const;
 
@@ -45,7 +48,8 @@ protected:
     }
 };
 
-// Sends a message by selector. A receiver without the method gets nothing: nil comes back and one line is logged.
+// Sends a message by selector. A receiver without the method gets nothing: nil comes back and one line is logged. What
+// a method without a result returns is nil. The receiver must be held by somebody while it is called.
 id objc_msgSend(NSObject& receiver, SEL selector, std::initializer_list<id> arguments);
 id objc_msgSend(NSObject& receiver, SEL selector, std::span<const id> arguments);
 

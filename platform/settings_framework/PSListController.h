@@ -21,26 +21,31 @@ public:
 
     std::shared_ptr<PSListController> init();
 
-    // The rows. A subclass fills `_specifiers` the first time.
+    // The rows and groups, in their order; a group's rows follow it. A subclass fills `_specifiers` the first time. The
+    // reference holds until the list changes.
     virtual const PSSpecifierList& specifiers();
     // The rows of a resource of the page's bundle; each row's target is `target`. Empty, and a logged reason, when the
     // resource cannot be read.
     PSSpecifierList loadSpecifiersFromPlistName_target(const std::string& name,
                                                        const std::shared_ptr<NSObject>& target);
 
-    // Drops the list, also rows inserted in code, and builds it again from `specifiers`.
+    // Drops the list, also rows inserted in code, and builds it again from `specifiers`; the table follows with the
+    // next layout. A row that is the same as before (by its "id", else by its title, kind and cell class) keeps its
+    // cell, with its looks, its focus and the finger on it, and the page stays scrolled where it was.
     virtual void reloadSpecifiers();
     // Title and value of one row, read again into its cell. nil is ignored.
     void reloadSpecifier(const std::shared_ptr<PSSpecifier>& specifier);
     void reloadSpecifierID(const std::string& identifier);
 
-    // nil when absent.
+    // The first with this "id"; nil when absent.
     std::shared_ptr<PSSpecifier> specifierForID(const std::string& identifier);
     bool containsSpecifier(const std::shared_ptr<PSSpecifier>& specifier);
     // -1 when absent.
     long indexOfSpecifier(const std::shared_ptr<PSSpecifier>& specifier);
     long indexOfSpecifierID(const std::string& identifier);
 
+    // Each comes behind the anchor, several in their order; nil rows, and all but the first of equal ones, are left
+    // out.
     void insertSpecifier_afterSpecifier_animated(const std::shared_ptr<PSSpecifier>& specifier,
                                                  const std::shared_ptr<PSSpecifier>& after, bool animated = false);
     void insertSpecifier_afterSpecifierID_animated(const std::shared_ptr<PSSpecifier>& specifier,
@@ -55,17 +60,16 @@ public:
     // The value under the row's "key" in its "defaults" domain, read afresh from the store; nil when absent or when the
     // row is nil or has no key. Any thread.
     id readPreferenceValue(const std::shared_ptr<PSSpecifier>& specifier);
-    // Stores the value under the row's "key" in its "defaults" domain, then posts the row's "PostNotification".
+    // Stores the value (nil removes it) under the row's "key" in its "defaults" domain, then posts the row's
+    // "PostNotification", if it has one. A value that could be stored only later is announced once more then. Nothing
+    // when the row is nil or has no key.
     virtual void setPreferenceValue_specifier(const id& value, const std::shared_ptr<PSSpecifier>& specifier);
 
+    // With the rows as they are now; nil while the view is not loaded.
     std::shared_ptr<UITableView> table() const;
-    void loadView() override;
     // From here on the table shows the rows.
     void viewDidLoad() override;
     void viewWillAppear(bool animated) override;
-    void viewDidLayoutSubviews() override;
-    // While a row stays selected.
-    bool waitsForKey() const override;
 
     long numberOfSectionsInTableView(UITableView& tableView) override;
     long tableView_numberOfRowsInSection(UITableView& tableView, long section) override;
@@ -75,11 +79,15 @@ public:
     std::string tableView_titleForFooterInSection(UITableView& tableView, long section) override;
     void tableView_didSelectRowAtIndexPath(UITableView& tableView,
                                            const std::shared_ptr<NSIndexPath>& indexPath) override;
-    bool tableView_shouldHighlightRowAtIndexPath(UITableView& tableView,
-                                                 const std::shared_ptr<NSIndexPath>& indexPath) override;
 
 protected:
     PSListController();
+    void loadView() override;
+    void viewDidLayoutSubviews() override;
+    // While a row stays selected.
+    bool waitsForKey() const override;
+    bool tableView_shouldHighlightRowAtIndexPath(UITableView& tableView,
+                                                 const std::shared_ptr<NSIndexPath>& indexPath) override;
     std::optional<PSSpecifierList> _specifiers;
 
 private:

@@ -9,6 +9,8 @@
 #include <string_view>
 #include <vector>
 
+// What a row looks like and does: a heading, a row that opens a list of choices, a switch, a row that calls its button
+// action, a text.
 enum class PSCellType { Group, LinkList, Switch, Button, StaticText };
 
 // One row (or group) of a settings page: a title, named properties ("id", "key", "default", "defaults",
@@ -31,16 +33,18 @@ public:
     void setName(std::string name) { m_name = std::move(name); }
     // The property "id"; empty when there is none.
     std::string identifier() const;
-    // nil when absent.
+    // nil when absent; setting nil removes it.
     id propertyForKey(std::string_view key) const;
     void setProperty_forKey(id value, std::string_view key);
     void removePropertyForKey(std::string_view key);
 
+    // nil when the target is gone, null selectors where there are none.
     std::shared_ptr<NSObject> target() const { return m_target.lock(); }
     SEL setter() const { return m_setter; }
     SEL getter() const { return m_getter; }
     PSCellType cellType() const { return m_cellType; }
     SEL buttonAction() const { return m_buttonAction; }
+    // Called on the target when the row is tapped; takes the row.
     void setButtonAction(SEL action) { m_buttonAction = action; }
 
 private:

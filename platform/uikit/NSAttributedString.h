@@ -11,7 +11,8 @@ struct NSTextAttributes {
     std::shared_ptr<UIColor> foregroundColor; // nil: the label's
 };
 
-// Text in runs, each with its attributes. Mutable: one class serves both roles.
+// Text in runs, each with its attributes, in UTF-8. Not safe for concurrent change. A label keeps the object it is
+// given: set it again after a change. Mutable: one class serves both roles.
 class NSMutableAttributedString final : public NSObject {
     NS_CLASS(NSMutableAttributedString)
 
@@ -21,9 +22,11 @@ class NSMutableAttributedString final : public NSObject {
     };
 
     std::shared_ptr<NSMutableAttributedString> initWithString_attributes(std::string text, NSTextAttributes attributes);
+    // The other's runs, with their attributes, behind the ones here.
     void appendAttributedString(const NSMutableAttributedString& other);
 
     const std::vector<Run>& runs() const { return m_runs; }
+    // Without attributes.
     std::string string() const;
 
 private:

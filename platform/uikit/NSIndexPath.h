@@ -2,7 +2,8 @@
 
 #include "platform/runtime/NSObject.h"
 
-// A row of a section. Immutable, equal by value.
+// A row of a section, both counted from 0. Immutable, equal by value; whether there is such a row is for the table to
+// say.
 class NSIndexPath final : public NSObject {
     NS_CLASS(NSIndexPath)
 

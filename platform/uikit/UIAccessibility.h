@@ -27,6 +27,7 @@ enum class UIAccessibilityStep { Small, Large };
 // On a slider up is always more and down less; left and right move its knob, whichever end is more.
 enum class UIAccessibilityDirection { Left, Right, Up, Down };
 
+// The bounds and the present place of a number that can be stepped or set; `step` is what a small step changes.
 struct UIAccessibilityRange {
     double minimum = 0;
     double maximum = 0;

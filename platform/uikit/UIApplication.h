@@ -8,10 +8,11 @@
 class UIWindow;
 
 // The one application object. Every key event of the process reaches it as the message "handleKeyUIEvent:", found by
-// the runtime, so that the method can be replaced.
+// the runtime, so that the method can be replaced. Main thread only.
 class UIApplication final : public UIResponder {
     NS_CLASS(UIApplication)
 public:
+    // Never nil.
     static std::shared_ptr<UIApplication> sharedApplication();
 
     // The application's own keyboard handling: moves the focus, activates what has it, goes back, scrolls. While a row
@@ -21,6 +22,7 @@ public:
     // Hands the address to the desktop's browser without waiting; false when that cannot be started.
     bool openURL(const std::string& url);
 
+    // Weak: nil when there is none, or it has gone.
     std::shared_ptr<UIWindow> keyWindow() const;
     void setKeyWindow(const std::shared_ptr<UIWindow>& window);
 

@@ -3,6 +3,7 @@
 #include "platform/quartz/CGPath.h"
 #include "platform/runtime/NSObject.h"
 
+// Bits; several may be joined.
 enum UIRectCorner : unsigned {
     UIRectCornerTopLeft = 1,
     UIRectCornerTopRight = 2,
@@ -11,23 +12,28 @@ enum UIRectCorner : unsigned {
     UIRectCornerAllCorners = 15,
 };
 
+// An outline to fill or stroke, in points. Not safe for concurrent change; drawing is for the thread whose context is
+// current.
 class UIBezierPath final : public NSObject {
     NS_CLASS(UIBezierPath)
 
     static std::shared_ptr<UIBezierPath> bezierPath();
-    // `corners` is a mask of UIRectCorner; radii beyond half the rectangle are cut to it.
+    // `corners` is a mask of UIRectCorner, the others are square; radii beyond half the rectangle are cut to it. A
+    // rectangle without area gives a path that fills nothing.
     static std::shared_ptr<UIBezierPath>
     bezierPathWithRoundedRect_byRoundingCorners_cornerRadii(CGRect rect, unsigned corners, CGSize radii);
     static std::shared_ptr<UIBezierPath> bezierPathWithOvalInRect(CGRect rect);
 
+    // Begins a part; a line without a part begins one; closing goes back to where the part began.
     void moveToPoint(CGPoint point);
     void addLineToPoint(CGPoint point);
     void closePath();
+    // Points; 1 by default. A width that is not above 0 strokes nothing.
     double lineWidth() const { return m_lineWidth; }
     void setLineWidth(double width) { m_lineWidth = width; }
 
     const struct CGPath& CGPath() const { return m_path; }
-    // Into the thread's current context, with its colours; nothing without one.
+    // Into the thread's current context, with its colours, edges anti-aliased; nothing without one.
     void fill() const;
     void stroke() const;
 

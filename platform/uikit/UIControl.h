@@ -2,6 +2,7 @@
 
 #include "platform/uikit/UIView.h"
 
+// Bits; several may be joined.
 enum UIControlEvents : unsigned {
     UIControlEventTouchDown = 1u << 0,
     UIControlEventTouchUpInside = 1u << 6,
@@ -23,25 +24,26 @@ public:
     std::shared_ptr<UIControl> initWithFrame(CGRect frame);
     std::shared_ptr<UIControl> initWithCoder(const std::shared_ptr<NSCoder>& coder);
 
-    // The target is weak. Adding an equal pair again merges the events. The action takes the control.
+    // The target is weak; a nil target or action is ignored. Adding an equal pair again merges the events. The action
+    // takes the control.
     void addTarget_action_forControlEvents(const std::shared_ptr<NSObject>& target, SEL action, unsigned events);
-    void removeTarget_action_forControlEvents(const NSObject* target, SEL action, unsigned events);
-    // In the order in which the pairs were added. The control and the targets live until all were called.
+    // Calls the actions of every event in the mask, each pair once, in the order in which the pairs were added. The
+    // control and the targets live until all were called, whatever the actions do.
     void sendActionsForControlEvents(unsigned events);
 
+    // Enabled at first.
     bool isEnabled() const;
     virtual void setEnabled(bool enabled);
     bool isHighlighted() const;
     virtual void setHighlighted(bool highlighted);
-
-    void touchesBegan_withEvent(const UITouchList& touches, UIEvent& event) override;
-    void touchesMoved_withEvent(const UITouchList& touches, UIEvent& event) override;
-    void touchesEnded_withEvent(const UITouchList& touches, UIEvent& event) override;
-    void touchesCancelled_withEvent(const UITouchList& touches, UIEvent& event) override;
     bool accessibilityIsEnabled() const override;
 
 protected:
     UIControl();
+    void touchesBegan_withEvent(const UITouchList& touches, UIEvent& event) override;
+    void touchesMoved_withEvent(const UITouchList& touches, UIEvent& event) override;
+    void touchesEnded_withEvent(const UITouchList& touches, UIEvent& event) override;
+    void touchesCancelled_withEvent(const UITouchList& touches, UIEvent& event) override;
 
 private:
     struct Pair {
@@ -49,8 +51,6 @@ private:
         SEL action;
         unsigned events = 0;
     };
-    bool has(const NSObject* target, SEL action, unsigned events) const;
-
     std::vector<Pair> m_pairs; // in the order of addition
     bool m_enabled = true;
     bool m_highlighted = false;

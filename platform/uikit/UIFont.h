@@ -2,15 +2,18 @@
 
 #include "platform/runtime/NSObject.h"
 
-// The system's interface font, with a fallback that has the key symbols. Immutable; equal requests share one object.
+// The system's interface font, with a fallback that has the key symbols. Immutable; equal requests share one object
+// while somebody holds it. Any thread.
 class UIFont final : public NSObject {
     NS_CLASS(UIFont)
 
+    // Points, cut to 1 to 1024; a size that is no number, or not above 0, gives 17.
     static std::shared_ptr<UIFont> systemFontOfSize(double pointSize);
     static std::shared_ptr<UIFont> boldSystemFontOfSize(double pointSize);
 
     double pointSize() const { return m_pointSize; }
     bool isBold() const { return m_bold; }
+    // Points above the baseline.
     double ascender() const;
     double descender() const; // negative, below the baseline
     double lineHeight() const;

@@ -4,10 +4,12 @@
 
 #include <optional>
 
-// A key of the hardware keyboard going down or up.
+// A key of the hardware keyboard going down or up. Immutable. A key that is held sends repeats that go down, and one
+// that goes up. Which key it was is the user's business: it is never logged.
 class UIKeyEvent final : public NSObject {
     NS_CLASS(UIKeyEvent)
 
+    // Without a symbol the key means what its place means. `modifiers` are the ones that are down, as bits.
     static std::shared_ptr<UIKeyEvent> keyEvent(long keyCode, bool isKeyDown, bool isRepeat = false,
                                                 unsigned modifiers = 0, std::optional<long> symbol = {});
     enum Modifiers : unsigned { Shift = 1, Control = 2, Alt = 4, GUI = 8 };

@@ -3,13 +3,11 @@
 #include "platform/uikit/NSAttributedString.h"
 #include "platform/uikit/UIView.h"
 
-namespace seat {
-struct TextRun;
-}
-
 enum NSTextAlignment : int { NSTextAlignmentLeft = 0, NSTextAlignmentCenter = 1, NSTextAlignmentRight = 2 };
 
-// Text, centred vertically in its bounds. A single line is cut with an ellipsis; several lines wrap at words.
+// Text, centred vertically in its bounds. A single line is cut with an ellipsis; several lines wrap at words, and
+// inside one that is too long; "\n" begins a new line. Takes no touches of its own. A change asks for a repaint, not
+// for another size: call sizeToFit, or let the layout do it. Main thread only.
 class UILabel : public UIView {
     NS_CLASS(UILabel)
 public:
@@ -19,15 +17,16 @@ public:
     std::shared_ptr<UILabel> initWithFrame(CGRect frame);
     std::shared_ptr<UILabel> initWithCoder(const std::shared_ptr<NSCoder>& coder);
 
-    // Empty while none was set.
+    // UTF-8. Empty while none was set; of an attributed text the characters.
     const std::string& text() const;
     void setText(std::string text);
     // nil while plain text is shown; setting either replaces the other.
     const std::shared_ptr<NSAttributedString>& attributedText() const;
     void setAttributedText(std::shared_ptr<NSAttributedString> text);
-    const std::shared_ptr<UIFont>& font() const; // system font of size 17 by default
+    // Both are never nil: nil brings back the default, the system font of size 17 and black.
+    const std::shared_ptr<UIFont>& font() const;
     void setFont(std::shared_ptr<UIFont> font);
-    const std::shared_ptr<UIColor>& textColor() const; // black by default
+    const std::shared_ptr<UIColor>& textColor() const;
     void setTextColor(std::shared_ptr<UIColor> color);
     NSTextAlignment textAlignment() const;
     void setTextAlignment(NSTextAlignment alignment);
@@ -38,6 +37,7 @@ public:
     bool isEnabled() const;
     void setEnabled(bool enabled);
 
+    // As large as the text needs: one line its whole width, several lines wrapped at the given width (0: unwrapped).
     CGSize sizeThatFits(CGSize size) const override;
     CGSize intrinsicContentSize() const override;
     void drawRect(CGRect rect) override;
@@ -49,7 +49,6 @@ protected:
 
 private:
     void textChanged();
-    std::vector<seat::TextRun> runs() const;
 
     std::string m_text;
     std::shared_ptr<NSAttributedString> m_attributedText;

@@ -1,7 +1,13 @@
 #pragma once
 
 #include "platform/runtime/NSObject.h"
-#include "platform/uikit/UITouch.h"
+
+#include <memory>
+#include <vector>
+
+class UIEvent;
+class UITouch;
+using UITouchList = std::vector<std::shared_ptr<UITouch>>;
 
 // Whatever can take events: views, controllers, the application. Main thread only.
 //
@@ -9,8 +15,9 @@
 // the two. It is hit-tested once, when it comes down, and all its events go to the view that was hit then, wherever the
 // finger wanders; a view that leaves its window gets touchesCancelled and nothing after it. Of several fingers each is
 // delivered by itself: the list holds the one touch that changed, the event all that are down. A finger that comes down
-// a second time without having been lifted cancels its former sequence first. The gesture recognisers of the hit view
-// and of the views around it hear each event before the view does (see UIGestureRecognizer.h).
+// a second time without having been lifted cancels its former sequence first. Where a finger is lifted elsewhere than
+// it was seen last, it moves there first, then ends. The gesture recognisers of the hit view and of the views around it
+// hear each event before the view does (see UIGestureRecognizer.h).
 class UIResponder : public NSObject {
     NS_CLASS(UIResponder)
 public:

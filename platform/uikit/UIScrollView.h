@@ -13,19 +13,22 @@
 class UIScrollView : public UIView {
     NS_CLASS(UIScrollView)
 public:
+    struct Internals; // the seat's way in, opaque to everybody else
     ~UIScrollView() override;
 
     std::shared_ptr<UIScrollView> initWithFrame(CGRect frame);
 
+    // Points. Setting the offset ends whatever moves by itself, and is not cut to the range.
     CGPoint contentOffset() const;
     void setContentOffset(CGPoint offset);
-    // 0.3 s, ease in and out, and only while the view is in a window; without that, and not animated, at once. Neither
-    // way is the offset cut to the range.
+    // 0.3 s, ease in and out, and only while the view is in a window; without that, and not animated, at once.
     void setContentOffset_animated(CGPoint offset, bool animated);
+    // Of all there is to show. Smaller than before it may bring the offset back into the range, at once.
     CGSize contentSize() const;
     void setContentSize(CGSize size);
     UIEdgeInsets contentInset() const;
     void setContentInset(UIEdgeInsets inset);
+    // A finger moves it; momentum or the soft end moves it.
     bool isDragging() const;
     bool isDecelerating() const;
     // As little as needed to show the rectangle, in the content's coordinates; nothing when it is shown.
@@ -37,16 +40,15 @@ public:
     virtual void contentOffsetChanged();
 
     void setFrame(CGRect frame) override;
-    void setBounds(CGRect bounds) override;
-    void didMoveToWindow() override;
 
 protected:
     UIScrollView();
+    void setBounds(CGRect bounds) override;
+    void didMoveToWindow() override;
 
 private:
     void handleScrollPan(const std::shared_ptr<NSObject>& recognizer);
 
-    friend struct ScrollInternals; // kit/uikit/ScrollInternals.h
     struct State;
     std::unique_ptr<State> m_scroll;
 };

@@ -10,16 +10,20 @@ enum UITableViewCellStyle : long { UITableViewCellStyleDefault = 0, UITableViewC
 enum class UITableViewCellAccessoryType { None, DisclosureIndicator, Checkmark };
 enum class UITableViewCellSelectionStyle { None, Default };
 
-// A row: text label at the left, detail label or accessory view at the right.
+// A row: text label at the left, detail label or accessory view at the right. The table sizes and places it; whoever
+// makes it fills it. A cell that has left the screen may come back for another row, so that everything about a row is
+// set each time. Main thread only.
 class UITableViewCell : public UIView {
     NS_CLASS(UITableViewCell)
 public:
+    struct Internals; // the seat's way in, opaque to everybody else
     ~UITableViewCell() override;
 
     // "initWithStyle:reuseIdentifier:" to the runtime, by which table views make cells of registered classes.
     std::shared_ptr<UITableViewCell> initWithStyle_reuseIdentifier(long style, const std::string& reuseIdentifier);
 
     const std::string& reuseIdentifier() const;
+    // Never nil.
     const std::shared_ptr<UILabel>& textLabel() const;
     // nil for the default style.
     const std::shared_ptr<UILabel>& detailTextLabel() const;
@@ -28,18 +32,21 @@ public:
     // size.
     const std::shared_ptr<UIView>& accessoryView() const;
     virtual void setAccessoryView(std::shared_ptr<UIView> view);
+    // A mark at the right end; an accessory view hides it.
     UITableViewCellAccessoryType accessoryType() const;
     void setAccessoryType(UITableViewCellAccessoryType type);
+    // None: the row shows no press and takes no tap.
     UITableViewCellSelectionStyle selectionStyle() const;
     void setSelectionStyle(UITableViewCellSelectionStyle style);
+    // Set by the table; they are looks and tell nobody.
     bool isSelected() const;
     virtual void setSelected_animated(bool selected, bool animated);
     bool isHighlighted() const;
     virtual void setHighlighted_animated(bool highlighted, bool animated);
+    // Before the cell is handed out again; call the inherited one.
     virtual void prepareForReuse();
 
     void layoutSubviews() override;
-    void subviewSizeChanged(UIView& subview) override;
     bool canBecomeFocused() const override;
     UIAccessibilityRole accessibilityRole() const override;
     std::string accessibilityLabel() const override;
@@ -50,9 +57,9 @@ public:
 
 protected:
     UITableViewCell();
+    void subviewSizeChanged(UIView& subview) override;
 
 private:
-    friend struct CellInternals; // kit/tables/CellInternals.h
     struct State;
     std::unique_ptr<State> m_cell;
 };

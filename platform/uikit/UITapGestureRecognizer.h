@@ -13,11 +13,4 @@ public:
 
 protected:
     UITapGestureRecognizer() = default;
-    void touchesBegan_withEvent(const UITouchList& touches, UIEvent& event) override;
-    void touchesMoved_withEvent(const UITouchList& touches, UIEvent& event) override;
-    void touchesEnded_withEvent(const UITouchList& touches, UIEvent& event) override;
-    void touchesCancelled_withEvent(const UITouchList& touches, UIEvent& event) override;
-
-private:
-    CGPoint m_first; // where the finger came down, in the window
 };

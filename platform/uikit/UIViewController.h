@@ -14,6 +14,7 @@ class UINavigationController;
 class UIViewController : public UIResponder {
     NS_CLASS(UIViewController)
 public:
+    struct Internals; // the seat's way in, opaque to everybody else
     ~UIViewController() override;
 
     std::shared_ptr<UIViewController> init();
@@ -23,7 +24,9 @@ public:
     bool isViewLoaded() const;
     // nil while the view is not loaded.
     std::shared_ptr<UIView> viewIfLoaded() const;
+    // Makes the view: by default a white one, of the screen's size. Called by `view`, once; an override calls setView.
     virtual void loadView();
+    // What the navigation bar shows; changes at once, also while the screen is shown.
     const std::string& title() const;
     void setTitle(std::string title);
 
@@ -52,11 +55,12 @@ public:
     // may be empty; it runs on the main thread after the last life-cycle call.
     void presentViewController_animated_completion(const std::shared_ptr<UIViewController>& controller, bool animated,
                                                    std::function<void()> completion);
-    // Takes away what this controller presents, or this controller itself where it is presented.
+    // Takes away what this controller presents, or this controller itself where it is presented, with all that it
+    // presents in turn; nothing, and no completion, where nothing is presented. The completion may be empty; it runs
+    // after the last life-cycle call, at once when not animated, else after 0.4 s.
     void dismissViewControllerAnimated_completion(bool animated, std::function<void()> completion);
 
     std::shared_ptr<UIResponder> nextResponder() const override;
-
     // The screen in or over this one that the user looks at; nil where it is this one. A container overrides it.
     virtual std::shared_ptr<UIViewController> childInFront() const;
     // True while something here waits for a key press, whatever key it is: the application then leaves keys alone.
@@ -66,7 +70,6 @@ protected:
     UIViewController();
 
 private:
-    friend struct ControllerInternals; // kit/controllers/ControllerInternals.h
     struct State;
     std::unique_ptr<State> m_controller;
 };

@@ -1,6 +1,7 @@
 #include "platform/messaging_center.h"
 
-#include "platform/runtime.h"
+#include "platform/runtime/Class.h"
+#include "platform/runtime/NSObject.h"
 #include "system/bus/SessionBus.h"
 #include "system/messaging/message_sender.h"
 

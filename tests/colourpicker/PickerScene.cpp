@@ -1,6 +1,7 @@
 #include "tests/colourpicker/PickerScene.h"
 
 #include "colourpicker/ZKColorMapView.h"
+#include "kit/uikit/GestureInternals.h"
 #include "platform/runtime/method.h"
 #include "platform/uikit/UIColor.h"
 
@@ -75,7 +76,7 @@ std::shared_ptr<ScriptedPan> ScriptedPan::on(const std::shared_ptr<UIView>& view
 
 void ScriptedPan::send(UIGestureRecognizerState state, std::optional<CGPoint> place) {
     m_place = place;
-    setState(state);
+    GestureInternals::setState(*this, state);
 }
 
 std::shared_ptr<ScriptedTap> ScriptedTap::on(const std::shared_ptr<UIView>& view) {
@@ -86,7 +87,7 @@ std::shared_ptr<ScriptedTap> ScriptedTap::on(const std::shared_ptr<UIView>& view
 
 void ScriptedTap::send(UIGestureRecognizerState state, std::optional<CGPoint> place) {
     m_place = place;
-    setState(state);
+    GestureInternals::setState(*this, state);
 }
 
 HSBA hsba(const std::shared_ptr<UIColor>& color) {

@@ -3,6 +3,7 @@
 #include "colourpicker/ZKColorCursor.h"
 #include "colourpicker/ZKColorMapView.h"
 #include "colourpicker/ZKColorPickerView.h"
+#include "kit/quartz/geometry.h"
 #include "kit/uikit/AccessibilityTree.h"
 #include "kit/uikit/focus_ring.h"
 #include "kit/uikit/hid_keys.h"

@@ -3,6 +3,7 @@
 #include "colourpicker/ZKBrightnessCursor.h"
 #include "colourpicker/ZKColorCursor.h"
 #include "kit/quartz/LayerInternals.h"
+#include "kit/quartz/geometry.h"
 #include "platform/uikit/UILabel.h"
 #include "tests/colourpicker/PickerScene.h"
 

@@ -1,8 +1,8 @@
 // The colour field is drawn on a worker while the main thread goes on with the view.
 
 #include "colourpicker/ZKColorMapView.h"
+#include "kit/uikit/UIWindow.h"
 #include "platform/dispatch.h"
-#include "platform/uikit/UIWindow.h"
 #include "tests/support/RunLoop.h"
 
 #include <gtest/gtest.h>

@@ -4,9 +4,11 @@
 #include "colourpicker/ZKColorCursor.h"
 #include "colourpicker/ZKColorMapView.h"
 #include "kit/quartz/LayerHost.h"
+#include "kit/quartz/LayerInternals.h"
+#include "kit/quartz/geometry.h"
+#include "kit/uikit/UIWindow.h"
 #include "platform/quartz/CAGradientLayer.h"
 #include "platform/quartz/CATransaction.h"
-#include "platform/uikit/UIWindow.h"
 #include "tests/colourpicker/PickerScene.h"
 
 #include <gtest/gtest.h>
@@ -27,13 +29,13 @@ public:
 
 class RepaintOrder : public ::testing::Test {
 protected:
-    ~RepaintOrder() override { window->layer()->setHost(nullptr); }
+    ~RepaintOrder() override { LayerInternals::setHost(*window->layer(), nullptr); }
     void show(const std::shared_ptr<UIView>& view, CGRect frame) {
         view->setFrame(frame);
         window->addSubview(view);
         window->layoutIfNeeded();
         host.repaints.clear();
-        window->layer()->setHost(&host);
+        LayerInternals::setHost(*window->layer(), &host);
     }
 
     PickerScene scene{{400, 400}, 2};

@@ -5,8 +5,8 @@
 #include "services/jvnd/exit_codes.h"
 #include "system/files/Descriptor.h"
 #include "system/socket/address.h"
+#include "tests/support/HeldClock.h"
 #include "tests/support/TemporaryFolder.h"
-#include "tests/support/held_clock.h"
 
 #include <cstdlib>
 #include <filesystem>

@@ -1,6 +1,6 @@
 // A row that waits for its key: what keeps it waiting, and whose the keys are meanwhile.
 
-#include "platform/uikit/UIWindow.h"
+#include "kit/uikit/UIWindow.h"
 #include "tests/keymap/editor_test.h"
 
 namespace {

@@ -1,11 +1,11 @@
 #include "colourpicker/ZKBrightnessSlider.h"
 #include "colourpicker/ZKColorMapView.h"
 #include "colourpicker/ZKColorPickerView.h"
+#include "kit/uikit/UIWindow.h"
 #include "ledcolour/JVNColorPickerController.h"
 #include "ledcolour/hex_colour.h"
 #include "platform/runtime/method.h"
 #include "platform/uikit/UINavigationController.h"
-#include "platform/uikit/UIWindow.h"
 #include "tests/colourpicker/PickerScene.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,7 @@
 // What kit/quartz does not paint itself, plainly: paths by sampling, pictures by their nearest pixel.
 
 #include "kit/quartz/Clip.h"
+#include "kit/quartz/geometry.h"
 #include "kit/quartz/outline.h"
 #include "kit/seat.h"
 

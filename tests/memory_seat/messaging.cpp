@@ -3,7 +3,8 @@
 #include "kit/dispatch/main_queue.h"
 #include "platform/log.h"
 #include "platform/messaging_center.h"
-#include "platform/runtime.h"
+#include "platform/runtime/Class.h"
+#include "platform/runtime/NSObject.h"
 #include "system/messaging/message_sender.h"
 
 #include <map>
@@ -85,8 +86,7 @@ void seat::sendMessage(const std::string& center, const std::string& message,
                 target = found->second.target.lock();
                 selector = found->second.selector;
             }
-        if (server && !target)
-            NSLog("message %s to %s: nobody has registered for it", message.c_str(), center.c_str());
+        if (server && !target) NSLog("message %s to %s: nobody has registered for it", message.c_str(), center.c_str());
         if (target) objc_msgSend(*target, selector, {id(message), id(dictionary)});
         if (delivered) delivered(target != nullptr);
     });

@@ -24,7 +24,7 @@ void SampleControlsController::viewDidLoad() {
     const auto text = NSAttributedString::alloc()->initWithString_attributes(
         "Two styles ", {UIFont::boldSystemFontOfSize(17), UIColor::blackColor()});
     text->appendAttributedString(*NSAttributedString::alloc()->initWithString_attributes(
-        "in one line", {UIFont::systemFontOfSize(13), UIColor::grayColor()}));
+        "in one line", {UIFont::systemFontOfSize(13), UIColor::colorWithWhite_alpha(0.5, 1)}));
     m_caption->setAttributedText(text);
 
     m_switch = UISwitch::alloc()->init();

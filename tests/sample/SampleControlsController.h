@@ -1,7 +1,7 @@
 #pragma once
 
+#include "kit/uikit/UISwitch.h"
 #include "platform/uikit/UILabel.h"
-#include "platform/uikit/UISwitch.h"
 #include "platform/uikit/UIViewController.h"
 #include "tests/sample/SamplePictureView.h"
 #include "tests/sample/SampleSlider.h"

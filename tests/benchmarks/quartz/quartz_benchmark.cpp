@@ -1,5 +1,6 @@
 // What drawing costs: the colour field as an image, and a page on the screen.
 
+#include "kit/quartz/geometry.h"
 #include "kit/quartz/layer_renderer.h"
 #include "kit/quartz/pixels.h"
 #include "kit/quartz/screen.h"

@@ -1,7 +1,7 @@
 // Reloading a settings page, and the table below it alone.
 
 #include "kit/uikit/WindowScene.h"
-#include "platform/settings_framework.h"
+#include "platform/settings_framework/PSListController.h"
 #include "platform/uikit/UINavigationController.h"
 
 #include <benchmark/benchmark.h>

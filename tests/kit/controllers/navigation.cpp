@@ -1,5 +1,6 @@
 #include "tests/kit/controllers/screens.h"
 
+#include "kit/quartz/geometry.h"
 #include "kit/uikit/front_controller.h"
 #include "kit/uikit/hid_keys.h"
 

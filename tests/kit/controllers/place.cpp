@@ -1,5 +1,6 @@
 // Where screens stand in windows of all shapes.
 
+#include "kit/quartz/geometry.h"
 #include "tests/kit/controllers/screens.h"
 
 namespace {

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "platform/uikit.h"
+#include "platform/uikit/UINavigationController.h"
+#include "platform/uikit/UITableViewController.h"
 #include "tests/kit/uikit/SceneTest.h"
 
 // A screen that writes its life-cycle calls into a log shared by the test: "a:willAppear".

@@ -1,7 +1,7 @@
 #include "platform/foundation/NSNotificationCenter.h"
 
-#include "platform/foundation.h"
-#include "platform/runtime.h"
+#include "platform/runtime/NSObject.h"
+#include "platform/runtime/method.h"
 
 #include <atomic>
 #include <gtest/gtest.h>

@@ -2,7 +2,11 @@
 // megabytes whose fault comes last.
 
 #include "kit/foundation/property_list.h"
-#include "platform/foundation.h"
+#include "platform/foundation/NSData.h"
+#include "platform/foundation/NSDictionary.h"
+#include "platform/foundation/NSNumber.h"
+#include "platform/foundation/NSString.h"
+#include "platform/foundation/id.h"
 
 #include <benchmark/benchmark.h>
 #include <expat.h>

@@ -3,7 +3,11 @@
 // Hand-made property lists and short words for the values in them.
 
 #include "kit/foundation/property_list.h"
-#include "platform/foundation.h"
+#include "platform/foundation/NSArray.h"
+#include "platform/foundation/NSData.h"
+#include "platform/foundation/NSDictionary.h"
+#include "platform/foundation/NSNumber.h"
+#include "platform/foundation/id.h"
 
 #include <cstdint>
 #include <string>

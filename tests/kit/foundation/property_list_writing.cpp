@@ -1,3 +1,4 @@
+#include "platform/foundation/NSScanner.h"
 #include "tests/kit/foundation/property_list_bytes.h"
 #include "tests/support/cpu_time.h"
 

@@ -1,4 +1,8 @@
-#include "platform/foundation.h"
+#include "platform/foundation/NSArray.h"
+#include "platform/foundation/NSData.h"
+#include "platform/foundation/NSDictionary.h"
+#include "platform/foundation/NSNumber.h"
+#include "platform/foundation/id.h"
 
 #include <gtest/gtest.h>
 

@@ -3,6 +3,8 @@
 // Pixels to draw into and to look at.
 
 #include "kit/quartz/LayerHost.h"
+#include "kit/quartz/LayerInternals.h"
+#include "kit/quartz/geometry.h"
 #include "kit/quartz/layer_renderer.h"
 #include "kit/quartz/pixels.h"
 #include "kit/quartz/screen.h"
@@ -88,8 +90,8 @@ public:
 
 // A tree that is shown: root of 100 by 100 points.
 struct HostedRoot {
-    HostedRoot() { layer->setHost(&host); }
-    ~HostedRoot() { layer->setHost(nullptr); }
+    HostedRoot() { LayerInternals::setHost(*layer, &host); }
+    ~HostedRoot() { LayerInternals::setHost(*layer, nullptr); }
     HostedRoot(const HostedRoot&) = delete;
     HostedRoot& operator=(const HostedRoot&) = delete;
 

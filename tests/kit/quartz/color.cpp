@@ -124,7 +124,6 @@ TEST(Color, NamedOnesAreSharedObjects) {
     EXPECT_EQ(UIColor::whiteColor(), UIColor::whiteColor());
     EXPECT_EQ(UIColor::clearColor(), UIColor::clearColor());
     EXPECT_EQ(rgbOf(*UIColor::clearColor()).alpha, 0);
-    EXPECT_EQ(rgbOf(*UIColor::grayColor()).green, 0.5);
     EXPECT_NEAR(rgbOf(*UIColor::lightGrayColor()).green, 0.667, 1e-3);
     EXPECT_EQ(rgbOf(*UIColor::blueColor()).blue, 1);
 }

@@ -2,6 +2,8 @@
 
 #include "platform/quartz/CGContext.h"
 
+#include "kit/quartz/drawing.h"
+#include "kit/quartz/geometry.h"
 #include "kit/quartz/graphics_stack.h"
 #include "kit/seat.h"
 #include "tests/kit/quartz/Surface.h"

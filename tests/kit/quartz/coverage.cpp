@@ -1,5 +1,6 @@
 #include "tests/kit/quartz/coverage.h"
 
+#include "kit/quartz/geometry.h"
 #include "tests/kit/quartz/Surface.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+#include "kit/quartz/geometry.h"
 #include "platform/quartz/CATransaction.h"
 #include "platform/quartz/CGAffineTransform.h"
 #include "platform/uikit/UIScreen.h"

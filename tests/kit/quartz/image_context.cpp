@@ -1,3 +1,4 @@
+#include "kit/quartz/geometry.h"
 #include "platform/quartz/CGContext.h"
 #include "tests/kit/quartz/Surface.h"
 

@@ -1,6 +1,7 @@
 #include "kit/dispatch/ManualClock.h"
 #include "kit/dispatch/main_queue.h"
 #include "kit/quartz/animation.h"
+#include "kit/quartz/geometry.h"
 #include "platform/foundation/time.h"
 #include "platform/quartz/CATransaction.h"
 #include "tests/kit/quartz/Surface.h"

@@ -1,3 +1,4 @@
+#include "kit/quartz/geometry.h"
 #include "tests/kit/quartz/Surface.h"
 
 #include <gtest/gtest.h>

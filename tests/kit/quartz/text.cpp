@@ -1,3 +1,4 @@
+#include "kit/quartz/drawing.h"
 #include "kit/quartz/text_runs.h"
 #include "kit/seat.h"
 

@@ -1,7 +1,7 @@
 #include "kit/dispatch/main_queue.h"
 #include "platform/dispatch.h"
-#include "platform/foundation.h"
-#include "platform/runtime.h"
+#include "platform/runtime/Class.h"
+#include "platform/runtime/NSObject.h"
 
 #include <gtest/gtest.h>
 #include <thread>

@@ -1,5 +1,9 @@
-#include "platform/foundation.h"
-#include "platform/runtime.h"
+#include "platform/foundation/NSArray.h"
+#include "platform/foundation/NSNumber.h"
+#include "platform/foundation/id.h"
+#include "platform/runtime/Class.h"
+#include "platform/runtime/NSObject.h"
+#include "platform/runtime/method.h"
 #include "tests/support/CapturedLog.h"
 
 #include <gmock/gmock.h>

@@ -1,5 +1,8 @@
-#include "platform/foundation.h"
-#include "platform/runtime.h"
+#include "platform/foundation/NSArray.h"
+#include "platform/foundation/id.h"
+#include "platform/runtime/Class.h"
+#include "platform/runtime/NSObject.h"
+#include "platform/runtime/method.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "kit/settings_framework/bundle.h"
-#include "platform/settings_framework.h"
+#include "platform/settings_framework/PSListController.h"
 #include "platform/uikit/UINavigationController.h"
 #include "tests/kit/uikit/SceneTest.h"
 #include "tests/support/TestRoot.h"

@@ -15,7 +15,7 @@ double measure(const std::string& text, double width) {
 TableGeometry laidOut(std::vector<TableSection> sections, double width = 320, bool isGrouped = true) {
     TableGeometry geometry;
     geometry.setSections(std::move(sections));
-    geometry.layOut(width, isGrouped, 0, measure);
+    geometry.layOut(width, isGrouped, measure);
     return geometry;
 }
 

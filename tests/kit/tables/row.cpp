@@ -215,20 +215,6 @@ TEST_F(TableRows, PointBesideTheCardsIsNoRow) {
     EXPECT_FALSE(table->indexPathForRowAtPoint({100, 64}));
 }
 
-TEST_F(TableRows, HeaderViewStandsAboveTheRowsAndMovesThemWhenItGrows) {
-    show({{"a"}});
-    const auto header = UIView::alloc()->initWithFrame({{0, 0}, {10, 30}});
-
-    table->setTableHeaderView(header);
-    scene.prepareFrame();
-    EXPECT_EQ(written(header->frame()), "0,0 320x30");
-    EXPECT_EQ(cell(0)->frame().origin.y, 50);
-
-    header->setFrame({{0, 0}, {320, 80}});
-    scene.prepareFrame();
-    EXPECT_EQ(cell(0)->frame().origin.y, 100);
-}
-
 TEST_F(TableRows, IndexPathsAreEqualByValue) {
     EXPECT_TRUE(at(3, 1)->isEqual(*at(3, 1)));
     EXPECT_FALSE(at(3, 1)->isEqual(*at(1, 3)));

@@ -1,3 +1,4 @@
+#include "kit/quartz/geometry.h"
 #include "kit/uikit/AccessibilityTree.h"
 #include "tests/kit/uikit/SceneTest.h"
 

@@ -113,39 +113,6 @@ TEST_F(Controls, ControlAndTargetsLiveUntilAllWereCalled) {
     EXPECT_TRUE(weak.expired());
 }
 
-TEST_F(Controls, TakingOneActionAwayLeavesTheOthersOfItsTarget) {
-    const auto control = UIControl::alloc()->init();
-    std::string log;
-    const auto listener = Listener::alloc();
-    listener->log = &log;
-    for (const char* const action : {"first:", "second:"})
-        control->addTarget_action_forControlEvents(listener, action,
-                                                   UIControlEventValueChanged | UIControlEventEditingDidEnd);
-
-    control->removeTarget_action_forControlEvents(listener.get(), "first:", UIControlEventValueChanged);
-
-    control->sendActionsForControlEvents(UIControlEventValueChanged);
-    EXPECT_EQ(log, "second ");
-    control->sendActionsForControlEvents(UIControlEventEditingDidEnd);
-    EXPECT_EQ(log, "second first second ");
-}
-
-TEST_F(Controls, PairThatAnActionTakesAwayIsNotCalled) {
-    const auto control = UIControl::alloc()->init();
-    std::string log;
-    const auto listener = Listener::alloc();
-    listener->log = &log;
-    control->addTarget_action_forControlEvents(listener, "first:", UIControlEventValueChanged);
-    control->addTarget_action_forControlEvents(listener, "second:", UIControlEventValueChanged);
-    listener->then = [&] {
-        control->removeTarget_action_forControlEvents(listener.get(), "second:", UIControlEventValueChanged);
-    };
-
-    control->sendActionsForControlEvents(UIControlEventValueChanged);
-
-    EXPECT_EQ(log, "first ");
-}
-
 TEST_F(Controls, TouchesBecomeEvents) {
     const auto control = add<UIControl>({{100, 100}, {50, 50}});
     const auto recorder = named("");

@@ -1,3 +1,4 @@
+#include "kit/quartz/geometry.h"
 #include "kit/uikit/AccessibilityTree.h"
 #include "kit/uikit/damage.h"
 #include "kit/uikit/snapshot.h"

@@ -1,4 +1,5 @@
 #include "kit/dispatch/main_queue.h"
+#include "kit/quartz/geometry.h"
 #include "kit/uikit/autoresizing.h"
 #include "platform/foundation/NSArray.h"
 #include "tests/kit/uikit/SceneTest.h"
@@ -22,7 +23,9 @@ public:
         ++layouts;
         if (duringLayout) duringLayout();
     }
-    void subviewSizeChanged(UIView& subview) override { log += "resized:" + std::to_string(subview.tag()) + " "; }
+    void subviewSizeChanged(UIView& subview) override {
+        log += "resized:" + std::to_string(static_cast<int>(subview.frame().size.width)) + " ";
+    }
     void willMoveToSuperview(const std::shared_ptr<UIView>& view) override { log += view ? "will:+ " : "will:- "; }
     void didMoveToSuperview() override { log += superview() ? "did:+ " : "did:- "; }
     void didMoveToWindow() override { log += window() ? "window:+ " : "window:- "; }
@@ -100,7 +103,7 @@ TEST_F(Views, LayersStandInTheOrderOfTheirViews) {
     EXPECT_EQ(parent->layer()->sublayers(), (Layers{a->layer(), plain, c->layer(), b->layer()}));
     parent->bringSubviewToFront(a);
     EXPECT_EQ(parent->layer()->sublayers(), (Layers{plain, c->layer(), b->layer(), a->layer()}));
-    parent->sendSubviewToBack(b);
+    parent->insertSubview_atIndex(b, 0);
     EXPECT_EQ(parent->subviews(), (std::vector{b, c, a}));
 }
 
@@ -177,13 +180,12 @@ TEST_F(Views, ViewThatAlwaysWantsLayoutDoesNotHang) {
 TEST_F(Views, SuperviewHearsOfANewSize) {
     const auto parent = add<WatchedView>({{0, 0}, {100, 100}});
     const auto child = add({{0, 0}, {10, 10}}, parent);
-    child->setTag(7);
     parent->log.clear();
 
     child->setCenter({50, 50});
     EXPECT_EQ(parent->log, "");
     child->setFrame({{0, 0}, {11, 10}});
-    EXPECT_EQ(parent->log, "resized:7 ");
+    EXPECT_EQ(parent->log, "resized:11 ");
 }
 
 TEST_F(Views, MaskSaysWhatFollowsTheSuperview) {

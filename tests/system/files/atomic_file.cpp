@@ -1,7 +1,8 @@
 #include "system/files/atomic_file.h"
 #include "system/files/TemporaryFile.h"
 
-#include "platform/foundation.h"
+#include "platform/foundation/NSData.h"
+#include "platform/foundation/NSError.h"
 #include "tests/support/CapturedLog.h"
 #include "tests/support/TemporaryFolder.h"
 

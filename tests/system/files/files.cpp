@@ -1,4 +1,6 @@
-#include "platform/foundation.h"
+#include "platform/foundation/NSData.h"
+#include "platform/foundation/NSError.h"
+#include "platform/foundation/NSFileManager.h"
 #include "system/files/root.h"
 #include "tests/support/CapturedLog.h"
 #include "tests/support/TemporaryFolder.h"

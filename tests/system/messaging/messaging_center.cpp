@@ -1,4 +1,5 @@
 #include "platform/messaging_center.h"
+#include "platform/runtime/method.h"
 
 #include "tests/support/BusPeer.h"
 #include "tests/support/BusSession.h"

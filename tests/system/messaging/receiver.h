@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/foundation/NSDictionary.h"
-#include "platform/runtime.h"
+#include "platform/runtime/NSObject.h"
 
 #include <functional>
 #include <string>

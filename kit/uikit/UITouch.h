@@ -2,6 +2,7 @@
 
 #include "platform/quartz/CGGeometry.h"
 #include "platform/runtime/NSObject.h"
+#include "platform/uikit/UIResponder.h"
 
 #include <vector>
 
@@ -44,5 +45,3 @@ private:
     friend class TouchDispatcher; // kit/uikit
     std::vector<std::shared_ptr<UITouch>> m_touches;
 };
-
-using UITouchList = std::vector<std::shared_ptr<UITouch>>;

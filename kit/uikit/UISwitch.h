@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/uikit/UIControl.h"
-#include "platform/uikit/UIGestureRecognizer.h"
+#include "platform/uikit/UIPanGestureRecognizer.h"
 
 // On or off. A tap or a drag across sends value-changed.
 class UISwitch final : public UIControl {
@@ -32,7 +32,7 @@ public:
 private:
     UISwitch();
     void handleTap(const std::shared_ptr<UIGestureRecognizer>& recognizer);
-    void handlePan(const std::shared_ptr<UIGestureRecognizer>& recognizer);
+    void handlePan(const std::shared_ptr<UIPanGestureRecognizer>& recognizer);
     void change(bool on);
     void setPressed(bool pressed);
     void show(bool on, bool animated);

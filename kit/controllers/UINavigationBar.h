@@ -7,6 +7,7 @@
 class UINavigationBar final : public UIView {
     NS_CLASS(UINavigationBar)
 public:
+    struct Internals; // the seat's way in, opaque to everybody else
     ~UINavigationBar() override;
 
     std::shared_ptr<UINavigationBar> initWithFrame(CGRect frame);
@@ -16,7 +17,6 @@ public:
 
 private:
     UINavigationBar();
-    friend struct NavigationBarInternals; // kit/controllers/NavigationBarInternals.h
     struct State;
     std::unique_ptr<State> m_bar;
 };

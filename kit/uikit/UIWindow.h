@@ -8,6 +8,7 @@ class UIKeyEvent;
 class UIWindow final : public UIView {
     NS_CLASS(UIWindow)
 public:
+    struct Internals; // the seat's way in, opaque to everybody else
     ~UIWindow() override;
 
     std::shared_ptr<UIWindow> initWithFrame(CGRect frame);
@@ -31,7 +32,6 @@ public:
 private:
     UIWindow();
 
-    friend struct WindowInternals; // kit/uikit/WindowInternals.h
     struct State;
     std::unique_ptr<State> m_window;
 };
