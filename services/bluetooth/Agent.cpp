@@ -31,13 +31,15 @@ Agent::Agent(services::Bus& bus, std::string device, std::string name)
 
 int Agent::called(::sd_bus_message* message, void* self, ::sd_bus_error* error) {
     if (::sd_bus_message_is_method_call(message, agentInterface, nullptr) <= 0) return 0;
-    return static_cast<const Agent*>(self)->answer(message, error);
+    return static_cast<Agent*>(self)->answer(message, error);
 }
 
-int Agent::answer(::sd_bus_message* message, ::sd_bus_error* error) const {
+int Agent::answer(::sd_bus_message* message, ::sd_bus_error* error) {
     const std::string_view member = ::sd_bus_message_get_member(message);
     if (const char* const wanted = wish(member)) {
-        services::log("pairing with %s: refused, since %s", m_name.c_str(), wanted);
+        // The service may ask again and again.
+        if (!std::exchange(m_hasRefused, true))
+            services::log("pairing with %s: refused, since %s", m_name.c_str(), wanted);
         return ::sd_bus_error_setf(error, rejected, "No PIN here");
     }
     const bool asksForLeave = member == "RequestAuthorization" || member == "AuthorizeService";

@@ -19,12 +19,16 @@ public:
     Agent(const Agent&) = delete;
     Agent& operator=(const Agent&) = delete;
 
+    // Something was refused, and said to be.
+    bool hasRefused() const { return m_hasRefused; }
+
 private:
-    int answer(::sd_bus_message* message, ::sd_bus_error* error) const;
+    int answer(::sd_bus_message* message, ::sd_bus_error* error);
     static int called(::sd_bus_message* message, void* self, ::sd_bus_error* error);
 
     std::string m_device;
     std::string m_name;
+    bool m_hasRefused = false;
     services::Slot m_slot;
 };
 

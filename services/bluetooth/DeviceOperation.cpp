@@ -115,21 +115,38 @@ void DeviceOperation::answered(const Reply& reply) {
     if (m_kind == Kind::Disconnect && reply.error.ends_with(".NotConnected")) error = Error::None;
     if (isDoneWithoutDevice(m_kind) && error == Error::UnknownDevice) error = Error::None;
     if (error == Error::None && m_asked < questions) return askNext();
-    if (error != Error::None)
-        services::log("%s %s: %s (%s)", nameOf(m_kind), m_name.c_str(), errorText(error), serviceReason(reply).c_str());
+    if (error != Error::None) logFailure(error, serviceReason(reply));
     finish(error);
+}
+
+void DeviceOperation::logFailure(Error error, const std::string& reason) const {
+    if (m_agent && m_agent->hasRefused()) return; // which has said why
+    services::log("%s %s: %s%s", nameOf(m_kind), m_name.c_str(), errorText(error),
+                  reason.empty() ? "" : (" (" + reason + ")").c_str());
+}
+
+void DeviceOperation::fail(Error error) {
+    logFailure(error);
+    finish(error);
+}
+
+void DeviceOperation::timedOut() {
+    logFailure(Error::TimedOut);
+    callOff();
 }
 
 void DeviceOperation::objectsChanged() {
     if (!isUnderWay() || m_path.empty() || client().objects().devices().contains(m_path)) return;
     // An answer to the question may be on its way, but nothing more can come of it.
-    if (client().objects().adapterInUse().empty()) return finish(Error::NoAdapter);
+    if (client().objects().adapterInUse().empty()) return fail(Error::NoAdapter);
     if (std::exchange(m_isGone, true)) return;
     // An adapter that goes takes its devices away first: by the time that the service answers again it has gone.
     auto message = bus().method(serviceName, m_adapter.c_str(), propertiesInterface, "GetAll");
     if (message) ::sd_bus_message_append(message.get(), "s", adapterInterface);
-    ask(std::move(message),
-        [this](const Reply&) { finish(isDoneWithoutDevice(m_kind) ? Error::None : Error::UnknownDevice); });
+    ask(std::move(message), [this](const Reply&) {
+        if (isDoneWithoutDevice(m_kind)) return finish(Error::None);
+        fail(Error::UnknownDevice);
+    });
 }
 
 void DeviceOperation::callOff() {

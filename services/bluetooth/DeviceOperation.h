@@ -30,6 +30,10 @@ private:
     void askNext();
     void answered(const Reply& reply);
     void callOff() override;
+    void timedOut() override;
+    // One line for each failure; `reason` is what the service said of it.
+    void logFailure(Error error, const std::string& reason = {}) const;
+    void fail(Error error);
 
     Kind m_kind;
     std::string m_path;

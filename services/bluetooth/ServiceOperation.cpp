@@ -10,7 +10,7 @@ ServiceOperation::ServiceOperation(SystemClient& client, Client::Completion comp
     if (!m_completion) m_completion = [](Error) {};
     if (limit)
         m_limit = client.loop().after(*limit, [this] {
-            callOff();
+            timedOut();
             finish(Error::TimedOut);
         });
     client.add(*this);

@@ -36,6 +36,8 @@ protected:
     services::Bus& bus() const { return m_client.bus(); }
     // What is asked of the service to undo what it is doing.
     virtual void callOff() {}
+    // Its time is over; it ends after this.
+    virtual void timedOut() { callOff(); }
 
     // What the service said, for the log. A text that names an object holds a whole address, and is left out.
     static std::string serviceReason(const Reply& reply);

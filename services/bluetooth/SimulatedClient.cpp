@@ -15,6 +15,12 @@ constexpr auto moment = 200ms;       // in which a controller answers
 constexpr auto searchTime = 600ms;   // until it is found
 constexpr auto pageTimeout = 5120ms; // until one that is off is given up
 
+// With its line in the log.
+Error failure(const char* what, const SimulatedController& controller, Error error) {
+    services::log("%s %s: %s", what, controller.address.forLog().c_str(), errorText(error));
+    return error;
+}
+
 } // namespace
 
 std::unique_ptr<Client> makeSimulatedClient(services::EventLoop& loop, const std::string& world,
@@ -169,10 +175,12 @@ Client::Handle SimulatedClient::pair(const Address& address, Completion completi
     return change(
         address, moment, Error::UnknownDevice,
         [](SimulatedController& controller) {
-            if (controller.isOff) return Error::Unreachable;
-            if (controller.wantsPin)
+            if (controller.isOff) return failure("pairing with", controller, Error::Unreachable);
+            if (controller.refuses) return failure("pairing with", controller, Error::Refused);
+            if (controller.wantsPin) {
                 services::log("pairing with %s: refused, since it asks for a PIN", controller.address.forLog().c_str());
-            if (controller.refuses || controller.wantsPin) return Error::Refused;
+                return Error::Refused;
+            }
             controller.isPaired = true;
             controller.hasForgotten = false;
             return Error::None;
@@ -196,9 +204,9 @@ Client::Handle SimulatedClient::connect(const Address& address, Completion compl
     return change(
         address, isOff ? pageTimeout : moment, Error::UnknownDevice,
         [](SimulatedController& found) {
-            if (found.isOff) return Error::Unreachable;
-            if (found.hasForgotten) return Error::BondLost;
-            if (found.refuses || !found.isPaired) return Error::Refused;
+            if (found.isOff) return failure("connecting", found, Error::Unreachable);
+            if (found.hasForgotten) return failure("connecting", found, Error::BondLost);
+            if (found.refuses || !found.isPaired) return failure("connecting", found, Error::Refused);
             found.isConnected = true;
             return Error::None;
         },

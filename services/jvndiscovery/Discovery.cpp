@@ -133,7 +133,6 @@ void Discovery::store() {
 // The candidate is none after all: nothing of it stays, and the search goes on.
 void Discovery::giveUp(Error error) {
     if (error != Error::NoAdapter) m_failed.insert(*m_candidate); // else it was not the controller
-    services::log("pairing with %s: %s; searching on", m_candidate->forLog().c_str(), errorText(error));
     m_operation.reset();
     m_pairing.reset();
     m_removal = m_client.remove(*m_candidate, [this](Error) { m_removal.reset(); });

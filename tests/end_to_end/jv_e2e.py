@@ -18,7 +18,8 @@ import tempfile
 import time
 import zlib
 
-TIMEOUT = 20.0  # seconds for anything that is to happen; what does not happen by then never will
+# Seconds for anything that is to happen; what does not happen by then never will. An emulated machine takes longer.
+TIMEOUT = float(os.environ.get("JOYVANE_TEST_TIMEOUT", 20))
 
 
 def wait_for(what, condition, timeout=TIMEOUT):
