@@ -105,6 +105,23 @@ TEST_F(Discovery, FindsPairsTrustsStoresAndTellsThePageInItsOrder) {
     EXPECT_TRUE(untilSeen([&] { return !world.isSearching(); }));
 }
 
+TEST_F(Discovery, TwentyPairingsLeaveNothingBehind) {
+    BluetoothWorld world;
+    world.prepare();
+    for (int i = 0; i < 20; ++i) {
+        start();
+        ASSERT_EQ(code(), 0) << "pairing " << i << ": " << tool->errors();
+        EXPECT_EQ(told("402"), "402") << "pairing " << i;
+        world.forget();
+        ASSERT_TRUE(untilSeen([&] { return world.devices() == 0 && !world.isSearching(); })) << "pairing " << i;
+    }
+
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(preferences)) names.push_back(entry.path().filename());
+    std::erase(names, ".lock.com.quorrel.joyvane");
+    EXPECT_EQ(names, std::vector<std::string>{"com.quorrel.joyvane.plist"});
+}
+
 TEST_F(Discovery, AnInterruptedSearchLeavesNothingBehind) {
     BluetoothWorld world;
     world.prepare(BluetoothWorld::Controller::Hides);
@@ -130,6 +147,21 @@ TEST_F(Discovery, ARadioThatIsUnpluggedInTheMiddleIsSaid) {
     EXPECT_EQ(code(), 1) << tool->errors();
     EXPECT_EQ(told("403"), "403");
     EXPECT_EQ(storedAddress(), "");
+}
+
+TEST_F(Discovery, AServiceThatIsRestartedInTheMiddleIsSearchedWithAgain) {
+    BluetoothWorld world;
+    world.prepare(BluetoothWorld::Controller::Hides);
+    start();
+    ASSERT_TRUE(untilSeen([&] { return page.states == "40" && world.isSearching(); })) << tool->errors();
+
+    world.stopService();
+    world.startService();
+    world.prepare();
+
+    EXPECT_EQ(code(), 0) << tool->errors();
+    EXPECT_EQ(told("4002"), "4002");
+    EXPECT_TRUE(world.controllerIs("Paired"));
 }
 
 } // namespace

@@ -17,6 +17,7 @@ constexpr const char* kAdapter = "org.bluez.Adapter1";
 constexpr const char* kOurs = "/org/bluez/hci0";
 constexpr const char* kTheirs = "/org/bluez/hci1";
 constexpr const char* kControllersDevice = "/org/bluez/hci0/dev_00_AA_01_01_00_01";
+constexpr uint32_t kGamepad = 0x0508; // major class: peripheral; minor class: gamepad
 constexpr const char* kOurDevice = "/org/bluez/hci1/dev_00_AA_01_00_00_00";
 
 // A connection for one question, since the bus is asked seldom.
@@ -31,6 +32,11 @@ public:
         int value = 0;
         return ::sd_bus_get_property_trivial(m_bus, kService, path, interface, name, nullptr, 'b', &value) >= 0 &&
                value != 0;
+    }
+    uint32_t number(const char* path, const char* interface, const char* name) const {
+        uint32_t value = 0;
+        ::sd_bus_get_property_trivial(m_bus, kService, path, interface, name, nullptr, 'u', &value);
+        return value;
     }
     template <typename Value> bool set(const char* path, const char* name, const char* type, Value value) const {
         return ::sd_bus_set_property(m_bus, kService, path, kAdapter, name, nullptr, type, value) >= 0;
@@ -129,11 +135,15 @@ void BluetoothWorld::prepare(Controller controller) {
         must(waitUntil([&] { return Bus().flag(radio, kAdapter, "Powered"); }), "a radio does not go on");
     }
     forget(); // a side that remembers refuses to pair anew
+    // Before it is to be found, since whoever finds it looks at its class. On a busy computer the tool may give up.
+    must(waitUntil([] {
+             run({"btmgmt", "--timeout", "10", "--index", "1", "class", "5", "8"});
+             return (Bus().number(kTheirs, kAdapter, "Class") & 0x1fff) == kGamepad;
+         }),
+         "the controller's class is not set");
     set(kTheirs, "Pairable", "b", 1);
     set(kTheirs, "DiscoverableTimeout", "u", 0U);
-    set(kTheirs, "Discoverable", "b", controller == Controller::Calls ? 1 : 0);
-    // Major class: peripheral; minor class: gamepad.
-    run({"btmgmt", "--timeout", "10", "--index", "1", "class", "5", "8"});
+    set(kTheirs, "Discoverable", "b", controller == Controller::Hides ? 0 : 1);
 }
 
 bool BluetoothWorld::controllerIs(const std::string& property) const {
