@@ -86,7 +86,8 @@ private:
     bool readObject(std::size_t index, Object& object);
     bool readCount(std::size_t& at, std::uint8_t low, std::size_t& count);
     bool examine(std::size_t index, std::size_t depth);
-    bool examineChild(Facts& parent, std::size_t index, std::size_t depth, bool isKey);
+    enum class Role { Key, Value };
+    bool examineChild(Facts& parent, std::size_t index, std::size_t depth, Role role);
     bool isScalarSound(const Object& object);
     std::size_t reference(const Object& object, std::size_t at) const {
         return bigEndian(object.body.subspan(at * m_referenceSize, m_referenceSize));
@@ -203,9 +204,9 @@ bool BinaryReader::examine(std::size_t index, std::size_t depth) {
         facts.isOpen = true;
         const std::size_t keys = object.kind == KindDictionary ? object.count : 0;
         for (std::size_t i = 0; i < keys; ++i)
-            if (!examineChild(facts, reference(object, i), depth, true)) return false;
+            if (!examineChild(facts, reference(object, i), depth, Role::Key)) return false;
         for (std::size_t i = 0; i < object.count; ++i)
-            if (!examineChild(facts, reference(object, keys + i), depth, false)) return false;
+            if (!examineChild(facts, reference(object, keys + i), depth, Role::Value)) return false;
     } else {
         m_scalarBytes += object.body.size();
         if (m_scalarBytes > mostBytes) return refuse("repeats its contents too often");
@@ -217,13 +218,13 @@ bool BinaryReader::examine(std::size_t index, std::size_t depth) {
     return true;
 }
 
-bool BinaryReader::examineChild(Facts& parent, std::size_t index, std::size_t depth, bool isKey) {
+bool BinaryReader::examineChild(Facts& parent, std::size_t index, std::size_t depth, Role role) {
     if (index >= m_objectCount) return refuse("refers to an object that it does not hold");
     if (m_facts[index].isOpen) return refuse("refers to itself");
     if (m_facts[index].values == 0 && !examine(index, depth + 1)) return false;
     const Facts& child = m_facts[index];
     if (depth + child.height > propertyListMaximumDepth) return refuse("is nested deeper than 64");
-    if (isKey) {
+    if (role == Role::Key) {
         if (!child.isText) return refuse("has a key that is no text");
     } else {
         parent.values += child.values;

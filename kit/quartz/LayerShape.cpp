@@ -127,12 +127,12 @@ std::vector<LayerShape::Patch> LayerShape::patches(const PixelRect& clip, double
     const int top = std::min(all.top + size, all.bottom);
     const int bottom = std::max(all.bottom - size, top);
     const auto addSide = [&](int from, int to) {
-        add({all.left, from, all.left + size, to}, true);
-        add({all.left + size, from, all.right - size, to}, false);
-        add({all.right - size, from, all.right, to}, true);
+        add({all.left, from, all.left + size, to}, /*isSoft=*/true);
+        add({all.left + size, from, all.right - size, to}, /*isSoft=*/false);
+        add({all.right - size, from, all.right, to}, /*isSoft=*/true);
     };
     addSide(all.top, top);
-    add({all.left, top, all.right, bottom}, false);
+    add({all.left, top, all.right, bottom}, /*isSoft=*/false);
     addSide(bottom, all.bottom);
     return result;
 }

@@ -37,22 +37,24 @@ UIBezierPath::bezierPathWithRoundedRect_byRoundingCorners_cornerRadii(CGRect rec
     const double top = CGRectGetMinY(rect), bottom = CGRectGetMaxY(rect);
     auto& elements = path->m_path.elements;
     // Clockwise, each corner from where the edge before it ends; a square corner has no radii.
-    const auto corner = [&](UIRectCorner which, CGPoint at, CGPoint outward, bool firstAlongX) {
+    enum class First { Across, Down }; // which way a corner begins
+    const auto corner = [&](UIRectCorner which, CGPoint at, CGPoint outward, First first) {
         const bool round = (corners & which) != 0 && rx > 0 && ry > 0;
         const double x = round ? rx : 0;
         const double y = round ? ry : 0;
         const CGPoint center{at.x - outward.x * x, at.y - outward.y * y};
         const CGPoint sideways{outward.x * x, 0};
         const CGPoint upright{0, outward.y * y};
-        const CGPoint start = firstAlongX ? sideways : upright;
+        const bool beginsAcross = first == First::Across;
+        const CGPoint start = beginsAcross ? sideways : upright;
         elements.push_back(
             {elements.empty() ? Kind::MoveTo : Kind::LineTo, {{center.x + start.x, center.y + start.y}, {}, {}}});
-        if (round) elements.push_back(quarter(center, start, firstAlongX ? upright : sideways));
+        if (round) elements.push_back(quarter(center, start, beginsAcross ? upright : sideways));
     };
-    corner(UIRectCornerTopLeft, {left, top}, {-1, -1}, true);
-    corner(UIRectCornerTopRight, {right, top}, {1, -1}, false);
-    corner(UIRectCornerBottomRight, {right, bottom}, {1, 1}, true);
-    corner(UIRectCornerBottomLeft, {left, bottom}, {-1, 1}, false);
+    corner(UIRectCornerTopLeft, {left, top}, {-1, -1}, First::Across);
+    corner(UIRectCornerTopRight, {right, top}, {1, -1}, First::Down);
+    corner(UIRectCornerBottomRight, {right, bottom}, {1, 1}, First::Across);
+    corner(UIRectCornerBottomLeft, {left, bottom}, {-1, 1}, First::Down);
     path->closePath();
     return path;
 }

@@ -55,7 +55,7 @@ void Server::admit(seat::Descriptor socket, uid_t user) {
         Client::Callbacks{[this](Client& from, input::Role role) { return hello(from, role); }, m_callbacks.joined,
                           m_callbacks.settings, m_callbacks.light, [this](Client& from) { gone(from); }});
     Client& added = *m_clients.emplace_back(std::move(client));
-    if (first) m_callbacks.empty(false);
+    if (first) m_callbacks.empty(/*isEmpty=*/false);
     if (!permitted)
         added.refuse(input::RefusalReason::notPermitted);
     else if (!room)
@@ -97,7 +97,7 @@ void Server::gone(Client& client) {
 void Server::removeEnded() {
     m_sweep.reset();
     std::erase_if(m_clients, [](const auto& client) { return client->ended(); });
-    if (m_clients.empty()) m_callbacks.empty(true);
+    if (m_clients.empty()) m_callbacks.empty(/*isEmpty=*/true);
 }
 
 } // namespace jvninputd

@@ -37,7 +37,7 @@ Service::Service(services::EventLoop& loop, seat::Descriptor listener)
                        },
                        [this](const std::string& device) { deviceRemoved(device); }}) {
     m_hotplug.enumerate();
-    serverEmpty(true);
+    serverEmpty(/*isEmpty=*/true);
 }
 
 void Service::keyboardAdded(const std::string& device, const KeyboardFound& found) {

@@ -1,13 +1,12 @@
 #include "services/jvninput/keymap_file.h"
 #include "services/jvninput/options.h"
 #include "services/jvninput/state_text.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include <cstring>
-#include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <string>
-#include <unistd.h>
 
 using namespace jvninput;
 
@@ -75,16 +74,14 @@ TEST(StateText, WhatALaterVersionSaysIsNotMisread) {
 
 class KeymapFile : public ::testing::Test {
 protected:
-    KeymapFile() : m_path("/tmp/jvninput-keymap-" + std::to_string(::getpid())) {}
-    ~KeymapFile() override { std::filesystem::remove(m_path); }
-
     std::optional<input::Settings> read(const std::string& dictionary) {
         std::ofstream(m_path) << "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\"><dict>"
                               << dictionary << "</dict></plist>\n";
         return readKeymapFile(m_path, m_leftOut, m_complaint);
     }
 
-    std::string m_path;
+    testing_support::TemporaryFolder m_folder;
+    std::string m_path = m_folder.file("keymap");
     std::size_t m_leftOut = 0;
     std::string m_complaint;
 };

@@ -2,6 +2,7 @@
 #include "services/jvninputd/Server.h"
 #include "services/jvninputd/listening_socket.h"
 #include "tests/support/HeldClock.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include <cerrno>
 #include <cstring>
@@ -74,10 +75,7 @@ protected:
     Connections() {
         services::setLogSink([this](std::string_view line) { m_log.emplace_back(line); });
     }
-    ~Connections() override {
-        services::setLogSink({});
-        std::filesystem::remove(m_path);
-    }
+    ~Connections() override { services::setLogSink({}); }
 
     Peer connect() {
         Peer peer(m_path);
@@ -100,7 +98,8 @@ protected:
         m_loop.runUntil([&ran] { return ran; });
     }
 
-    std::string m_path = "/tmp/jvninputd-connections-" + std::to_string(::getpid());
+    testing_support::TemporaryFolder m_folder;
+    std::string m_path = m_folder.file("socket");
     testing_support::HeldClock m_clock;
     services::EventLoop m_loop{m_clock};
     std::vector<std::string> m_log;

@@ -1,7 +1,7 @@
 #include "services/jvninputd/lights.h"
 #include "services/jvninputd/udev_properties.h"
+#include "tests/support/TemporaryFolder.h"
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
@@ -53,12 +53,6 @@ TEST(DeviceDescriptions, OursAreKnownByNameAndBus) {
 // A device's folder as the kernel has it.
 class LightFolder : public ::testing::Test {
 protected:
-    LightFolder() {
-        char name[] = "/tmp/jvninputd-lights-XXXXXX";
-        m_folder = ::mkdtemp(name);
-    }
-    ~LightFolder() override { std::filesystem::remove_all(m_folder); }
-
     void file(const std::string& path, const std::string& text) {
         std::filesystem::create_directories(std::filesystem::path(m_folder + "/leds/" + path).parent_path());
         std::ofstream(m_folder + "/leds/" + path) << text;
@@ -70,7 +64,8 @@ protected:
         return line;
     }
 
-    std::string m_folder;
+    testing_support::TemporaryFolder m_temporary;
+    const std::string m_folder = m_temporary.path();
 };
 
 TEST_F(LightFolder, ThreeLightsGetTheirParts) {

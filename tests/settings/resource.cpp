@@ -74,7 +74,8 @@ TEST_F(ResourceRows, SayWhatTheChosenKindDoesInTheChosenMode) {
     using testing::HasSubstr;
 
     for (const long mode : {0, 1, 2}) {
-        for (const long type : {-1, 0, 1, 2, 3, 4, 5, 7}) EXPECT_THAT(setupFor(type, mode), HasSubstr("when you press"));
+        for (const long type : {-1, 0, 1, 2, 3, 4, 5, 7})
+            EXPECT_THAT(setupFor(type, mode), HasSubstr("when you press"));
         EXPECT_THAT(setupFor(0, mode), HasSubstr("from a computer"));
         EXPECT_THAT(setupFor(6, mode), HasSubstr("both Ctrl keys and press Escape"));
     }

@@ -51,13 +51,16 @@ TEST_F(Resources, EveryPropertyOfAnItemBecomesTheRows) {
 }
 
 TEST_F(Resources, AnItemMayBeThereForSomeValuesOfASettingOnly) {
-    const auto onlyFor = [](const std::string& settings) { return "<key>JVNOnlyFor</key><dict>" + settings + "</dict>"; };
+    const auto onlyFor = [](const std::string& settings) {
+        return "<key>JVNOnlyFor</key><dict>" + settings + "</dict>";
+    };
     const auto notFor = [](const std::string& settings) { return "<key>JVNNotFor</key><dict>" + settings + "</dict>"; };
     const std::string two = "<key>type</key><array><integer>2</integer><integer>3</integer></array>";
     const std::string off = "<key>mode</key><array><integer>0</integer></array>";
     writeResource(item("PSButtonCell", "a", "A", onlyFor(two)) + item("PSButtonCell", "b", "B", onlyFor(two + off)) +
                   item("PSButtonCell", "c", "C", onlyFor("<key>nowhere</key><array><integer>0</integer></array>")) +
-                  item("PSButtonCell", "d", "D", notFor(two)) + item("PSButtonCell", "e", "E", onlyFor(two) + notFor(off)) +
+                  item("PSButtonCell", "d", "D", notFor(two)) +
+                  item("PSButtonCell", "e", "E", onlyFor(two) + notFor(off)) +
                   item("PSSwitchCell", "type", "Type", bound("t", "<integer>3</integer>")) +
                   item("PSSwitchCell", "mode", "Mode", bound("m", "<integer>0</integer>")));
     const auto names = [this] {

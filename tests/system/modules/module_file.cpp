@@ -1,6 +1,7 @@
 #include "system/modules/module_file.h"
 
 #include "system/modules/SHA256.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include <elf.h>
 #include <filesystem>
@@ -30,16 +31,11 @@ seat::ModuleSeal sealOf(const std::string& contents) {
 
 class ModuleFile : public testing::Test {
 protected:
-    ModuleFile() {
-        std::string name = (fs::temp_directory_path() / "module-XXXXXX").string();
-        folder = mkdtemp(name.data());
-        path = folder + "/module";
-    }
-    ~ModuleFile() override { fs::remove_all(folder); }
     void write(const std::string& contents) const { std::ofstream(path, std::ios::binary) << contents; }
 
-    std::string folder;
-    std::string path;
+    testing_support::TemporaryFolder temporary;
+    const std::string folder = temporary.path();
+    const std::string path = temporary.file("module");
 };
 
 TEST_F(ModuleFile, TheSealedFileHasNoProblem) {
