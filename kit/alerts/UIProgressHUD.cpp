@@ -24,7 +24,7 @@ constexpr double space = 16; // between spinner and text
 constexpr double leastWidth = 140;
 constexpr double mostWidth = 300;
 constexpr double viewMargin = 24;
-constexpr double buttonHeight = 44;
+constexpr double wayOutHeight = 44;
 
 std::function<void()>& canceller() {
     static auto& cancel = *new std::function<void()>; // a panel may be up when the process ends
@@ -106,7 +106,7 @@ void UIProgressHUD::place() {
     label = CGSizeMake(std::min(std::ceil(label.width), most), std::ceil(label.height));
     const double width = std::max(leastWidth, label.width + 2 * padding);
     const double textBottom = padding + spinnerSize + (hasText ? space + label.height : 0) + padding;
-    const double height = textBottom + (m_hud->button->isHidden() ? 0 : buttonHeight);
+    const double height = textBottom + (m_hud->button->isHidden() ? 0 : wayOutHeight);
     setFrame(CGRectMake(appearance::roundToPixel((area.width - width) / 2),
                         appearance::roundToPixel((area.height - height) / 2), width, height));
     // By its centre: it is turned.
@@ -114,7 +114,7 @@ void UIProgressHUD::place() {
     m_hud->label->setFrame(
         CGRectMake(std::floor((width - label.width) / 2), padding + spinnerSize + space, label.width, label.height));
     m_hud->line->setFrame(CGRectMake(0, textBottom, width, appearance::hairline()));
-    m_hud->button->setFrame(CGRectMake(0, textBottom, width, buttonHeight));
+    m_hud->button->setFrame(CGRectMake(0, textBottom, width, wayOutHeight));
 }
 
 UIAccessibilityRole UIProgressHUD::accessibilityRole() const { return UIAccessibilityRole::ProgressIndicator; }

@@ -13,7 +13,7 @@ using namespace seat;
 
 namespace {
 
-constexpr double slideDuration = 0.35;
+constexpr double pushDuration = 0.35;
 constexpr double parallax = 0.3; // how far the lower screen moves of the way that the upper one does
 
 } // namespace
@@ -77,7 +77,7 @@ void UINavigationController::State::move() {
         if (going) going->setCenter(shifted(isForward ? -parallax : 1));
     };
     const std::weak_ptr<UINavigationController> weak = self(&controller);
-    const auto running = ScreenTransition::start(moves ? slideDuration : 0, slide, [weak, from, to, going] {
+    const auto running = ScreenTransition::start(moves ? pushDuration : 0, slide, [weak, from, to, going] {
         const auto navigation = weak.lock();
         if (navigation) {
             navigation->m_navigation->transition = nullptr;

@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr double slideDuration = 0.4;
+constexpr double presentationDuration = 0.4;
 
 // The outermost container presents for all that stand in it.
 std::shared_ptr<UIViewController> outermost(std::shared_ptr<UIViewController> controller) {
@@ -67,7 +67,7 @@ void UIViewController::presentViewController_animated_completion(const std::shar
         controller->endAppearanceTransition();
         if (completion) completion();
     };
-    const auto transition = ScreenTransition::start(animated && window ? slideDuration : 0, moveIn, end);
+    const auto transition = ScreenTransition::start(animated && window ? presentationDuration : 0, moveIn, end);
     if (transition->isRunning()) state.presentation = transition;
 }
 
@@ -99,7 +99,7 @@ void UIViewController::dismissViewControllerAnimated_completion(bool animated, s
         presenter->endAppearanceTransition();
         if (completion) completion();
     };
-    const auto transition = ScreenTransition::start(animated && window ? slideDuration : 0, moveOut, end);
+    const auto transition = ScreenTransition::start(animated && window ? presentationDuration : 0, moveOut, end);
     if (transition->isRunning()) state.presentation = transition;
 }
 

@@ -14,7 +14,7 @@ NS_CLASS_IMPLEMENTATION(UILabel, UIView)
 namespace {
 
 constexpr double unlimited = std::numeric_limits<double>::infinity();
-constexpr double disabledAlpha = 0.4;
+constexpr double disabledTextAlpha = 0.4;
 
 seat::TextAlignment hostAlignment(NSTextAlignment alignment) {
     switch (alignment) {
@@ -133,7 +133,7 @@ CGSize UILabel::intrinsicContentSize() const { return sizeThatFits(bounds().size
 void UILabel::drawRect(CGRect rect) {
     const CGContextRef context = UIGraphicsGetCurrentContext();
     CGContextSaveGState(context);
-    if (!m_enabled) CGContextSetAlpha(context, disabledAlpha);
+    if (!m_enabled) CGContextSetAlpha(context, disabledTextAlpha);
     seat::drawText(context, runsOf(*this), rect, hostAlignment(m_textAlignment), m_numberOfLines);
     CGContextRestoreGState(context);
 }

@@ -11,7 +11,7 @@ NS_CLASS_IMPLEMENTATION(UIPanGestureRecognizer, UIGestureRecognizer)
 
 namespace {
 
-constexpr double slop = 8;             // points the finger moves before the gesture begins
+constexpr double panSlop = 8;          // points the finger moves before the gesture begins
 constexpr double velocityWindow = 0.1; // seconds that the velocity is taken over
 
 CGPoint minus(CGPoint a, CGPoint b) { return {a.x - b.x, a.y - b.y}; }
@@ -51,9 +51,9 @@ void PanReader::moved(UIGestureRecognizer& recognizer, const UITouchList& touche
     if (recognizer.state() != UIGestureRecognizerStatePossible)
         return GestureInternals::setState(recognizer, UIGestureRecognizerStateChanged);
     const double distance = length(movement());
-    if (distance < slop) return;
+    if (distance < panSlop) return;
     // Counted from the rim of the small circle: what is dragged neither jumps nor lags behind a quick finger.
-    m_origin = {m_first.x + movement().x * slop / distance, m_first.y + movement().y * slop / distance};
+    m_origin = {m_first.x + movement().x * panSlop / distance, m_first.y + movement().y * panSlop / distance};
     GestureInternals::setState(recognizer, UIGestureRecognizerStateBegan);
 }
 

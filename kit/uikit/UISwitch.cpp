@@ -19,7 +19,7 @@ constexpr double rim = 1.5; // of the track, round the knob
 constexpr double knobDiameter = 28;
 constexpr double pressedKnobWidth = 34; // under a finger the knob is wider
 constexpr double animationSeconds = 0.25;
-constexpr double disabledAlpha = 0.5;
+constexpr double disabledSwitchAlpha = 0.5;
 
 // The knob's shadow: a few faint discs.
 constexpr struct Shadow {
@@ -167,7 +167,7 @@ void UISwitch::touchesCancelled_withEvent(const UITouchList& touches, UIEvent& e
 
 void UISwitch::setEnabled(bool enabled) {
     UIControl::setEnabled(enabled);
-    setAlpha(enabled ? 1 : disabledAlpha);
+    setAlpha(enabled ? 1 : disabledSwitchAlpha);
 }
 
 bool UISwitch::canBecomeFocused() const { return isEnabled(); }

@@ -9,7 +9,7 @@ NS_CLASS_IMPLEMENTATION(UITapGestureRecognizer, UIGestureRecognizer)
 
 namespace {
 
-constexpr double slop = 10; // points a finger may wander
+constexpr double tapSlop = 10; // points a finger may wander
 
 class TapReader final : public seat::GestureReader {
 public:
@@ -22,7 +22,7 @@ public:
 
     void moved(UIGestureRecognizer& recognizer, const UITouchList& touches, UIEvent&) override {
         const CGPoint now = touches.front()->locationInView(nullptr);
-        if (std::hypot(now.x - m_first.x, now.y - m_first.y) > slop)
+        if (std::hypot(now.x - m_first.x, now.y - m_first.y) > tapSlop)
             GestureInternals::setState(recognizer, UIGestureRecognizerStateFailed);
     }
 

@@ -1,6 +1,7 @@
 #include "services/bluetooth/SimulatedWorld.h"
 #include "services/bluetooth/clients.h"
 #include "services/common/log.h"
+#include "tests/bluetooth/bluetooth_test.h"
 #include "tests/support/HeldClock.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -13,10 +14,6 @@
 
 using namespace std::chrono_literals;
 using namespace bluetooth;
-
-namespace bluetooth {
-static std::ostream& operator<<(std::ostream& stream, Error error) { return stream << errorText(error); }
-} // namespace bluetooth
 
 namespace {
 

@@ -17,6 +17,10 @@ class UIColor;
 class ZKColorMapView;
 class ZKColorPickerView;
 
+inline constexpr double float09 = 0.9f; // what a limit of 0.9 is where the map has it
+inline constexpr unsigned valueChanged = UIControlEventValueChanged;
+inline constexpr unsigned editingEnd = UIControlEventEditingDidEnd;
+
 // A window, a finger and a held clock around a view that is looked at.
 class PickerScene {
 public:

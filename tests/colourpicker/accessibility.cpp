@@ -17,7 +17,6 @@
 
 namespace {
 
-constexpr double float09 = 0.9f;
 using Direction = UIAccessibilityDirection;
 using Step = UIAccessibilityStep;
 

@@ -12,9 +12,6 @@
 
 namespace {
 
-constexpr unsigned value = UIControlEventValueChanged;
-constexpr unsigned editingEnd = UIControlEventEditingDidEnd;
-
 double cursorX(const ZKBrightnessSlider& slider) { return slider.brightnessCursor()->center().x; }
 
 class BrightnessSliderOrder : public ::testing::Test {
@@ -34,7 +31,7 @@ protected:
 
 TEST_F(BrightnessSliderOrder, BothEventsOfATapGoOutWithTheNewBrightnessBeforeTheCursorMoves) {
     std::vector<double> brightness, places;
-    const auto watcher = AtEvent::of(*slider, value | editingEnd, [&] {
+    const auto watcher = AtEvent::of(*slider, valueChanged | editingEnd, [&] {
         brightness.push_back(slider->brightness()->doubleValue());
         places.push_back(cursorX(*slider));
     });
@@ -50,7 +47,7 @@ TEST_F(BrightnessSliderOrder, BothEventsOfATapGoOutWithTheNewBrightnessBeforeThe
 TEST_F(BrightnessSliderOrder, CursorGrowsAfterTheFirstReport) {
     std::vector<bool> enlarged;
     const auto watcher =
-        AtEvent::of(*slider, value, [&] { enlarged.push_back(slider->brightnessCursor()->editing()); });
+        AtEvent::of(*slider, valueChanged, [&] { enlarged.push_back(slider->brightnessCursor()->editing()); });
 
     pan->send(UIGestureRecognizerStateChanged, CGPoint{100, 15});
     pan->send(UIGestureRecognizerStateChanged, CGPoint{120, 15});

@@ -10,8 +10,6 @@
 
 namespace {
 
-constexpr double float09 = 0.9f;
-
 class ColorMap : public ::testing::Test {
 protected:
     std::shared_ptr<ZKColorMapView> makeMap(CGRect frame = CGRectZero, double limit = 0.9) {

@@ -13,9 +13,6 @@
 
 namespace {
 
-constexpr unsigned value = UIControlEventValueChanged;
-constexpr unsigned editingEnd = UIControlEventEditingDidEnd;
-
 std::shared_ptr<ZKColorMapView> makeMap(PickerScene& window, double limit = 0.9) {
     const auto map = window.keep(ZKColorMapView::colorMapWithFrame_saturationUpperLimit(CGRectZero, limit));
     map->setBrightness(1);
@@ -61,7 +58,7 @@ TEST_F(ColorMapOrder, WhenEditingEndsColourAndCursorAreThoseOfTheTouchAlready) {
 
 TEST_F(ColorMapOrder, CursorGrowsAfterTheFirstReportAndShrinksBeforeTheLast) {
     std::vector<bool> enlarged;
-    const auto watcher = AtEvent::of(*map, value, [&] { enlarged.push_back(map->colorCursor()->editing()); });
+    const auto watcher = AtEvent::of(*map, valueChanged, [&] { enlarged.push_back(map->colorCursor()->editing()); });
 
     pan->send(UIGestureRecognizerStateChanged, CGPoint{40, 40});
     pan->send(UIGestureRecognizerStateChanged, CGPoint{60, 40});

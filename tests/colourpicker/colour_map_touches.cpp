@@ -6,8 +6,6 @@
 
 namespace {
 
-constexpr double float09 = 0.9f;
-
 // A map of 20 columns and 22 rows at (10, 100) of the window.
 class ColorMapTouches : public ::testing::Test {
 protected:

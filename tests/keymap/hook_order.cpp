@@ -48,7 +48,7 @@ class HandlerOwner : public NSObject {
 };
 NS_CLASS_IMPLEMENTATION(HandlerOwner, NSObject, {"handleKeyUIEvent:", noteCall, "v@:@"})
 
-[[noreturn]] void end(bool passed) { std::_Exit(passed ? 0 : 1); }
+[[noreturn]] void exitWith(bool passed) { std::_Exit(passed ? 0 : 1); }
 
 class KeyEventHookOrderDeathTest : public testing::Test {
 protected:
@@ -75,8 +75,8 @@ TEST_F(KeyEventHookOrderDeathTest, TheApplicationsHandlerGetsTheSameObjectSelect
             const auto application = HandlerOwner::alloc();
             const auto event = UIKeyEvent::keyEvent(4, true);
             objc_msgSend(*application, "handleKeyUIEvent:", {event});
-            end(calls().size() == 1 && calls()[0].application == application.get() &&
-                calls()[0].command == SEL("handleKeyUIEvent:") && calls()[0].event == id(event));
+            exitWith(calls().size() == 1 && calls()[0].application == application.get() &&
+                     calls()[0].command == SEL("handleKeyUIEvent:") && calls()[0].event == id(event));
         },
         testing::ExitedWithCode(0), "");
 }
@@ -88,8 +88,8 @@ TEST_F(KeyEventHookOrderDeathTest, TheForwarderGetsTheSameObjectSelectorAndEvent
             const auto application = HandlerHeir::alloc();
             const auto event = UIKeyEvent::keyEvent(4, true);
             objc_msgSend(*application, "handleKeyUIEvent:", {event});
-            end(calls().size() == 1 && calls()[0].application == application.get() &&
-                calls()[0].command == SEL("handleKeyUIEvent:") && calls()[0].event == id(event));
+            exitWith(calls().size() == 1 && calls()[0].application == application.get() &&
+                     calls()[0].command == SEL("handleKeyUIEvent:") && calls()[0].event == id(event));
         },
         testing::ExitedWithCode(0), "");
 }
@@ -105,7 +105,7 @@ TEST_F(KeyEventHookOrderDeathTest, TheForwarderCallsAHandlerThatTheSuperclassGot
                                          return id();
                                      });
             objc_msgSend(*HandlerHeir::alloc(), "handleKeyUIEvent:", {UIKeyEvent::keyEvent(4, true)});
-            end(later == 1 && calls().empty());
+            exitWith(later == 1 && calls().empty());
         },
         testing::ExitedWithCode(0), "");
 }
@@ -117,7 +117,7 @@ TEST_F(KeyEventHookOrderDeathTest, TheForwarderAsksForTheKeyHandlerWhateverItIsC
             const auto application = HandlerHeir::alloc();
             const std::vector<id> arguments{UIKeyEvent::keyEvent(4, true)};
             handler(HandlerHeir::classObject())(*application, "another:", arguments);
-            end(calls().size() == 1 && calls()[0].command == SEL("another:"));
+            exitWith(calls().size() == 1 && calls()[0].command == SEL("another:"));
         },
         testing::ExitedWithCode(0), "");
 }
@@ -127,8 +127,8 @@ TEST_F(KeyEventHookOrderDeathTest, TheTypesAreThoseOfTheMethodFound) {
         {
             installKeyEventHookOnClass(HandlerHeir::classObject());
             const Method added = class_getInstanceMethod(HandlerHeir::classObject(), "handleKeyUIEvent:");
-            end(added != class_getInstanceMethod(HandlerBase::classObject(), "handleKeyUIEvent:") &&
-                method_getTypeEncoding(added) == std::string("v@:@"));
+            exitWith(added != class_getInstanceMethod(HandlerBase::classObject(), "handleKeyUIEvent:") &&
+                     method_getTypeEncoding(added) == std::string("v@:@"));
         },
         testing::ExitedWithCode(0), "");
 }
@@ -139,7 +139,7 @@ TEST_F(KeyEventHookOrderDeathTest, WithoutAnEditorTheEventGoesToTheApplicationAl
             installKeyEventHookOnClass(HandlerOwner::classObject());
             const bool noEditor = !JVNKeymapViewController::activeKeymapController();
             objc_msgSend(*HandlerOwner::alloc(), "handleKeyUIEvent:", {UIKeyEvent::keyEvent(4, true)});
-            end(noEditor && calls().size() == 1);
+            exitWith(noEditor && calls().size() == 1);
         },
         testing::ExitedWithCode(0), "");
 }

@@ -9,7 +9,7 @@ namespace {
 using namespace property_list_testing;
 using testing::HasSubstr;
 
-void expectRefused(const Read& read, const std::string& reason) {
+void expectXMLRefused(const Read& read, const std::string& reason) {
     EXPECT_FALSE(read.value);
     EXPECT_THAT(read.refusal, HasSubstr(reason));
 }
@@ -113,23 +113,23 @@ TEST(XMLPropertyList, DataIsExactBase64) {
 }
 
 TEST(XMLPropertyList, WrongNestingIsRefused) {
-    expectRefused(readXML("<dict><string>a</string></dict>"), "has a value without a key (line 3)");
-    expectRefused(readXML("<dict><key>a</key></dict>"), "has a key without a value");
-    expectRefused(readXML("<dict><key>a</key><key>b</key><true/></dict>"), "has a key without a value");
-    expectRefused(readXML("<array><key>a</key></array>"), "has a key outside of a dictionary");
-    expectRefused(readXML("<key>a</key>"), "has a key outside of a dictionary");
-    expectRefused(readXML("<true/><true/>"), "holds more than one value");
-    expectRefused(readXML(""), "holds no value");
-    expectRefused(readXML("<plist><true/></plist>"), "wrong order");
-    expectRefused(readXML("<string>a<b/></string>"), "unknown element");
-    expectRefused(readXML("<string>a<true/></string>"), "has an element within a text");
-    expectRefused(readXML("<array>text</array>"), "has text between its elements");
-    expectRefused(readXML("text<true/>"), "has text between its elements");
-    expectRefused(readXML("<true>yes</true>"), "no value of its type");
-    expectRefused(readXML("<set/>"), "unknown element");
-    expectRefused(readXML("<String>a</String>"), "unknown element");
-    expectRefused(readXML("<string lang='de'>a</string>"), "unknown attribute");
-    expectRefused(read(bytesOf("<dict></dict><!-- </plist> -->")), "wrong order");
+    expectXMLRefused(readXML("<dict><string>a</string></dict>"), "has a value without a key (line 3)");
+    expectXMLRefused(readXML("<dict><key>a</key></dict>"), "has a key without a value");
+    expectXMLRefused(readXML("<dict><key>a</key><key>b</key><true/></dict>"), "has a key without a value");
+    expectXMLRefused(readXML("<array><key>a</key></array>"), "has a key outside of a dictionary");
+    expectXMLRefused(readXML("<key>a</key>"), "has a key outside of a dictionary");
+    expectXMLRefused(readXML("<true/><true/>"), "holds more than one value");
+    expectXMLRefused(readXML(""), "holds no value");
+    expectXMLRefused(readXML("<plist><true/></plist>"), "wrong order");
+    expectXMLRefused(readXML("<string>a<b/></string>"), "unknown element");
+    expectXMLRefused(readXML("<string>a<true/></string>"), "has an element within a text");
+    expectXMLRefused(readXML("<array>text</array>"), "has text between its elements");
+    expectXMLRefused(readXML("text<true/>"), "has text between its elements");
+    expectXMLRefused(readXML("<true>yes</true>"), "no value of its type");
+    expectXMLRefused(readXML("<set/>"), "unknown element");
+    expectXMLRefused(readXML("<String>a</String>"), "unknown element");
+    expectXMLRefused(readXML("<string lang='de'>a</string>"), "unknown attribute");
+    expectXMLRefused(read(bytesOf("<dict></dict><!-- </plist> -->")), "wrong order");
 }
 
 TEST(XMLPropertyList, OfAKeyThatComesTwiceTheLastValueCounts) {
@@ -148,12 +148,12 @@ TEST(XMLPropertyList, OwnEntitiesAreRefusedAndNeverExpanded) {
         <!ENTITY c "&b;&b;&b;&b;&b;&b;&b;&b;&b;&b;">
         ]><plist version="1.0"><string>&c;</string></plist>)";
 
-    expectRefused(read(bytesOf(bomb)), "declares entities or types of its own");
-    expectRefused(readXML("<string>&nbsp;</string>"), "refers to an entity that XML does not define");
-    expectRefused(read(bytesOf("<!DOCTYPE plist SYSTEM \"file:///etc/passwd\"><plist><string>&x;</string></plist>")),
-                  "refers to an entity that XML does not define");
-    expectRefused(read(bytesOf("<plist><string>&x;</string></plist>")), "is no XML");
-    expectRefused(read(bytesOf("<!DOCTYPE html><plist><true/></plist>")), "another type");
+    expectXMLRefused(read(bytesOf(bomb)), "declares entities or types of its own");
+    expectXMLRefused(readXML("<string>&nbsp;</string>"), "refers to an entity that XML does not define");
+    expectXMLRefused(read(bytesOf("<!DOCTYPE plist SYSTEM \"file:///etc/passwd\"><plist><string>&x;</string></plist>")),
+                     "refers to an entity that XML does not define");
+    expectXMLRefused(read(bytesOf("<plist><string>&x;</string></plist>")), "is no XML");
+    expectXMLRefused(read(bytesOf("<!DOCTYPE html><plist><true/></plist>")), "another type");
 }
 
 TEST(XMLPropertyList, ISO8859_1IsReadAsItsDeclarationSays) {
@@ -166,7 +166,7 @@ TEST(XMLPropertyList, ISO8859_1IsReadAsItsDeclarationSays) {
         ASSERT_TRUE(value.string()) << name;
         EXPECT_EQ(*value.string(), "M\u00fcller \u00a9\u00ff");
     }
-    expectRefused(read1("utf-8"), "is not UTF-8");
+    expectXMLRefused(read1("utf-8"), "is not UTF-8");
 }
 
 TEST(XMLPropertyList, UTF16IsReadInEitherOrderWithAndWithoutItsMark) {
@@ -183,21 +183,21 @@ TEST(XMLPropertyList, UTF16IsReadInEitherOrderWithAndWithoutItsMark) {
             ASSERT_TRUE(value.string()) << bigEndian << marked;
             EXPECT_EQ(*value.string(), "\u00fc\u20ac\U0001d11e");
             EXPECT_FALSE(read(bytesOf(bytes.substr(0, bytes.size() - 1))).value);
-            expectRefused(read(bytesOf(bytes.substr(0, bytes.size() - 4))), "is cut");
+            expectXMLRefused(read(bytesOf(bytes.substr(0, bytes.size() - 4))), "is cut");
         }
-    expectRefused(read(bytesOf(std::string("\xff\xfe\x00\xd8<\0", 6))), "is not UTF-16");
+    expectXMLRefused(read(bytesOf(std::string("\xff\xfe\x00\xd8<\0", 6))), "is not UTF-16");
 }
 
 TEST(XMLPropertyList, OtherEncodingsAreRefused) {
-    expectRefused(read(bytesOf("<?xml version='1.0' encoding='UTF-16'?><plist><true/></plist>")), "encoding");
-    expectRefused(read(bytesOf("<?xml version='1.0' encoding='EBCDIC-CP-US'?><plist><true/></plist>")), "encoding");
+    expectXMLRefused(read(bytesOf("<?xml version='1.0' encoding='UTF-16'?><plist><true/></plist>")), "encoding");
+    expectXMLRefused(read(bytesOf("<?xml version='1.0' encoding='EBCDIC-CP-US'?><plist><true/></plist>")), "encoding");
     EXPECT_TRUE(read(bytesOf("<?xml version='1.0' encoding='utf-8'?><plist><true/></plist>")).value);
     EXPECT_TRUE(read(bytesOf("\xef\xbb\xbf<plist><true/></plist>")).value);
 }
 
 TEST(XMLPropertyList, TextThatIsNotUTF8IsRefused) {
     for (const char* const text : {"\xff", "\xc3", "\xc0\xaf", "\xed\xa0\x80", "\xf4\x90\x80\x80", "\xe2\x82", "\x80"})
-        expectRefused(readXML(std::string("<string>") + text + "</string>"), "is not UTF-8");
+        expectXMLRefused(readXML(std::string("<string>") + text + "</string>"), "is not UTF-8");
     EXPECT_EQ(readXML("<string>\xf0\x9d\x84\x9e\xef\xbf\xbd</string>").value, id("\xf0\x9d\x84\x9e\xef\xbf\xbd"));
 }
 
@@ -212,8 +212,8 @@ TEST(XMLPropertyList, CutFileIsRefusedAtEveryLength) {
         EXPECT_FALSE(cut.value) << length;
         EXPECT_NE(cut.refusal, "") << length;
     }
-    expectRefused(read(bytesOf(whole.substr(0, 60))), "is cut");
-    expectRefused(read(bytesOf("what is this")), "is no property list");
+    expectXMLRefused(read(bytesOf(whole.substr(0, 60))), "is cut");
+    expectXMLRefused(read(bytesOf("what is this")), "is no property list");
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 #include "platform/uikit/UIColor.h"
+#include "tests/kit/quartz/numbers.h"
 
 #include <gtest/gtest.h>
 
@@ -27,8 +28,8 @@ std::shared_ptr<UIColor> hsb(double h, double s, double b) {
     return UIColor::colorWithHue_saturation_brightness_alpha(h, s, b, 1);
 }
 
-constexpr double nan = std::numeric_limits<double>::quiet_NaN();
-constexpr double infinity = std::numeric_limits<double>::infinity();
+using test::infinity;
+using test::nan;
 
 TEST(Color, KeepsComponentsAsGivenAlsoBeyondOne) {
     const Rgb c = rgbOf(*UIColor::colorWithRed_green_blue_alpha(1.5, -0.5, 0.1, 2));

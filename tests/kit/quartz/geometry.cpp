@@ -3,6 +3,7 @@
 #include "platform/quartz/CGAffineTransform.h"
 #include "platform/uikit/UIScreen.h"
 #include "tests/kit/quartz/Surface.h"
+#include "tests/kit/quartz/numbers.h"
 
 #include <gtest/gtest.h>
 
@@ -12,7 +13,7 @@
 
 namespace {
 
-constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+using test::nan;
 
 TEST(Rectangles, IntersectionOfOverlappingOnesIsWhatBothCover) {
     EXPECT_EQ(CGRectIntersection({{0, 0}, {10, 10}}, {{5, -5}, {10, 10}}), (CGRect{{5, 0}, {5, 5}}));

@@ -1,6 +1,7 @@
 #include "kit/quartz/geometry.h"
 #include "platform/quartz/CGContext.h"
 #include "tests/kit/quartz/Surface.h"
+#include "tests/kit/quartz/numbers.h"
 
 #include <gtest/gtest.h>
 
@@ -15,8 +16,8 @@ using test::blueOf;
 using test::greenOf;
 using test::redOf;
 
-constexpr double nan = std::numeric_limits<double>::quiet_NaN();
-constexpr double infinity = std::numeric_limits<double>::infinity();
+using test::infinity;
+using test::nan;
 
 std::shared_ptr<UIImage> takeAndEnd() {
     auto image = UIGraphicsGetImageFromCurrentImageContext();

@@ -13,11 +13,11 @@
 
 namespace {
 
-std::vector<seat::TextRun> runs(const std::string& text, double size = 17) {
+std::vector<seat::TextRun> runsOf(const std::string& text, double size = 17) {
     return seat::textRuns(text, UIFont::systemFontOfSize(size), test::rgb(0, 0, 0));
 }
 std::shared_ptr<const seat::TextLayout> laidOut(const std::string& text, double width, int lines) {
-    return seat::textLayout(runs(text), width, lines, 1);
+    return seat::textLayout(runsOf(text), width, lines, 1);
 }
 std::size_t glyphCount(const seat::TextLayout::Line& line) {
     std::size_t count = 0;
@@ -114,8 +114,8 @@ TEST(TextLayout, RepeatedRequestComesFromMemory) {
     const auto first = laidOut("remembered", 1000, 1);
     EXPECT_EQ(laidOut("remembered", 1000, 1), first);
     EXPECT_EQ(laidOut("remembered", 500, 1), first); // it fits: the same at every width
-    EXPECT_NE(seat::textLayout(runs("remembered", 15), 1000, 1, 1), first);
-    EXPECT_NE(seat::textLayout(runs("remembered"), 1000, 1, 2), first);
+    EXPECT_NE(seat::textLayout(runsOf("remembered", 15), 1000, 1, 1), first);
+    EXPECT_NE(seat::textLayout(runsOf("remembered"), 1000, 1, 2), first);
 }
 
 TEST(TextLayout, MemoryIsBounded) {

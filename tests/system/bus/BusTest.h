@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+inline constexpr auto name = "com.quorrel.jvn.bootstrap"; // what the page is called on the bus
+
 class BusTest : public ::testing::Test, protected testing_support::BusSession {
 protected:
     static seat::SessionBus& session() { return seat::SessionBus::shared(); }

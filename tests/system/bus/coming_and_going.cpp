@@ -20,8 +20,6 @@ using testing_support::BusPeer;
 using testing_support::PrivateBus;
 using namespace std::chrono_literals;
 
-constexpr auto name = "com.quorrel.jvn.bootstrap";
-
 class BusLife : public BusTest {
 protected:
     void ask() {

@@ -3,7 +3,6 @@
 namespace {
 
 using NameState = seat::SessionBus::NameState;
-constexpr auto name = "com.quorrel.jvn.bootstrap";
 
 class BusNames : public BusTest {
 protected:

@@ -26,7 +26,7 @@ using testing::UnorderedElementsAre;
 using testing_support::CapturedLog;
 using testing_support::TemporaryFolder;
 
-std::span<const std::uint8_t> bytesOf(const std::string& text) {
+std::span<const std::uint8_t> spanOf(const std::string& text) {
     return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
 }
 
@@ -70,7 +70,7 @@ private:
 TEST(AtomicFile, NewFileIsItsOwnersAlone) {
     const TemporaryFolder folder;
 
-    EXPECT_EQ(seat::writeFileAtomically(folder.file("new.plist"), bytesOf("contents")), nullptr);
+    EXPECT_EQ(seat::writeFileAtomically(folder.file("new.plist"), spanOf("contents")), nullptr);
 
     EXPECT_EQ(contentsOf(folder.file("new.plist")), "contents");
     EXPECT_EQ(modeOf(folder.file("new.plist")), 0600u);
@@ -82,7 +82,7 @@ TEST(AtomicFile, ExistingFileKeepsItsModeBits) {
     std::ofstream(folder.file("old.plist")) << "before, and longer than after";
     ::chmod(folder.file("old.plist").c_str(), 0644);
 
-    EXPECT_EQ(seat::writeFileAtomically(folder.file("old.plist"), bytesOf("after")), nullptr);
+    EXPECT_EQ(seat::writeFileAtomically(folder.file("old.plist"), spanOf("after")), nullptr);
 
     EXPECT_EQ(contentsOf(folder.file("old.plist")), "after");
     EXPECT_EQ(modeOf(folder.file("old.plist")), 0644u);
@@ -93,7 +93,7 @@ TEST(AtomicFile, TemporaryStandsBesideTheFileUnderItsNameAndASuffix) {
     const int watch = ::inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
     ::inotify_add_watch(watch, folder.path().c_str(), IN_CREATE | IN_MOVED_FROM | IN_MOVED_TO);
 
-    ASSERT_EQ(seat::writeFileAtomically(folder.file("com.quorrel.joyvane.plist"), bytesOf("x")), nullptr);
+    ASSERT_EQ(seat::writeFileAtomically(folder.file("com.quorrel.joyvane.plist"), spanOf("x")), nullptr);
 
     alignas(inotify_event) char buffer[4096];
     const auto length = ::read(watch, buffer, sizeof buffer);
@@ -116,7 +116,7 @@ TEST(AtomicFile, FullDiskLeavesTheFileAndNoTemporary) {
     std::shared_ptr<NSError> error;
     {
         const FullDisk disk(1000);
-        error = seat::writeFileAtomically(folder.file("f"), bytesOf(std::string(5000, 'x')));
+        error = seat::writeFileAtomically(folder.file("f"), spanOf(std::string(5000, 'x')));
     }
 
     ASSERT_NE(error, nullptr);
@@ -135,7 +135,7 @@ TEST(AtomicFile, WhatADeadWriterLeftGoesAndWhatALivingOneWritesAndFilesOfOthersS
     std::filesystem::create_directory(path + ".saving-folder");
     const auto living = seat::TemporaryFile::createBeside(path);
 
-    ASSERT_EQ(seat::writeFileAtomically(path, bytesOf("x")), nullptr);
+    ASSERT_EQ(seat::writeFileAtomically(path, spanOf("x")), nullptr);
 
     EXPECT_THAT(namesIn(folder), UnorderedElementsAre("f", "f.backup", "g.saving-dead01", "f.saving-folder",
                                                       std::filesystem::path(living.path).filename().string()));
@@ -151,7 +151,7 @@ TEST(AtomicFile, ManyWritersAtOnceAllSucceed) {
         for (int i = 0; i < 4; ++i)
             writers.emplace_back([&] {
                 for (int j = 0; j < 50; ++j)
-                    if (seat::writeFileAtomically(path, bytesOf("contents"))) ++failures;
+                    if (seat::writeFileAtomically(path, spanOf("contents"))) ++failures;
             });
     }
 
@@ -164,7 +164,7 @@ TEST(AtomicFile, FolderInItsPlaceIsNotReplaced) {
     const TemporaryFolder folder;
     std::filesystem::create_directory(folder.file("f"));
 
-    const auto error = seat::writeFileAtomically(folder.file("f"), bytesOf("x"));
+    const auto error = seat::writeFileAtomically(folder.file("f"), spanOf("x"));
 
     ASSERT_NE(error, nullptr);
     EXPECT_EQ(error->code(), EISDIR);
@@ -174,7 +174,7 @@ TEST(AtomicFile, FolderInItsPlaceIsNotReplaced) {
 TEST(AtomicFile, MissingFolderIsAnError) {
     const TemporaryFolder folder;
 
-    const auto error = seat::writeFileAtomically(folder.file("none/f"), bytesOf("x"));
+    const auto error = seat::writeFileAtomically(folder.file("none/f"), spanOf("x"));
 
     ASSERT_NE(error, nullptr);
     EXPECT_EQ(error->code(), ENOENT);
@@ -184,10 +184,10 @@ TEST(AtomicFile, ReaderSeesTheOldOrTheNewFileAndNothingBetween) {
     const TemporaryFolder folder;
     const std::string path = folder.file("f");
     const std::string one(50'000, '1'), two(70'000, '2');
-    ASSERT_EQ(seat::writeFileAtomically(path, bytesOf(one)), nullptr);
+    ASSERT_EQ(seat::writeFileAtomically(path, spanOf(one)), nullptr);
     std::atomic<bool> done = false;
     std::thread writer([&] {
-        for (int i = 0; i < 50; ++i) seat::writeFileAtomically(path, bytesOf(i % 2 ? one : two));
+        for (int i = 0; i < 50; ++i) seat::writeFileAtomically(path, spanOf(i % 2 ? one : two));
         done = true;
     });
 
@@ -203,7 +203,7 @@ TEST(AtomicFile, ReaderSeesTheOldOrTheNewFileAndNothingBetween) {
 TEST(AtomicFile, DataObjectReportsItsFailureOnce) {
     const TemporaryFolder folder;
     const CapturedLog log;
-    const auto data = NSData::dataWithBytes(bytesOf("x"));
+    const auto data = NSData::dataWithBytes(spanOf("x"));
     std::shared_ptr<NSError> error;
 
     EXPECT_FALSE(data->writeToFile_options_error(folder.file("none/f"), NSDataWritingAtomic, &error));
@@ -220,7 +220,7 @@ TEST(AtomicFile, DataObjectAlsoWritesInPlace) {
     }, after{};
     ::stat(folder.file("f").c_str(), &before);
 
-    EXPECT_TRUE(NSData::dataWithBytes(bytesOf("after"))->writeToFile_options_error(folder.file("f"), 0, nullptr));
+    EXPECT_TRUE(NSData::dataWithBytes(spanOf("after"))->writeToFile_options_error(folder.file("f"), 0, nullptr));
 
     ::stat(folder.file("f").c_str(), &after);
     EXPECT_EQ(contentsOf(folder.file("f")), "after");

@@ -10,8 +10,6 @@
 
 namespace {
 
-constexpr auto name = "com.quorrel.jvn.bootstrap";
-
 std::shared_ptr<NSDictionary> state(int value) {
     const auto dictionary = NSDictionary::dictionary();
     dictionary->setObject_forKey(NSNumber::numberWithInt(value), "JVNDiscoveryState");

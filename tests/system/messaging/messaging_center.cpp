@@ -18,7 +18,6 @@ namespace {
 using testing_support::BusPeer;
 using testing_support::integerDictionary;
 
-constexpr auto name = "com.quorrel.jvn.bootstrap";
 constexpr auto update = "JVNDiscoveryUpdate";
 
 class MessagingCenter : public ::testing::Test, protected testing_support::BusSession {

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+inline constexpr auto name = "com.quorrel.jvn.bootstrap"; // what the page is called on the bus
+
 // A target that keeps what it is sent: "<message> <state>", or "<message> nothing" without a dictionary.
 class MessageReceiver final : public NSObject {
     NS_CLASS(MessageReceiver)
