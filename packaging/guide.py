@@ -1,5 +1,6 @@
 """The guide as a page for browsers: guide.py CMARK SOURCE.md TARGET.html"""
 
+import re
 import subprocess
 import sys
 
@@ -24,11 +25,19 @@ pre {{ overflow-x: auto; }}
 """
 
 
+def with_anchors(body: str) -> str:
+    """Headings can be linked to by their words, as on the pages where the guide's source is read."""
+    def heading(match: re.Match) -> str:
+        words = re.sub(r"[^a-z0-9 -]", "", re.sub(r"<[^>]*>", "", match.group(2)).lower())
+        return f'<h{match.group(1)} id="{words.replace(" ", "-")}">{match.group(2)}</h{match.group(1)}>'
+    return re.sub(r"<h([1-6])>(.*?)</h\1>", heading, body)
+
+
 def main() -> None:
     cmark, source, target = sys.argv[1:]
     body = subprocess.run([cmark, "--extension", "table", source], check=True, capture_output=True, text=True).stdout
     with open(target, "w", encoding="utf-8") as file:
-        file.write(PAGE.format(body=body))
+        file.write(PAGE.format(body=with_anchors(body)))
 
 
 if __name__ == "__main__":

@@ -130,13 +130,18 @@ class Installed(unittest.TestCase):
             with open(os.path.join(self.prefix, "lib/systemd", unit), encoding="utf-8") as file:
                 self.assertIn(f"ExecStart={self.prefix}/lib/joyvane/{program}\n", file.read())
 
-    def test_the_guide_shows_pictures_that_are_there(self):
+    def test_the_guides_pictures_and_places_are_there(self):
         folder = os.path.join(self.prefix, "share/doc/joyvane")
         with open(os.path.join(folder, "user-guide.html"), encoding="utf-8") as file:
-            shown = re.findall(r'<img src="([^"]*)"', file.read())
+            text = file.read()
+        shown = re.findall(r'<img src="([^"]*)"', text)
         self.assertGreater(len(shown), 3)
         for path in shown:
             self.assertTrue(os.path.isfile(os.path.join(folder, path)), path)
+        places = re.findall(r'href="#([^"]*)"', text)
+        self.assertGreater(len(places), 1)
+        for place in places:
+            self.assertIn(f'id="{place}"', text)
 
     def test_what_is_installed_can_be_taken_away_again(self):
         prefix = os.path.join(self.folder.name, "away")
