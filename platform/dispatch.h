@@ -19,5 +19,5 @@ dispatch_queue_t dispatch_get_global_queue(long priority, unsigned long flags);
 // the thread that ran it.
 void dispatch_async(dispatch_queue_t queue, std::function<void()> block);
 
-// True on the thread that runs the main queue.
+// True on the thread that runs the main queue, before it runs anything, too. Any thread.
 bool dispatch_is_main_thread();

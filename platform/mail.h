@@ -14,6 +14,7 @@ enum class MFMailComposeResult { Cancelled = 0, Saved = 1, Sent = 2, Failed = 3 
 class MFMailComposeViewControllerDelegate {
 public:
     virtual ~MFMailComposeViewControllerDelegate() = default;
+    // Once a screen. `error` is nil unless the result is Failed. Dismiss the screen here.
     virtual void mailComposeController_didFinishWithResult_error(MFMailComposeViewController& composer,
                                                                  MFMailComposeResult result,
                                                                  const std::shared_ptr<NSError>& error) = 0;
@@ -30,6 +31,7 @@ public:
     // Whether the desktop has a program that takes messages; asked afresh each time.
     static bool canSendMail();
 
+    // Without a message; never nil.
     std::shared_ptr<MFMailComposeViewController> init();
 
     // Weak; hears once how the screen was left: cancelled, or sent once the mail program was started. Without one the

@@ -17,8 +17,10 @@ class NSArray final : public NSObject {
     std::size_t count() const { return m_objects.size(); }
     // nil when the index is out of range. The reference holds until the array changes.
     const id& objectAtIndex(std::size_t index) const;
+    // At the end.
     void addObject(id object) { m_objects.push_back(std::move(object)); }
 
+    // In order, while the array does not change.
     std::vector<id>::const_iterator begin() const { return m_objects.begin(); }
     std::vector<id>::const_iterator end() const { return m_objects.end(); }
 

@@ -10,6 +10,7 @@
 class NSCoder final : public NSObject {
     NS_CLASS(NSCoder)
 
+    // nil: an archive without values. The dictionary is shared, not copied.
     static std::shared_ptr<NSCoder> coderWithDictionary(std::shared_ptr<NSDictionary> values);
 
     // False, and nil, for a key that is absent.

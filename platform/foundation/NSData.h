@@ -35,6 +35,7 @@ class NSData final : public NSObject {
     bool writeToFile_options_error(const std::string& path, unsigned long options,
                                    std::shared_ptr<NSError>* error) const;
 
+    // Other data with the same bytes.
     bool isEqual(const NSObject& other) const override;
 
 private:

@@ -13,12 +13,14 @@
 class NSMutableDictionary final : public NSObject {
     NS_CLASS(NSMutableDictionary)
 
+    // Empty.
     static std::shared_ptr<NSMutableDictionary> dictionary();
     // The file at the phone's path as a property list, XML or binary, within the bounds of NSPropertyListSerialization;
     // nil when it is missing, and, with a logged reason, when it is unreadable, refused or no dictionary. Of two equal
     // keys in the file the last one counts.
     static std::shared_ptr<NSMutableDictionary> dictionaryWithContentsOfFile(const std::string& path);
 
+    // Of keys.
     std::size_t count() const { return m_entries.size() - m_removed; }
     // nil when absent. The reference holds until the dictionary changes.
     const id& objectForKey(std::string_view key) const;

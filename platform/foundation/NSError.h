@@ -9,6 +9,7 @@
 class NSError final : public NSObject {
     NS_CLASS(NSError)
 
+    // Never nil.
     static std::shared_ptr<NSError> errorWithDescription(std::string description, int code = 0);
 
     // One line, without a full stop, fit for the log.

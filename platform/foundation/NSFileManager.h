@@ -11,6 +11,7 @@
 class NSFileManager final : public NSObject {
     NS_CLASS(NSFileManager)
 
+    // Never nil, the same at each call.
     static std::shared_ptr<NSFileManager> defaultManager();
 
     // The names in a folder, hidden ones too, without "." and "..", in no order. Nothing, and

@@ -17,6 +17,7 @@ inline constexpr const char* UIApplicationDidEnterBackgroundNotification =
 class NSNotificationCenter final : public NSObject {
     NS_CLASS(NSNotificationCenter)
 
+    // Never nil, the same at each call, also while the process ends.
     static std::shared_ptr<NSNotificationCenter> defaultCenter();
 
     // An absent sender means any sender; a sender that has died since matches none. A nil observer or selector is

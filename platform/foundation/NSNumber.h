@@ -15,10 +15,14 @@ public:
     static NSNumber numberWithInteger(std::int64_t value);
     static NSNumber numberWithUnsignedInt(std::uint32_t value);
     static NSNumber numberWithUnsignedLongLong(std::uint64_t value);
+    // A float is kept in double precision, so that nothing of it is lost; it stays a float by its type. What is no
+    // number, and infinities, are kept.
     static NSNumber numberWithFloat(float value);
     static NSNumber numberWithDouble(double value);
 
+    // What it was made as.
     Type type() const { return m_type; }
+    // Made as a float or a double.
     bool isFloatingPoint() const { return m_type == Type::Float || m_type == Type::Double; }
 
     // Conversions to whole numbers truncate towards zero and saturate at the type's bounds; NaN gives 0. `boolValue` is
@@ -32,7 +36,8 @@ public:
     float floatValue() const;
     double doubleValue() const;
 
-    // Equality by value, whatever the types: 3, 3u and 3.0 are equal; exact at 64 bits. Not-a-number equals itself.
+    // Equality by value, whatever the types: 3, 3u and 3.0 are equal, and so are true and 1; exact at 64 bits, so that
+    // 2^53 + 1 differs from the double nearest to it. Not-a-number equals itself.
     bool isEqualToNumber(NSNumber other) const;
     friend bool operator==(NSNumber a, NSNumber b) { return a.isEqualToNumber(b); }
 

@@ -11,6 +11,7 @@
 class NSOperationQueue final : public NSObject {
     NS_CLASS(NSOperationQueue)
 
+    // No thread is made for it.
     std::shared_ptr<NSOperationQueue> init();
 
     // An operation that is running goes on. A queue begins unsuspended.

@@ -4,6 +4,7 @@
 #include "platform/foundation/NSError.h"
 #include "platform/foundation/id.h"
 
+// The phone's numbers.
 enum NSPropertyListFormat : unsigned long {
     NSPropertyListXMLFormat_v1_0 = 100,
     NSPropertyListBinaryFormat_v1_0 = 200,

@@ -10,6 +10,7 @@
 class NSScanner final : public NSObject {
     NS_CLASS(NSScanner)
 
+    // Begins at the string's first character. Never nil.
     static std::shared_ptr<NSScanner> scannerWithString(std::string string);
 
     // Skips white space (tabs and newlines too), accepts "0x" or "0X", reads hexadecimal digits up to the first other

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+// There is no nil string: absent ones are empty, or a nil id.
 using NSString = std::string;
 
 // The leading decimal number after white space and a sign; 0 when there is none; saturates.

@@ -19,6 +19,7 @@ struct NSDate {
     friend bool operator==(NSDate, NSDate) = default;
 };
 
+// A value that is copied is another value: only objects are shared. Any thread, as far as the object in it allows.
 class id {
 public:
     id() = default;
@@ -34,13 +35,16 @@ public:
     id(Class cls) {
         if (cls) m_value = cls;
     }
+    // Strong: the value holds the object.
     template <std::derived_from<NSObject> T> id(std::shared_ptr<T> object) {
         if (object) m_value = std::shared_ptr<NSObject>(std::move(object));
     }
 
+    // Whether it is not nil: 0, false and the empty string are values.
     explicit operator bool() const { return !std::holds_alternative<std::monostate>(m_value); }
 
-    // nullptr when the value is of another kind.
+    // nullptr when the value is of another kind: a string is no number, whatever it says. Valid while this value lives
+    // and is not assigned to.
     const NSNumber* number() const { return std::get_if<NSNumber>(&m_value); }
     const std::string* string() const { return std::get_if<std::string>(&m_value); }
     const NSDate* date() const { return std::get_if<NSDate>(&m_value); }
@@ -61,7 +65,8 @@ public:
     std::int64_t integerValue() const;
     double doubleValue() const;
     float floatValue() const;
-    // A number that is not zero; a string that begins with Y, y, T, t or a non-zero digit.
+    // A number that is not zero; a string that begins, after white space, with Y, y, T, t or, after a sign and zeros,
+    // with a digit from 1 to 9. An object is false, and so is nil.
     bool boolValue() const;
 
     // Equality by value; nil equals nil only. Values of different kinds differ ("3" is not 3), numbers of different

@@ -11,12 +11,14 @@ class CAGradientLayer final : public CALayer {
 public:
     ~CAGradientLayer() override;
 
+    // Without colours; a fresh one also where another layer is given.
     std::shared_ptr<CAGradientLayer> init();
     std::shared_ptr<CAGradientLayer> initWithLayer(const std::shared_ptr<CALayer>& layer);
 
     // Changes at once, also inside an animation block.
     const std::vector<CGColorRef>& colors() const { return m_colors; }
     void setColors(std::vector<CGColorRef> colors);
+    // Fractions of the bounds, from the top left; they may lie outside.
     CGPoint startPoint() const { return m_startPoint; }
     void setStartPoint(CGPoint point);
     CGPoint endPoint() const { return m_endPoint; }

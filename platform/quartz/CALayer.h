@@ -63,6 +63,7 @@ public:
     // 0 to 1, for the layer with all that it holds, painted as one picture.
     double opacity() const;
     void setOpacity(double opacity);
+    // With all that it holds.
     bool isHidden() const;
     void setHidden(bool hidden);
     // Clips sublayers to the bounds (rounded by the corner radius).
@@ -73,7 +74,8 @@ public:
     void setContents(CGImageRef contents);
 
     const std::vector<std::shared_ptr<CALayer>>& sublayers() const;
-    CALayer* superlayer() const; // non-owning
+    // nil while the layer stands in none. Non-owning.
+    CALayer* superlayer() const;
     // Sublayers are painted in their order, the last in front. Adding a layer takes it from where it was; nil, and a
     // layer that this one stands in, are ignored.
     void addSublayer(const std::shared_ptr<CALayer>& layer);

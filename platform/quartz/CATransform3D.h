@@ -13,6 +13,7 @@ struct CATransform3D {
 
 inline constexpr CATransform3D CATransform3DIdentity{};
 
+// Of a layer it scales about the centre, which stays where it is; `sz` is kept and not seen.
 constexpr CATransform3D CATransform3DMakeScale(double sx, double sy, double sz) {
     return {{sx, 0, 0, 0, 0, sy, 0, 0, 0, 0, sz, 0, 0, 0, 0, 1}};
 }

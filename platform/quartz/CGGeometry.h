@@ -6,24 +6,28 @@
 // fails: a coordinate that is no number makes comparisons false, so that such a rectangle contains no point, is empty
 // and meets no other; whoever draws it draws nothing.
 
+// A place, in points unless whoever uses it says otherwise.
 struct CGPoint {
     double x = 0;
     double y = 0;
     friend bool operator==(CGPoint, CGPoint) = default;
 };
 
+// Both may be negative or 0 while something is worked out; what is shown then has no area.
 struct CGSize {
     double width = 0;
     double height = 0;
     friend bool operator==(CGSize, CGSize) = default;
 };
 
+// From its top left corner; never turned. No function here makes a negative size positive.
 struct CGRect {
     CGPoint origin;
     CGSize size;
     friend bool operator==(CGRect, CGRect) = default;
 };
 
+// How far each edge moves inward; negative ones move it outward.
 struct UIEdgeInsets {
     double top = 0;
     double left = 0;
@@ -47,6 +51,7 @@ constexpr double CGRectGetMaxY(CGRect r) { return r.origin.y + r.size.height; }
 
 // Exact, to the bit but for -0; a rectangle with a coordinate that is no number equals none, not even itself.
 constexpr bool CGRectEqualToRect(CGRect a, CGRect b) { return a == b; }
+// Either coordinate of the origin is infinite, as in CGRectNull.
 constexpr bool CGRectIsNull(CGRect r) {
     return r.origin.x == std::numeric_limits<double>::infinity() ||
            r.origin.y == std::numeric_limits<double>::infinity();

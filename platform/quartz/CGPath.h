@@ -11,6 +11,7 @@ struct CGPathElement {
     CGPoint points[3]; // MoveTo and LineTo use the first; CurveTo two control points and the end
 };
 
+// Without elements it paints nothing.
 struct CGPath {
     std::vector<CGPathElement> elements;
 };

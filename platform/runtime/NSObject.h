@@ -20,16 +20,20 @@ public:
     static std::shared_ptr<NSObject> alloc();
     static Class classObject();
 
+    // On the thread of the last release, or on the main one where the class wants that. Tells nobody: whoever held it
+    // weakly finds nil.
     virtual ~NSObject();
     NSObject(const NSObject&) = delete;
     NSObject& operator=(const NSObject&) = delete;
 
+    // Itself. An `init...` that cannot set the object up gives nil, and the object dies.
     std::shared_ptr<NSObject> init();
 
     // Of the object itself, not of the pointer's type.
     virtual Class isa() const;
     // Inherited and added methods count.
     virtual bool respondsToSelector(SEL selector) const;
+    // The class or one derived from it; false for nil.
     bool isKindOfClass(Class cls) const;
 
     // Value equality; identity unless a class knows better.

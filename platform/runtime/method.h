@@ -1,7 +1,11 @@
 #pragma once
 
 // Turns a C++ member function into a method that the runtime can call:
-// method<&Page::connectController>("connectController:").
+// method<&Page::connectController>("connectController:"). Arguments and results are value objects on the way: numbers
+// and bools by conversion (a float is cut to a whole number, what is no number gives 0), strings as UTF-8, objects by
+// their class. What is missing, nil or of another kind arrives as 0, false, the empty string or nil; arguments too many
+// are dropped. The type encoding names the result, then the receiver and the selector, then each argument: 'v' nothing,
+// 'B' a bool, 'q' a whole number, 'd' a floating-point one, '@' anything else.
 
 #include "platform/foundation/id.h"
 #include "platform/runtime/NSObject.h"
@@ -13,7 +17,8 @@
 
 namespace runtime_detail {
 
-template <class T> struct Bridge; // id <-> C++ argument
+// Between a value object and a C++ argument, one specialisation a kind.
+template <class T> struct Bridge;
 
 template <> struct Bridge<id> {
     static constexpr char code = '@';
@@ -46,8 +51,10 @@ template <class T> struct Bridge<std::shared_ptr<T>> {
     static id to(const std::shared_ptr<T>& value) { return id(value); }
 };
 
+// The type without reference and const, by which its bridge is found.
 template <class T> using Bare = std::remove_cvref_t<T>;
 
+// The function that the runtime calls for one member: unpacks the arguments, calls, packs the result.
 template <auto Member, class C, class R, class... Args> struct Thunk {
     static id call(NSObject& self, SEL, std::span<const id> arguments) {
         return apply(static_cast<C&>(self), arguments, std::index_sequence_for<Args...>{});
@@ -83,6 +90,7 @@ private:
     }
 };
 
+// Takes the member's type apart; const and other members alike.
 template <auto Member, class C, class R, class... Args>
 constexpr MethodDescription describe(const char* name, R (C::*)(Args...)) {
     using T = Thunk<Member, C, R, Args...>;
@@ -96,6 +104,7 @@ constexpr MethodDescription describe(const char* name, R (C::*)(Args...) const) 
 
 } // namespace runtime_detail
 
+// A row of a class's method list; `name` is the selector with its colons.
 template <auto Member> constexpr MethodDescription method(const char* name) {
     return runtime_detail::describe<Member>(name, Member);
 }

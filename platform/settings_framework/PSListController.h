@@ -55,6 +55,7 @@ public:
                                                             bool animated = false);
     void insertContiguousSpecifiers_afterSpecifierID_animated(const PSSpecifierList& specifiers,
                                                               const std::string& after, bool animated = false);
+    // The row alone, of a group the heading alone.
     void removeSpecifierID_animated(const std::string& identifier, bool animated = false);
 
     // The value under the row's "key" in its "defaults" domain, read afresh from the store; nil when absent or when the

@@ -29,6 +29,7 @@ public:
                                                              SEL set, SEL get, Class detail, PSCellType cell,
                                                              Class edit);
 
+    // What the row is titled; the table shows another one after `reloadSpecifier`.
     const std::string& name() const { return m_name; }
     void setName(std::string name) { m_name = std::move(name); }
     // The property "id"; empty when there is none.
@@ -58,4 +59,5 @@ private:
     std::vector<std::pair<std::string, id>> m_properties;
 };
 
+// In the order of the page.
 using PSSpecifierList = std::vector<std::shared_ptr<PSSpecifier>>;

@@ -21,10 +21,12 @@ class NSMutableAttributedString final : public NSObject {
         NSTextAttributes attributes;
     };
 
+    // One run. Empty text is allowed.
     std::shared_ptr<NSMutableAttributedString> initWithString_attributes(std::string text, NSTextAttributes attributes);
     // The other's runs, with their attributes, behind the ones here.
     void appendAttributedString(const NSMutableAttributedString& other);
 
+    // In their order; the reference holds until something is appended.
     const std::vector<Run>& runs() const { return m_runs; }
     // Without attributes.
     std::string string() const;

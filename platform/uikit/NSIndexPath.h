@@ -7,10 +7,13 @@
 class NSIndexPath final : public NSObject {
     NS_CLASS(NSIndexPath)
 
+    // Never nil; negative numbers are kept, and name no row of any table.
     static std::shared_ptr<NSIndexPath> indexPathForRow_inSection(long row, long section);
 
+    // Within its section.
     long row() const { return m_row; }
     long section() const { return m_section; }
+    // Another index path with the same row and section.
     bool isEqual(const NSObject& other) const override;
 
 private:

@@ -4,6 +4,7 @@
 // views inside it that have roles are its children. What is asked of it (activate, step, set a value) is what a finger
 // could do to it at that moment: a disabled or hidden view does nothing and answers false. Main thread only.
 
+// What the node is said to be; what can be done with it follows from the view's own answers.
 enum class UIAccessibilityRole {
     None, // no node of its own; its subviews may be
     Window,
@@ -23,6 +24,7 @@ enum class UIAccessibilityRole {
 };
 
 // How far a keyboard or assistive step goes.
+// The first is an arrow key's, the second is the same with Shift.
 enum class UIAccessibilityStep { Small, Large };
 // On a slider up is always more and down less; left and right move its knob, whichever end is more.
 enum class UIAccessibilityDirection { Left, Right, Up, Down };

@@ -32,6 +32,7 @@ public:
         std::string title, std::string message, const std::shared_ptr<UIAlertViewDelegate>& delegate,
         std::string cancelButtonTitle, std::vector<std::string> otherButtonTitles);
 
+    // As they were given.
     const std::string& title() const;
     const std::string& message() const;
     // The cancel button is index 0.

@@ -24,6 +24,7 @@ public:
 
     // Weak: nil when there is none, or it has gone.
     std::shared_ptr<UIWindow> keyWindow() const;
+    // Set by whoever shows a window.
     void setKeyWindow(const std::shared_ptr<UIWindow>& window);
 
 private:

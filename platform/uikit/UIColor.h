@@ -13,9 +13,11 @@ class UIColor final : public NSObject {
     static std::shared_ptr<UIColor> colorWithRed_green_blue_alpha(double red, double green, double blue, double alpha);
     static std::shared_ptr<UIColor> colorWithHue_saturation_brightness_alpha(double hue, double saturation,
                                                                              double brightness, double alpha);
+    // A grey from 0 (black) to 1.
     static std::shared_ptr<UIColor> colorWithWhite_alpha(double white, double alpha);
     // A colour that answers neither RGB nor HSB.
     static std::shared_ptr<UIColor> patternColor();
+    // As the constructor of the same parts.
     std::shared_ptr<UIColor> initWithHue_saturation_brightness_alpha(double hue, double saturation, double brightness,
                                                                      double alpha);
 

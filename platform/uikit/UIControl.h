@@ -34,6 +34,7 @@ public:
     // Enabled at first.
     bool isEnabled() const;
     virtual void setEnabled(bool enabled);
+    // Whether a finger presses it now; a derived class shows that.
     bool isHighlighted() const;
     virtual void setHighlighted(bool highlighted);
     bool accessibilityIsEnabled() const override;

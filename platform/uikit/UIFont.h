@@ -11,6 +11,7 @@ class UIFont final : public NSObject {
     static std::shared_ptr<UIFont> systemFontOfSize(double pointSize);
     static std::shared_ptr<UIFont> boldSystemFontOfSize(double pointSize);
 
+    // As it was asked for, after the cut.
     double pointSize() const { return m_pointSize; }
     bool isBold() const { return m_bold; }
     // Points above the baseline.

@@ -2,6 +2,7 @@
 
 #include "platform/uikit/UIView.h"
 
+// The phone's numbers.
 enum UIGestureRecognizerState : int {
     UIGestureRecognizerStatePossible = 0,
     UIGestureRecognizerStateBegan = 1,

@@ -17,6 +17,7 @@ class UIKeyEvent final : public NSObject {
     // The key by its place on the keyboard, whatever the layout makes of it: USB HID usage on the Keyboard/Keypad page.
     // 0 for a key that has no place.
     long _keyCode() const { return m_keyCode; }
+    // False: it goes up. A repeat is down.
     bool isKeyDown() const { return m_isKeyDown; }
     bool isRepeat() const { return m_isRepeat; }
     unsigned modifiers() const { return m_modifiers; }

@@ -3,6 +3,7 @@
 #include "platform/uikit/NSAttributedString.h"
 #include "platform/uikit/UIView.h"
 
+// The phone's numbers.
 enum NSTextAlignment : int { NSTextAlignmentLeft = 0, NSTextAlignmentCenter = 1, NSTextAlignmentRight = 2 };
 
 // Text, centred vertically in its bounds. A single line is cut with an ellipsis; several lines wrap at words, and
@@ -13,6 +14,7 @@ class UILabel : public UIView {
 public:
     ~UILabel() override;
 
+    // Without text.
     std::shared_ptr<UILabel> init();
     std::shared_ptr<UILabel> initWithFrame(CGRect frame);
     std::shared_ptr<UILabel> initWithCoder(const std::shared_ptr<NSCoder>& coder);
@@ -20,7 +22,8 @@ public:
     // UTF-8. Empty while none was set; of an attributed text the characters.
     const std::string& text() const;
     void setText(std::string text);
-    // nil while plain text is shown; setting either replaces the other.
+    // nil while plain text is shown; setting either replaces the other. Runs without a font or a colour of their own
+    // have the label's.
     const std::shared_ptr<NSAttributedString>& attributedText() const;
     void setAttributedText(std::shared_ptr<NSAttributedString> text);
     // Both are never nil: nil brings back the default, the system font of size 17 and black.
@@ -28,12 +31,13 @@ public:
     void setFont(std::shared_ptr<UIFont> font);
     const std::shared_ptr<UIColor>& textColor() const;
     void setTextColor(std::shared_ptr<UIColor> color);
+    // Left at first. Of several lines each by itself.
     NSTextAlignment textAlignment() const;
     void setTextAlignment(NSTextAlignment alignment);
-    // 0: as many as it takes. 1 by default.
+    // 0: as many as it takes. 1 by default. What does not fit the last line is cut with an ellipsis.
     int numberOfLines() const;
     void setNumberOfLines(int lines);
-    // A disabled label is drawn pale.
+    // A disabled label is drawn pale; enabled at first. Nothing else changes.
     bool isEnabled() const;
     void setEnabled(bool enabled);
 

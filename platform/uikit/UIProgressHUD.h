@@ -14,6 +14,7 @@ class UIProgressHUD final : public UIView {
 public:
     ~UIProgressHUD() override;
 
+    // Hidden, without a text. One panel may be shown again and again.
     std::shared_ptr<UIProgressHUD> init();
 
     // In front of the view's subviews, from where it was. nil shows nothing.
@@ -21,8 +22,9 @@ public:
     // UTF-8, "\n" begins a new line; empty: the spinner alone. May change while it is shown.
     const std::string& text() const;
     void setText(std::string text);
-    // Hiding a hidden one does nothing.
+    // Takes it out of the view, at once. Hiding a hidden one does nothing.
     void hide();
+    // In a view, whether that is in a window or not.
     bool isShown() const;
 
     void layoutSubviews() override;

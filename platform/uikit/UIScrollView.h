@@ -26,6 +26,8 @@ public:
     // Of all there is to show. Smaller than before it may bring the offset back into the range, at once.
     CGSize contentSize() const;
     void setContentSize(CGSize size);
+    // Room beside the content that may be scrolled into, such as what a bar covers. A view that shows its very top
+    // keeps showing it under another inset.
     UIEdgeInsets contentInset() const;
     void setContentInset(UIEdgeInsets inset);
     // A finger moves it; momentum or the soft end moves it.

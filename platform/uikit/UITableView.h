@@ -57,6 +57,7 @@ public:
     // Both weak. Another data source means everything is asked for again.
     void setDataSource(const std::shared_ptr<UITableViewDataSource>& source);
     void setDelegate(const std::shared_ptr<UITableViewDelegate>& delegate);
+    // A UITableViewStyle, as it was made with.
     long style() const;
 
     // A class that is derived from UITableViewCell, made by "initWithStyle:reuseIdentifier:"; nil takes it back.
@@ -86,7 +87,9 @@ public:
     std::shared_ptr<NSIndexPath> indexPathForCell(const UITableViewCell* cell) const;
     std::shared_ptr<NSIndexPath> indexPathForRowAtPoint(CGPoint point) const;
     CGRect rectForRowAtIndexPath(const std::shared_ptr<NSIndexPath>& indexPath) const;
+    // From the top.
     std::vector<std::shared_ptr<UITableViewCell>> visibleCells() const;
+    // What the data source said last; 0 for a section that does not exist.
     long numberOfSections() const;
     long numberOfRowsInSection(long section) const;
     // As little as needed; a section's first row brings its header along.

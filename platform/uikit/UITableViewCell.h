@@ -6,8 +6,11 @@
 #include <memory>
 #include <string>
 
+// With the text alone, or with a value at the right.
 enum UITableViewCellStyle : long { UITableViewCellStyleDefault = 0, UITableViewCellStyleValue1 = 1 };
+// A mark at the right end: that the row leads somewhere, or that it is the chosen one.
 enum class UITableViewCellAccessoryType { None, DisclosureIndicator, Checkmark };
+// Whether a finger shows on the row.
 enum class UITableViewCellSelectionStyle { None, Default };
 
 // A row: text label at the left, detail label or accessory view at the right. The table sizes and places it; whoever
@@ -20,13 +23,16 @@ public:
     ~UITableViewCell() override;
 
     // "initWithStyle:reuseIdentifier:" to the runtime, by which table views make cells of registered classes.
+    // `style` is a UITableViewCellStyle.
     std::shared_ptr<UITableViewCell> initWithStyle_reuseIdentifier(long style, const std::string& reuseIdentifier);
 
+    // As it was made with.
     const std::string& reuseIdentifier() const;
     // Never nil.
     const std::shared_ptr<UILabel>& textLabel() const;
     // nil for the default style.
     const std::shared_ptr<UILabel>& detailTextLabel() const;
+    // Holds both labels, beside the accessory.
     const std::shared_ptr<UIView>& contentView() const;
     // Kept at its own size at the right end, centred vertically; a label in it is laid out anew when it changes its
     // size.

@@ -12,7 +12,7 @@ public:
     // A UITableViewStyle.
     std::shared_ptr<UITableViewController> initWithStyle(long style);
 
-    // Loads the view where it is not loaded yet.
+    // Loads the view where it is not loaded yet; never nil.
     std::shared_ptr<UITableView> tableView();
     // Deselects nothing: a row that waits for something stays selected. The table asks for its data when it is first
     // laid out or asked about.
@@ -21,6 +21,7 @@ public:
     // One section without rows, for a subclass to override.
     long numberOfSectionsInTableView(UITableView& tableView) override;
     long tableView_numberOfRowsInSection(UITableView& tableView, long section) override;
+    // Override it together with the counts.
     std::shared_ptr<UITableViewCell>
     tableView_cellForRowAtIndexPath(UITableView& tableView, const std::shared_ptr<NSIndexPath>& indexPath) override;
 

@@ -28,7 +28,7 @@ enum UIViewAutoresizing : unsigned {
 
 inline constexpr double UIViewNoIntrinsicMetric = -1;
 
-// A constraint; this kit keeps the list but solves none.
+// A constraint. A seat keeps the list, by which a view can tell that somebody else lays it out; it need not solve any.
 class NSLayoutConstraint final : public NSObject {
     NS_CLASS(NSLayoutConstraint)
 };
@@ -57,9 +57,10 @@ public:
     void setCenter(CGPoint center);
     CGAffineTransform transform() const;
     void setTransform(CGAffineTransform transform);
+    // Never nil; the view is its delegate, and stays it.
     const std::shared_ptr<CALayer>& layer() const;
 
-    // Look.
+    // Look. Clipping cuts what is inside at the bounds, rounded as the layer's corners are.
     // 0 to 1, for the view with all that it holds.
     double alpha() const;
     void setAlpha(double alpha);
@@ -82,11 +83,13 @@ public:
     // view that this one stands in, are ignored, an index beyond the end appends.
     std::shared_ptr<UIView> superview() const;
     const std::vector<std::shared_ptr<UIView>>& subviews() const;
+    // nil while the view stands in none.
     std::shared_ptr<UIWindow> window() const;
     void addSubview(const std::shared_ptr<UIView>& view);
     void insertSubview_atIndex(const std::shared_ptr<UIView>& view, std::size_t index);
     void bringSubviewToFront(const std::shared_ptr<UIView>& view);
     void removeFromSuperview();
+    // The view itself counts; nothing descends from nil.
     bool isDescendantOfView(const UIView* view) const;
     // Before and after the view changes its superview (nil: it is taken out), and after its window has changed, for it
     // and then for all below it. By default nothing.
@@ -127,6 +130,7 @@ public:
     // Touches. A view that is hidden, nearly invisible (alpha below 0.01) or without user interaction takes none, nor
     // do the views in it. Of overlapping views the one in front is hit; a place outside a view's bounds hits neither it
     // nor what it holds. nil: nothing was hit.
+    // True at first.
     bool isUserInteractionEnabled() const;
     virtual void setUserInteractionEnabled(bool enabled);
     virtual bool pointInside_withEvent(CGPoint point, UIEvent* event) const;
@@ -171,7 +175,9 @@ public:
     virtual bool accessibilityActivate();
     // Sliders and canvases; false when nothing moved.
     virtual bool accessibilityStep(UIAccessibilityDirection direction, UIAccessibilityStep step);
+    // Sliders, in the range's numbers; false when it cannot be set.
     virtual bool accessibilitySetValue(double value);
+    // What `accessibilityLabel` says where a class has no answer of its own.
     void setAccessibilityLabel(std::string label);
     // With it all that the view holds is nothing to assistive technology: a screen on its way out, say.
     bool accessibilityElementsHidden() const;
