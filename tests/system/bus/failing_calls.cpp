@@ -9,10 +9,7 @@
 namespace {
 
 using seat::SessionBus;
-using testing_support::BusPeer;
 using testing_support::SystemCall;
-
-constexpr auto name = "com.quorrel.jvn.bootstrap";
 
 class BusFailure : public BusTest, public ::testing::WithParamInterface<SystemCall> {
 protected:
