@@ -141,7 +141,8 @@ TEST_F(Notify, APostOnAnotherThreadHasReachedOtherProgramsWhenItReturns) {
         notify_post(failure);
         const auto heard = whileRunning([&] {
             notify_post(initbt);
-            // Without waiting: it lies there, behind what was posted before.
+            // An answer of the bus comes behind all that it had by then: what was posted lies there, in order.
+            peer.nameHasOwner("com.quorrel.nobody");
             auto first = peer.nextSignal(std::chrono::milliseconds(0));
             return first + ", " + peer.nextSignal(std::chrono::milliseconds(0));
         });
