@@ -1,7 +1,9 @@
 #include "services/common/EventLoop.h"
 
+#include "services/common/EventLoop_urgent.h"
 #include "services/common/log.h"
 
+#include <cerrno>
 #include <csignal>
 #include <cstring>
 #include <sys/epoll.h>
@@ -13,7 +15,7 @@ namespace services {
 namespace {
 
 int wake(::sd_event_source*, std::uint64_t, void* loop) {
-    static_cast<EventLoop*>(loop)->fireDueTimers();
+    static_cast<EventLoop*>(loop)->woken();
     return 0;
 }
 
@@ -80,6 +82,24 @@ EventLoop::Source EventLoop::watch(int descriptor, std::uint32_t events, std::fu
     return nullptr;
 }
 
+EventLoop::Source EventLoop::watchUrgently(int descriptor, std::uint32_t events,
+                                           std::function<void(std::uint32_t)> ready) {
+    if (!m_urgent) m_urgent = std::make_shared<UrgentWatches>(::sd_event_get_fd(m_event));
+    if (auto source = m_urgent->add(descriptor, events, std::move(ready))) return source;
+    log("watching descriptor %d: %s", descriptor, std::strerror(errno));
+    return nullptr;
+}
+
+int EventLoop::turn(std::uint64_t microseconds) {
+    if (!m_urgent || m_urgent->isEmpty()) return ::sd_event_run(m_event, microseconds);
+    int result = ::sd_event_prepare(m_event);
+    if (result == 0) {
+        if (!m_urgent->run(microseconds)) return -errno;
+        result = ::sd_event_wait(m_event, 0);
+    }
+    return result > 0 ? ::sd_event_dispatch(m_event) : result;
+}
+
 EventLoop::Source EventLoop::onSignal(int signal, Callback arrived) {
     ::sigset_t set;
     ::sigemptyset(&set);
@@ -104,6 +124,11 @@ std::optional<Moment> EventLoop::nextTimer() const {
     return m_timers.begin()->first.due;
 }
 
+void EventLoop::woken() {
+    m_armedFor.reset();
+    fireDueTimers();
+}
+
 void EventLoop::fireDueTimers() {
     const TimerKey last{now(), m_timersMade};
     for (auto first = m_timers.begin(); first != m_timers.end(); first = m_timers.begin()) {
@@ -122,9 +147,12 @@ void EventLoop::armTimer() {
     // While time is held, what is to happen soon happens all the same.
     if (!next || (!m_clock.runsByItself() && *next > now())) {
         if (m_wake) ::sd_event_source_set_enabled(m_wake, SD_EVENT_OFF);
+        m_armedFor.reset();
         return;
     }
     const auto time = m_clock.runsByItself() ? static_cast<std::uint64_t>(next->count()) : 0;
+    // One that is due already and is set again would go to the back of the queue, each time.
+    if (std::exchange(m_armedFor, time) == time) return;
     int result = 0;
     if (!m_wake) {
         // An accuracy of 1: the library would otherwise put wake-ups together, up to a quarter of a second late.
@@ -139,7 +167,7 @@ void EventLoop::armTimer() {
 int EventLoop::run() {
     m_code.reset();
     while (!m_code) {
-        const int result = ::sd_event_run(m_event, UINT64_MAX);
+        const int result = turn(UINT64_MAX);
         if (result >= 0) continue;
         log("event loop: %s", std::strerror(-result));
         return 1;
@@ -154,7 +182,7 @@ bool EventLoop::runUntil(const std::function<bool()>& done, std::chrono::millise
     const auto end = Steady::now() + limit;
     while (!done()) {
         const auto left = std::chrono::ceil<std::chrono::microseconds>(end - Steady::now()).count();
-        if (left <= 0 || ::sd_event_run(m_event, static_cast<std::uint64_t>(left)) < 0) return done();
+        if (left <= 0 || turn(static_cast<std::uint64_t>(left)) < 0) return done();
     }
     return true;
 }

@@ -8,6 +8,7 @@
 #include <sys/epoll.h>
 #include <sys/resource.h>
 #include <unistd.h>
+#include <vector>
 
 using namespace std::chrono_literals;
 using services::EventLoop;
@@ -110,6 +111,74 @@ TEST(EventLoop, AWatchHearsOfEachByteUntilItsHandleGoes) {
     EXPECT_EQ(heard, 2);
 }
 
+TEST(EventLoop, ATimerComesHoweverBusyADescriptorIsAndHoweverManyTimersItMakes) {
+    EventLoop loop;
+    const Pipe pipe;
+    pipe.write();
+    int calls = 0;
+    std::vector<EventLoop::Source> timers;
+    const auto watch = loop.watch(pipe.ends[0], EPOLLIN, [&](std::uint32_t) {
+        ++calls; // and reads nothing
+        timers.push_back(loop.after(1h, [] {}));
+    });
+    bool came = false;
+    const auto soon = loop.soon([&] { came = true; });
+
+    EXPECT_TRUE(loop.runUntil([&] { return came || calls > 100; }));
+
+    EXPECT_TRUE(came);
+}
+
+TEST(EventLoop, WhatIsUrgentComesFirstAndTheRestComesToo) {
+    EventLoop loop;
+    const Pipe urgent;
+    const Pipe other;
+    std::string order;
+    const auto later = loop.watch(other.ends[0], EPOLLIN, [&](std::uint32_t) {
+        other.read();
+        order += "other ";
+    });
+    const auto first = loop.watchUrgently(urgent.ends[0], EPOLLIN, [&](std::uint32_t events) {
+        EXPECT_EQ(events, EPOLLIN);
+        urgent.read();
+        order += "urgent ";
+    });
+
+    for (int i = 0; i < 2; ++i) {
+        other.write();
+        urgent.write();
+        EXPECT_TRUE(loop.runUntil([&, end = order.size() + 13] { return order.size() == end; }));
+    }
+
+    EXPECT_EQ(order, "urgent other urgent other ");
+}
+
+TEST(EventLoop, AnUrgentWatchMayEndItselfAndMakeTimersAndOthers) {
+    std::unique_ptr<EventLoop::Handle> outlives;
+    {
+        EventLoop loop;
+        const Pipe pipe;
+        EventLoop::Source timer;
+        EventLoop::Source second;
+        int heard = 0;
+        EventLoop::Source watch = loop.watchUrgently(pipe.ends[0], EPOLLIN, [&](std::uint32_t) {
+            pipe.read();
+            timer = loop.after(1ms, [&] {
+                second = loop.watchUrgently(pipe.ends[0], EPOLLIN, [&](std::uint32_t) {
+                    pipe.read();
+                    loop.quit(++heard);
+                });
+                pipe.write();
+            });
+            watch.reset();
+        });
+        pipe.write();
+
+        EXPECT_EQ(loop.run(), 1);
+        outlives = std::move(second);
+    }
+}
+
 TEST(EventLoop, ASignalComesToItsCallback) {
     EventLoop loop;
     bool arrived = false;
@@ -124,12 +193,15 @@ TEST(EventLoop, ADescriptorThatCannotBeWatchedIsNoEndOfTheProgram) {
     EventLoop loop;
 
     EXPECT_EQ(loop.watch(-1, EPOLLIN, [](std::uint32_t) {}), nullptr);
+    EXPECT_EQ(loop.watchUrgently(-1, EPOLLIN, [](std::uint32_t) {}), nullptr);
 }
 
 TEST(EventLoop, SleepsWhileNothingHappens) {
     EventLoop loop;
     const Pipe pipe;
     const auto watch = loop.watch(pipe.ends[0], EPOLLIN, [](std::uint32_t) {});
+    const Pipe urgent;
+    const auto first = loop.watchUrgently(urgent.ends[0], EPOLLIN, [](std::uint32_t) {});
     const auto far = loop.after(1h, [] {});
     loop.runUntil([] { return false; }, 10ms);
     ::rusage before{};
