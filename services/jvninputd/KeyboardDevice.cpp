@@ -45,18 +45,17 @@ void KeyboardDevice::makeStandIn() {
 void KeyboardDevice::removeStandIn() {
     m_standInReadable.reset();
     m_standIn.reset();
-    m_standInLamps.reset();
-    m_echoes = {};
 }
 
 KeySet KeyboardDevice::open() {
     m_device = openDevice(m_descriptor);
     if (!m_device) return {};
     m_frame.clear();
-    m_readable = m_loop.watch(m_descriptor.get(), EPOLLIN, [this](std::uint32_t ready) { readEvents(ready); });
+    m_readable = m_loop.watchUrgently(m_descriptor.get(), EPOLLIN, [this](std::uint32_t ready) { readEvents(ready); });
     if (m_standIn) {
-        m_standInReadable = m_loop.watch(m_standIn->descriptor(), EPOLLIN, [this](std::uint32_t) { readStandIn(); });
-        showLamps();
+        m_standInReadable =
+            m_loop.watch(m_standIn->descriptor(), EPOLLIN, [this](std::uint32_t) { standInReadable(); });
+        beginLamps();
     }
     return heldKeys();
 }
@@ -77,13 +76,15 @@ KeySet KeyboardDevice::heldKeys() const {
     return held;
 }
 
-bool KeyboardDevice::drain(const std::function<void(const ::input_event&)>& each) {
+template <class Each> bool KeyboardDevice::drain(Each each) {
     // "Blocking" spares a read for each event: the node is read only when all that was read before is used up.
     constexpr unsigned normal = LIBEVDEV_READ_FLAG_NORMAL | LIBEVDEV_READ_FLAG_BLOCKING;
     unsigned how = normal;
+    int result = -EAGAIN;
+    bool lampsChanged = false;
     while (m_device) { // what is handed on may close it
         ::input_event event{};
-        const int result = ::libevdev_next_event(m_device.get(), how, &event);
+        result = ::libevdev_next_event(m_device.get(), how, &event);
         if (result == -EAGAIN && how != normal) {
             how = normal;
             continue;
@@ -93,16 +94,18 @@ bool KeyboardDevice::drain(const std::function<void(const ::input_event&)>& each
             how = LIBEVDEV_READ_FLAG_SYNC;
             continue;
         }
-        if (result != LIBEVDEV_READ_STATUS_SUCCESS && result != LIBEVDEV_READ_STATUS_SYNC)
-            return result == -EAGAIN || result == -EINTR;
-        each(event);
+        if (result != LIBEVDEV_READ_STATUS_SUCCESS && result != LIBEVDEV_READ_STATUS_SYNC) break;
+        if (event.type == EV_LED)
+            lampsChanged = true;
+        else
+            each(event);
     }
-    return true;
+    if (lampsChanged) followLamps();
+    return !m_device || result == -EAGAIN || result == -EINTR;
 }
 
 void KeyboardDevice::readEvents(std::uint32_t ready) {
     const bool there = drain([this](const ::input_event& event) {
-        if (event.type == EV_LED) return lampChanged(event.code, event.value != 0);
         if (event.type != EV_SYN) m_frame.push_back({event.type, event.code, event.value});
         const bool ends = event.type == EV_SYN && event.code == SYN_REPORT;
         if (m_frame.empty() || (!ends && m_frame.size() < longestFrame)) return;
@@ -143,7 +146,6 @@ bool KeyboardDevice::grab() {
     KeySet seenPressed;
     std::vector<std::uint16_t> halfSeen; // of which the desktop may have got the press and not the release
     drain([&](const ::input_event& event) {
-        if (event.type == EV_LED) return lampChanged(event.code, event.value != 0);
         if (event.type != EV_KEY || event.code >= KEY_CNT) return;
         keysMoved = true;
         const Moment time =

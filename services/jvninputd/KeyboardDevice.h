@@ -6,10 +6,10 @@
 
 #include "system/files/Descriptor.h"
 
-#include <array>
 #include <bitset>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -30,6 +30,8 @@ public:
     KeyboardDevice(services::EventLoop& loop, std::string node, Callbacks callbacks)
         : m_loop(loop), m_node(std::move(node)), m_callbacks(std::move(callbacks)) {}
 
+    using Lamps = std::bitset<LED_CNT>;
+
     // The desktop needs a moment to get to know a new keyboard: it is made well before the keyboard is taken.
     void makeStandIn();
     void removeStandIn();
@@ -44,14 +46,19 @@ public:
 private:
     Evdev openDevice(seat::Descriptor& descriptor) const;
     void readEvents(std::uint32_t ready);
-    // Hands on what the kernel has for us, while the node is open; false when the keyboard is gone.
-    bool drain(const std::function<void(const ::input_event&)>& each);
+    // Hands on what the kernel has for us but lamps, while the node is open; false when the keyboard is gone.
+    template <class Each> bool drain(Each each);
     KeySet heldKeys() const;
     bool grab();
     void retype(std::span<const std::uint16_t> keys);
-    void lampChanged(std::uint16_t lamp, bool lit);
-    void readStandIn();
-    void showLamps();
+    struct BothLamps {
+        Lamps onKeyboard, onStandIn;
+    };
+    std::optional<BothLamps> lamps() const; // nothing while one of them is not open
+    void setLamps(const BothLamps& from, const Lamps& to);
+    void beginLamps(); // with those of the keyboard
+    void followLamps();
+    void standInReadable();
 
     services::EventLoop& m_loop;
     std::string m_node;
@@ -62,9 +69,7 @@ private:
     services::EventLoop::Source m_readable;
     services::EventLoop::Source m_standInReadable;
     std::vector<Event> m_frame;
-    std::bitset<LED_CNT> m_standInLamps;
-    // What the kernel tells us of our own writing to the stand-in's lamps, still to come.
-    std::array<unsigned, LED_CNT> m_echoes{};
+    Lamps m_lamps; // of both, when they were alike last
 };
 
 } // namespace jvninputd

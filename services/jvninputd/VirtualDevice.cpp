@@ -95,6 +95,11 @@ void VirtualDevice::write(std::span<const Event> events) {
 
 int VirtualDevice::descriptor() const { return ::libevdev_uinput_get_fd(m_device.get()); }
 
+std::string VirtualDevice::node() const {
+    const char* path = ::libevdev_uinput_get_devnode(m_device.get());
+    return path ? path : "";
+}
+
 std::vector<std::string> VirtualDevice::nodeNames() const {
     std::vector<std::string> names;
     const char* folder = ::libevdev_uinput_get_syspath(m_device.get());

@@ -35,6 +35,8 @@ public:
 
     // Events that others send to the device (lamps) can be read here, as the kernel writes them, without blocking.
     int descriptor() const;
+    // The path of its event node.
+    std::string node() const;
     // The kernel's name of the node beside the pad's others: event5, js0. Those that there are at this moment.
     std::vector<std::string> nodeNames() const;
 

@@ -103,6 +103,13 @@ int32_t EventReader::axis(uint16_t code) const {
     return info.value;
 }
 
+bool EventReader::isLit(uint16_t lamp) const {
+    std::array<unsigned char, LED_CNT / 8 + 1> bits{};
+    if (::ioctl(m_device, EVIOCGLED(bits.size()), bits.data()) < 0)
+        throw std::system_error(errno, std::generic_category(), "the lamps of an input device");
+    return (bits[lamp / 8U] >> (lamp % 8U) & 1U) != 0;
+}
+
 bool EventReader::grab() { return ::ioctl(m_device, EVIOCGRAB, 1) == 0; }
 void EventReader::release() { ::ioctl(m_device, EVIOCGRAB, 0); }
 

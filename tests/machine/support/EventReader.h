@@ -36,6 +36,7 @@ public:
     bool isDown(uint16_t key) const;
     int keysDown() const;
     int32_t axis(uint16_t code) const;
+    bool isLit(uint16_t lamp) const;
 
     // False when somebody else has grabbed the device. A grab of ours ends with release() or with the reader.
     bool grab();
