@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <fstream>
 #include <sstream>
+#include <stdexcept>
 #include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/un.h>
@@ -51,7 +52,7 @@ long sumOf(const std::string& text, const std::string& word) {
 InputService::InputService() {
     char folder[] = "/tmp/jvninputd-XXXXXX";
     if (!::mkdtemp(folder)) throw std::system_error(errno, std::generic_category(), "a folder for the service");
-    std::filesystem::permissions(folder, std::filesystem::perms::owner_all | std::filesystem::perms::others_exec);
+    std::filesystem::permissions(folder, static_cast<std::filesystem::perms>(0711));
     m_folder = folder;
     m_socket = m_folder + "/socket";
     start();
@@ -84,6 +85,15 @@ void InputService::kill() {
     ::kill(m_process, SIGKILL);
     ::waitpid(m_process, nullptr, 0);
     m_process = -1;
+}
+
+void InputService::waitForEnd() {
+    int status = 0;
+    const auto ended = [&] { return ::waitpid(m_process, &status, WNOHANG) == m_process; };
+    if (!waitUntil(ended)) throw std::system_error(ETIMEDOUT, std::generic_category(), "the service's end");
+    m_process = -1;
+    if (!WIFSIGNALED(status) || WTERMSIG(status) != SIGKILL)
+        throw std::runtime_error("the service has ended by itself, with " + std::to_string(status));
 }
 
 std::string InputService::log() const { return contents(m_folder + "/log"); }

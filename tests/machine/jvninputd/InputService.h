@@ -17,7 +17,9 @@ public:
     void signal(int number) const;
     // SIGKILL, and waits for its end.
     void kill();
-    // As it was started first; after kill().
+    // Waits until it has been ended by a SIGKILL from elsewhere; what does not come throws.
+    void waitForEnd();
+    // As it was started first; after kill() or waitForEnd().
     void start();
 
     const std::string& socket() const { return m_socket; }

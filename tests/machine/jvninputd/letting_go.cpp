@@ -137,6 +137,31 @@ TEST_F(LettingGo, TheServiceIsStoppedForAWhile) {
     EXPECT_TRUE(game->waitFor(EV_KEY, BTN_A, 1));
 }
 
+// Nobody has told the service manager: the kernel itself ends it, four seconds after it was heard of last.
+TEST_F(LettingGo, TheServiceIsStoppedForGood) {
+    startGame();
+    holdOneOfEach();
+    const auto begin = std::chrono::steady_clock::now();
+    service.signal(SIGSTOP);
+
+    service.waitForEnd();
+    expectNothingOfOursIsLeft();
+    expectTheKeyboardIsFree();
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, 5s);
+}
+
+TEST_F(LettingGo, StoppedForLongWhileNothingIsTakenItGoesOnAfterwards) {
+    startGame();
+    game.reset();
+    ASSERT_TRUE(governor.waitFor(input::Readiness::waitingForGame));
+    service.signal(SIGSTOP);
+    std::this_thread::sleep_for(4200ms); // past the end of one that holds a keyboard
+    service.signal(SIGCONT);
+
+    game.emplace(EventReader::ofDevice(padName));
+    EXPECT_TRUE(governor.waitFor(input::Readiness::playing));
+}
+
 TEST_F(LettingGo, TheChordLetsGoAtOnceAndItsEscapeGoesNowhere) {
     startGame();
     holdOneOfEach();
@@ -196,29 +221,6 @@ TEST_F(LettingGo, SwitchedOnByHandItPlaysWithoutAGame) {
     chord();
     EXPECT_TRUE(governor.waitFor(input::Readiness::switchedOff));
     expectTheKeyboardIsFree();
-}
-
-TEST_F(LettingGo, LampsThatTheDesktopLightsShowOnTheKeyboardWhileItIsTaken) {
-    startGame();
-    const auto lamp = [this](std::uint16_t code, int value) {
-        input_event event{};
-        event.type = EV_LED;
-        event.code = code;
-        event.value = value;
-        EXPECT_EQ(::write(desktop->descriptor(), &event, sizeof event), static_cast<ssize_t>(sizeof event));
-    };
-    const auto shown = [this](std::uint16_t code, int value) {
-        return waitUntil([&] {
-            input_event event{};
-            while (::read(keyboard.descriptor(), &event, sizeof event) == static_cast<ssize_t>(sizeof event))
-                if (event.type == EV_LED && event.code == code && event.value == value) return true;
-            return false;
-        });
-    };
-    lamp(LED_CAPSL, 1);
-    EXPECT_TRUE(shown(LED_CAPSL, 1));
-    lamp(LED_CAPSL, 0);
-    EXPECT_TRUE(shown(LED_CAPSL, 0));
 }
 
 } // namespace
