@@ -6,6 +6,7 @@
 #include <array>
 #include <cerrno>
 #include <cstring>
+#include <span>
 #include <sys/epoll.h>
 #include <sys/socket.h>
 #include <utility>
@@ -24,6 +25,10 @@ constexpr std::size_t longestQueue = 256;
 
 template <class Message> bool same(const std::optional<Message>& one, const Message& other) {
     return one && std::memcmp(&*one, &other, sizeof other) == 0;
+}
+
+bool isZero(std::span<const std::uint8_t> bytes) {
+    return std::ranges::all_of(bytes, [](std::uint8_t byte) { return byte == 0; });
 }
 
 } // namespace
@@ -162,17 +167,19 @@ void Client::end() {
 }
 
 bool isValid(const input::Hello& message) {
-    return message.role == input::Role::govern || message.role == input::Role::observe ||
-           message.role == input::Role::tryOut;
+    return isZero(message.reserved) && (message.role == input::Role::govern || message.role == input::Role::observe ||
+                                        message.role == input::Role::tryOut);
 }
 
 bool isValid(const input::Settings& message) {
-    return message.keyboardPlays <= 1 && message.forceExtended <= 1 && message.bindingCount <= input::maximumBindings &&
+    return message.reserved == 0 && message.keyboardPlays <= 1 && message.forceExtended <= 1 &&
+           message.bindingCount <= input::maximumBindings &&
            (message.mode == input::PlayMode::whileListened || message.mode == input::PlayMode::byHand);
 }
 
 bool isValid(const input::Light& message) {
-    return message.action == input::LightAction::leaveAlone || message.action == input::LightAction::set;
+    return isZero(message.reserved) &&
+           (message.action == input::LightAction::leaveAlone || message.action == input::LightAction::set);
 }
 
 } // namespace jvninputd

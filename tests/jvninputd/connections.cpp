@@ -262,6 +262,31 @@ TEST_F(Connections, ValuesThatAreNotListedAreRefused) {
     EXPECT_FALSE(m_settings);
 }
 
+// A later version may give them a meaning that this one does not know.
+TEST_F(Connections, ReservedBytesThatAreNotZeroAreRefused) {
+    Peer unknown = connect();
+    auto hello = input::makeMessage<input::Hello>();
+    hello.role = input::Role::govern;
+    hello.reserved[2] = 1;
+    unknown.send(hello);
+    settle();
+    EXPECT_EQ(unknown.refusal(), input::RefusalReason::malformed);
+
+    Peer player = connect(input::Role::govern);
+    auto settings = someSettings();
+    settings.reserved = 1;
+    player.send(settings);
+    settle();
+    EXPECT_EQ(player.refusal(), input::RefusalReason::malformed);
+
+    Peer lighter = connect(input::Role::govern);
+    auto light = input::makeMessage<input::Light>();
+    light.reserved[1] = 1;
+    lighter.send(light);
+    settle();
+    EXPECT_EQ(lighter.refusal(), input::RefusalReason::malformed);
+}
+
 TEST_F(Connections, SilenceBeforeHelloIsClosedAfterFiveSeconds) {
     Peer silent = connect();
     Peer observer = connect(input::Role::observe);

@@ -92,6 +92,7 @@ bool InputClient::receive(std::chrono::milliseconds timeout) {
     if (m_closed || ::poll(&waiting, 1, static_cast<int>(timeout.count())) <= 0) return false;
     char buffer[2 * input::maximumMessageSize];
     const ssize_t size = ::recv(m_socket, buffer, sizeof buffer, 0);
+    if (size < 0 && errno == ECONNRESET) return receive(timeout); // once, before the reason
     if (size <= 0) {
         m_closed = true;
         return false;
@@ -146,6 +147,11 @@ std::optional<input::RefusalReason> InputClient::refusal(std::chrono::millisecon
     while (receive(left(deadline))) {
     }
     return m_closed ? m_refusal : std::nullopt;
+}
+
+bool InputClient::ended(std::chrono::milliseconds timeout) {
+    (void)refusal(timeout);
+    return m_closed;
 }
 
 void settle(const std::string& socket) {

@@ -8,6 +8,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <sys/socket.h>
 #include <utility>
 #include <vector>
 
@@ -34,6 +35,10 @@ public:
     void light(const std::string& address, int red, int green, int blue);
     void leaveLightAlone();
     void send(const void* data, std::size_t size) const;
+    // False when the other side has closed.
+    template <class Message> bool trySend(const Message& message) const {
+        return ::send(m_socket, &message, sizeof message, MSG_NOSIGNAL) == static_cast<ssize_t>(sizeof message);
+    }
     void close();
 
     // Waits until the state that was sent last is like that; false when it did not come to that in time.
@@ -44,6 +49,9 @@ public:
     bool waitForController(const std::string& address, bool present, std::chrono::milliseconds timeout = kLongTimeout);
     // Waits for the end of the connection, and says what was the reason.
     std::optional<input::RefusalReason> refusal(std::chrono::milliseconds timeout = kLongTimeout);
+
+    // Waits for the end of the connection, with a reason or without.
+    bool ended(std::chrono::milliseconds timeout = kLongTimeout);
 
     const input::State& state() const { return m_state; }
     std::vector<std::string> keyboards() const { return m_keyboards; }
