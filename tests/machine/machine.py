@@ -66,6 +66,10 @@ def emulator_command(folder: str, installed: bool, *kernel_words: str) -> list[s
         "cryptomgr.notests",
         # What is typed on virtual keyboards shall not stop the machine.
         "sysctl.kernel.sysrq=0",
+        # The clock that real computers read without asking the kernel; the one that it would take here is slow to read.
+        "tsc=reliable", "clocksource=tsc",
+        # Nobody attacks it, and devices that come and go all the time need not wait for each other.
+        "mitigations=off", "rcupdate.rcu_expedited=1",
         "systemd.show_status=0", "systemd.log_target=journal-or-kmsg", *kernel_words,
     ]
     return [

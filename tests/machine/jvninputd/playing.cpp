@@ -1,5 +1,5 @@
-#include "system/input/hid_usage.h"
 #include "tests/machine/jvninputd/PlayingTest.h"
+#include "tests/machine/jvninputd/known_keys.h"
 
 #include <algorithm>
 #include <array>
@@ -42,19 +42,6 @@ const std::vector<Shown>& everyInput() {
     return table;
 }
 
-struct KnownKey {
-    std::uint16_t key;
-    int usage;
-};
-
-std::vector<KnownKey> everyKnownKey() {
-    std::vector<KnownKey> keys;
-    for (std::uint16_t key = 1; key < 256; ++key)
-        if (const long usage = seat::hidUsageForKernelKey(key); usage > 0)
-            keys.push_back({key, static_cast<int>(usage)});
-    return keys;
-}
-
 bool hasAxis(const EventReader& reader, unsigned code) {
     std::array<unsigned char, ABS_CNT / 8> bits{};
     ::ioctl(reader.descriptor(), EVIOCGBIT(EV_ABS, bits.size()), bits.data());
@@ -79,20 +66,14 @@ TEST_F(Playing, EveryCodeByEveryUsageIsItsEvent) {
     startGame({{4, 11}});
     std::set<std::pair<int, int>> tried;
     for (int shift = 0; shift < 21; ++shift) {
-        Bindings bindings;
-        std::array<int, 256> codeOf{};
-        for (const KnownKey& key : keys) codeOf[key.usage] = (key.usage + shift) % 21 + 1;
-        for (int usage = 0; usage < 256; ++usage)
-            if (codeOf[usage] > 0) bindings.emplace_back(usage, codeOf[usage]);
-        governor.play(bindings);
+        const auto codeOf = [shift](const KnownKey& key) { return (key.usage + shift) % 21 + 1; };
+        governor.play(bindingsOf(keys, codeOf));
         settle(service.socket());
-        // Some at a time: as many as fit into the queue of a reader who is late.
-        constexpr std::size_t together = 6;
-        for (std::size_t first = 0; first < keys.size(); first += together) {
-            const auto some = std::span(keys).subspan(first, std::min(together, keys.size() - first));
+        for (std::size_t first = 0; first < keys.size(); first += keysAtATime) {
+            const auto some = std::span(keys).subspan(first, std::min(keysAtATime, keys.size() - first));
             for (const KnownKey& key : some) keyboard.tap(key.key);
             for (const KnownKey& key : some) {
-                const Shown& shown = everyInput()[codeOf[key.usage] - 1];
+                const Shown& shown = everyInput()[codeOf(key) - 1];
                 for (const std::string& text : shown.down)
                     ASSERT_EQ(game->nextText(), text) << key.key << " " << shown.code;
                 for (const std::string& text : shown.up)
@@ -160,6 +141,7 @@ TEST_F(Playing, KeysThatAreNotMappedReachTheDesktopAndMappedOnesDoNot) {
     EXPECT_EQ(desktop->nextText(), "EV_KEY 115 0");
     EventReader watched(keyboard.node());
     EXPECT_TRUE(watched.grabbedByOthers());
+    EXPECT_EQ(service.log(), "") << "no word about keys";
 }
 
 TEST_F(Playing, RepeatsEndWithTheKey) {

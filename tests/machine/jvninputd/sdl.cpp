@@ -1,9 +1,12 @@
 #include "tests/machine/jvninputd/PlayingTest.h"
+#include "tests/machine/jvninputd/known_keys.h"
 
 #include <SDL.h>
+#include <algorithm>
 #include <cstdlib>
 #include <map>
 #include <memory>
+#include <span>
 #include <utility>
 
 namespace machine {
@@ -70,7 +73,7 @@ private:
     std::map<int, std::string> m_places; // of each axis
 };
 
-// By native code, with the HID usage of the key that drives it here.
+// By native code.
 const std::map<int, std::string>& plainControls() {
     static const std::map<int, std::string> table{
         {1, "dpright"}, {2, "dpleft"}, {3, "dpup"},         {4, "dpdown"},         {5, "a"},     {6, "b"},
@@ -86,45 +89,61 @@ const std::map<int, std::string>& extendedControls() {
 
 class Sdl : public PlayingTest {
 protected:
-    // Keys A to U for the codes 1 to 21.
-    static constexpr std::uint16_t keys[] = {KEY_A, KEY_B, KEY_C, KEY_D, KEY_E, KEY_F, KEY_G,
-                                             KEY_H, KEY_I, KEY_J, KEY_K, KEY_L, KEY_M, KEY_N,
-                                             KEY_O, KEY_P, KEY_Q, KEY_R, KEY_S, KEY_T, KEY_U};
-    static int usageOf(int code) { return 3 + code; }
-    static std::string atRest(std::string control) { return control.substr(0, control.find(' ')) + " rest"; }
-    void tryAll(SdlGame& sdl, const std::map<int, std::string>& controls) {
-        for (const auto& [code, control] : controls) {
-            keyboard.press(keys[code - 1]);
-            EXPECT_EQ(sdl.next(), control) << code;
-            keyboard.release(keys[code - 1]);
-            EXPECT_EQ(sdl.next(), atRest(control)) << code;
+    // All keys at once, and as many keymaps as there are inputs, so that each usage has each of them once.
+    void tryEveryControlByEveryUsage(const std::map<int, std::string>& controls, input::Profile profile) {
+        const std::vector<KnownKey> keys = everyKnownKey();
+        const std::vector<std::pair<int, std::string>> list(controls.begin(), controls.end());
+        const auto wanted = [&](const KnownKey& key, std::size_t shift) -> const auto& {
+            return list[(static_cast<std::size_t>(key.usage) + shift) % list.size()];
+        };
+        std::optional<SdlGame> sdl;
+        for (std::size_t shift = 0; shift < list.size(); ++shift) {
+            governor.play(bindingsOf(keys, [&](const KnownKey& key) { return wanted(key, shift).first; }));
+            settle(service.socket());
+            if (!sdl) {
+                ASSERT_FALSE(waitForEventNode(padName).empty());
+                sdl.emplace();
+                ASSERT_TRUE(sdl->open());
+                ASSERT_TRUE(governor.waitFor(input::Readiness::playing)) << "the library is a game that listens";
+                EXPECT_EQ(governor.state().profile, profile);
+            }
+            for (std::size_t first = 0; first < keys.size(); first += keysAtATime) {
+                const auto some = std::span(keys).subspan(first, std::min(keysAtATime, keys.size() - first));
+                for (const KnownKey& key : some) keyboard.tap(key.key);
+                for (const KnownKey& key : some) {
+                    const auto& [code, control] = wanted(key, shift);
+                    ASSERT_EQ(sdl->next(), control) << "key " << key.key << ", code " << code;
+                    ASSERT_EQ(sdl->next(), atRest(control)) << "key " << key.key << ", code " << code;
+                }
+            }
         }
     }
+
+private:
+    static std::string atRest(std::string control) { return control.substr(0, control.find(' ')) + " rest"; }
 };
 
-TEST_F(Sdl, ThePlainPadIsAControllerAndEveryInputItsControl) {
-    Bindings bindings;
-    for (const auto& [code, control] : plainControls()) bindings.emplace_back(usageOf(code), code);
-    governor.play(bindings);
-    ASSERT_FALSE(waitForEventNode(padName).empty());
-    SdlGame sdl;
-    ASSERT_TRUE(sdl.open());
-    ASSERT_TRUE(governor.waitFor(input::Readiness::playing)) << "the library is a game that listens";
-    EXPECT_EQ(governor.state().profile, input::Profile::plain);
-    tryAll(sdl, plainControls());
-}
-
-TEST_F(Sdl, TheExtendedPadIsAControllerAndEveryInputItsControl) {
-    Bindings bindings;
-    for (int code = 1; code <= 21; ++code) bindings.emplace_back(usageOf(code), code);
-    governor.play(bindings);
+TEST_F(Sdl, WIsDPadUp) {
+    governor.play(defaultBindings());
     ASSERT_FALSE(waitForEventNode(padName).empty());
     SdlGame sdl;
     ASSERT_TRUE(sdl.open());
     ASSERT_TRUE(governor.waitFor(input::Readiness::playing));
-    EXPECT_EQ(governor.state().profile, input::Profile::extended);
-    tryAll(sdl, plainControls());
-    tryAll(sdl, extendedControls());
+    keyboard.press(KEY_W);
+    EXPECT_EQ(sdl.next(), "dpup");
+    keyboard.release(KEY_W);
+    EXPECT_EQ(sdl.next(), "dpup rest");
+}
+
+TEST_F(Sdl, ThePlainPadIsAControllerAndEveryUsageEveryControlOfIt) {
+    tryEveryControlByEveryUsage(plainControls(), input::Profile::plain);
+}
+
+TEST_F(Sdl, TheExtendedPadIsAControllerAndEveryUsageEveryControlOfIt) {
+    auto controls = plainControls();
+    controls.insert(extendedControls().begin(), extendedControls().end());
+    ASSERT_EQ(controls.size(), 21U);
+    tryEveryControlByEveryUsage(controls, input::Profile::extended);
 }
 
 } // namespace

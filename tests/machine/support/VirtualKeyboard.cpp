@@ -81,8 +81,14 @@ void VirtualKeyboard::tap(uint16_t key) {
 }
 
 void VirtualKeyboard::send(uint16_t type, uint16_t code, int32_t value) {
-    sendPart(type, code, value);
-    sendPart(EV_SYN, SYN_REPORT, 0);
+    // In one writing, as a driver reports.
+    input_event frame[2]{};
+    frame[0].type = type;
+    frame[0].code = code;
+    frame[0].value = value;
+    frame[1].type = EV_SYN;
+    if (::write(m_device, frame, sizeof frame) != static_cast<ssize_t>(sizeof frame))
+        throw std::system_error(errno, std::generic_category(), "write to /dev/uinput");
 }
 
 void VirtualKeyboard::sendPart(uint16_t type, uint16_t code, int32_t value) {
