@@ -1,22 +1,20 @@
 // How long a key takes to the pad, in the test machine: input_latency PRESSES RATE
-// Presses the key K on a virtual keyboard and waits for what each remapper makes of it; then RATE presses a second for
-// as many presses, of which none may be lost. Prints "NAME MEDIAN_US P95_US LOST_SLOW LOST_FAST" a line.
+// All remappers run at once, each with keys of its own, and are pressed in turns, so that whatever else the computer
+// does meets all of them alike. Then, one after the other, RATE presses a second for as many presses.
+// Prints "NAME MEDIAN_US P95_US LOST LOST_FAST" a line; what is lost is a press that the pad never shows.
+#include "tests/benchmarks/input_latency/PadReader.h"
+#include "tests/benchmarks/input_latency/remappers.h"
+
 #include "tests/machine/jvninputd/InputClient.h"
 #include "tests/machine/jvninputd/InputService.h"
-#include "tests/machine/support/EventReader.h"
-#include "tests/machine/support/Program.h"
 #include "tests/machine/support/VirtualKeyboard.h"
 #include "tests/machine/support/device_nodes.h"
 
 #include <algorithm>
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <fcntl.h>
-#include <linux/uinput.h>
-#include <sys/ioctl.h>
-#include <sys/prctl.h>
-#include <sys/wait.h>
+#include <memory>
+#include <sys/resource.h>
 #include <thread>
 #include <unistd.h>
 
@@ -26,104 +24,54 @@ using namespace machine;
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
-constexpr const char* keyboardName = "Latency Keyboard";
+// Whoever types and looks must not be what a press waits for.
+constexpr int priorityOfTheWorld = -15;
 
-// The least that anybody could do: reads the keyboard and writes a pad.
-class BareLoop {
-public:
-    explicit BareLoop(const std::string& node) : m_process(::fork()) {
-        if (m_process != 0) return;
-        ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-        const int keyboard = ::open(node.c_str(), O_RDONLY);
-        ::ioctl(keyboard, EVIOCGRAB, 1);
-        const int pad = ::open("/dev/uinput", O_WRONLY);
-        ::ioctl(pad, UI_SET_EVBIT, EV_KEY);
-        ::ioctl(pad, UI_SET_KEYBIT, BTN_A);
-        ::uinput_setup setup{};
-        setup.id.bustype = BUS_VIRTUAL;
-        std::snprintf(setup.name, sizeof setup.name, "Bare Pad");
-        ::ioctl(pad, UI_DEV_SETUP, &setup);
-        ::ioctl(pad, UI_DEV_CREATE);
-        ::input_event events[8];
-        for (;;) {
-            const ssize_t size = ::read(keyboard, events, sizeof events);
-            for (ssize_t i = 0; i < size / static_cast<ssize_t>(sizeof events[0]); ++i) {
-                if (events[i].type != EV_KEY || events[i].value > 1) continue;
-                ::input_event out[2]{};
-                out[0].type = EV_KEY;
-                out[0].code = BTN_A;
-                out[0].value = events[i].value;
-                if (::write(pad, out, sizeof out) < 0) ::_exit(1);
-            }
-        }
-    }
-    ~BareLoop() {
-        ::kill(m_process, SIGKILL);
-        ::waitpid(m_process, nullptr, 0);
-    }
-
-private:
-    pid_t m_process;
+struct Contestant {
+    const char* name;
+    VirtualKeyboard& keys;
+    PadReader pad;
+    std::vector<double> times = {};
+    int lost = 0;
+    int lostFast = 0;
 };
 
-void measure(const char* name, VirtualKeyboard& keyboard, EventReader& pad, std::uint16_t code, int presses, int rate) {
-    std::vector<double> times;
-    int lostSlow = 0;
-    for (int i = 0; i < presses; ++i) {
-        const auto begin = Clock::now();
-        keyboard.press(KEY_K);
-        if (pad.waitFor(EV_KEY, code, 1, 500ms))
-            times.push_back(std::chrono::duration<double, std::micro>(Clock::now() - begin).count());
-        else
-            ++lostSlow;
-        keyboard.release(KEY_K);
-        pad.waitFor(EV_KEY, code, 0, 500ms);
-    }
+// One press and its release.
+void pressOnce(Contestant& contestant) {
+    contestant.pad.forget();
+    const auto begin = Clock::now();
+    contestant.keys.press(KEY_K);
+    if (contestant.pad.waitForPresses(1, 500ms))
+        contestant.times.push_back(std::chrono::duration<double, std::micro>(Clock::now() - begin).count());
+    else
+        ++contestant.lost;
+    contestant.keys.release(KEY_K);
+    contestant.pad.waitForReleases(1, 500ms);
+}
 
-    int seen = 0;
-    std::thread reader([&] {
-        while (seen < presses)
-            if (!pad.waitFor(EV_KEY, code, 1, 3s))
-                break;
-            else
-                ++seen;
-    });
+void pressFast(Contestant& contestant, int presses, int rate) {
+    contestant.pad.forget();
+    std::thread reader([&] { contestant.pad.waitForPresses(presses, 2s); });
+    // Never faster than the rate: what the computer has slept through is not made up for.
     auto next = Clock::now();
     for (int i = 0; i < presses; ++i) {
-        keyboard.tap(KEY_K);
-        next += 1'000'000us / rate;
+        contestant.keys.tap(KEY_K);
+        next = std::max(next + 1'000'000us / rate, Clock::now());
         std::this_thread::sleep_until(next);
     }
     reader.join();
+    contestant.lostFast += presses - contestant.pad.presses();
+    if (contestant.pad.dropped()) std::fprintf(stderr, "%s: the benchmark itself was too slow\n", contestant.name);
+}
 
+void print(Contestant& contestant) {
+    auto& times = contestant.times;
     std::ranges::sort(times);
     const auto at = [&times](std::size_t percent) {
         return times.empty() ? 0 : times[(times.size() - 1) * percent / 100];
     };
-    std::printf("%s %.0f %.0f %d %d\n", name, at(50), at(95), lostSlow, presses - seen);
+    std::printf("%s %.0f %.0f %d %d\n", contestant.name, at(50), at(95), contestant.lost, contestant.lostFast);
     std::fflush(stdout);
-}
-
-bool installed(const char* program) { return run({"sh", "-c", std::string("command -v ") + program}).status == 0; }
-
-// A packaged remapper, which makes a device of this name out of the keyboard.
-void measurePeer(const char* name, const std::string& command, const char* device, std::uint16_t code,
-                 VirtualKeyboard& keyboard, int presses, int rate) {
-    if (!installed(name)) return;
-    const std::vector<std::string> before = eventNodes(device);
-    Program peer({"sh", "-c", command});
-    std::string node;
-    if (!waitUntil([&] {
-            for (const std::string& found : eventNodes(device))
-                if (std::ranges::find(before, found) == before.end()) node = found;
-            return !node.empty();
-        })) {
-        std::fprintf(stderr, "%s: no device\n%s\n", name, peer.output().c_str());
-        return;
-    }
-    std::this_thread::sleep_for(1s); // it tells nobody when it is ready
-    EventReader pad(node);
-    measure(name, keyboard, pad, code, presses, rate);
 }
 
 } // namespace
@@ -131,26 +79,37 @@ void measurePeer(const char* name, const std::string& command, const char* devic
 int main(int count, char** arguments) {
     const int presses = count > 1 ? std::atoi(arguments[1]) : 300;
     const int rate = count > 2 ? std::atoi(arguments[2]) : 1000;
-    VirtualKeyboard keyboard({.name = keyboardName});
-    for (int round = 0; round < 2; ++round) { // one after the other and again, as the computer may be busy
-        {
-            const BareLoop bare(keyboard.node());
-            EventReader pad = EventReader::ofDevice("Bare Pad");
-            measure("bare", keyboard, pad, BTN_A, presses, rate);
-        }
-        {
-            const InputService service;
-            InputClient governor(service.socket(), input::Role::govern);
-            governor.play(defaultBindings());
-            EventReader pad = EventReader::ofDevice("Joyvane Gamepad");
-            if (!governor.waitFor(input::Readiness::playing)) return 1;
-            measure("jvninputd", keyboard, pad, BTN_A, presses, rate);
-        }
+
+    // Only one of them is a keyboard, for the service takes every keyboard.
+    VirtualKeyboard keyboard({.name = "Latency Keyboard"});
+    VirtualKeyboard bareKeys({.name = "Bare Keys", .keys = {KEY_K}, .lamps = {}});
+    const BareLoop bare(bareKeys.node(), "Bare Pad");
+    const InputService service;
+    InputClient governor(service.socket(), input::Role::govern);
+    governor.play(defaultBindings());
+    std::vector<Contestant> contestants;
+    contestants.push_back({"bare", bareKeys, PadReader(waitForEventNode("Bare Pad"), BTN_A)});
+    contestants.push_back({"jvninputd", keyboard, PadReader(waitForEventNode("Joyvane Gamepad"), BTN_A)});
+    if (!governor.waitFor(input::Readiness::playing)) return 1;
+    std::vector<std::unique_ptr<Peer>> peers;
+    for (const PeerProgram& program : peerPrograms())
+        if (auto peer = Peer::start(program))
+            contestants.push_back({program.name, peers.emplace_back(std::move(peer))->keys(),
+                                   PadReader(peers.back()->pad(), program.code)});
+    run({"udevadm", "settle"}, kRoot, 60s);
+
+    ::setpriority(PRIO_PROCESS, 0, priorityOfTheWorld);
+    for (Contestant& contestant : contestants) // whoever has only just started
+        waitUntil([&] {
+            pressOnce(contestant);
+            return !contestant.times.empty();
+        });
+    for (Contestant& contestant : contestants) {
+        contestant.times.clear();
+        contestant.lost = 0;
     }
-    measurePeer("xboxdrv",
-                "exec xboxdrv --silent --evdev " + keyboard.node() + " --evdev-keymap KEY_K=a --mimic-xpad </dev/null",
-                "Microsoft X-Box 360 pad", BTN_A, keyboard, presses, rate);
-    // It remaps nothing here; it only takes the keyboard and writes it again.
-    measurePeer("intercept", "intercept -g " + keyboard.node() + " | uinput -d " + keyboard.node(), keyboardName, KEY_K,
-                keyboard, presses, rate);
+    for (int i = 0; i < presses; ++i)
+        for (Contestant& contestant : contestants) pressOnce(contestant);
+    for (Contestant& contestant : contestants) pressFast(contestant, presses, rate);
+    for (Contestant& contestant : contestants) print(contestant);
 }
