@@ -91,6 +91,7 @@ protected:
         governor->play(defaultBindings());
         // With a game it plays (or is paused: the next game ends that), without one everybody has the keyboards.
         game.reset();
+        settle(service.socket()); // or the state that is waited for may be an older one
         ASSERT_TRUE(governor->waitFor(input::Readiness::waitingForGame)) << service.log();
         for (const VirtualKeyboard* keyboard : {&first, &second}) {
             EventReader everybody(keyboard->node());
