@@ -118,7 +118,7 @@ class Tour(unittest.TestCase):
         self.assertIn(f"file {SETTINGS}: switch_on = false", log)
         self.assertIn(f"file {SETTINGS}: choice = 1", log)
         self.assertIn("picture 001-first-page.png", log)
-        self.assertEqual(self.size("001-first-page.png"), (750, 1334))
+        self.assertEqual(self.size("001-first-page.png"), (768, 1334))
         self.assertEqual(self.size("002-controls.png"), (960, 1440))
         with open(self.root + "/var/some/file") as file:
             self.assertEqual(file.read(), "a line\nanother\n")

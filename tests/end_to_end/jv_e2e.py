@@ -75,8 +75,12 @@ class Desktop:
         shutil.rmtree(self.folder, ignore_errors=True)
 
     def _start(self):
-        for name in ("home", "run", "data", "screen"):
+        for name in ("home", "run", "data", "screen", "share"):
             os.mkdir(os.path.join(self.folder, name), 0o700)
+        # What is installed on this computer but its programs: a test brings those that it asks for.
+        for name in os.listdir("/usr/share"):
+            if name != "applications":
+                os.symlink("/usr/share/" + name, os.path.join(self.folder, "share", name))
         environment = {
             name: value
             for name, value in os.environ.items()
@@ -86,6 +90,7 @@ class Desktop:
             HOME=self.path("home"),
             XDG_RUNTIME_DIR=self.path("run"),
             XDG_DATA_HOME=self.path("data"),
+            XDG_DATA_DIRS=self.path("share"),
             LANG="C.UTF-8",
             NO_AT_BRIDGE="0",
         )
