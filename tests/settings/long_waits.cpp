@@ -36,7 +36,7 @@ TEST_F(LongWaits, AConnectIsGivenUpAfterTwentySecondsAndTheMainThreadIsNeverLate
     EXPECT_GT(secondsSince(begun), 19);
     EXPECT_LT(secondsSince(begun), 25) << "a busy machine may be late";
     EXPECT_GT(heartbeat.beats(), 1000);
-    EXPECT_LT(heartbeat.longestMilliseconds(), 100);
+    EXPECT_LT(heartbeat.longestMilliseconds(), 500); // a wait of its own takes longer, other processes less
     ASSERT_TRUE(daemon->waitForConnections(2));
     EXPECT_EQ(hex(daemon->connections()[1]), connectFrame + " 06 00 00 00 00 00 00 00 00 00 00 00");
     EXPECT_FALSE(page->controllerConnected());
@@ -103,7 +103,7 @@ TEST_F(RealTool, AToolThatTakesTenSecondsToLoadHoldsNothingUp) {
     lease.reset();
 
     EXPECT_TRUE(isPaired());
-    EXPECT_LT(heartbeat.longestMilliseconds(), 100);
+    EXPECT_LT(heartbeat.longestMilliseconds(), 500);
 }
 
 TEST_F(RealTool, TwentyWholePairingsLeaveNoDescriptorNoThreadAndNoZombie) {
