@@ -63,8 +63,9 @@ protected:
         }
         return text;
     }
+    static const char* toolPath();
     ToolProcess& start(std::vector<std::string> arguments = {}) {
-        arguments.insert(arguments.begin(), JOYVANE_JVNDISCOVERY);
+        arguments.insert(arguments.begin(), toolPath());
         tool.reset();
         tool.emplace(loop, std::move(arguments), folder.file("errors"));
         return *tool;

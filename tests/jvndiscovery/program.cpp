@@ -5,6 +5,8 @@
 using namespace std::chrono_literals;
 using namespace testing_support;
 
+const char* testing_support::DiscoveryProgramTest::toolPath() { return JOYVANE_JVNDISCOVERY; }
+
 namespace {
 
 TEST_F(DiscoveryProgramTest, PairsStoresAndTellsThePageInItsOrder) {
