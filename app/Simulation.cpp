@@ -5,6 +5,7 @@
 #include "app/own_programs.h"
 #include "platform/foundation/NSDictionary.h"
 #include "platform/log.h"
+#include "system/files/make_folders.h"
 #include "system/files/root.h"
 
 #include <cstdlib>
@@ -27,7 +28,9 @@ void makeFolders(const fs::path& folder, std::vector<fs::path>& made, std::error
     std::error_code ignored;
     if (fs::exists(folder, ignored)) return;
     makeFolders(folder.parent_path(), made, error);
-    if (!error && fs::create_directory(folder, error)) made.push_back(folder);
+    if (error) return;
+    error.assign(seat::makeFolders(folder), std::generic_category());
+    if (!error) made.push_back(folder);
 }
 
 bool leadsTo(const fs::path& link, const std::string& program) {

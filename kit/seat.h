@@ -66,15 +66,20 @@ std::shared_ptr<NSData> readFile(const std::string& path, std::size_t maximumLen
 // ---- preferences: a domain is the file "<domain>.plist" in the phone's preferences folder. Any thread.
 
 // The file is read afresh. nil when the key, or the file, is absent, or when the file cannot be read (logged once a
-// failure, not once a read). A value that is still to be stored comes before the file's.
+// failure, not once a read). A value that waits to be stored comes before the file's.
 id preferenceValue(const std::string& domain, const std::string& key);
 
-// Changes one key and keeps what else the file holds as it is by then; nil removes the key. True when it is in the file
-// as this returns. Otherwise the reason is logged and the value is kept for the session: this process reads it back,
-// each later write to the domain stores it too, and a lock that was merely held for too long is waited for by a worker.
-// `storedLater` is called when such a later write has stored it, on the thread that wrote.
-bool setPreferenceValue(const std::string& domain, const std::string& key, const id& value,
-                        std::function<void()> storedLater = {});
+// What has become of a change.
+enum class PreferenceWrite {
+    Stored,  // it is in the file
+    Pending, // another program is writing: a worker waits, and until then the value is read back
+    Failed,  // it is lost, as has been logged: what the file holds is read back
+};
+
+// Changes one key and keeps what else the file holds as it is by then; nil removes the key. Never waits for another
+// program. `ended` is called once if this gives back Pending, with how it ended, on a worker's thread.
+PreferenceWrite setPreferenceValue(const std::string& domain, const std::string& key, const id& value,
+                                   std::function<void(PreferenceWrite)> ended = {});
 
 // ---- text
 

@@ -1,6 +1,7 @@
 #include "desktop/mail/MailDrafts.h"
 
 #include "platform/log.h"
+#include "system/files/make_folders.h"
 #include "system/files/root.h"
 
 #include <algorithm>
@@ -48,17 +49,13 @@ MailDrafts& MailDrafts::shared() {
 
 std::string MailDrafts::save(const std::string& draft) {
     const std::string folder = hostPath(folderOfDrafts);
-    std::error_code error;
-    fs::create_directories(root(), error);
-    // Nobody else's to look into, whatever the umask lets others see.
-    for (const char* const each : {"/tmp", folderOfDrafts})
-        if (::mkdir(hostPath(each).c_str(), 0700) != 0 && errno != EEXIST) return failed(folder, std::strerror(errno));
+    if (const int number = makeFolders(folder)) return failed(folder, std::strerror(number));
     std::string path = folder + "/message-XXXXXX" + std::string(ending);
     Descriptor file(::mkostemps(path.data(), static_cast<int>(ending.size()), O_CLOEXEC));
     if (!file) return failed(path, std::strerror(errno));
     if (!writeAll(file, draft)) {
         const int number = errno;
-        fs::remove(path, error);
+        ::unlink(path.c_str());
         return failed(path, std::strerror(number));
     }
     m_drafts.emplace_back().path = path;

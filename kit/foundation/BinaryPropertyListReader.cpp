@@ -15,8 +15,6 @@ using Bytes = std::span<const std::uint8_t>;
 
 constexpr std::size_t headerLength = 8;
 constexpr std::size_t trailerLength = 32;
-// The reasons below spell the bounds out.
-static_assert(propertyListMaximumValues == 100'000 && propertyListMaximumDepth == 64);
 // Every value may have a key of its own.
 constexpr std::size_t mostObjects = 2 * propertyListMaximumValues;
 // Of all texts and data, each counted as often as it is referred to.
@@ -122,7 +120,7 @@ bool BinaryReader::readTrailer() {
         top >= count || table <= headerLength || table > end || count > (end - table) / m_offsetSize ||
         table + count * m_offsetSize != end)
         return refuse("is cut or damaged at its end");
-    if (count > mostObjects) return refuse("holds more than 100000 values");
+    if (count > mostObjects) return refuse(propertyListTooMany);
     m_objectCount = count;
     m_top = top;
     m_table = table;
@@ -178,7 +176,9 @@ bool BinaryReader::readObject(std::size_t index, Object& object) {
     case KindDictionary:
         unit = object.kind == KindArray ? m_referenceSize : 2 * m_referenceSize;
         if (!readCount(at, low, object.count)) return false;
-        if (object.count > propertyListMaximumValues) return refuse("holds more than 100000 values");
+        // A file that is too short for them is cut rather than too large.
+        if (object.count <= (m_table - at) / unit && object.count > propertyListMaximumValues)
+            return refuse(propertyListTooMany);
         break;
     case KindUID:
         return refuse("has an archiver's reference, which is no value");
@@ -196,10 +196,10 @@ bool BinaryReader::examine(std::size_t index, std::size_t depth) {
     Facts& facts = m_facts[index];
     facts.values = 1;
     if (object.kind == KindArray || object.kind == KindDictionary) {
-        if (depth > propertyListMaximumDepth) return refuse("is nested deeper than 64");
+        if (depth > propertyListMaximumDepth) return refuse(propertyListTooDeep);
         // Objects may overlap, so that a small file can hold many long ones: the work has the same bound as the values.
         m_references += object.count;
-        if (m_references > propertyListMaximumValues) return refuse("holds more than 100000 values");
+        if (m_references > propertyListMaximumValues) return refuse(propertyListTooMany);
         facts.height = 1;
         facts.isOpen = true;
         const std::size_t keys = object.kind == KindDictionary ? object.count : 0;
@@ -223,7 +223,7 @@ bool BinaryReader::examineChild(Facts& parent, std::size_t index, std::size_t de
     if (m_facts[index].isOpen) return refuse("refers to itself");
     if (m_facts[index].values == 0 && !examine(index, depth + 1)) return false;
     const Facts& child = m_facts[index];
-    if (depth + child.height > propertyListMaximumDepth) return refuse("is nested deeper than 64");
+    if (depth + child.height > propertyListMaximumDepth) return refuse(propertyListTooDeep);
     if (role == Role::Key) {
         if (!child.isText) return refuse("has a key that is no text");
     } else {
@@ -232,7 +232,7 @@ bool BinaryReader::examineChild(Facts& parent, std::size_t index, std::size_t de
     parent.bytes += child.bytes;
     parent.height = std::max<std::uint8_t>(parent.height, child.height + 1);
     // The sums of a child are within the bounds already, so these cannot overflow.
-    if (parent.values > propertyListMaximumValues) return refuse("holds more than 100000 values");
+    if (parent.values > propertyListMaximumValues) return refuse(propertyListTooMany);
     if (parent.bytes > mostBytes) return refuse("repeats its contents too often");
     return true;
 }

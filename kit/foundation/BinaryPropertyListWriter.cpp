@@ -24,8 +24,7 @@ public:
             return nullptr;
         }
         if (collect(value)) writeObjects();
-        if (m_length > propertyListMaximumLength)
-            refuse("is larger than " + std::to_string(propertyListMaximumLength) + " bytes");
+        if (m_length > propertyListMaximumLength) refuse(propertyListTooLarge);
         m_bytes.resize(m_length);
         if (m_refusal.empty()) return NSData::dataWithVector(std::move(m_bytes));
         refusal = m_refusal;

@@ -127,12 +127,12 @@ void XMLReader::start(const char* name, const char** attributes) {
 void XMLReader::startValue(Element element) {
     if (m_open.empty() ? bool(m_value) : m_open.back().dictionary && !m_open.back().key)
         return refuse(m_open.empty() ? "holds more than one value" : "has a value without a key");
-    if (++m_count > propertyListMaximumValues) return refuse("holds more than 100000 values");
+    if (++m_count > propertyListMaximumValues) return refuse(propertyListTooMany);
     if (element != Element::Dict && element != Element::Array) {
         m_scalar = element;
         return;
     }
-    if (m_open.size() == propertyListMaximumDepth) return refuse("is nested deeper than 64");
+    if (m_open.size() == propertyListMaximumDepth) return refuse(propertyListTooDeep);
     if (element == Element::Dict)
         m_open.push_back({NSMutableDictionary::dictionary(), nullptr, {}});
     else

@@ -12,7 +12,7 @@ id seat::readPropertyList(std::span<const std::uint8_t> bytes, NSPropertyListFor
         return nullptr;
     }
     if (bytes.size() > propertyListMaximumLength) {
-        refusal = "is larger than " + std::to_string(propertyListMaximumLength) + " bytes";
+        refusal = propertyListTooLarge;
         return nullptr;
     }
     const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());

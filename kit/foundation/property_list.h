@@ -26,6 +26,18 @@ inline constexpr std::size_t propertyListMaximumDepth = 64;
 // Keys do not count. A value that a binary file refers to more than once counts each time.
 inline constexpr std::size_t propertyListMaximumValues = 100'000;
 
+// Why something beyond the bounds is refused.
+inline constexpr const char* propertyListTooLarge = "is larger than 4194304 bytes";
+inline constexpr const char* propertyListTooDeep = "is nested deeper than 64";
+inline constexpr const char* propertyListTooMany = "holds more than 100000 values";
+static_assert(propertyListMaximumLength == 4 << 20 && propertyListMaximumDepth == 64 &&
+              propertyListMaximumValues == 100'000);
+// The reason is one of these, wherever it was found: what was refused may well be sound.
+inline bool isBeyondPropertyListBounds(std::string_view refusal) {
+    return refusal.starts_with(propertyListTooLarge) || refusal.starts_with(propertyListTooDeep) ||
+           refusal.starts_with(propertyListTooMany);
+}
+
 // nil, and the reason in `refusal`, when the bytes are refused. `format` may be null.
 id readPropertyList(std::span<const std::uint8_t> bytes, NSPropertyListFormat* format, std::string& refusal);
 

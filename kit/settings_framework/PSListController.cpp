@@ -9,6 +9,7 @@
 #include "kit/settings_framework/list_state.h"
 #include "kit/uikit/UIWindow.h"
 #include "kit/uikit/appearance.h"
+#include "platform/dispatch.h"
 #include "platform/log.h"
 #include "platform/notify.h"
 #include "platform/runtime/method.h"
@@ -73,12 +74,17 @@ void PSListController::setPreferenceValue_specifier(const id& value, const std::
     const id key = specifier->propertyForKey("key");
     if (!domain.string() || !key.string()) return;
     const id notification = specifier->propertyForKey("PostNotification");
-    const auto announce = [name = notification.string() ? *notification.string() : std::string()] {
-        if (!name.empty()) notify_post(name.c_str());
+    // Who listens reads the file, so nothing is announced before it is there. What was lost must not stay on the page.
+    const auto ended = [name = notification.string() ? *notification.string() : std::string(),
+                        page = std::weak_ptr(self(this))](seat::PreferenceWrite how) {
+        if (how == seat::PreferenceWrite::Stored && !name.empty()) notify_post(name.c_str());
+        if (how != seat::PreferenceWrite::Failed) return;
+        dispatch_async(dispatch_get_main_queue(), [page] {
+            if (const auto shown = page.lock()) shown->reloadSpecifiers();
+        });
     };
-    // Who listens reads the file: a value that gets there later is announced again.
-    seat::setPreferenceValue(*domain.string(), *key.string(), value, announce);
-    announce();
+    const auto how = seat::setPreferenceValue(*domain.string(), *key.string(), value, ended);
+    if (how != seat::PreferenceWrite::Pending) ended(how);
 }
 
 std::shared_ptr<UITableView> PSListController::table() const {

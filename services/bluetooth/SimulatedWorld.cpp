@@ -2,6 +2,7 @@
 
 #include "services/bluetooth/clients.h"
 #include "services/common/log.h"
+#include "system/files/make_folders.h"
 
 #include <cerrno>
 #include <cstring>
@@ -60,8 +61,7 @@ forgot (has lost its pairing), paired, trusted, connected.
 SimulatedWorld::SimulatedWorld(services::EventLoop& loop, std::string path, std::function<void()> changed)
     : m_path(std::move(path)), m_changed(std::move(changed)), m_notifier(::inotify_init1(IN_CLOEXEC | IN_NONBLOCK)) {
     const std::filesystem::path file(m_path);
-    std::error_code ignored;
-    std::filesystem::create_directories(file.parent_path(), ignored);
+    seat::makeFolders(file.parent_path());
     // The folder, since the file is replaced.
     if (m_notifier >= 0)
         ::inotify_add_watch(m_notifier, file.parent_path().c_str(), IN_MOVED_TO | IN_CLOSE_WRITE | IN_DELETE);

@@ -27,7 +27,7 @@ public:
     explicit AddressChange(const bluetooth::Address& address)
         : m_data(NSData::dataWithVector({address.bytes.begin(), address.bytes.end()})) {}
 
-    std::vector<std::pair<std::string, id>> take() override { return {{addressKey, m_data}}; }
+    seat::PreferencesChange take() override { return {nullptr, {{addressKey, m_data}}}; }
     void stored() override {}
 
 private:
@@ -59,6 +59,8 @@ std::optional<int> storedControllerType(const std::string& root) {
 bool storeAddress(const std::string& root, const bluetooth::Address& address) {
     AddressChange change(address);
     const auto result = seat::changePreferencesFile(root + folder, domain, change, lockTime);
+    if (!result.aside.empty())
+        services::log("the preferences were damaged and are moved aside to %s", result.aside.c_str());
     if (!result.reason.empty())
         services::log("storing the address of %s: %s", address.forLog().c_str(), result.reason.c_str());
     return result.isStored;

@@ -18,6 +18,8 @@ public:
 
     explicit operator bool() const { return m_descriptor >= 0; }
     int get() const { return m_descriptor; }
+    // Whoever asks closes it.
+    int release() { return std::exchange(m_descriptor, -1); }
     void reset(int descriptor = -1) {
         if (m_descriptor >= 0) ::close(m_descriptor);
         m_descriptor = descriptor;

@@ -1,5 +1,6 @@
 #include "system/files/Descriptor.h"
 #include "system/files/files.h"
+#include "system/files/uninterrupted.h"
 
 #include <cerrno>
 #include <cstring>
@@ -20,7 +21,8 @@ std::shared_ptr<NSData> seat::readFile(const std::string& path, std::size_t maxi
         return nullptr;
     };
     // Opening a pipe would otherwise wait for somebody to write to it.
-    const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+    constexpr int flags = O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+    const Descriptor file(uninterrupted([&] { return ::open(path.c_str(), flags); }));
     if (!file) return failed(errno);
     struct stat status {};
     if (::fstat(file.get(), &status) != 0) return failed(errno);
@@ -32,8 +34,8 @@ std::shared_ptr<NSData> seat::readFile(const std::string& path, std::size_t maxi
     std::vector<std::uint8_t> bytes(static_cast<std::size_t>(status.st_size) + 1);
     std::size_t length = 0;
     for (;;) {
-        const auto count = ::read(file.get(), bytes.data() + length, bytes.size() - length);
-        if (count < 0 && errno == EINTR) continue;
+        const auto count =
+            uninterrupted([&] { return ::read(file.get(), bytes.data() + length, bytes.size() - length); });
         if (count < 0) return failed(errno);
         if (count == 0) break;
         length += static_cast<std::size_t>(count);

@@ -15,11 +15,12 @@ struct PreferencesFile {
         Missing,
         Good,
         Damaged,   // a file, but no dictionary can be read from it
+        TooLarge,  // beyond the bounds of what is read: nobody can say whether it is damaged
         Unreadable // nobody can say what is in it: no file, or not ours to read
     };
     State state = State::Missing;
     std::shared_ptr<NSMutableDictionary> values; // Good: what it holds; nil otherwise
-    std::string reason;                          // Damaged, Unreadable
+    std::string reason;                          // Damaged, TooLarge, Unreadable
     struct stat status {};                       // Good, Damaged: what was read
 
     // Never waits: a pipe or a device in the file's place is not opened for reading its content.

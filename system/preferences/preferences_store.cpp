@@ -1,67 +1,38 @@
 #include "system/preferences/preferences_store.h"
 
+#include "kit/foundation/property_list.h"
 #include "platform/dispatch.h"
-#include "platform/foundation/NSPropertyListSerialization.h"
+#include "platform/foundation/NSDictionary.h"
 #include "platform/log.h"
 #include "system/files/Descriptor.h"
 #include "system/files/root.h"
+#include "system/files/uninterrupted.h"
+#include "system/preferences/PendingPreferences.h"
 #include "system/preferences/PreferencesFile.h"
+#include "system/preferences/copied_value.h"
+#include "system/preferences/preferences_notices.h"
 #include "system/preferences/preferences_writer.h"
 
-#include <algorithm>
-#include <cerrno>
 #include <cstring>
 #include <fcntl.h>
+#include <filesystem>
 #include <map>
 #include <mutex>
+#include <new>
 
 namespace seat {
 namespace {
 
-struct KeptValue {
-    std::string key;
-    id value; // nil: to be removed
-    std::uint64_t serial = 0;
-    std::function<void()> storedLater;
-};
+using Timeout = std::optional<std::chrono::milliseconds>;
 
-struct Domain {
-    std::vector<KeptValue> kept; // in the order of the writes
-    bool isWaitedFor = false;    // a worker waits for the lock
-    std::string loggedFailure;   // the last failure to read, so that it is told once
-    std::string tidiedFolder;    // where dead writers' leftovers have been looked for
-};
+constexpr const char* fileEnd = ".plist";
+constexpr const char* outOfMemory = "there is no memory left";
 
-enum class Outcome { Stored, Busy, Failed };
-// Who stores: a worker does not repeat that the lock is still held.
-enum class Caller { Writer, Worker };
-
-class Store {
-public:
-    // Never destroyed: workers may use it to the end of the process.
-    static Store& shared() {
-        static auto& store = *new Store;
-        return store;
-    }
-
-    id value(const std::string& domain, const std::string& key);
-    bool setValue(const std::string& domain, const std::string& key, const id& value, std::function<void()> later);
-    // `own` is the value whose writer learns of it by the result; 0: none.
-    Outcome storeKept(const std::string& domain, std::chrono::milliseconds timeout, Caller caller,
-                      std::uint64_t own = 0);
-    std::vector<std::string> domainsWithKeptValues();
-
-private:
-    class KeptChanges;
-    void waitForLockElsewhere(const std::string& domain);
-    void waitOnWorker(const std::string& domain, std::chrono::steady_clock::time_point deadline);
-    void tellReadFailure(const std::string& domain, const PreferencesFile& file);
-    void tidyOnce(const std::string& domain);
-
-    std::mutex m_mutex;
-    std::map<std::string, Domain> m_domains;
-    std::uint64_t m_serial = 0;
-};
+// Never destroyed: workers may use them to the end of the process.
+PendingPreferences& pending() {
+    static auto& changes = *new PendingPreferences;
+    return changes;
+}
 
 std::string folder() { return hostPath("/var/mobile/Library/Preferences"); }
 
@@ -70,15 +41,90 @@ bool isDomain(const std::string& domain) {
            domain.find('\0') == std::string::npos;
 }
 
-bool isPropertyList(const id& value) {
-    std::shared_ptr<NSError> reason;
-    return !value || NSPropertyListSerialization::dataWithPropertyList_format_options_error(
-                         value, NSPropertyListBinaryFormat_v1_0, 0, &reason);
+// The changes of one domain on their way into its file.
+class ChangesToStore final : public PreferencesChanges {
+public:
+    explicit ChangesToStore(const std::string& domain) : m_domain(domain) {}
+
+    PreferencesChange take() override {
+        m_taken = pending().all(m_domain);
+        PreferencesChange change;
+        for (const auto& each : m_taken) {
+            // What was changed before the whole file was replaced is changed no more.
+            if (each->whole)
+                change = {each->whole, {}};
+            else
+                change.keys.emplace_back(each->key, copiedValue(each->value));
+        }
+        return change;
+    }
+    void stored() override { pending().end(m_domain, m_taken, PreferenceWrite::Stored); }
+
+private:
+    const std::string& m_domain;
+    PendingPreferences::Changes m_taken;
+};
+
+// Takes no memory that it could not do without.
+void lose(const std::string& domain, const char* reason, const PendingPreferences::Change& besides = {}) {
+    NSLog("writing the preferences %s: %s; what was to be stored is lost", domain.c_str(), reason);
+    pending().endAll(domain, PreferenceWrite::Failed, besides);
+    tellOfPreferences(PreferencesNotice::What::NotStored, domain, reason);
+}
+
+// False when somebody else holds the lock still.
+bool store(const std::string& domain, Timeout timeout) {
+    ChangesToStore changes(domain);
+    const auto result = changePreferencesFile(folder(), domain, changes, timeout);
+    if (result.isBusy) return false;
+    if (!result.aside.empty()) {
+        NSLog("writing the preferences %s: the file was damaged and is moved aside to %s", domain.c_str(),
+              result.aside.c_str());
+        tellOfPreferences(PreferencesNotice::What::MovedAside, domain, result.aside.c_str());
+    }
+    if (result.isStored) return true;
+    lose(domain, result.reason.c_str());
+    return true;
+}
+
+void storeOnWorker(const std::string& domain) {
+    do {
+        try {
+            store(domain, {});
+        } catch (const std::bad_alloc&) {
+            lose(domain, outOfMemory);
+        }
+    } while (!pending().endWaiting(domain));
+}
+
+void waitOnWorker(const std::string& domain) {
+    if (!pending().beginWaiting(domain)) return;
+    try {
+        dispatch_async(dispatch_get_global_queue(DISPATCH_QUEUE_PRIORITY_DEFAULT, 0),
+                       [domain] { storeOnWorker(domain); });
+    } catch (...) {
+        pending().giveUpWaiting(domain);
+        throw;
+    }
+}
+
+// Makes the change, unless it is refused, and sees it on its way.
+template <class Make> PreferenceWrite change(const std::string& domain, Make make) {
+    PendingPreferences::Change change;
+    try {
+        change = make();
+        if (!change) return PreferenceWrite::Failed;
+        if (!pending().add(domain, change) && !store(domain, std::chrono::milliseconds(0))) waitOnWorker(domain);
+    } catch (const std::bad_alloc&) {
+        lose(domain, outOfMemory, change);
+    }
+    return change ? pending().leave(change) : PreferenceWrite::Failed;
 }
 
 PreferencesFile readFile(const std::string& domain) {
-    const Descriptor directory(open(folder().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (directory) return PreferencesFile::read(directory.get(), domain + ".plist");
+    constexpr int flags = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
+    const Descriptor directory(uninterrupted([] { return ::open(folder().c_str(), flags); }));
+    if (directory) return PreferencesFile::read(directory.get(), domain + fileEnd);
     PreferencesFile file;
     if (errno == ENOENT) return file;
     file.state = PreferencesFile::State::Unreadable;
@@ -86,146 +132,116 @@ PreferencesFile readFile(const std::string& domain) {
     return file;
 }
 
-id Store::value(const std::string& domain, const std::string& key) {
-    {
-        const std::lock_guard lock(m_mutex);
-        if (const auto found = m_domains.find(domain); found != m_domains.end())
-            for (const auto& kept : found->second.kept)
-                if (kept.key == key) return kept.value;
-    }
-    tidyOnce(domain);
-    const auto file = readFile(domain);
-    tellReadFailure(domain, file);
-    return file.values ? file.values->objectForKey(key) : id();
-}
-
-// Not each time: a writer that is killed is rare, and one that writes cleans up as well.
-void Store::tidyOnce(const std::string& domain) {
-    const std::string where = folder();
-    {
-        const std::lock_guard lock(m_mutex);
-        if (std::exchange(m_domains[domain].tidiedFolder, where) == where) return;
-    }
-    removeDeadWritersLeftovers(where, domain);
-}
-
-void Store::tellReadFailure(const std::string& domain, const PreferencesFile& file) {
-    {
-        const std::lock_guard lock(m_mutex);
-        std::string& logged = m_domains[domain].loggedFailure;
-        if (logged == file.reason) return;
-        logged = file.reason;
-    }
-    if (!file.reason.empty()) NSLog("reading the preferences %s: %s", domain.c_str(), file.reason.c_str());
-}
-
-bool Store::setValue(const std::string& domain, const std::string& key, const id& value, std::function<void()> later) {
-    std::uint64_t serial = 0;
-    {
-        const std::lock_guard lock(m_mutex);
-        auto& kept = m_domains[domain].kept;
-        std::erase_if(kept, [&](const KeptValue& other) { return other.key == key; });
-        kept.push_back({key, value, serial = ++m_serial, std::move(later)});
-    }
-    const Outcome outcome = storeKept(domain, preferencesTimeout, Caller::Writer, serial);
-    if (outcome == Outcome::Busy) waitForLockElsewhere(domain);
-    return outcome == Outcome::Stored;
-}
-
-// The kept values of one domain on their way into its file.
-class Store::KeptChanges final : public PreferencesChanges {
+// What is told or done once, rather than with each read.
+class FirstReads {
 public:
-    KeptChanges(Store& store, const std::string& domain) : m_store(store), m_domain(domain) {}
-
-    std::vector<std::pair<std::string, id>> take() override {
-        const std::lock_guard lock(m_store.m_mutex);
-        m_taken = m_store.m_domains[m_domain].kept;
-        std::vector<std::pair<std::string, id>> changes;
-        for (const auto& kept : m_taken) changes.emplace_back(kept.key, kept.value);
-        return changes;
+    void tidy(const std::string& domain) {
+        const std::string where = folder();
+        {
+            const std::lock_guard lock(m_mutex);
+            if (std::exchange(m_tidied[domain], where) == where) return;
+        }
+        // Not each time: a writer that is killed is rare, and one that writes cleans up as well.
+        removeDeadWritersLeftovers(where, domain);
     }
-    void stored() override {
-        const std::lock_guard lock(m_store.m_mutex);
-        // A key that was set again meanwhile waits for its own turn.
-        std::erase_if(m_store.m_domains[m_domain].kept, [&](const KeptValue& kept) {
-            return std::any_of(m_taken.begin(), m_taken.end(),
-                               [&](const KeptValue& written) { return written.serial == kept.serial; });
-        });
-    }
-    void tellExcept(std::uint64_t own) const {
-        for (const auto& written : m_taken)
-            if (written.serial != own && written.storedLater) written.storedLater();
+    void tellFailure(const std::string& domain, const std::string& reason) {
+        {
+            const std::lock_guard lock(m_mutex);
+            if (std::exchange(m_failures[domain], reason) == reason) return;
+        }
+        if (!reason.empty()) NSLog("reading the preferences %s: %s", domain.c_str(), reason.c_str());
     }
 
 private:
-    Store& m_store;
-    const std::string& m_domain;
-    std::vector<KeptValue> m_taken;
+    std::mutex m_mutex;
+    std::map<std::string, std::string> m_tidied;   // the folder in which dead writers' files have been looked for
+    std::map<std::string, std::string> m_failures; // the last failure to read
 };
 
-Outcome Store::storeKept(const std::string& domain, std::chrono::milliseconds timeout, Caller caller,
-                         std::uint64_t own) {
-    KeptChanges changes(*this, domain);
-    const auto result = changePreferencesFile(folder(), domain, changes, timeout);
-    if (!result.reason.empty() && !(result.isBusy && caller == Caller::Worker))
-        NSLog("writing the preferences %s: %s%s", domain.c_str(), result.reason.c_str(),
-              result.isStored ? "" : "; the value is kept for this session");
-    if (!result.isStored) return result.isBusy ? Outcome::Busy : Outcome::Failed;
-    changes.tellExcept(own);
-    return Outcome::Stored;
+FirstReads& firstReads() {
+    static auto& first = *new FirstReads;
+    return first;
 }
 
-std::vector<std::string> Store::domainsWithKeptValues() {
-    const std::lock_guard lock(m_mutex);
-    std::vector<std::string> names;
-    for (const auto& [name, domain] : m_domains)
-        if (!domain.kept.empty()) names.push_back(name);
-    return names;
-}
-
-void Store::waitForLockElsewhere(const std::string& domain) {
-    {
-        const std::lock_guard lock(m_mutex);
-        if (std::exchange(m_domains[domain].isWaitedFor, true)) return;
-    }
-    waitOnWorker(domain, std::chrono::steady_clock::now() + std::chrono::minutes(1));
-}
-
-// In short waits, so that the end of the process never has to wait for a long one.
-void Store::waitOnWorker(const std::string& domain, std::chrono::steady_clock::time_point deadline) {
-    dispatch_async(dispatch_get_global_queue(DISPATCH_QUEUE_PRIORITY_DEFAULT, 0), [this, domain, deadline] {
-        const Outcome outcome = storeKept(domain, std::chrono::milliseconds(100), Caller::Worker);
-        if (outcome == Outcome::Busy && std::chrono::steady_clock::now() < deadline)
-            return waitOnWorker(domain, deadline);
-        const std::lock_guard lock(m_mutex);
-        m_domains[domain].isWaitedFor = false;
-    });
+std::shared_ptr<NSMutableDictionary> dictionary(const NSData& data) {
+    std::string refusal;
+    return readPropertyList(data.bytes(), nullptr, refusal).object<NSMutableDictionary>();
 }
 
 } // namespace
 
 id preferenceValue(const std::string& domain, const std::string& key) {
-    return isDomain(domain) ? Store::shared().value(domain, key) : id();
+    if (!isDomain(domain)) return {};
+    const auto changes = pending().all(domain);
+    for (auto change = changes.rbegin(); change != changes.rend(); ++change) {
+        if ((*change)->whole) {
+            const auto values = dictionary(*(*change)->whole);
+            return values ? values->objectForKey(key) : id();
+        }
+        if ((*change)->key == key) return (*change)->value;
+    }
+    firstReads().tidy(domain);
+    const auto file = readFile(domain);
+    firstReads().tellFailure(domain, file.reason);
+    return file.values ? file.values->objectForKey(key) : id();
 }
 
-bool setPreferenceValue(const std::string& domain, const std::string& key, const id& value,
-                        std::function<void()> storedLater) {
+PreferenceWrite setPreferenceValue(const std::string& domain, const std::string& key, const id& value,
+                                   std::function<void(PreferenceWrite)> ended) {
     if (!isDomain(domain)) {
         NSLog("writing the preferences \"%s\": that is no domain's name", domain.c_str());
-        return false;
+        return PreferenceWrite::Failed;
     }
-    if (!isPropertyList(value)) {
-        NSLog("writing the preferences %s: the value of %s is no property-list value", domain.c_str(), key.c_str());
-        return false;
-    }
-    return Store::shared().setValue(domain, key, value, std::move(storedLater));
+    return change(domain, [&]() -> PendingPreferences::Change {
+        std::string refusal;
+        if (value && !writeBinaryPropertyList(value, refusal)) {
+            NSLog("writing the preferences %s: the value of %s %s", domain.c_str(), key.c_str(), refusal.c_str());
+            return nullptr;
+        }
+        auto made = std::make_shared<PendingPreference>();
+        made->key = key;
+        made->value = copiedValue(value);
+        made->ended = std::move(ended);
+        return made;
+    });
 }
 
-bool storeKeptPreferences(std::chrono::milliseconds timeout) {
-    bool isAllStored = true;
-    for (const auto& domain : Store::shared().domainsWithKeptValues())
-        if (Store::shared().storeKept(domain, timeout, Caller::Writer) != Outcome::Stored) isAllStored = false;
-    return isAllStored;
+PreferenceWrite setPreferencesFile(const std::string& domain, std::span<const std::uint8_t> bytes) {
+    return change(domain, [&] {
+        auto made = std::make_shared<PendingPreference>();
+        made->whole = NSData::dataWithBytes(bytes);
+        return made;
+    });
+}
+
+std::optional<std::shared_ptr<NSMutableDictionary>> pendingPreferences(const std::string& domain) {
+    const auto changes = pending().all(domain);
+    if (changes.empty()) return std::nullopt;
+    std::shared_ptr<NSMutableDictionary> values = readFile(domain).values;
+    for (const auto& change : changes) {
+        if (change->whole) {
+            values = dictionary(*change->whole);
+            continue;
+        }
+        if (!values) values = NSMutableDictionary::dictionary();
+        values->setObject_forKey(change->value, change->key);
+    }
+    return values;
+}
+
+std::string preferencesDomainOfFile(const std::string& logicalPath) {
+    const std::filesystem::path path = hostPath(logicalPath);
+    if (path.parent_path() != folder() || path.extension() != fileEnd) return {};
+    const std::string domain = path.stem();
+    return isDomain(domain) ? domain : std::string();
+}
+
+bool awaitPendingPreferences(std::chrono::milliseconds timeout) {
+    const auto left = pending().awaitNone(timeout);
+    for (const auto& [domain, count] : left)
+        NSLog("writing the preferences %s: another program holds their lock; changes that are lost: %zu",
+              domain.c_str(), count);
+    return left.empty();
 }
 
 } // namespace seat

@@ -1,235 +1,151 @@
 #include "system/preferences/preferences_writer.h"
 
-#include "platform/foundation/NSData.h"
-#include "platform/foundation/NSFileManager.h"
-#include "platform/foundation/NSPropertyListSerialization.h"
-#include "system/files/Descriptor.h"
+#include "kit/foundation/property_list.h"
+#include "platform/foundation/NSDictionary.h"
 #include "system/files/TemporaryFile.h"
+#include "system/files/make_folders.h"
+#include "system/files/replace_file.h"
+#include "system/files/uninterrupted.h"
 #include "system/preferences/FileLock.h"
 #include "system/preferences/PreferencesFile.h"
-#include "system/preferences/write_steps.h"
+#include "system/preferences/copied_value.h"
 
-#include <cerrno>
-#include <cstdio>
 #include <cstring>
 #include <fcntl.h>
-#include <filesystem>
-#include <random>
-#include <span>
 
 namespace seat {
 namespace {
 
-// Never destroyed: a worker may still be writing when the process ends.
-std::function<int(PreferencesWriteStep)>& probe() {
-    static auto& function = *new std::function<int(PreferencesWriteStep)>;
-    return function;
-}
+// How often a write begins anew, since the file was changed meanwhile, or since its lock was removed.
+constexpr int mostChanges = 10;
+constexpr int mostLocks = 1000;
 
-// A step that failed, with its error number; 0 is success.
-int done(PreferencesWriteStep step) { return probe() ? probe()(step) : 0; }
-
-// Only the holder of the lock makes temporaries of this name, so that any other found is a dead writer's.
-const std::string temporaryMark = ".writing-";
-
-std::string newSuffix() {
-    std::random_device random;
-    char digits[9];
-    std::snprintf(digits, sizeof digits, "%08x", random());
-    return temporaryMark + digits;
-}
-
-std::string lockName(const std::string& domain) { return ".lock." + domain; }
-
-std::vector<std::string> leftoversOf(const std::string& folderPath, const std::string& name) {
-    std::vector<std::string> leftovers;
-    std::error_code ignored;
-    for (const auto& entry : std::filesystem::directory_iterator(folderPath, ignored)) {
-        std::string found = entry.path().filename().string();
-        if (found.starts_with(name + temporaryMark)) leftovers.push_back(std::move(found));
-    }
-    return leftovers;
-}
-
-// With the lock held.
-void removeLeftovers(int folder, const std::string& folderPath, const std::string& name) {
-    for (const auto& leftover : leftoversOf(folderPath, name)) unlinkat(folder, leftover.c_str(), 0);
-    removeDeadTemporariesBeside(folderPath + "/" + name); // those of whole-file writes have locks of their own
-}
-
-int writeAll(int descriptor, std::span<const std::uint8_t> bytes) {
-    while (!bytes.empty()) {
-        const ssize_t count = write(descriptor, bytes.data(), bytes.size());
-        if (count < 0 && errno == EINTR) continue;
-        if (count < 0) return errno;
-        bytes = bytes.subspan(static_cast<std::size_t>(count));
-    }
-    return 0;
+Descriptor openFolder(const std::string& path) {
+    return Descriptor(uninterrupted([&] { return ::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
 }
 
 // Not every file system can refuse to replace by itself.
 int renameToNewName(int folder, const std::string& from, const std::string& to) {
-    if (renameat2(folder, from.c_str(), folder, to.c_str(), RENAME_NOREPLACE) == 0) return 0;
-    if (errno != EINVAL && errno != ENOSYS) return -1;
+    if (::renameat2(folder, from.c_str(), folder, to.c_str(), RENAME_NOREPLACE) == 0) return 0;
+    if (errno != EINVAL && errno != ENOSYS) return errno;
     struct stat existing {};
-    if (fstatat(folder, to.c_str(), &existing, AT_SYMLINK_NOFOLLOW) == 0) {
-        errno = EEXIST;
-        return -1;
-    }
-    return renameat(folder, from.c_str(), folder, to.c_str());
+    if (::fstatat(folder, to.c_str(), &existing, AT_SYMLINK_NOFOLLOW) == 0) return EEXIST;
+    return ::renameat(folder, from.c_str(), folder, to.c_str()) == 0 ? 0 : errno;
 }
 
 class Writer {
 public:
-    Writer(int folder, std::string folderPath, std::string domain)
-        : m_folder(folder), m_folderPath(std::move(folderPath)), m_domain(std::move(domain)),
-          m_name(m_domain + ".plist") {}
+    enum class Outcome { Stored, Failed, ChangedMeanwhile };
 
-    PreferencesWriteResult change(const std::vector<std::pair<std::string, id>>& changes);
+    Writer(std::string path, std::string domain, const FileLock& lock)
+        : m_path(std::move(path)), m_domain(std::move(domain)), m_lock(lock) {}
+
+    Outcome tryOnce(const PreferencesChange& change);
+    PreferencesWriteResult result(Outcome outcome);
 
 private:
-    enum class Outcome { Stored, Failed, ChangedMeanwhile };
-    Outcome tryOnce(const std::vector<std::pair<std::string, id>>& changes);
-    Outcome replace(const PreferencesFile& before, const NSData& data);
-    int fill(int descriptor, const PreferencesFile& before, std::span<const std::uint8_t> bytes);
-    bool moveAside(const PreferencesFile& file);
-    Outcome failed(const char* operation, int number);
+    Outcome failed(std::string reason);
+    Outcome moveAside(FilePlace& place, const PreferencesFile& file);
+    Outcome replace(const FilePlace& place, const PreferencesFile& before, const PreferencesChange& change);
 
-    int m_folder;
-    std::string m_folderPath;
+    std::string m_path;
     std::string m_domain;
-    std::string m_name;
+    const FileLock& m_lock;
     std::string m_reason;
     std::string m_aside;
 };
 
-PreferencesWriteResult Writer::change(const std::vector<std::pair<std::string, id>>& changes) {
-    if (const int number = done(PreferencesWriteStep::Locked)) failed("locking", number);
-    // Not every program knows the lock. Whoever replaced the file since it was read must not lose what it wrote.
-    Outcome outcome = m_reason.empty() ? Outcome::ChangedMeanwhile : Outcome::Failed;
-    for (int attempt = 0; attempt < 10 && outcome == Outcome::ChangedMeanwhile; ++attempt) outcome = tryOnce(changes);
+PreferencesWriteResult Writer::result(Outcome outcome) {
     if (outcome == Outcome::ChangedMeanwhile) m_reason = "another program keeps changing it";
-    const char* const separator = m_aside.empty() || m_reason.empty() ? "" : "; ";
-    return {outcome == Outcome::Stored, false, m_aside + separator + m_reason};
+    return {outcome == Outcome::Stored, false, m_reason, m_aside};
 }
 
-Writer::Outcome Writer::failed(const char* operation, int number) {
-    m_reason = std::string(operation) + ": " + strerror(number);
+Writer::Outcome Writer::failed(std::string reason) {
+    m_reason = std::move(reason);
     return Outcome::Failed;
 }
 
-Writer::Outcome Writer::tryOnce(const std::vector<std::pair<std::string, id>>& changes) {
-    removeLeftovers(m_folder, m_folderPath, m_name);
-    PreferencesFile file = PreferencesFile::read(m_folder, m_name);
-    if (const int number = done(PreferencesWriteStep::ReadAfresh)) return failed("reading", number);
-    if (file.state == PreferencesFile::State::Unreadable) {
-        m_reason = file.reason;
-        return Outcome::Failed;
+Writer::Outcome Writer::tryOnce(const PreferencesChange& change) {
+    auto place = FilePlace::find(m_path);
+    if (place.error != 0) return failed(place.reason);
+    PreferencesFile file = PreferencesFile::read(place.folder.get(), place.name);
+    using enum PreferencesFile::State;
+    if (file.state == Unreadable || file.state == TooLarge) return failed(file.reason);
+    if (place.exists != (file.state != Missing)) return Outcome::ChangedMeanwhile;
+    if (file.state == Damaged) {
+        if (!file.isUnchanged(place.folder.get(), place.name)) return Outcome::ChangedMeanwhile;
+        if (moveAside(place, file) == Outcome::Failed) return Outcome::Failed;
+        file.state = Missing;
     }
-    if (file.state == PreferencesFile::State::Damaged) {
-        if (!file.isUnchanged(m_folder, m_name)) return Outcome::ChangedMeanwhile;
-        if (!moveAside(file)) return Outcome::Failed;
-        file.state = PreferencesFile::State::Missing;
-    }
-    const auto values = file.values ? file.values : NSMutableDictionary::dictionary();
-    for (const auto& [key, value] : changes) values->setObject_forKey(value, key);
-
-    std::shared_ptr<NSError> error;
-    const auto data = NSPropertyListSerialization::dataWithPropertyList_format_options_error(
-        id(values), NSPropertyListBinaryFormat_v1_0, 0, &error);
-    if (!data) {
-        m_reason = error ? error->localizedDescription() : "no property list";
-        return Outcome::Failed;
-    }
-    return replace(file, *data);
+    return replace(place, file, change);
 }
 
-int Writer::fill(int descriptor, const PreferencesFile& before, std::span<const std::uint8_t> bytes) {
-    const bool isNew = before.state == PreferencesFile::State::Missing;
-    // Whoever could read the file still can.
-    if (!isNew && fchmod(descriptor, (before.status.st_mode & 0777) | 0600) != 0) return errno;
-    const std::size_t half = bytes.size() / 2;
-    if (const int number = writeAll(descriptor, bytes.first(half))) return number;
-    if (const int number = done(PreferencesWriteStep::TemporaryHalfWritten)) return number;
-    if (const int number = writeAll(descriptor, bytes.subspan(half))) return number;
-    if (const int number = done(PreferencesWriteStep::TemporaryWritten)) return number;
-    if (fsync(descriptor) != 0) return errno;
-    return done(PreferencesWriteStep::TemporaryFlushed);
+Writer::Outcome Writer::replace(const FilePlace& place, const PreferencesFile& before,
+                                const PreferencesChange& change) {
+    auto data = change.whole;
+    if (!data || !change.keys.empty()) {
+        std::string refusal;
+        auto values = before.values;
+        if (data) values = readPropertyList(data->bytes(), nullptr, refusal).object<NSMutableDictionary>();
+        if (!values) values = NSMutableDictionary::dictionary();
+        for (const auto& [key, value] : change.keys) values->setObject_forKey(copiedValue(value), key);
+        data = writeBinaryPropertyList(id(values), refusal);
+        if (!data) return failed("what is to be written " + refusal);
+    }
+    const auto isStillRight = [&] { return m_lock.isCurrent() && before.isUnchanged(place.folder.get(), place.name); };
+    const int number = replaceFile(place, data->bytes(), isStillRight);
+    if (number == ESTALE) return Outcome::ChangedMeanwhile;
+    return number == 0 ? Outcome::Stored : failed(strerror(number));
 }
 
-Writer::Outcome Writer::replace(const PreferencesFile& before, const NSData& data) {
-    const std::string temporary = m_name + newSuffix();
-    const Descriptor descriptor(
-        openat(m_folder, temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0600));
-    if (!descriptor) return failed("creating a file beside it", errno);
-    int number = done(PreferencesWriteStep::TemporaryCreated);
-    if (number == 0) number = fill(descriptor.get(), before, data.bytes());
-    if (number == 0 && !before.isUnchanged(m_folder, m_name)) {
-        unlinkat(m_folder, temporary.c_str(), 0);
-        return Outcome::ChangedMeanwhile;
-    }
-    if (number == 0 && renameat(m_folder, temporary.c_str(), m_folder, m_name.c_str()) != 0) number = errno;
-    if (number != 0) {
-        unlinkat(m_folder, temporary.c_str(), 0);
-        return failed("writing", number);
-    }
-    // From here on the new file stands; only a power cut could bring back the old one.
-    done(PreferencesWriteStep::Renamed);
-    fsync(m_folder);
-    done(PreferencesWriteStep::FolderFlushed);
-    return Outcome::Stored;
-}
-
-bool Writer::moveAside(const PreferencesFile& file) {
+Writer::Outcome Writer::moveAside(FilePlace& place, const PreferencesFile& file) {
     // The name must not begin with the file's, or it would look like a write under way.
     for (int n = 1; n < 1000; ++n) {
         const std::string aside = m_domain + ".damaged-" + std::to_string(n);
-        if (renameToNewName(m_folder, m_name, aside) == 0) {
-            m_aside = "it was damaged (" + file.reason + ") and is moved aside to " + aside;
-            if (const int number = done(PreferencesWriteStep::MovedAside)) {
-                failed("moving the damaged file aside", number);
-                return false;
-            }
-            return true;
-        }
-        if (errno != EEXIST) {
-            failed("moving the damaged file aside", errno);
-            return false;
-        }
+        const int number = renameToNewName(place.folder.get(), place.name, aside);
+        if (number == EEXIST) continue;
+        if (number != 0) return failed(std::string("moving the damaged file aside: ") + strerror(number));
+        m_aside = aside + " (" + file.reason + ")";
+        place.exists = false;
+        return Outcome::Stored;
     }
-    m_reason = "it is damaged, and too many damaged ones lie beside it";
-    return false;
+    return failed("it is damaged, and too many damaged ones lie beside it");
 }
 
 } // namespace
 
-void setPreferencesWriteProbe(std::function<int(PreferencesWriteStep)> function) { probe() = std::move(function); }
-
 PreferencesWriteResult changePreferencesFile(const std::string& folder, const std::string& domain,
-                                             PreferencesChanges& changes, std::chrono::milliseconds timeout) {
-    std::error_code error;
-    std::filesystem::create_directories(folder, error);
-    const Descriptor descriptor(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (!descriptor) return {false, false, "its folder: " + (error ? error.message() : strerror(errno))};
-    const FileLock lock(descriptor.get(), lockName(domain), timeout);
-    if (!lock.isHeld()) return {false, lock.isBusy(), lock.reason()};
-    const auto taken = changes.take();
-    // Another thread has stored them with its own.
-    if (taken.empty()) return {true, false, {}};
-    auto result = Writer(descriptor.get(), folder, domain).change(taken);
-    if (result.isStored) changes.stored();
-    return result;
+                                             PreferencesChanges& changes,
+                                             std::optional<std::chrono::milliseconds> timeout) {
+    const auto refused = [](std::string reason) { return PreferencesWriteResult{false, false, std::move(reason), {}}; };
+    if (const int number = makeFolders(folder)) return refused(std::string("its folder: ") + strerror(number));
+    const Descriptor descriptor = openFolder(folder);
+    if (!descriptor) return refused(std::string("its folder: ") + strerror(errno));
+    std::string aside;
+    // Not every program knows the lock, and a lock's file can be removed. Whoever replaced the file since it was read
+    // must not lose what it wrote.
+    int changed = 0;
+    int lost = 0;
+    for (;;) {
+        const FileLock lock(descriptor.get(), ".lock." + domain, timeout);
+        if (!lock.isHeld()) return {false, lock.isBusy(), lock.reason(), {}};
+        const auto taken = changes.take();
+        // Another thread has stored them with its own.
+        if (!taken.whole && taken.keys.empty()) return {true, false, {}, aside};
+        Writer writer(folder + "/" + domain + ".plist", domain, lock);
+        const auto outcome = writer.tryOnce(taken);
+        // At once: what is in the file is in the file, whatever fails from here on.
+        if (outcome == Writer::Outcome::Stored) changes.stored();
+        auto result = writer.result(outcome);
+        if (!result.aside.empty()) aside = result.aside;
+        result.aside = aside;
+        if (outcome != Writer::Outcome::ChangedMeanwhile) return result;
+        if (lock.isCurrent() ? ++changed == mostChanges : ++lost == mostLocks) return result;
+    }
 }
 
 void removeDeadWritersLeftovers(const std::string& folder, const std::string& domain) {
-    const std::string name = domain + ".plist";
-    removeDeadTemporariesBeside(folder + "/" + name);
-    // The lock leaves a file behind: not for nothing.
-    if (leftoversOf(folder, name).empty()) return;
-    const Descriptor descriptor(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (!descriptor) return;
-    const FileLock lock(descriptor.get(), lockName(domain), std::chrono::milliseconds(0));
-    if (lock.isHeld()) removeLeftovers(descriptor.get(), folder, name);
+    if (const Descriptor descriptor = openFolder(folder)) removeDeadTemporaries(descriptor.get(), domain + ".plist");
 }
 
 } // namespace seat

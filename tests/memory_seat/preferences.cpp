@@ -37,8 +37,8 @@ id seat::preferenceValue(const std::string& domain, const std::string& key) {
     return values ? values->objectForKey(key) : id();
 }
 
-bool seat::setPreferenceValue(const std::string& domain, const std::string& key, const id& value,
-                              std::function<void()>) {
+seat::PreferenceWrite seat::setPreferenceValue(const std::string& domain, const std::string& key, const id& value,
+                                               std::function<void(PreferenceWrite)>) {
     const std::lock_guard lock(writing);
     auto values = valuesOf(domain);
     if (!values) {
@@ -51,7 +51,8 @@ bool seat::setPreferenceValue(const std::string& domain, const std::string& key,
         values, NSPropertyListBinaryFormat_v1_0, 0, &error);
     if (!data) {
         NSLog("writing the preferences %s: %s", domain.c_str(), error->localizedDescription().c_str());
-        return false;
+        return PreferenceWrite::Failed;
     }
-    return memory_seat::Files::write(fileOf(domain), memory_seat::Bytes(data->bytes().begin(), data->bytes().end()));
+    const memory_seat::Bytes bytes(data->bytes().begin(), data->bytes().end());
+    return memory_seat::Files::write(fileOf(domain), bytes) ? PreferenceWrite::Stored : PreferenceWrite::Failed;
 }

@@ -2,15 +2,15 @@
 
 #include "system/files/root.h"
 #include "system/preferences/preferences_store.h"
-#include "system/preferences/write_steps.h"
 #include "tests/support/LoggedLines.h"
+#include "tests/support/SystemCalls.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>
-#include <map>
+#include <vector>
 
 namespace {
 
@@ -76,25 +76,18 @@ TEST_F(AtomicWrite, IsOverWhereTheFolderIsNone) {
 }
 
 TEST_F(AtomicWrite, RunsFromTheFirstByteOfASettingUntilItIsInPlace) {
-    using Step = seat::PreferencesWriteStep;
+    using testing_support::SystemCall;
     seat::setPreferenceValue("com.quorrel.joyvane", "key", "before");
-    std::map<Step, bool> runs;
-    seat::setPreferencesWriteProbe([&](Step step) {
-        runs[step] = JVNPreferencesFileStillInAtomicWrite();
-        return 0;
-    });
+    std::vector<bool> runs;
+    testing_support::SystemCalls calls;
+    for (const auto call : {SystemCall::Lock, SystemCall::Write, SystemCall::Flush})
+        calls.before(call, [&](int) { runs.push_back(JVNPreferencesFileStillInAtomicWrite()); });
 
     seat::setPreferenceValue("com.quorrel.joyvane", "key", "after");
 
-    seat::setPreferencesWriteProbe({});
-    EXPECT_EQ(runs, (std::map<Step, bool>{{Step::Locked, false},
-                                          {Step::ReadAfresh, false},
-                                          {Step::TemporaryCreated, true},
-                                          {Step::TemporaryHalfWritten, true},
-                                          {Step::TemporaryWritten, true},
-                                          {Step::TemporaryFlushed, true},
-                                          {Step::Renamed, false},
-                                          {Step::FolderFlushed, false}}));
+    calls.clear();
+    // The lock of the file and that of its temporary, the bytes, the temporary's flush and the folder's.
+    EXPECT_EQ(runs, (std::vector<bool>{false, true, true, true, false}));
     EXPECT_FALSE(JVNPreferencesFileStillInAtomicWrite());
 }
 

@@ -3,9 +3,9 @@
 #include "platform/foundation/NSData.h"
 #include "system/files/Descriptor.h"
 #include "system/notify/NotifyListener.h"
-#include "system/preferences/write_steps.h"
 #include "tests/settings/PageTest.h"
 #include "tests/support/LoggedLines.h"
+#include "tests/support/SystemCalls.h"
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -73,7 +73,7 @@ TEST_F(Settings, OfAListAreInTheFileWhenTheyAreAnnounced) {
     EXPECT_EQ(announced, std::vector<id>{NSNumber::numberWithInteger(1)});
 }
 
-TEST_F(Settings, ThatWaitForAnotherProgramsLockAreAnnouncedOnceMoreWhenTheyAreInTheFile) {
+TEST_F(Settings, ThatWaitForAnotherProgramsLockAreShownAndAnnouncedWhenTheyAreInTheFile) {
     show(1);
     watch("JVNAmbientColorKey");
     const std::string lock = app.root() + "/var/mobile/Library/Preferences/.lock.com.quorrel.joyvane";
@@ -81,25 +81,40 @@ TEST_F(Settings, ThatWaitForAnotherProgramsLockAreAnnouncedOnceMoreWhenTheyAreIn
     ASSERT_EQ(::flock(held.get(), LOCK_EX), 0);
 
     ASSERT_TRUE(app.tapSwitch("Ambient LED Color"));
-    EXPECT_EQ(announced, std::vector<id>{id()}) << "the file does not have it yet";
+    app.settle();
+    EXPECT_EQ(announced, std::vector<id>{});
+    EXPECT_TRUE(page->readPreferenceValue(page->specifierForID("JVNAmbientColorID")).boolValue());
     held.reset();
 
-    EXPECT_TRUE(app.waitUntil([&] { return announced.size() > 1; }));
-    EXPECT_EQ(announced, (std::vector<id>{id(), yes}));
+    EXPECT_TRUE(app.waitUntil([&] { return !announced.empty(); }));
+    EXPECT_EQ(announced, std::vector<id>{yes});
+}
+
+TEST_F(Settings, ThatCannotBeStoredAreNotAnnouncedAndThePageShowsWhatTheFileHas) {
+    show(1);
+    watch("JVNAmbientColorKey");
+    const std::string before = rows();
+    testing_support::SystemCalls calls;
+    calls.fail(testing_support::SystemCall::Flush, EIO);
+
+    ASSERT_TRUE(app.tapSwitch("Ambient LED Color"));
+    app.settle();
+
+    EXPECT_EQ(announced, std::vector<id>{});
+    EXPECT_EQ(rows(), before);
+    EXPECT_FALSE(page->readPreferenceValue(page->specifierForID("JVNAmbientColorID")).boolValue());
 }
 
 TEST_F(Settings, AreWrittenBeforeThePageReacts) {
     show(1);
     const std::string before = rows();
     std::string whileWriting;
-    seat::setPreferencesWriteProbe([&](seat::PreferencesWriteStep step) {
-        if (step == seat::PreferencesWriteStep::Locked) whileWriting = rows();
-        return 0;
-    });
+    testing_support::SystemCalls calls;
+    calls.before(testing_support::SystemCall::Flush, [&](int) { whileWriting = rows(); });
 
     ASSERT_TRUE(app.tapSwitch("Ambient LED Color"));
 
-    seat::setPreferencesWriteProbe({});
+    calls.clear();
     EXPECT_EQ(whileWriting, before);
     EXPECT_NE(rows(), before);
 }
@@ -109,14 +124,12 @@ TEST_F(Settings, AreWrittenBeforeThePageWarns) {
     const auto views = [&] { return app.scene().window()->subviews().size(); };
     const std::size_t before = views();
     std::size_t whileWriting = 0;
-    seat::setPreferencesWriteProbe([&](seat::PreferencesWriteStep step) {
-        if (step == seat::PreferencesWriteStep::FolderFlushed) whileWriting = views();
-        return 0;
-    });
+    testing_support::SystemCalls calls;
+    calls.before(testing_support::SystemCall::Flush, [&](int) { whileWriting = views(); });
 
     ASSERT_TRUE(app.tapSwitch("Force Extended Gamepad"));
 
-    seat::setPreferencesWriteProbe({});
+    calls.clear();
     EXPECT_EQ(whileWriting, before);
     EXPECT_EQ(views(), before + 1);
 }

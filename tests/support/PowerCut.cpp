@@ -1,5 +1,7 @@
 #include "tests/support/PowerCut.h"
 
+#include "tests/support/SystemCalls.h"
+
 #include <atomic>
 #include <cstdio>
 #include <dlfcn.h>
@@ -14,6 +16,8 @@
 namespace {
 
 using testing_support::PowerCut;
+using testing_support::SystemCall;
+using testing_support::systemCallFails;
 
 struct SafeFile {
     std::string bytes;
@@ -83,6 +87,8 @@ template <class Call> Call* next(const char* name) { return reinterpret_cast<Cal
 
 } // namespace
 
+void testing_support::useOwnFlushes() {}
+
 PowerCut::PowerCut(std::string folder) {
     const std::lock_guard lock(disk().mutex);
     disk().folder = std::move(folder);
@@ -120,24 +126,28 @@ void PowerCut::atEveryStep(std::function<void()> look) {
 
 OWN_CALL int fsync(int descriptor) {
     static auto* const call = next<int(int)>("fsync");
+    if (systemCallFails(SystemCall::Flush, descriptor)) return -1;
     const int result = call(descriptor);
     if (result == 0) flushed(descriptor);
     return result;
 }
 OWN_CALL int fdatasync(int descriptor) {
     static auto* const call = next<int(int)>("fdatasync");
+    if (systemCallFails(SystemCall::Flush, descriptor)) return -1;
     const int result = call(descriptor);
     if (result == 0) flushed(descriptor);
     return result;
 }
 OWN_CALL int rename(const char* from, const char* to) noexcept {
     static auto* const call = next<int(const char*, const char*)>("rename");
+    if (systemCallFails(SystemCall::Rename, -1)) return -1;
     const int result = call(from, to);
     if (isWatched && result == 0) step();
     return result;
 }
 OWN_CALL int renameat(int fromFolder, const char* from, int toFolder, const char* to) noexcept {
     static auto* const call = next<int(int, const char*, int, const char*)>("renameat");
+    if (systemCallFails(SystemCall::Rename, -1)) return -1;
     const int result = call(fromFolder, from, toFolder, to);
     if (isWatched && result == 0) step();
     return result;

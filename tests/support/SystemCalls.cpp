@@ -51,6 +51,8 @@ bool systemCallFails(SystemCall call, int descriptor) {
 }
 
 SystemCalls::SystemCalls() {
+    useOwnCalls();
+    useOwnFlushes();
     clear();
     isActive = true;
 }

@@ -15,8 +15,17 @@ enum class SystemCall {
     Close,
     Pipe,
     Fork,
+    Open,
+    Read,
+    Write,
+    Lock, // of a file
+    ChangeMode,
+    ChangeOwner,
+    Flush,
+    Rename,
+    Unlink,
 };
-inline constexpr int systemCallCount = 10;
+inline constexpr int systemCallCount = 19;
 
 // Stands between this process and the kernel: whatever library makes the call, it is counted, watched, and made to fail
 // as a system in trouble would. One at a time; any thread may make calls meanwhile. Calls of threads that play a peer
@@ -41,6 +50,10 @@ public:
 
 // Asked by each call before it is made: true, with errno set, when it is to fail.
 bool systemCallFails(SystemCall call, int descriptor);
+
+// The files that define the library's functions anew. Called so that a linker takes them along.
+void useOwnCalls();
+void useOwnFlushes();
 
 // Marks its thread as a peer's for as long as it lives.
 class PeerThread {

@@ -1,4 +1,5 @@
 #include "system/files/atomic_file.h"
+#include "system/files/FilePlace.h"
 #include "system/files/TemporaryFile.h"
 
 #include "platform/foundation/NSData.h"
@@ -133,12 +134,13 @@ TEST(AtomicFile, WhatADeadWriterLeftGoesAndWhatALivingOneWritesAndFilesOfOthersS
     std::ofstream(path + ".backup") << "precious";
     std::ofstream(folder.file("g.saving-dead01")) << "of another file";
     std::filesystem::create_directory(path + ".saving-folder");
-    const auto living = seat::TemporaryFile::createBeside(path);
+    const auto place = seat::FilePlace::find(path);
+    const seat::TemporaryFile living(place.folder.get(), place.name);
 
     ASSERT_EQ(seat::writeFileAtomically(path, spanOf("x")), nullptr);
 
-    EXPECT_THAT(namesIn(folder), UnorderedElementsAre("f", "f.backup", "g.saving-dead01", "f.saving-folder",
-                                                      std::filesystem::path(living.path).filename().string()));
+    EXPECT_THAT(namesIn(folder),
+                UnorderedElementsAre("f", "f.backup", "g.saving-dead01", "f.saving-folder", living.name()));
 }
 
 // Each removes what it takes for a dead writer's while the others make and lock theirs.

@@ -21,8 +21,8 @@ TEST_F(FilesOfOthers, FortyRealShapedFilesKeepEveryOtherValueAndType) {
     int changed = 0;
     for (const auto& entry : std::filesystem::directory_iterator(originals)) {
         const std::string name = entry.path().stem().string();
-        EXPECT_TRUE(setPreferenceValue(name, "JVNForceExtendedGamepad", NSNumber::numberWithBool(true))) << name;
-        EXPECT_TRUE(setPreferenceValue(name, "controller_type", NSNumber::numberWithInteger(5))) << name;
+        EXPECT_TRUE(set(name, "JVNForceExtendedGamepad", NSNumber::numberWithBool(true))) << name;
+        EXPECT_TRUE(set(name, "controller_type", NSNumber::numberWithInteger(5))) << name;
         ++changed;
     }
 

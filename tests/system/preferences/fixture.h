@@ -12,6 +12,7 @@
 #include <iterator>
 #include <mutex>
 #include <string>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
 
@@ -33,12 +34,24 @@ protected:
 
     std::string root() const { return m_root.path(); }
     std::string folder() const { return m_root.path() + "/var/mobile/Library/Preferences"; }
-    // Each test has a domain of its own: what could not be stored is kept for the process.
+    // Each test has a domain of its own, and with it a lock.
     static std::string domain() {
         const auto* test = ::testing::UnitTest::GetInstance()->current_test_info();
         return std::string("com.quorrel.") + test->name();
     }
     std::string file() const { return folder() + "/" + domain() + ".plist"; }
+
+    // True when it is in the file as this returns.
+    static bool set(const std::string& key, const id& value) { return set(domain(), key, value); }
+    static bool set(const std::string& domain, const std::string& key, const id& value) {
+        return seat::setPreferenceValue(domain, key, value) == seat::PreferenceWrite::Stored;
+    }
+    static mode_t modeOf(const std::string& path) { return statusOf(path).st_mode & 07777; }
+    static struct stat statusOf(const std::string& path) {
+        struct stat status {};
+        lstat(path.c_str(), &status);
+        return status;
+    }
 
     static std::string contents(const std::string& path) {
         std::ifstream stream(path, std::ios::binary);

@@ -1,7 +1,10 @@
 #include "tests/system/preferences/Child.h"
 #include "tests/system/preferences/fixture.h"
 
+#include <atomic>
+#include <chrono>
 #include <gmock/gmock.h>
+#include <thread>
 
 using ::testing::ElementsAre;
 
@@ -28,6 +31,32 @@ TEST_F(ManyWriters, EightProcessesWithTwoHundredWritesEachLoseNoKey) {
                 values->objectForKey("process-" + std::to_string(process) + "-" + std::to_string(key)).integerValue(),
                 key);
     EXPECT_THAT(namesLikeTheFile(), ElementsAre(domain() + ".plist"));
+}
+
+TEST_F(ManyWriters, LoseNoKeyWhileTheLocksFileIsRemovedAgainAndAgain) {
+    constexpr int processes = 8;
+    constexpr int keys = 200;
+    std::atomic<bool> isOver = false;
+    int removed = 0;
+    std::thread remover([&] {
+        while (!isOver) {
+            std::error_code error;
+            if (std::filesystem::remove(folder() + "/.lock." + domain(), error)) ++removed;
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+    });
+    std::vector<std::unique_ptr<Child>> children;
+    for (int i = 0; i < processes; ++i)
+        children.push_back(std::make_unique<Child>(std::vector<std::string>{
+            WRITER_PROGRAM, root(), "write", domain(), std::to_string(i) + "-", std::to_string(keys)}));
+
+    for (auto& child : children) EXPECT_EQ(child->wait(), 0);
+
+    isOver = true;
+    remover.join();
+    EXPECT_GT(removed, 20);
+    ASSERT_TRUE(stored());
+    EXPECT_EQ(stored()->count(), std::size_t(processes * keys));
 }
 
 TEST_F(ManyWriters, ReaderSeesAWholeFileAtEveryInstant) {
