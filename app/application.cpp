@@ -4,6 +4,7 @@
 #include "app/SettingsPage.h"
 #include "app/Simulation.h"
 #include "app/own_programs.h"
+#include "app/root_folder.h"
 #include "app/tour/tour.h"
 #include "desktop/mail/MailDrafts.h"
 #include "desktop/window/SceneWindow.h"
@@ -11,22 +12,16 @@
 #include "kit/dispatch/main_queue.h"
 #include "system/bus/SessionBus.h"
 #include "system/bus/session_bus_address.h"
-#include "system/files/root.h"
+#include "system/preferences/preferences_store.h"
 #include "system/process/installed_tools.h"
 
-#include <cerrno>
 #include <cstdio>
-#include <cstdlib>
-#include <filesystem>
 #include <future>
 #include <memory>
-#include <pwd.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
 
-namespace fs = std::filesystem;
 using namespace std::chrono_literals;
 
 constexpr auto busTimeout = 300ms; // a bus that is well answers in less than one
@@ -37,45 +32,6 @@ void noDisplay(const std::string& reason) {
     complain("no display: " + reason + "; with --tour DIR the page is shown in pictures instead");
     // The toolkit is half-made: nothing of it may be taken down.
     _exit(app::ExitNoDisplay);
-}
-
-// Empty when the user has none: no folder that others share is taken for it.
-std::string userDataFolder() {
-    const char* const data = std::getenv("XDG_DATA_HOME");
-    if (data && data[0] == '/') return data;
-    const char* home = std::getenv("HOME");
-    if (!home || home[0] != '/') {
-        const passwd* const user = getpwuid(getuid());
-        home = user ? user->pw_dir : nullptr;
-    }
-    return home && home[0] == '/' ? std::string(home) + "/.local/share" : std::string();
-}
-
-// The folder that stands for the phone's file system is made where it is missing. False, and a complaint, on failure.
-bool settleRoot(const std::string& given) {
-    const std::string data = given.empty() ? userDataFolder() : std::string();
-    if (given.empty() && data.empty()) {
-        complain("root: there is no home folder; set HOME, or give a folder with --root");
-        return false;
-    }
-    std::error_code error;
-    const fs::path root = fs::absolute(given.empty() ? data + "/joyvane" : given, error).lexically_normal();
-    if (error) {
-        complain("root " + given + ": the current folder cannot be found: " + error.message());
-        return false;
-    }
-    const mode_t others = umask(077); // new folders are the user's alone
-    fs::create_directories(root, error);
-    umask(others);
-    std::error_code missing;
-    if (!error && !fs::is_directory(root, missing)) error = std::make_error_code(std::errc::not_a_directory);
-    if (!error && access(root.c_str(), R_OK | X_OK) != 0) error.assign(errno, std::generic_category());
-    if (error) {
-        complain("root " + root.string() + ": " + error.message());
-        return false;
-    }
-    seat::setRoot(root.string());
-    return true;
 }
 
 int showWindow(seat::Toolkit& toolkit, const app::Options& options, const app::Bundle& bundle, Class principalClass) {
@@ -120,7 +76,10 @@ int app::runApplication(const Options& options) {
         complain(problem);
         return ExitBundleRefused;
     }
-    if (!settleRoot(options.root)) return ExitFailure;
+    if (problem = settleRoot(options.root); !problem.empty()) {
+        complain(problem);
+        return ExitFailure;
+    }
     seat::settleSessionBus(busTimeout);
 
     // The module is read through on another thread while the toolkit starts.
@@ -149,6 +108,9 @@ int app::runApplication(const Options& options) {
     const int code = isTour ? playTour(toolkit, options, bundle, principalClass, simulation)
                             : showWindow(toolkit, options, bundle, principalClass);
     seat::MailDrafts::shared().removeRead();
+    // What waits for another program's lock has a last chance, and is announced.
+    seat::awaitPendingPreferences();
+    seat::drainMainQueue();
     seat::SessionBus::shared().close();
     return code;
 }

@@ -268,6 +268,47 @@ class Refusals(unittest.TestCase):
         said = self.assert_no_root("", arguments=[], env={**environment, "HOME": circle})
         self.assertTrue(said.startswith(f"root {circle}/.local/share/joyvane: "), said)
 
+    def in_its_own_name(self, home, **options):
+        """Started without a root by somebody whose home that is said to be."""
+        environment = {name: value for name, value in os.environ.items() if not name.startswith("XDG_")}
+        return self.assert_no_root("", arguments=[], env={**environment, "HOME": home}, **options)
+
+    def test_a_home_that_is_everybodys(self):
+        everybodys = os.path.join(self.folder, "everybodys")
+        os.mkdir(everybodys)
+        os.chmod(everybodys, 0o1777)
+        for home in (everybodys, everybodys + "/none/.."):
+            self.assertIn(f"everybody may write to {everybodys}", self.in_its_own_name(home))
+        self.assertEqual(os.listdir(everybodys), [])
+        os.mkdir(everybodys + "/within", 0o700)
+        os.chmod(everybodys, 0o777)
+        self.assertIn(f"everybody may write to {everybodys}", self.in_its_own_name(everybodys + "/within"))
+
+    @unittest.skipIf(os.geteuid() != 0, "another user's folder needs the right to give one away")
+    def test_a_home_or_a_root_of_another_user(self):
+        others = os.path.join(self.folder, "others")
+        os.makedirs(others + "/.local")
+        os.chown(others, 1234, 1234)
+        self.assertIn(f"{others} belongs to user 1234", self.in_its_own_name(others))
+        self.assertEqual(os.listdir(others), [".local"])
+        said = self.assert_no_root(others)
+        self.assertIn("started as the administrator", said)
+        os.chown(others, 0, 0)
+        os.chmod(self.folder, 0o755)
+        self.assertIn("it belongs to root", self.assert_no_root(others, user=65534, group=65534, extra_groups=[]))
+
+    @unittest.skipIf(os.geteuid() != 0, "this is about the administrator")
+    def test_the_administrators_own_home_is_taken_and_named(self):
+        home = os.path.join(self.folder, "home")
+        os.mkdir(home, 0o700)
+        with open(os.path.join(self.bundle, "tour.txt"), "w") as script:
+            script.write("picture page\n")
+        environment = {name: value for name, value in os.environ.items() if not name.startswith("XDG_")}
+        run = subprocess.run([PROGRAM, "--bundle", self.bundle, "--tour", os.path.join(self.folder, "pictures")],
+                             env={**environment, "HOME": home}, text=True, capture_output=True, timeout=60)
+        self.assertEqual(run.returncode, 0, run.stderr)
+        self.assertIn(f"the administrator's own, in {home}/.local/share/joyvane", run.stderr)
+
     def test_a_new_root_is_its_users_alone(self):
         mask = os.umask(0)
         self.addCleanup(os.umask, mask)
