@@ -10,6 +10,7 @@
 #include "platform/foundation/NSArray.h"
 #include "platform/uikit/UINavigationController.h"
 #include "system/notify/NotifyListener.h"
+#include "system/preferences/preferences_notices.h"
 #include "system/socket/connection_listener.h"
 
 #include <utility>
@@ -17,11 +18,14 @@
 app::SettingsPage::SettingsPage(const Bundle& bundle, Class principalClass, CGSize points, double scale)
     : m_bundle(bundle), m_scene(points, scale) {
     seat::setResourceFolder(bundle.folder);
+    seat::setResourceFaultHandler(
+        [this](const std::string& path, const std::string& reason) { sayOfResource(path, reason); });
     const auto page = makePage(principalClass);
     if (!page) return;
     listenForFailures(*bundle.manifest);
     offerCancel(*bundle.manifest, page);
     seat::setURLOpener([this](const std::string& address) { return openAddress(address); });
+    seat::setPreferencesNoticeHandler([this](const seat::PreferencesNotice& notice) { sayOfPreferences(notice); });
     m_navigation = UINavigationController::alloc()->initWithRootViewController(page);
     m_scene.window()->setRootViewController(m_navigation);
 }
@@ -45,6 +49,23 @@ void app::SettingsPage::sayNotOpened(const std::string& target) {
     m_notOpened =
         FailureBanner::alloc()->initWithText("No browser could be started. Open this in one yourself: " + target);
     m_notOpened->showInWindow(m_scene.window(), FailureBanner::secondsToCopy);
+}
+
+void app::SettingsPage::sayOfPreferences(const seat::PreferencesNotice& notice) {
+    const bool isLost = notice.what == seat::PreferencesNotice::What::NotStored;
+    if (m_preferences) m_preferences->hide();
+    m_preferences = FailureBanner::alloc()->initWithText(
+        isLost ? "The setting could not be stored: " + notice.detail + ". The page shows what the file holds."
+               : "The settings file was damaged. It is kept beside the new one as " + notice.detail + ".");
+    m_preferences->showInWindow(m_scene.window(), FailureBanner::secondsToCopy);
+}
+
+void app::SettingsPage::sayOfResource(const std::string& path, const std::string& reason) {
+    if (m_resource) m_resource->hide();
+    m_resource = FailureBanner::alloc()->initWithText(
+        "The page cannot be shown whole, since a file of it is damaged or missing; installing it again mends that. " +
+        path + ": " + reason);
+    m_resource->showInWindow(m_scene.window(), FailureBanner::secondsToCopy);
 }
 
 // The manifest says of which notifications a user has to hear, and in what words; the page itself stays silent. They
@@ -92,6 +113,8 @@ std::string app::SettingsPage::title() const {
 
 void app::SettingsPage::close() {
     m_listeners.clear();
+    seat::setPreferencesNoticeHandler({});
+    seat::setResourceFaultHandler({});
     seat::setURLOpener({});
     seat::setConnectionListener({});
     seat::setProgressCanceller({});

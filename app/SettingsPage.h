@@ -15,6 +15,7 @@ class UIViewController;
 
 namespace seat {
 class NotifyListener;
+struct PreferencesNotice;
 }
 
 namespace app {
@@ -41,6 +42,8 @@ public:
 private:
     bool openAddress(const std::string& address);
     void sayNotOpened(const std::string& target);
+    void sayOfPreferences(const seat::PreferencesNotice& notice);
+    void sayOfResource(const std::string& path, const std::string& reason);
     void listenForFailures(const NSDictionary& manifest);
     void listen(const std::string& name, std::function<void()> heard);
     void offerCancel(const NSDictionary& manifest, const std::shared_ptr<UIViewController>& page);
@@ -51,6 +54,8 @@ private:
     std::shared_ptr<UINavigationController> m_navigation;
     std::shared_ptr<FailureBanner> m_banner;
     std::shared_ptr<FailureBanner> m_notOpened;
+    std::shared_ptr<FailureBanner> m_preferences;
+    std::shared_ptr<FailureBanner> m_resource;
     std::vector<std::unique_ptr<seat::NotifyListener>> m_listeners;
 };
 

@@ -1,9 +1,9 @@
 #include "kit/settings_framework/SpecifierResource.h"
 
 #include "kit/seat.h"
+#include "kit/settings_framework/bundle.h"
 #include "platform/foundation/NSArray.h"
 #include "platform/foundation/NSPropertyListSerialization.h"
-#include "platform/log.h"
 
 #include <algorithm>
 #include <array>
@@ -114,7 +114,7 @@ bool isWanted(const NSDictionary& item, const NSArray& items) {
 std::optional<SpecifierResource> readSpecifierResource(const std::string& realPath,
                                                        const std::shared_ptr<NSObject>& target) {
     const auto refuse = [&](const std::string& reason) {
-        NSLog("reading the rows of %s: %s", realPath.c_str(), reason.c_str());
+        reportResourceFault(realPath, reason);
         return std::nullopt;
     };
     std::shared_ptr<NSError> error;
@@ -129,12 +129,19 @@ std::optional<SpecifierResource> readSpecifierResource(const std::string& realPa
 
     SpecifierResource resource;
     if (const auto* title = dictionary->objectForKey("title").string()) resource.title = *title;
+    std::string faults;
+    std::size_t faultCount = 0;
     for (std::size_t i = 0; i < items->count(); ++i) {
         const auto* item = items->objectAtIndex(i).objectPointer<NSDictionary>();
         const std::string fault = item ? faultOf(*item) : "it is no dictionary";
-        if (!fault.empty()) return refuse("item " + std::to_string(i) + ": " + fault);
+        if (!fault.empty()) {
+            if (++faultCount == 1) faults = "item " + std::to_string(i) + " is left out: " + fault;
+            continue;
+        }
         if (isWanted(*item, *items)) resource.specifiers.push_back(makeRow(*item, target));
     }
+    if (faultCount > 1) faults += "; others left out: " + std::to_string(faultCount - 1);
+    if (faultCount > 0) reportResourceFault(realPath, faults);
     return resource;
 }
 

@@ -17,8 +17,8 @@ struct SpecifierResource {
 // `setPreferenceValue:specifier:` and `readPreferenceValue:`. An item with "JVNOnlyFor", a dictionary of rows' ids and
 // arrays of integers, is there only while each of these rows' settings, which are in the resource too, has one of the
 // values as the resource is read; with "JVNNotFor", only while none has. A setting without a value counts with its
-// "default". All or nothing: on the first thing that is not as it
-// should be the reason is logged and nothing comes back.
+// "default". An item that is not as it should be costs its row, a file that cannot be read all of them: then nothing
+// comes back. Either is reported (bundle.h), in one line for the file.
 std::optional<SpecifierResource> readSpecifierResource(const std::string& realPath,
                                                        const std::shared_ptr<NSObject>& target);
 

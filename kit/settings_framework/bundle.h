@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 
 namespace seat {
@@ -8,5 +9,11 @@ namespace seat {
 // before it makes the page; empty until then. Main thread only.
 void setResourceFolder(std::string realPath);
 const std::string& resourceFolder();
+
+// Called with a resource that cannot be shown as it is meant, and why: its real path and the reason, in a few words.
+// An empty function removes it. Main thread only.
+void setResourceFaultHandler(std::function<void(const std::string& path, const std::string& reason)> handler);
+// Logs it, and calls the handler.
+void reportResourceFault(const std::string& path, const std::string& reason);
 
 } // namespace seat

@@ -175,4 +175,49 @@ TEST_F(SettingsPageTest, WithoutADiscoveryToolThereIsAWayOutToo) {
     EXPECT_FALSE(find(UIAccessibilityRole::ProgressIndicator));
 }
 
+TEST_F(SettingsPageTest, ASettingThatCannotBeStoredIsSaidWithTheReason) {
+    const fs::path file = root.path() + "/var/mobile/Library/Preferences/com.quorrel.joyvane.plist";
+    ASSERT_TRUE(find(UIAccessibilityRole::Switch, "Ambient LED Color"));
+    fs::remove(file);
+    fs::create_directory(file);
+
+    ASSERT_TRUE(tap(UIAccessibilityRole::Switch, "Ambient LED Color"));
+
+    EXPECT_TRUE(waitUntil([&] {
+        return find(UIAccessibilityRole::Alert, "The setting could not be stored: a folder is in its place. The page "
+                                                "shows what the file holds.");
+    }));
+}
+
+TEST_F(SettingsPageTest, ADamagedFileThatWasMovedAsideIsSaidWithItsNewName) {
+    const fs::path file = root.path() + "/var/mobile/Library/Preferences/com.quorrel.joyvane.plist";
+    ASSERT_TRUE(find(UIAccessibilityRole::Switch, "Ambient LED Color"));
+    std::ofstream(file) << "damaged";
+
+    ASSERT_TRUE(tap(UIAccessibilityRole::Switch, "Ambient LED Color"));
+
+    EXPECT_TRUE(waitUntil([&] {
+        return find(UIAccessibilityRole::Alert,
+                    "The settings file was damaged. It is kept beside the new one as com.quorrel.joyvane.damaged-1 "
+                    "(it is no property list).");
+    }));
+}
+
+TEST_F(SettingsPageTest, ADamagedResourceIsSaidWithTheFileAndTheReason) {
+    testing_support::TemporaryFolder folder;
+    fs::copy(JOYVANE_BUNDLE, folder.file("Joyvane.bundle"), fs::copy_options::recursive);
+    const std::string rows = folder.file("Joyvane.bundle/Joyvane.plist");
+    ASSERT_TRUE(fs::exists(rows));
+    std::ofstream(rows) << "damaged";
+    std::string problem;
+    const app::Bundle bundle = app::readBundle(folder.file("Joyvane.bundle"), problem);
+
+    app::SettingsPage damaged(bundle, objc_getClass(bundle.principalClass), CGSize{375, 667}, 1);
+
+    std::string said;
+    for (const auto& view : damaged.scene().window()->subviews())
+        if (view->accessibilityRole() == UIAccessibilityRole::Alert) said += view->accessibilityLabel();
+    EXPECT_NE(said.find(rows + ": property list "), std::string::npos) << said;
+}
+
 } // namespace

@@ -1,4 +1,5 @@
 #include "kit/settings_framework/SpecifierResource.h"
+#include "kit/settings_framework/bundle.h"
 #include "system/log/log.h"
 #include "tests/kit/settings_framework/pages.h"
 
@@ -20,9 +21,10 @@ protected:
         seat::setLogSink({});
         return count;
     }
-    void expectRefused(const std::string& items) {
-        writeResource(group("g", "Good") + items);
-        EXPECT_EQ(load(), 0u) << items;
+    // What is right beside it is shown.
+    void expectLeftOut(const std::string& items) {
+        writeResource(group("g", "Good") + items + item("PSButtonCell", "b", "Good"));
+        EXPECT_EQ(load(), 2u) << items;
         EXPECT_EQ(lines.size(), 1u) << items;
     }
 
@@ -88,24 +90,46 @@ TEST_F(Resources, RowWithoutKeyIsBoundToNothing) {
     EXPECT_EQ(row->buttonAction(), SEL("tapped:"));
 }
 
-TEST_F(Resources, AnyFaultyItemRefusesTheWhole) {
-    expectRefused("<string>no dictionary</string>");
-    expectRefused("<dict/>");
-    expectRefused(item("PSNoSuchCell", "a", "A"));
-    expectRefused("<dict><key>cell</key><integer>1</integer></dict>");
-    expectRefused("<dict><key>cell</key><string>PSButtonCell</string><key>label</key><true/></dict>");
-    expectRefused(item("PSButtonCell", "a", "A", "<key>action</key><integer>1</integer>"));
-    expectRefused(item("PSSwitchCell", "a", "A", "<key>key</key><integer>1</integer>"));
-    expectRefused(item("PSSwitchCell", "a", "A", "<key>defaults</key><data></data>"));
-    expectRefused(item("PSButtonCell", "a", "A", "<key>cellClass</key><array/>"));
-    expectRefused(item("PSLinkListCell", "a", "A"));
-    expectRefused(item("PSButtonCell", "a", "A", "<key>JVNOnlyFor</key><array/>"));
-    expectRefused(item("PSButtonCell", "a", "A", "<key>JVNNotFor</key><true/>"));
-    expectRefused(item("PSLinkListCell", "a", "A",
+TEST_F(Resources, AFaultyItemCostsItsRow) {
+    expectLeftOut("<string>no dictionary</string>");
+    expectLeftOut("<dict/>");
+    expectLeftOut(item("PSNoSuchCell", "a", "A"));
+    expectLeftOut("<dict><key>cell</key><integer>1</integer></dict>");
+    expectLeftOut("<dict><key>cell</key><string>PSButtonCell</string><key>label</key><true/></dict>");
+    expectLeftOut(item("PSButtonCell", "a", "A", "<key>action</key><integer>1</integer>"));
+    expectLeftOut(item("PSSwitchCell", "a", "A", "<key>key</key><integer>1</integer>"));
+    expectLeftOut(item("PSSwitchCell", "a", "A", "<key>defaults</key><data></data>"));
+    expectLeftOut(item("PSButtonCell", "a", "A", "<key>cellClass</key><array/>"));
+    expectLeftOut(item("PSLinkListCell", "a", "A"));
+    expectLeftOut(item("PSButtonCell", "a", "A", "<key>JVNOnlyFor</key><array/>"));
+    expectLeftOut(item("PSButtonCell", "a", "A", "<key>JVNNotFor</key><true/>"));
+    expectLeftOut(item("PSLinkListCell", "a", "A",
                        "<key>validValues</key><array><integer>0</integer></array><key>validTitles</key><array/>"));
-    expectRefused(item("PSLinkListCell", "a", "A",
+    expectLeftOut(item("PSLinkListCell", "a", "A",
                        "<key>validValues</key><array><integer>0</integer></array>"
                        "<key>validTitles</key><array><integer>0</integer></array>"));
+}
+
+TEST_F(Resources, FaultsAreReportedOnceWithTheFileAndTheReason) {
+    std::vector<std::string> faults;
+    seat::setResourceFaultHandler([&](const std::string& path, const std::string& reason) {
+        faults.push_back(path.substr(path.rfind('/') + 1) + ": " + reason);
+    });
+
+    load();
+    writeResource(item("PSNoSuchCell", "a", "A"));
+    load();
+    writeResource(item("PSNoSuchCell", "a", "A") + group("g", "Good") + "<dict/><dict/>");
+    load();
+    write("nonsense");
+    load();
+
+    seat::setResourceFaultHandler({});
+    ASSERT_EQ(faults.size(), 4u);
+    EXPECT_EQ(faults[0].substr(0, 12), "Page.plist: ");
+    EXPECT_EQ(faults[1], "Page.plist: item 0 is left out: its \"cell\" is no known kind");
+    EXPECT_EQ(faults[2], "Page.plist: item 0 is left out: its \"cell\" is no known kind; others left out: 2");
+    EXPECT_EQ(faults[3].substr(0, 26), "Page.plist: property list ");
 }
 
 TEST_F(Resources, TenThousandItemsAreReadAndOneMoreIsRefused) {
@@ -115,7 +139,9 @@ TEST_F(Resources, TenThousandItemsAreReadAndOneMoreIsRefused) {
     EXPECT_EQ(load(), 10'000u);
     EXPECT_EQ(lines.size(), 0u);
 
-    expectRefused(items);
+    writeResource(group("g", "Good") + items);
+    EXPECT_EQ(load(), 0u);
+    EXPECT_EQ(lines.size(), 1u);
 }
 
 TEST_F(Resources, ResourceThatIsNoneIsRefusedWithOneLine) {
