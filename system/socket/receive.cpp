@@ -1,9 +1,10 @@
 #include "system/socket/receive.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstdint>
-#include <optional>
+#include <poll.h>
 #include <sys/socket.h>
 #include <sys/time.h>
 
@@ -12,6 +13,7 @@ namespace {
 using Clock = std::chrono::steady_clock; // the system itself times the wait, so the host clock has no say
 using std::chrono::microseconds;
 
+// Zero is for ever.
 microseconds timeout(int descriptor) {
     ::timeval value{};
     ::socklen_t size = sizeof value;
@@ -19,35 +21,42 @@ microseconds timeout(int descriptor) {
     return std::chrono::seconds(value.tv_sec) + microseconds(value.tv_usec);
 }
 
-void setTimeout(int descriptor, microseconds duration) {
-    const ::timeval value{duration.count() / 1'000'000, duration.count() % 1'000'000};
-    ::setsockopt(descriptor, SOL_SOCKET, SO_RCVTIMEO, &value, sizeof value);
+// False, and errno as the option itself would set it, when the time is up.
+bool waitUntil(int descriptor, bool isForEver, Clock::time_point deadline) {
+    ::pollfd entry{descriptor, POLLIN, 0};
+    for (;;) {
+        const auto left = std::max(std::chrono::ceil<std::chrono::nanoseconds>(deadline - Clock::now()),
+                                   std::chrono::nanoseconds::zero());
+        const ::timespec wait{left.count() / 1'000'000'000, left.count() % 1'000'000'000};
+        const int ready = ::ppoll(&entry, 1, isForEver ? nullptr : &wait, nullptr);
+        if (ready > 0) return true;
+        if (ready < 0 && errno != EINTR) return false;
+        if (!isForEver && Clock::now() >= deadline) {
+            errno = EAGAIN;
+            return false;
+        }
+    }
 }
 
 } // namespace
 
+// The option says how long; it is not left to do the waiting, since the system rounds a wait of twenty seconds up to
+// twenty-two.
 std::ptrdiff_t seat::receiveAll(int descriptor, void* bytes, std::size_t length) {
     const auto start = Clock::now();
+    const auto allowed = timeout(descriptor);
     auto* const into = static_cast<std::uint8_t*>(bytes);
     std::size_t received = 0;
-    std::optional<microseconds> allowed; // read only once a wait was cut short
-
-    std::ptrdiff_t result;
-    for (;;) {
-        result = ::recv(descriptor, into + received, length - received, MSG_WAITALL);
-        if (result > 0) received += static_cast<std::size_t>(result);
-        if (result == 0 || received == length) break;
-        // A signal, or the time-out, or an end after some bytes: the system says the same for all of them when some
-        // bytes came, so the time and another read tell them apart.
-        if (result < 0 && errno != EINTR) break;
-        if (!allowed) allowed = timeout(descriptor);
-        if (*allowed == microseconds::zero()) continue;
-        const auto left = *allowed - std::chrono::duration_cast<microseconds>(Clock::now() - start);
-        if (left <= microseconds::zero()) break;
-        setTimeout(descriptor, left);
-    }
-    const int error = errno;
-    if (allowed && *allowed != microseconds::zero()) setTimeout(descriptor, *allowed);
-    errno = error;
+    std::ptrdiff_t result = 0;
+    do {
+        result = ::recv(descriptor, into + received, length - received, MSG_DONTWAIT);
+        if (result > 0) {
+            received += static_cast<std::size_t>(result);
+        } else if (result < 0 && errno == EAGAIN) {
+            if (!waitUntil(descriptor, allowed == microseconds::zero(), start + allowed)) break;
+        } else if (result == 0 || errno != EINTR) {
+            break;
+        }
+    } while (received < length);
     return received > 0 ? static_cast<std::ptrdiff_t>(received) : result;
 }
