@@ -13,6 +13,8 @@ namespace {
 using Clock = std::chrono::steady_clock; // the system itself times the wait, so the host clock has no say
 using std::chrono::microseconds;
 
+constexpr std::chrono::milliseconds shortWait{500};
+
 // Zero is for ever.
 microseconds timeout(int descriptor) {
     ::timeval value{};
@@ -25,8 +27,10 @@ microseconds timeout(int descriptor) {
 bool waitUntil(int descriptor, bool isForEver, Clock::time_point deadline) {
     ::pollfd entry{descriptor, POLLIN, 0};
     for (;;) {
-        const auto left = std::max(std::chrono::ceil<std::chrono::nanoseconds>(deadline - Clock::now()),
-                                   std::chrono::nanoseconds::zero());
+        auto left = std::max(std::chrono::ceil<std::chrono::nanoseconds>(deadline - Clock::now()),
+                             std::chrono::nanoseconds::zero());
+        // A wait may end late by a share of its length, so that the last one is a short one.
+        if (left > shortWait) left -= left / 8;
         const ::timespec wait{left.count() / 1'000'000'000, left.count() % 1'000'000'000};
         const int ready = ::ppoll(&entry, 1, isForEver ? nullptr : &wait, nullptr);
         if (ready > 0) return true;
