@@ -29,16 +29,18 @@ protected:
 };
 
 TEST_F(Contract, APreferenceIsReadBackAndNilRemovesItsKeyAlone) {
-    ASSERT_TRUE(seat::setPreferenceValue(domain, "one", id(NSNumber::numberWithInt(1)), nullptr));
-    ASSERT_TRUE(seat::setPreferenceValue(domain, "two", id("2"), nullptr));
-    ASSERT_TRUE(seat::setPreferenceValue(domain, "one", id(), nullptr));
+    ASSERT_EQ(seat::setPreferenceValue(domain, "one", id(NSNumber::numberWithInt(1)), nullptr),
+              seat::PreferenceWrite::Stored);
+    ASSERT_EQ(seat::setPreferenceValue(domain, "two", id("2"), nullptr), seat::PreferenceWrite::Stored);
+    ASSERT_EQ(seat::setPreferenceValue(domain, "one", id(), nullptr), seat::PreferenceWrite::Stored);
 
     EXPECT_FALSE(seat::preferenceValue(domain, "one"));
     EXPECT_EQ(seat::preferenceValue(domain, "two"), id("2"));
 }
 
 TEST_F(Contract, APreferenceThatAnotherProgramWroteIsReadAfresh) {
-    ASSERT_TRUE(seat::setPreferenceValue(domain, "one", id(NSNumber::numberWithInt(1)), nullptr));
+    ASSERT_EQ(seat::setPreferenceValue(domain, "one", id(NSNumber::numberWithInt(1)), nullptr),
+              seat::PreferenceWrite::Stored);
     testing_support::TestRoot::write(preferences(),
                                      "<plist version=\"1.0\"><dict><key>one</key><integer>7</integer></dict></plist>");
 
@@ -51,7 +53,8 @@ TEST_F(Contract, ADamagedPreferencesFileReadsAsEmptyAndIsMovedAsideNotOverwritte
     EXPECT_FALSE(seat::preferenceValue(domain, "one"));
     EXPECT_EQ(testing_support::TestRoot::read(preferences()), damaged) << "reading changes nothing";
 
-    ASSERT_TRUE(seat::setPreferenceValue(domain, "one", id(NSNumber::numberWithInt(1)), nullptr));
+    ASSERT_EQ(seat::setPreferenceValue(domain, "one", id(NSNumber::numberWithInt(1)), nullptr),
+              seat::PreferenceWrite::Stored);
 
     EXPECT_EQ(seat::preferenceValue(domain, "one"), id(NSNumber::numberWithInt(1)));
     const auto names = NSFileManager::defaultManager()->contentsOfDirectoryAtPath_error("/" + folder, nullptr);
