@@ -1,6 +1,7 @@
 #include "app/SettingsPage.h"
 
-#include "app/FailureBanner.h"
+#include "app/NoticeBoard.h"
+#include "app/user_units.h"
 #include "desktop/links/browser.h"
 #include "kit/alerts/progress_canceller.h"
 #include "kit/settings_framework/bundle.h"
@@ -11,18 +12,20 @@
 #include "platform/uikit/UINavigationController.h"
 #include "system/notify/NotifyListener.h"
 #include "system/preferences/preferences_notices.h"
+#include "system/process/tool_listener.h"
 #include "system/socket/connection_listener.h"
 
 #include <utility>
 
 app::SettingsPage::SettingsPage(const Bundle& bundle, Class principalClass, CGSize points, double scale)
-    : m_bundle(bundle), m_scene(points, scale) {
+    : m_bundle(bundle), m_scene(points, scale), m_notices(std::make_unique<NoticeBoard>(m_scene.window())) {
     seat::setResourceFolder(bundle.folder);
     seat::setResourceFaultHandler(
         [this](const std::string& path, const std::string& reason) { sayOfResource(path, reason); });
     const auto page = makePage(principalClass);
     if (!page) return;
     listenForFailures(*bundle.manifest);
+    listenForTools();
     offerCancel(*bundle.manifest, page);
     seat::setURLOpener([this](const std::string& address) { return openAddress(address); });
     seat::setPreferencesNoticeHandler([this](const seat::PreferencesNotice& notice) { sayOfPreferences(notice); });
@@ -45,27 +48,32 @@ bool app::SettingsPage::openAddress(const std::string& address) {
 }
 
 void app::SettingsPage::sayNotOpened(const std::string& target) {
-    if (m_notOpened) m_notOpened->hide();
-    m_notOpened =
-        FailureBanner::alloc()->initWithText("No browser could be started. Open this in one yourself: " + target);
-    m_notOpened->showInWindow(m_scene.window(), FailureBanner::secondsToCopy);
+    m_notices->post(NoticeKind::NotOpened,
+                    {.text = "No browser could be started. Open this in one yourself: " + target});
 }
 
 void app::SettingsPage::sayOfPreferences(const seat::PreferencesNotice& notice) {
-    const bool isLost = notice.what == seat::PreferencesNotice::What::NotStored;
-    if (m_preferences) m_preferences->hide();
-    m_preferences = FailureBanner::alloc()->initWithText(
-        isLost ? "The setting could not be stored: " + notice.detail + ". The page shows what the file holds."
-               : "The settings file was damaged. It is kept beside the new one as " + notice.detail + ".");
-    m_preferences->showInWindow(m_scene.window(), FailureBanner::secondsToCopy);
+    using What = seat::PreferencesNotice::What;
+    switch (notice.what) {
+    case What::NotStored:
+        return m_notices->post(NoticeKind::SettingNotStored,
+                               {.text = "Your change could not be stored: " + notice.detail +
+                                        ". Put that right and change it once more."});
+    case What::Stored:
+        return m_notices->withdraw(NoticeKind::SettingNotStored);
+    case What::MovedAside:
+        return m_notices->post(NoticeKind::PreferencesMovedAside,
+                               {.text = "Your settings could not be read, so this is a new beginning. The old file is "
+                                        "kept as " +
+                                        notice.detail + "."});
+    }
 }
 
 void app::SettingsPage::sayOfResource(const std::string& path, const std::string& reason) {
-    if (m_resource) m_resource->hide();
-    m_resource = FailureBanner::alloc()->initWithText(
-        "The page cannot be shown whole, since a file of it is damaged or missing; installing it again mends that. " +
-        path + ": " + reason);
-    m_resource->showInWindow(m_scene.window(), FailureBanner::secondsToCopy);
+    m_notices->post(NoticeKind::ResourceDamaged,
+                    {.text = "The page cannot be shown whole, since a file of it is damaged or missing; installing "
+                             "Joyvane again mends that. " +
+                             path + ": " + reason});
 }
 
 // The manifest says of which notifications a user has to hear, and in what words; the page itself stays silent. They
@@ -75,20 +83,51 @@ void app::SettingsPage::listenForFailures(const NSDictionary& manifest) {
     const auto* const failure = manifest.objectForKey("JVNFailureNotification").string();
     const auto* const text = manifest.objectForKey("JVNFailureText").string();
     if (!failure || !text) return;
-    m_banner = FailureBanner::alloc()->initWithText(*text);
-    listen(*failure, [this] { m_banner->showInWindow(m_scene.window()); });
+    const auto* const daemon = manifest.objectForKey("JVNDaemon").string();
+    listen(*failure, [this, text = *text, daemon = daemon ? *daemon : std::string()] {
+        m_notices->post(NoticeKind::DaemonAbsent, daemonIsAbsent(text, daemon));
+    });
+    const auto isBack = [this, lives = std::weak_ptr(m_lives)] {
+        if (lives.expired()) return;
+        m_notices->withdraw(NoticeKind::DaemonAbsent);
+        m_notices->withdraw(NoticeKind::DaemonEnded);
+    };
     if (const auto* const socket = manifest.objectForKey("JVNDaemonSocket").string())
-        seat::setConnectionListener(
-            [path = *socket, weak = std::weak_ptr<FailureBanner>(m_banner)](const std::string& connected) {
-                if (connected != path) return;
-                dispatch_async(dispatch_get_main_queue(), [weak] {
-                    if (const auto banner = weak.lock()) banner->hide();
-                });
-            });
+        seat::setConnectionListener([path = *socket, isBack](const std::string& connected) {
+            if (connected == path) dispatch_async(dispatch_get_main_queue(), isBack);
+        });
     const auto recoveries = manifest.objectForKey("JVNRecoveryNotifications").object<NSArray>();
     if (!recoveries) return;
     for (const id& name : *recoveries)
-        if (name.string()) listen(*name.string(), [this] { m_banner->hide(); });
+        if (name.string()) listen(*name.string(), isBack);
+}
+
+// Where the session's service manager knows the daemon it can be started from here. Another root's daemon it does not
+// know.
+app::Notice app::SettingsPage::daemonIsAbsent(const std::string& text, const std::string& daemon) {
+    const std::string unit = daemon + ".socket";
+    if (daemon.empty() || !m_hasInstalledDaemon || !isUserUnit(unit)) return {.text = text};
+    return {.text = text, .actionTitle = "Start It", .action = [this, unit] { startDaemon(unit); }};
+}
+
+void app::SettingsPage::startDaemon(const std::string& unit) {
+    startUserUnit(unit, [this, unit, lives = std::weak_ptr(m_lives)](const std::string& reason) {
+        if (lives.expired()) return;
+        if (reason.empty()) return m_notices->withdraw(NoticeKind::DaemonAbsent);
+        m_notices->post(NoticeKind::DaemonAbsent,
+                        {.text = "The daemon could not be started: " + reason + ". “systemctl --user status " + unit +
+                                 "” in a terminal says more."});
+    });
+}
+
+void app::SettingsPage::listenForTools() {
+    seat::setToolListener([this](const std::string& path, const std::string& reason) {
+        if (reason.empty()) return m_notices->withdraw(NoticeKind::ToolFailed);
+        m_notices->post(NoticeKind::ToolFailed,
+                        {.text = "The program that does this, " + path + ", does not run: " + reason +
+                                 ". Cancel, and try again; if that does not help, "
+                                 "install Joyvane's programs anew."});
+    });
 }
 
 void app::SettingsPage::listen(const std::string& name, std::function<void()> heard) {
@@ -112,9 +151,12 @@ std::string app::SettingsPage::title() const {
 }
 
 void app::SettingsPage::close() {
+    m_lives = nullptr;
     m_listeners.clear();
     seat::setPreferencesNoticeHandler({});
     seat::setResourceFaultHandler({});
+    seat::setToolListener({});
+    m_notices.reset();
     seat::setURLOpener({});
     seat::setConnectionListener({});
     seat::setProgressCanceller({});

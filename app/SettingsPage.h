@@ -20,7 +20,8 @@ struct PreferencesNotice;
 
 namespace app {
 
-class FailureBanner;
+class NoticeBoard;
+struct Notice;
 
 class SettingsPage {
 public:
@@ -36,6 +37,11 @@ public:
     // The front screen's, else the bundle's.
     std::string title() const;
 
+    // The daemon is the one that the session's service manager starts: a notice may offer to do that.
+    void setHasInstalledDaemon() { m_hasInstalledDaemon = true; }
+    // The program's own notices, over the page.
+    NoticeBoard& notices() { return *m_notices; }
+
     // The screens get their disappearing calls and are let go.
     void close();
 
@@ -45,6 +51,9 @@ private:
     void sayOfPreferences(const seat::PreferencesNotice& notice);
     void sayOfResource(const std::string& path, const std::string& reason);
     void listenForFailures(const NSDictionary& manifest);
+    void listenForTools();
+    Notice daemonIsAbsent(const std::string& text, const std::string& daemon);
+    void startDaemon(const std::string& unit);
     void listen(const std::string& name, std::function<void()> heard);
     void offerCancel(const NSDictionary& manifest, const std::shared_ptr<UIViewController>& page);
 
@@ -52,10 +61,8 @@ private:
     std::shared_ptr<char> m_lives = std::make_shared<char>(); // weakly held by what ends later
     seat::WindowScene m_scene;
     std::shared_ptr<UINavigationController> m_navigation;
-    std::shared_ptr<FailureBanner> m_banner;
-    std::shared_ptr<FailureBanner> m_notOpened;
-    std::shared_ptr<FailureBanner> m_preferences;
-    std::shared_ptr<FailureBanner> m_resource;
+    std::unique_ptr<NoticeBoard> m_notices;
+    bool m_hasInstalledDaemon = false;
     std::vector<std::unique_ptr<seat::NotifyListener>> m_listeners;
 };
 

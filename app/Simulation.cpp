@@ -55,6 +55,7 @@ struct app::Simulation::State {
     std::vector<fs::path> folders;       // that we have made, each before what is in it
     std::vector<Link> links;
     std::function<void(const std::string&)> listener;
+    std::function<void(const std::string&)> endListener;
 
     void removeLeftovers();
     void removeLinks();
@@ -98,6 +99,7 @@ void app::Simulation::State::daemonEnded(::pid_t identifier, const std::string& 
     const std::string sentence = "the simulated " + daemonName + " (process " + std::to_string(identifier) + ") " + how;
     NSLog("%s", sentence.c_str());
     if (listener) listener(sentence);
+    if (endListener) endListener(how);
 }
 
 app::Simulation::Simulation() : m_state(std::make_unique<State>()) { m_state->removeLeftovers(); }
@@ -141,6 +143,10 @@ void app::Simulation::removeTools() { m_state->removeLinks(); }
 
 void app::Simulation::setListener(std::function<void(const std::string& line)> listener) {
     m_state->listener = std::move(listener);
+}
+
+void app::Simulation::setDaemonEndListener(std::function<void(const std::string& how)> ended) {
+    m_state->endListener = std::move(ended);
 }
 
 void app::Simulation::stopDaemon() { m_state->daemon.reset(); }

@@ -32,6 +32,8 @@ public:
 
     // Hears each line that the daemon says, behind its name. Main thread; may be empty.
     void setListener(std::function<void(const std::string& line)> listener);
+    // Hears that the daemon has ended by itself, and how ("ended with 1"). Main thread; may be empty.
+    void setDaemonEndListener(std::function<void(const std::string& how)> ended);
     void stopDaemon();
     void startDaemon(std::string& problem);
     // Takes the tools away, and puts them back.

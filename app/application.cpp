@@ -1,11 +1,13 @@
 #include "app/application.h"
 
 #include "app/Bundle.h"
+#include "app/NoticeBoard.h"
 #include "app/SettingsPage.h"
 #include "app/Simulation.h"
 #include "app/own_programs.h"
 #include "app/root_folder.h"
 #include "app/tour/tour.h"
+#include "desktop/appearance/DesktopAppearance.h"
 #include "desktop/mail/MailDrafts.h"
 #include "desktop/window/SceneWindow.h"
 #include "desktop/window/Toolkit.h"
@@ -34,7 +36,25 @@ void noDisplay(const std::string& reason) {
     _exit(app::ExitNoDisplay);
 }
 
-int showWindow(seat::Toolkit& toolkit, const app::Options& options, const app::Bundle& bundle, Class principalClass) {
+// A simulated daemon that has died is said on the page, where it can be started again.
+void sayWhenDaemonEnds(app::Simulation& simulation, app::NoticeBoard& notices) {
+    simulation.setDaemonEndListener([simulation = &simulation, notices = &notices](const std::string& how) {
+        const auto startAgain = [simulation, notices] {
+            std::string problem;
+            simulation->startDaemon(problem);
+            if (problem.empty()) return notices->withdraw(app::NoticeKind::DaemonEnded);
+            complain(problem);
+            notices->post(app::NoticeKind::DaemonEnded, {.text = "The simulated daemon could not be started again."});
+        };
+        notices->post(app::NoticeKind::DaemonEnded,
+                      {.text = "The simulated daemon " + how + ". Until it runs again nothing can be connected.",
+                       .actionTitle = "Start It Again",
+                       .action = startAgain});
+    });
+}
+
+int showWindow(seat::Toolkit& toolkit, const app::Options& options, const app::Bundle& bundle, Class principalClass,
+               app::Simulation& simulation) {
     // Asked for first: the window system makes the window while we make the page.
     auto window =
         std::make_unique<seat::SceneWindow>(seat::SceneWindowOptions{.size = options.size, .scale = options.scale});
@@ -44,11 +64,16 @@ int showWindow(seat::Toolkit& toolkit, const app::Options& options, const app::B
         complain("bundle refused: " + bundle.principalClass + " of " + bundle.folder + " makes no page");
         return app::ExitBundleRefused;
     }
+    // The page is made by now: whatever it was made with, it is painted in the colours that are wanted.
+    const seat::DesktopAppearance appearance([&page] { page.scene().repaint(); });
+    if (options.simulate) sayWhenDaemonEnds(simulation, page.notices());
+    if (!options.simulate && options.root.empty()) page.setHasInstalledDaemon();
     window->setScene(page.scene());
     window->setTitleSource([&page] { return page.title(); });
     window->setCloseHandler([&toolkit] { toolkit.quit(app::ExitSuccess); });
     toolkit.onTermination([&toolkit] { toolkit.quit(app::ExitSuccess); });
     const int code = toolkit.run();
+    simulation.setDaemonEndListener({});
     page.close();
     seat::drainMainQueue();
     window.reset(); // before the scene
@@ -106,7 +131,7 @@ int app::runApplication(const Options& options) {
     }
     if (!options.simulate) findInstalledTools(bundle);
     const int code = isTour ? playTour(toolkit, options, bundle, principalClass, simulation)
-                            : showWindow(toolkit, options, bundle, principalClass);
+                            : showWindow(toolkit, options, bundle, principalClass, simulation);
     seat::MailDrafts::shared().removeRead();
     // What waits for another program's lock has a last chance, and is announced.
     seat::awaitPendingPreferences();

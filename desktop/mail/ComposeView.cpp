@@ -42,7 +42,7 @@ ComposeView::~ComposeView() = default;
 
 std::shared_ptr<ComposeView> ComposeView::initWithTitle(const std::string& title) {
     if (!UIView::initWithFrame(CGRectMake(0, 0, 375, 667))) return nullptr;
-    setBackgroundColor(UIColor::whiteColor());
+    setBackgroundColor(cardColor());
     m_bar = UIView::alloc()->init();
     m_bar->setBackgroundColor(barColor());
     addSubview(m_bar);
@@ -90,7 +90,7 @@ void ComposeView::showHandOverFailed() {
     // A new one each time, so that it is read out each time.
     const auto note = FailureNote::alloc();
     note->init();
-    note->setTextColor(UIColor::colorWithRed_green_blue_alpha(0.72, 0, 0, 1));
+    note->setTextColor(errorTextColor());
     note->setText(whatFailed);
     setNote(note);
 }

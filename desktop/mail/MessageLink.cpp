@@ -1,5 +1,6 @@
 #include "desktop/mail/MessageLink.h"
 
+#include "kit/uikit/appearance.h"
 #include "platform/runtime/method.h"
 #include "platform/uikit/UIApplication.h"
 
@@ -8,12 +9,6 @@
 namespace seat {
 
 NS_CLASS_IMPLEMENTATION(MessageLink, UIControl, method<&MessageLink::opened>("opened"))
-
-namespace {
-
-constexpr double pressedAlpha = 0.15; // of the shade over the text
-
-} // namespace
 
 MessageLink::~MessageLink() = default;
 
@@ -29,7 +24,7 @@ std::shared_ptr<MessageLink> MessageLink::initWithText_address(std::string text,
 void MessageLink::setHighlighted(bool highlighted) {
     if (highlighted == isHighlighted()) return;
     UIControl::setHighlighted(highlighted);
-    setBackgroundColor(highlighted ? UIColor::colorWithWhite_alpha(0, pressedAlpha) : nullptr);
+    setBackgroundColor(highlighted ? appearance::indicatorColor() : nullptr);
 }
 
 bool MessageLink::accessibilityActivate() {

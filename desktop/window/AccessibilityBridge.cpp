@@ -90,6 +90,7 @@ void seat::AccessibilityBridge::changed(AccessibilityIdentity identity, Accessib
         break;
     case AccessibilityChange::Name:
         tell(QAccessible::NameChanged);
+        if (now.role == UIAccessibilityRole::Alert) tell(QAccessible::Alert); // it says something else now
         node->announceText();
         break;
     case AccessibilityChange::Value:

@@ -49,7 +49,7 @@ std::shared_ptr<UIProgressHUD> UIProgressHUD::init() {
     if (!UIView::initWithFrame(CGRectZero)) return nullptr;
     // Another size of the view leads to another layout, which places the panel.
     setAutoresizingMask(UIViewAutoresizingFlexibleWidth | UIViewAutoresizingFlexibleHeight);
-    setBackgroundColor(UIColor::colorWithWhite_alpha(0.1, 0.95));
+    setBackgroundColor(appearance::panelColor());
     layer()->setCornerRadius(12);
     m_hud->spinner = Spinner::alloc()->initWithSize(spinnerSize);
     m_hud->label = CellLabel::alloc()->initWithFrame(CGRectZero);

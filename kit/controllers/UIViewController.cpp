@@ -3,6 +3,7 @@
 #include "kit/controllers/controller_state.h"
 #include "kit/controllers/navigation_state.h"
 #include "kit/quartz/geometry.h"
+#include "kit/uikit/appearance.h"
 #include "kit/uikit/view_controller.h"
 #include "platform/uikit/UINavigationController.h"
 #include "platform/uikit/UIScreen.h"
@@ -41,7 +42,7 @@ std::shared_ptr<UIView> UIViewController::viewIfLoaded() const { return m_contro
 
 void UIViewController::loadView() {
     auto view = UIView::alloc()->initWithFrame(ControllerInternals::initialFrame());
-    view->setBackgroundColor(UIColor::whiteColor());
+    view->setBackgroundColor(seat::appearance::cardColor());
     setView(std::move(view));
 }
 

@@ -3,11 +3,12 @@
 #include "kit/settings_framework/row_value.h"
 #include "kit/uikit/appearance.h"
 #include "platform/runtime/method.h"
+#include "platform/uikit/UITapGestureRecognizer.h"
 
 NS_CLASS_IMPLEMENTATION(
     PSSwitchTableCell, PSTableCell,
     method<&PSSwitchTableCell::initWithStyle_reuseIdentifier_specifier>("initWithStyle:reuseIdentifier:specifier:"),
-    method<&PSSwitchTableCell::switchChanged>("switchChanged:"))
+    method<&PSSwitchTableCell::switchChanged>("switchChanged:"), method<&PSSwitchTableCell::rowTapped>("rowTapped:"))
 NS_CLASS_IMPLEMENTATION(
     PSButtonTableCell, PSTableCell,
     method<&PSButtonTableCell::initWithStyle_reuseIdentifier_specifier>("initWithStyle:reuseIdentifier:specifier:"))
@@ -33,6 +34,7 @@ PSSwitchTableCell::initWithStyle_reuseIdentifier_specifier(long, const std::stri
     m_switch->addTarget_action_forControlEvents(shared_from_this(), "switchChanged:", UIControlEventValueChanged);
     m_switch->setAccessibilityLabel(textLabel()->text());
     setAccessoryView(m_switch);
+    addGestureRecognizer(UITapGestureRecognizer::alloc()->initWithTarget_action(shared_from_this(), "rowTapped:"));
     return self(this);
 }
 
@@ -41,6 +43,13 @@ void PSSwitchTableCell::setValue(const id& value) { m_switch->setOn_animated(val
 void PSSwitchTableCell::refreshCellContentsWithSpecifier(const std::shared_ptr<PSSpecifier>& specifier) {
     PSTableCell::refreshCellContentsWithSpecifier(specifier);
     m_switch->setAccessibilityLabel(textLabel()->text());
+}
+
+// On the switch itself the finger has its own effect.
+void PSSwitchTableCell::rowTapped(const std::shared_ptr<UIGestureRecognizer>& recognizer) {
+    if (!recognizer || recognizer->state() != UIGestureRecognizerStateEnded) return;
+    if (!CGRectContainsPoint(m_switch->bounds(), recognizer->locationOfTouch_inView(0, m_switch.get())))
+        m_switch->accessibilityActivate();
 }
 
 void PSSwitchTableCell::switchChanged() {

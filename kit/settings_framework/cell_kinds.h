@@ -4,8 +4,9 @@
 
 #include "kit/uikit/UISwitch.h"
 #include "platform/settings_framework/PSTableCell.h"
+#include "platform/uikit/UIGestureRecognizer.h"
 
-// A switch at the right end, which tells the row's setter of each change.
+// A switch at the right end, which tells the row's setter of each change. A tap anywhere on the row turns it.
 class PSSwitchTableCell final : public PSTableCell {
     NS_CLASS(PSSwitchTableCell)
 public:
@@ -20,6 +21,7 @@ public:
 private:
     PSSwitchTableCell() = default;
     void switchChanged();
+    void rowTapped(const std::shared_ptr<UIGestureRecognizer>& recognizer);
 
     std::shared_ptr<UISwitch> m_switch;
 };

@@ -1,8 +1,8 @@
 #include "kit/uikit/ScrollIndicator.h"
 
 #include "kit/quartz/geometry.h"
+#include "kit/uikit/appearance.h"
 #include "platform/quartz/CATransaction.h"
-#include "platform/uikit/UIColor.h"
 #include "platform/uikit/UIView.h"
 
 #include <algorithm>
@@ -25,7 +25,7 @@ void ScrollIndicator::show(CALayer& container, CGRect bounds, ScrollRange range)
     CATransaction::setDisableActions(true);
     if (!m_bar) {
         m_bar = CALayer::layer();
-        m_bar->setBackgroundColor(UIColor::colorWithWhite_alpha(0, 0.35)->CGColor());
+        m_bar->setBackgroundColor(appearance::indicatorColor()->CGColor());
         m_bar->setCornerRadius(thickness / 2);
     }
     if (container.sublayers().empty() || container.sublayers().back() != m_bar) {

@@ -3,6 +3,7 @@
 #include "kit/quartz/drawing.h"
 #include "kit/quartz/text_runs.h"
 #include "kit/seat.h"
+#include "kit/uikit/appearance.h"
 #include "platform/uikit/UIImage.h"
 
 #include <algorithm>
@@ -14,7 +15,6 @@ NS_CLASS_IMPLEMENTATION(UILabel, UIView)
 namespace {
 
 constexpr double unlimited = std::numeric_limits<double>::infinity();
-constexpr double disabledTextAlpha = 0.4;
 
 seat::TextAlignment hostAlignment(NSTextAlignment alignment) {
     switch (alignment) {
@@ -32,6 +32,13 @@ bool isSameColor(const std::shared_ptr<UIColor>& a, const std::shared_ptr<UIColo
     return a == b || (a && b && *a->CGColor() == *b->CGColor());
 }
 
+// Who asks for plain black or blue text thinks of a light page.
+const std::shared_ptr<UIColor>& legible(const std::shared_ptr<UIColor>& color) {
+    if (color == UIColor::blackColor()) return seat::appearance::textColor();
+    if (color == UIColor::blueColor()) return seat::appearance::tintColor();
+    return color;
+}
+
 bool looksTheSame(const NSAttributedString& a, const NSAttributedString& b) {
     return std::ranges::equal(a.runs(), b.runs(), [](const auto& x, const auto& y) {
         return x.text == y.text && x.attributes.font == y.attributes.font &&
@@ -40,7 +47,7 @@ bool looksTheSame(const NSAttributedString& a, const NSAttributedString& b) {
 }
 
 std::vector<seat::TextRun> runsOf(const UILabel& label) {
-    const auto& color = label.textColor()->CGColor();
+    const auto& color = legible(label.textColor())->CGColor();
     const auto& attributed = label.attributedText();
     return attributed ? seat::textRuns(*attributed, label.font(), color)
                       : seat::textRuns(label.text(), label.font(), color);
@@ -48,7 +55,7 @@ std::vector<seat::TextRun> runsOf(const UILabel& label) {
 
 } // namespace
 
-UILabel::UILabel() : m_font(UIFont::systemFontOfSize(17)), m_textColor(UIColor::blackColor()) {}
+UILabel::UILabel() : m_font(UIFont::systemFontOfSize(17)), m_textColor(seat::appearance::textColor()) {}
 UILabel::~UILabel() = default;
 
 std::shared_ptr<UILabel> UILabel::init() { return initWithFrame(CGRectZero); }
@@ -95,7 +102,7 @@ const std::shared_ptr<UIColor>& UILabel::textColor() const { return m_textColor;
 
 void UILabel::setTextColor(std::shared_ptr<UIColor> color) {
     if (color == m_textColor) return;
-    m_textColor = color ? std::move(color) : UIColor::blackColor();
+    m_textColor = color ? std::move(color) : seat::appearance::textColor();
     setNeedsDisplay();
 }
 
@@ -133,7 +140,7 @@ CGSize UILabel::intrinsicContentSize() const { return sizeThatFits(bounds().size
 void UILabel::drawRect(CGRect rect) {
     const CGContextRef context = UIGraphicsGetCurrentContext();
     CGContextSaveGState(context);
-    if (!m_enabled) CGContextSetAlpha(context, disabledTextAlpha);
+    if (!m_enabled) CGContextSetAlpha(context, seat::appearance::disabledAlpha);
     seat::drawText(context, runsOf(*this), rect, hostAlignment(m_textAlignment), m_numberOfLines);
     CGContextRestoreGState(context);
 }

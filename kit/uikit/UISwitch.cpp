@@ -3,6 +3,7 @@
 #include "kit/quartz/geometry.h"
 #include "kit/uikit/GestureInternals.h"
 #include "kit/uikit/PanReader.h"
+#include "kit/uikit/appearance.h"
 #include "platform/runtime/method.h"
 #include "platform/uikit/UIPanGestureRecognizer.h"
 #include "platform/uikit/UITapGestureRecognizer.h"
@@ -32,10 +33,6 @@ std::shared_ptr<CALayer> capsule(const std::shared_ptr<UIColor>& color) {
     return layer;
 }
 
-std::shared_ptr<UIColor> green() { return UIColor::colorWithRed_green_blue_alpha(0.298, 0.851, 0.392, 1); }
-// Dark enough beside the white of knob and page for every eye to see where the knob stands.
-std::shared_ptr<UIColor> grey() { return UIColor::colorWithWhite_alpha(0.57, 1); }
-
 // Up and down are the table's.
 class PanAcross final : public seat::PanReader {
 public:
@@ -59,7 +56,7 @@ std::shared_ptr<UISwitch> UISwitch::init() { return initWithFrame(CGRectZero); }
 std::shared_ptr<UISwitch> UISwitch::initWithFrame(CGRect frame) {
     if (!UIControl::initWithFrame({frame.origin, size})) return nullptr;
     layer()->setCornerRadius(size.height / 2); // the outline that a focus ring follows
-    m_track = capsule(grey());
+    m_track = capsule(seat::appearance::markColor());
     setCapsuleFrame(*m_track, {{0, 0}, size});
     layer()->addSublayer(m_track);
 
@@ -98,7 +95,7 @@ void UISwitch::place(bool on) {
         setCapsuleFrame(*discs[i],
                         CGRectOffset(CGRectInset(disc, -shadows[i].spread, -shadows[i].spread), 0, shadows[i].drop));
     setCapsuleFrame(*discs.back(), disc);
-    m_track->setBackgroundColor((on ? green() : grey())->CGColor());
+    m_track->setBackgroundColor((on ? seat::appearance::switchOnColor() : seat::appearance::markColor())->CGColor());
 }
 
 void UISwitch::show(bool on, bool animated) {

@@ -2,6 +2,7 @@
 
 #include "kit/uikit/ViewInternals.h"
 #include "kit/uikit/WindowInternals.h"
+#include "kit/uikit/appearance.h"
 #include "kit/uikit/focus_order.h"
 #include "platform/uikit/UIScrollView.h"
 #include "platform/uikit/UIViewController.h"
@@ -16,7 +17,7 @@ UIWindow::~UIWindow() = default;
 
 std::shared_ptr<UIWindow> UIWindow::initWithFrame(CGRect frame) {
     if (!UIView::initWithFrame(frame)) return nullptr;
-    setBackgroundColor(UIColor::whiteColor());
+    setBackgroundColor(seat::appearance::cardColor());
     return self(this);
 }
 

@@ -31,6 +31,8 @@ public:
     CGSize size() const;
     double scale() const { return m_scale; }
     void resize(CGSize points, double scale);
+    // All of it: its colours are others now.
+    void repaint() { layerNeedsRepaint(m_window->bounds()); }
 
     // Called once when there is something to do for a frame; not again before the next prepareFrame().
     void setNeedsFrame(std::function<void()> callback);

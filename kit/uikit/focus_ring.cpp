@@ -2,8 +2,8 @@
 
 #include "kit/quartz/geometry.h"
 #include "kit/uikit/UIWindow.h"
+#include "kit/uikit/appearance.h"
 #include "kit/uikit/visible_rect.h"
-#include "platform/uikit/UIColor.h"
 
 #include <algorithm>
 #include <cmath>
@@ -27,7 +27,7 @@ bool ringStandsInside(const UIView& view) {
 std::shared_ptr<CALayer> makeFocusRing() {
     const auto ring = CALayer::layer();
     ring->setBorderWidth(thickness);
-    ring->setBorderColor(UIColor::colorWithRed_green_blue_alpha(0, 0.478, 1, 1)->CGColor());
+    ring->setBorderColor(appearance::focusRingColor()->CGColor());
     return ring;
 }
 

@@ -30,8 +30,8 @@ private:
     int m_descriptor = -1;
 };
 
-// All arguments of a message. A variant is the value within; a{sv} a dictionary; bytes are NSData; other arrays
-// NSArray; object paths and signatures strings. nullopt and `problem` when it is refused.
+// All arguments of a message. A variant is the value within; a{sv} a dictionary; bytes are NSData; other arrays, and
+// structures, NSArray; object paths and signatures strings. nullopt and `problem` when it is refused.
 std::optional<std::vector<id>> readArguments(DBusMessage& message, std::string& problem);
 
 // Appends by signature: s o b i u x t d a{sv} as ah h. False when a value does not fit its place.

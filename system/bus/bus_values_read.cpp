@@ -26,6 +26,7 @@ private:
     std::optional<id> array(DBusMessageIter& at, int depth);
     std::optional<id> dictionary(DBusMessageIter& entries, int depth);
     std::optional<id> bytes(DBusMessageIter& elements);
+    std::optional<id> structure(DBusMessageIter& at, int depth);
     std::optional<id> refuse(const char* reason) {
         m_problem = reason;
         return std::nullopt;
@@ -69,6 +70,8 @@ std::optional<id> Reader::value(DBusMessageIter& at, int depth) {
         ::dbus_message_iter_recurse(&at, &inner);
         return value(inner, depth + 1);
     }
+    case DBUS_TYPE_STRUCT:
+        return structure(at, depth);
     default:
         return refuse("it has a value of a type that means nothing here");
     }
@@ -97,6 +100,18 @@ std::optional<id> Reader::array(DBusMessageIter& at, int depth) {
         auto element = value(elements, depth + 1);
         if (!element) return std::nullopt;
         result->addObject(std::move(*element));
+    }
+    return id(result);
+}
+
+std::optional<id> Reader::structure(DBusMessageIter& at, int depth) {
+    DBusMessageIter members;
+    ::dbus_message_iter_recurse(&at, &members);
+    const auto result = NSArray::array();
+    for (; ::dbus_message_iter_get_arg_type(&members) != DBUS_TYPE_INVALID; ::dbus_message_iter_next(&members)) {
+        auto member = value(members, depth + 1);
+        if (!member) return std::nullopt;
+        result->addObject(std::move(*member));
     }
     return id(result);
 }

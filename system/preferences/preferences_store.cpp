@@ -13,6 +13,7 @@
 #include "system/preferences/preferences_notices.h"
 #include "system/preferences/preferences_writer.h"
 
+#include <atomic>
 #include <cstring>
 #include <fcntl.h>
 #include <filesystem>
@@ -65,10 +66,13 @@ private:
     PendingPreferences::Changes m_taken;
 };
 
+std::atomic<bool> somethingWasLost = false; // and nothing stored since
+
 // Takes no memory that it could not do without.
 void lose(const std::string& domain, const char* reason, const PendingPreferences::Change& besides = {}) {
     NSLog("writing the preferences %s: %s; what was to be stored is lost", domain.c_str(), reason);
     pending().endAll(domain, PreferenceWrite::Failed, besides);
+    somethingWasLost = true;
     tellOfPreferences(PreferencesNotice::What::NotStored, domain, reason);
 }
 
@@ -82,7 +86,10 @@ bool store(const std::string& domain, Timeout timeout) {
               result.aside.c_str());
         tellOfPreferences(PreferencesNotice::What::MovedAside, domain, result.aside.c_str());
     }
-    if (result.isStored) return true;
+    if (result.isStored) {
+        if (somethingWasLost.exchange(false)) tellOfPreferences(PreferencesNotice::What::Stored, domain, "");
+        return true;
+    }
     lose(domain, result.reason.c_str());
     return true;
 }

@@ -53,8 +53,8 @@ void tell(int identifier, const std::string& what) {
 
 ChildEnd ending(const ::siginfo_t& information) {
     const std::string number = std::to_string(information.si_status);
-    if (information.si_code == CLD_EXITED) return {information.si_status, "ended with " + number};
-    return {-1, "was ended by signal " + number};
+    if (information.si_code == CLD_EXITED) return {information.si_status, 0, "ended with " + number};
+    return {-1, information.si_status, "was ended by signal " + number};
 }
 
 void finishLoading(int identifier, const std::function<void(int)>& couldNotLoad) {

@@ -10,6 +10,7 @@ namespace seat {
 
 struct ChildEnd {
     int exitCode = -1;       // -1: a signal ended it
+    int signal = 0;          // which one
     std::string description; // "ended with 1", "was ended by signal 9"
 };
 

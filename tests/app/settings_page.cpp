@@ -1,6 +1,6 @@
 // The real bundle's page in the application, as a finger and a keyboard meet it.
 
-#include "app/FailureBanner.h"
+#include "app/NoticeBoard.h"
 #include "app/SettingsPage.h"
 #include "kit/dispatch/ManualClock.h"
 #include "kit/uikit/AccessibilityTree.h"
@@ -140,20 +140,19 @@ TEST_F(SettingsPageTest, CancelDuringASearchInterruptsTheToolAndTakesThePanelAwa
     EXPECT_FALSE(find(UIAccessibilityRole::ProgressIndicator));
 }
 
-TEST_F(SettingsPageTest, ABannerGoesWhenTheDaemonIsReachedAgain) {
+TEST_F(SettingsPageTest, TheNoticeOfAnAbsentDaemonStaysUntilItIsReachedAgain) {
+    touches->wait(600);
     ASSERT_TRUE(find(UIAccessibilityRole::Alert)) << "without a daemon";
-    const double begun = clock.mediaTime();
     const testing_support::ScriptedDaemon daemon(root.path());
 
     ASSERT_TRUE(tap(UIAccessibilityRole::ListItem, "Restart Daemons"));
 
     EXPECT_TRUE(waitUntil([&] { return !find(UIAccessibilityRole::Alert); }));
-    EXPECT_LT(clock.mediaTime() - begun, app::FailureBanner::secondsShown) << "not because its time was over";
 }
 
 TEST_F(SettingsPageTest, WhatFailsForThePageOfAnotherRootIsNoNewsHere) {
-    touches->wait(app::FailureBanner::secondsShown + 1);
-    ASSERT_FALSE(find(UIAccessibilityRole::Alert)) << "the notice of the first appearance is over";
+    page->notices().withdraw(app::NoticeKind::DaemonAbsent); // of the first appearance
+    ASSERT_FALSE(find(UIAccessibilityRole::Alert));
     bool heard = false;
     const seat::NotifyListener listener("com.quorrel.jvnfailure", [&] { heard = true; });
     const testing_support::BusPeer other(bus.address());
@@ -164,6 +163,54 @@ TEST_F(SettingsPageTest, WhatFailsForThePageOfAnotherRootIsNoNewsHere) {
     touches->wait(0.1);
 
     EXPECT_FALSE(find(UIAccessibilityRole::Alert));
+}
+
+TEST_F(SettingsPageTest, AToolThatIsMissingIsSaidUntilOneRuns) {
+    page->notices().withdraw(app::NoticeKind::DaemonAbsent);
+    ASSERT_TRUE(tap(UIAccessibilityRole::ListItem, "Pair Controller"));
+    const auto* const notice = find(UIAccessibilityRole::Alert);
+    ASSERT_TRUE(notice);
+    EXPECT_NE(notice->name.find("/usr/bin/jvndiscovery, does not run: No such file"), std::string::npos)
+        << notice->name;
+
+    touches->key(seat::hid::escape); // the panel may lie over the row
+    startSearch();
+
+    EXPECT_FALSE(find(UIAccessibilityRole::Alert));
+}
+
+TEST_F(SettingsPageTest, AToolThatEndsBadlyIsSaidAndOneThatIsInterruptedIsNot) {
+    page->notices().withdraw(app::NoticeKind::DaemonAbsent);
+    startSearch();
+    touches->key(seat::hid::escape);
+    ASSERT_TRUE(waitUntil([&] { return toolLog() == "started\ninterrupted\n"; }));
+    EXPECT_FALSE(find(UIAccessibilityRole::Alert));
+
+    std::ofstream(root.path() + "/usr/bin/jvndiscovery") << "#!/bin/sh\nexit 3\n";
+    ASSERT_TRUE(tap(UIAccessibilityRole::ListItem, "Pair Controller"));
+
+    EXPECT_TRUE(waitUntil([&] {
+        const auto* const notice = find(UIAccessibilityRole::Alert);
+        return notice && notice->name.find("it ended with 3") != std::string::npos;
+    }));
+}
+
+TEST_F(SettingsPageTest, ASettingThatIsNotStoredIsSaidUntilOneIs) {
+    page->notices().withdraw(app::NoticeKind::DaemonAbsent);
+    const fs::path preferences = root.path() + "/var/mobile/Library/Preferences";
+    fs::rename(preferences, preferences.string() + ".away");
+    std::ofstream(preferences) << "a file where a folder is wanted";
+    seat::setPreferenceValue("com.quorrel.joyvane", "key", id(NSNumber::numberWithInteger(1)));
+    EXPECT_TRUE(waitUntil([&] {
+        const auto* const notice = find(UIAccessibilityRole::Alert);
+        return notice && notice->name.starts_with("Your change could not be stored: ");
+    }));
+
+    fs::remove(preferences);
+    fs::rename(preferences.string() + ".away", preferences);
+    seat::setPreferenceValue("com.quorrel.joyvane", "key", id(NSNumber::numberWithInteger(2)));
+
+    EXPECT_TRUE(waitUntil([&] { return !find(UIAccessibilityRole::Alert); }));
 }
 
 TEST_F(SettingsPageTest, WithoutADiscoveryToolThereIsAWayOutToo) {
@@ -184,8 +231,8 @@ TEST_F(SettingsPageTest, ASettingThatCannotBeStoredIsSaidWithTheReason) {
     ASSERT_TRUE(tap(UIAccessibilityRole::Switch, "Ambient LED Color"));
 
     EXPECT_TRUE(waitUntil([&] {
-        return find(UIAccessibilityRole::Alert, "The setting could not be stored: a folder is in its place. The page "
-                                                "shows what the file holds.");
+        return find(UIAccessibilityRole::Alert, "Your change could not be stored: a folder is in its place. Put that "
+                                                "right and change it once more.");
     }));
 }
 
@@ -198,8 +245,8 @@ TEST_F(SettingsPageTest, ADamagedFileThatWasMovedAsideIsSaidWithItsNewName) {
 
     EXPECT_TRUE(waitUntil([&] {
         return find(UIAccessibilityRole::Alert,
-                    "The settings file was damaged. It is kept beside the new one as com.quorrel.joyvane.damaged-1 "
-                    "(it is no property list).");
+                    "Your settings could not be read, so this is a new beginning. The old file is kept as "
+                    "com.quorrel.joyvane.damaged-1 (it is no property list).");
     }));
 }
 

@@ -218,12 +218,15 @@ TEST_F(SimulationTest, ADaemonThatDiesIsReapedAndSaidAtOnce) {
     const auto children = testing_support::unreapedChildren();
     ASSERT_TRUE(simulation.start(bundle("jvnd", ""), problem));
     simulation.setListener([&](const std::string& line) { heard += line + "|"; });
+    std::string end;
+    simulation.setDaemonEndListener([&](const std::string& how) { end += how + "|"; });
     const auto daemon = testing_support::newestChild();
 
     ::kill(daemon, SIGKILL);
 
     EXPECT_TRUE(loop.runUntil([&] { return heard.find("was ended by signal 9|") != std::string::npos; }));
     EXPECT_EQ(log.count("the simulated jvnd (process " + std::to_string(daemon) + ") was ended by signal 9"), 1u);
+    EXPECT_EQ(end, "was ended by signal 9|");
     EXPECT_EQ(testing_support::unreapedChildren(), children);
     simulation.startDaemon(problem);
     EXPECT_EQ(problem, "");

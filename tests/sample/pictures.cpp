@@ -165,7 +165,7 @@ TEST(SampleJournal, ThePageHearsOfItsLifeInOrder) {
     sample.tap("A switch");
 
     EXPECT_EQ(sample.journal(), "didLoad willAppear didAppear willDisappear didDisappear willAppear didAppear "
-                                "dismissed:1 background");
+                                "dismissed:1 background set:switch_row");
 }
 
 } // namespace

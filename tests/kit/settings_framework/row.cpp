@@ -48,14 +48,28 @@ TEST_F(PageRows, SwitchStoresABooleanThroughTheRowsSetter) {
     EXPECT_EQ(page->log, "set(a) ");
 }
 
-TEST_F(PageRows, TapOnASwitchesRowBesideTheSwitchDoesNothing) {
+TEST_F(PageRows, TapOnASwitchesRowBesideTheSwitchTurnsIt) {
     writeResource(item("PSSwitchCell", "a", "A", bound("a", "<false/>")));
     show();
 
     touches.tap(cell("a")->convertPoint_toView({40, 22}, nullptr));
+    EXPECT_TRUE(stored("a").boolValue());
+    touches.tap(cell("a")->convertPoint_toView({40, 22}, nullptr));
+
+    EXPECT_FALSE(stored("a").boolValue());
+    EXPECT_EQ(page->log, "set(a) set(a) ") << "once a tap";
+    EXPECT_FALSE(page->table()->indexPathForSelectedRow());
+}
+
+TEST_F(PageRows, ADragFromASwitchesRowScrollsAndTurnsNothing) {
+    writeResource(item("PSSwitchCell", "a", "A", bound("a", "<false/>")));
+    show();
+    const CGPoint start = cell("a")->convertPoint_toView({40, 22}, nullptr);
+
+    touches.drag(start, {start.x, start.y + 80});
+    touches.settle();
 
     EXPECT_EQ(page->log, "");
-    EXPECT_FALSE(page->table()->indexPathForSelectedRow());
 }
 
 TEST_F(PageRows, ReloadShowsAValueThatAnotherProgramStored) {

@@ -125,20 +125,33 @@ TEST(BusValues, TooLongOnesAreRefused) {
     EXPECT_FALSE(bytes.read());
 }
 
-TEST(BusValues, DescriptorsStructuresAndForeignKeysAreRefused) {
-    Message descriptor;
-    ASSERT_TRUE(descriptor.append("h", {seat::BusDescriptor::withDescriptor(0)}));
-    EXPECT_FALSE(descriptor.read());
-
+TEST(BusValues, AStructureIsReadAsTheListOfItsMembers) {
     Message structure;
     DBusMessageIter at;
     DBusMessageIter inner;
-    const dbus_int32_t number = 1;
+    const dbus_int32_t number = 7;
     ::dbus_message_iter_init_append(structure.message, &at);
     ::dbus_message_iter_open_container(&at, DBUS_TYPE_STRUCT, nullptr, &inner);
     ::dbus_message_iter_append_basic(&inner, DBUS_TYPE_INT32, &number);
     ::dbus_message_iter_close_container(&at, &inner);
-    EXPECT_FALSE(structure.read());
+
+    const auto arguments = structure.read();
+
+    ASSERT_TRUE(arguments);
+    ASSERT_EQ(arguments->size(), 1u);
+    const auto* const members = arguments->front().objectPointer<NSArray>();
+    ASSERT_TRUE(members);
+    ASSERT_EQ(members->count(), 1u);
+    EXPECT_EQ(members->objectAtIndex(0).integerValue(), 7);
+}
+
+TEST(BusValues, DescriptorsAndForeignKeysAreRefused) {
+    Message descriptor;
+    ASSERT_TRUE(descriptor.append("h", {seat::BusDescriptor::withDescriptor(0)}));
+    EXPECT_FALSE(descriptor.read());
+    DBusMessageIter at;
+    DBusMessageIter inner;
+    const dbus_int32_t number = 1;
 
     Message keys;
     DBusMessageIter entries;

@@ -1,0 +1,60 @@
+#pragma once
+
+// The one notice over a page, of what only the application knows.
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+
+class UIViewController;
+class UIWindow;
+
+namespace app {
+
+class NoticeView;
+
+// What can be told, the weightiest first; of several that are true the first is shown.
+enum class NoticeKind {
+    PreferencesMovedAside,
+    SettingNotStored,
+    DaemonEnded,
+    DaemonAbsent,
+    ResourceDamaged,
+    ToolFailed,
+    NotOpened
+};
+
+struct Notice {
+    std::string text = {};        // what has happened, and what to do
+    std::string actionTitle = {}; // of a button that does it; empty: none
+    std::function<void()> action = {};
+};
+
+// Each notice stays until it is put away or withdrawn. The window's screen is made lower meanwhile, so that no row is
+// covered. Main thread.
+class NoticeBoard {
+public:
+    // The window's screen may be set later.
+    explicit NoticeBoard(const std::shared_ptr<UIWindow>& window);
+    ~NoticeBoard();
+    NoticeBoard(const NoticeBoard&) = delete;
+    NoticeBoard& operator=(const NoticeBoard&) = delete;
+
+    // In place of what was told of that kind.
+    void post(NoticeKind kind, Notice notice);
+    // It is not true any more. Nothing for one that is not there.
+    void withdraw(NoticeKind kind);
+
+private:
+    void layOut();
+    void putAway();
+    void act();
+    void showFirst();
+
+    std::weak_ptr<UIWindow> m_window;
+    std::map<NoticeKind, Notice> m_notices;
+    std::shared_ptr<NoticeView> m_view;
+};
+
+} // namespace app

@@ -1,0 +1,119 @@
+#include "app/NoticeView.h"
+
+#include "kit/controllers/TextButton.h"
+#include "kit/quartz/geometry.h"
+#include "kit/tables/CellParts.h"
+#include "kit/uikit/appearance.h"
+#include "platform/runtime/method.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace {
+
+constexpr double topPadding = 12; // above the text
+constexpr double buttonHeight = 44;
+constexpr double mostOfWindow = 0.5;
+constexpr double buttonGap = 24;
+
+// As wide as rows are.
+CGRect column(CGSize area) {
+    using namespace seat::appearance;
+    const double width = std::max(1.0, std::min(readableWidth, area.width) - 2 * sideMargin);
+    return {{std::floor((area.width - width) / 2), 0}, {width, area.height}};
+}
+
+} // namespace
+
+namespace app {
+
+using namespace seat::appearance;
+using seat::TextButton;
+
+NS_CLASS_IMPLEMENTATION(NoticeView, UIView, method<&NoticeView::closeTapped>("closeTapped"),
+                        method<&NoticeView::actionTapped>("actionTapped"))
+
+NoticeView::~NoticeView() = default;
+
+std::shared_ptr<NoticeView> NoticeView::initWithClosed_acted(std::function<void()> closed,
+                                                             std::function<void()> acted) {
+    if (!UIView::initWithFrame(CGRectZero)) return nullptr;
+    m_closed = std::move(closed);
+    m_acted = std::move(acted);
+    setBackgroundColor(cardColor());
+    m_line = UIView::alloc()->initWithFrame(CGRectZero);
+    m_line->setBackgroundColor(separatorColor());
+    m_texts = UIScrollView::alloc()->initWithFrame(CGRectZero);
+    m_label = seat::CellLabel::alloc()->initWithFrame(CGRectZero);
+    m_label->setFont(UIFont::systemFontOfSize(15));
+    m_label->setNumberOfLines(0);
+    m_texts->addSubview(m_label);
+    m_close = TextButton::alloc()->initWithTitle_kind("Close", TextButton::Kind::Plain);
+    m_close->addTarget_action_forControlEvents(shared_from_this(), "closeTapped", UIControlEventTouchUpInside);
+    addSubview(m_line);
+    addSubview(m_texts);
+    addSubview(m_close);
+    return self(this);
+}
+
+void NoticeView::show(const std::string& text, const std::string& actionTitle) {
+    m_label->setText(text);
+    if (actionTitle != m_actionTitle) {
+        if (m_action) m_action->removeFromSuperview();
+        m_action = nullptr;
+        if (!actionTitle.empty()) {
+            m_action = TextButton::alloc()->initWithTitle_kind(actionTitle, TextButton::Kind::Bold);
+            m_action->addTarget_action_forControlEvents(shared_from_this(), "actionTapped",
+                                                        UIControlEventTouchUpInside);
+            addSubview(m_action);
+        }
+        m_actionTitle = actionTitle;
+    }
+    setNeedsLayout();
+}
+
+double NoticeView::heightIn(CGSize window) const {
+    const double text = std::ceil(m_label->sizeThatFits({column(window).size.width, 1e6}).height);
+    return std::min(topPadding + text, std::floor(window.height * mostOfWindow) - buttonHeight) + buttonHeight;
+}
+
+void NoticeView::layoutSubviews() {
+    UIView::layoutSubviews();
+    const auto around = superview();
+    if (around && wantsPlace && heightIn(around->bounds().size) != bounds().size.height) wantsPlace();
+    const CGSize size = bounds().size;
+    const CGRect area = column(size);
+    m_line->setFrame(CGRectMake(0, 0, size.width, hairline()));
+    const double textHeight = std::max(0.0, size.height - buttonHeight);
+    m_texts->setFrame(CGRectMake(area.origin.x, hairline(), area.size.width, textHeight - hairline()));
+    const double wanted = std::ceil(m_label->sizeThatFits({area.size.width, 1e6}).height);
+    m_label->setFrame(CGRectMake(0, topPadding, area.size.width, wanted));
+    m_texts->setContentSize(CGSizeMake(area.size.width, topPadding + wanted));
+    double right = CGRectGetMaxX(area);
+    for (const auto& button : {m_close, m_action}) {
+        if (!button) continue;
+        const double width = button->sizeThatFits({area.size.width, buttonHeight}).width;
+        button->setFrame(CGRectMake(right - width, textHeight, width, buttonHeight));
+        right -= width + buttonGap;
+    }
+}
+
+std::string NoticeView::accessibilityLabel() const { return m_label ? m_label->text() : std::string(); }
+
+bool NoticeView::accessibilityPerformEscape() {
+    closeTapped();
+    return true;
+}
+
+void NoticeView::closeTapped() {
+    const auto keep = shared_from_this();
+    if (m_closed) m_closed();
+}
+
+void NoticeView::actionTapped() {
+    const auto keep = shared_from_this();
+    if (m_acted) m_acted();
+}
+
+} // namespace app

@@ -1,0 +1,50 @@
+"""A desktop's settings portal that says what its arguments say: SCHEME CONTRAST. Each line "SCHEME CONTRAST" on its
+standard input changes that, and tells everybody.
+
+Says "ready" when it has its name.
+"""
+
+import sys
+
+from gi.repository import Gio, GLib
+
+NAME = "org.freedesktop.portal.Desktop"
+PATH = "/org/freedesktop/portal/desktop"
+INTERFACE = "org.freedesktop.portal.Settings"
+SPACE = "org.freedesktop.appearance"
+DESCRIPTION = f"""<node><interface name="{INTERFACE}">
+  <method name="ReadAll"><arg type="as" direction="in"/><arg type="a{{sa{{sv}}}}" direction="out"/></method>
+  <signal name="SettingChanged"><arg type="s"/><arg type="s"/><arg type="v"/></signal>
+</interface></node>"""
+
+
+def values(words):
+    scheme, contrast = map(int, words)
+    return {"color-scheme": GLib.Variant("u", scheme), "contrast": GLib.Variant("u", contrast),
+            "accent-color": GLib.Variant("(ddd)", (0.6, 0.2, 0.7))}
+
+
+def main():
+    bus = Gio.bus_get_sync(Gio.BusType.SESSION)
+    now = values(sys.argv[1:3])
+
+    def call(_connection, _sender, _path, _interface, _method, _arguments, invocation):
+        invocation.return_value(GLib.Variant("(a{sa{sv}})", ({SPACE: now},)))
+
+    def line(_source, _condition):
+        words = sys.stdin.readline().split()
+        if not words:
+            return False
+        now.update(values(words))
+        bus.emit_signal(None, PATH, INTERFACE, "SettingChanged",
+                        GLib.Variant("(ssv)", (SPACE, "color-scheme", now["color-scheme"])))
+        return True
+
+    bus.register_object(PATH, Gio.DBusNodeInfo.new_for_xml(DESCRIPTION).interfaces[0], call)
+    Gio.bus_own_name_on_connection(bus, NAME, 0, lambda *_: print("ready", flush=True), None)
+    GLib.io_add_watch(0, GLib.IO_IN, line)
+    GLib.MainLoop().run()
+
+
+if __name__ == "__main__":
+    main()
