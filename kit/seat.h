@@ -1,9 +1,9 @@
 #pragma once
 
-// All that the frameworks in kit/ need from below, and nothing else: time, files, the preferences, text, and a painter
-// for what kit/quartz does not paint itself. system/ and desktop/ define what is declared here; another seat defines it
-// in its own way (tests/memory_seat/ does, in memory), and is chosen when a program is linked. Functions are for the
-// main thread unless they say more.
+// All that the frameworks in kit/ need from below, and nothing else: time, the log, files, preferences, text, and a
+// painter for what kit/quartz does not paint itself. system/ and desktop/ define what is declared here; another seat
+// defines it in its own way (tests/memory_seat/ does, in memory), and is chosen when a program is linked. Functions are
+// for the main thread unless they say more.
 
 #include "platform/foundation/NSData.h"
 #include "platform/foundation/NSError.h"
@@ -18,6 +18,7 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace seat {
@@ -55,6 +56,11 @@ public:
 private:
     void* m_previous = nullptr;
 };
+
+// ---- log
+
+// Where a logged line goes, which has no line end and at most a kilobyte. Any thread, one at a time; takes no memory.
+void writeLogLine(std::string_view line) noexcept;
 
 // ---- files
 

@@ -5,7 +5,7 @@
 #include "platform/foundation/NSDictionary.h"
 #include "platform/foundation/time.h"
 #include "system/files/root.h"
-#include "system/log/log.h"
+#include "kit/runtime/log.h"
 #include "system/notify/NotifyListener.h"
 #include "system/process/children.h"
 

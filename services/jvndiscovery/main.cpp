@@ -9,7 +9,7 @@
 #include "services/jvndiscovery/options.h"
 #include "services/jvndiscovery/settings.h"
 #include "system/files/Descriptor.h"
-#include "system/log/log.h"
+#include "kit/runtime/log.h"
 #include "system/process/pidfd.h"
 #include "system/process/standard_descriptors.h"
 

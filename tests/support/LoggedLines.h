@@ -1,6 +1,6 @@
 #pragma once
 
-#include "system/log/log.h"
+#include "kit/runtime/log.h"
 
 #include <mutex>
 #include <string>

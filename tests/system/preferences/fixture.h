@@ -2,7 +2,7 @@
 
 #include "platform/foundation/NSDictionary.h"
 #include "system/files/root.h"
-#include "system/log/log.h"
+#include "kit/runtime/log.h"
 #include "system/preferences/preferences_store.h"
 #include "tests/support/TemporaryFolder.h"
 

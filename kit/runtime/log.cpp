@@ -1,5 +1,6 @@
-#include "system/log/log.h"
+#include "kit/runtime/log.h"
 
+#include "kit/seat.h"
 #include "platform/log.h"
 
 #include <algorithm>
@@ -8,7 +9,6 @@
 #include <mutex>
 #include <span>
 #include <string_view>
-#include <unistd.h>
 
 namespace {
 
@@ -34,28 +34,23 @@ void seat::setLogSink(std::function<void(std::string_view line)> sink) {
 
 // Takes no memory: it is also how one hears that there is none.
 void NSLog(const char* format, ...) {
-    constexpr std::string_view name = "joyvane: ";
-    char text[name.size() + longestLine + 1];
-    name.copy(text, name.size());
-    char* const line = text + name.size();
+    char text[longestLine];
     std::va_list arguments;
     va_start(arguments, format);
-    const int wanted = std::vsnprintf(line, longestLine, format, arguments);
+    const int wanted = std::vsnprintf(text, sizeof text, format, arguments);
     va_end(arguments);
     if (wanted < 0) return;
 
-    const std::size_t length = std::min(static_cast<std::size_t>(wanted), longestLine - 1);
+    const std::span line(text, std::min(static_cast<std::size_t>(wanted), sizeof text - 1));
     // A file's contents may have found their way into the reason: what is logged stays one line.
-    for (char& c : std::span(line, length))
+    for (char& c : line)
         if (static_cast<unsigned char>(c) < 0x20 || c == 0x7f) c = ' ';
 
     auto& sink = Sink::shared();
     const std::lock_guard lock(sink.mutex);
-    if (sink.write) {
-        sink.write({line, length});
-        return;
-    }
-    line[length] = '\n';
-    // One call, so that lines of several processes on one terminal do not mix. Nobody can be told when it fails.
-    [[maybe_unused]] const auto written = ::write(STDERR_FILENO, text, name.size() + length + 1);
+    const std::string_view logged(line.data(), line.size());
+    if (sink.write)
+        sink.write(logged);
+    else
+        seat::writeLogLine(logged);
 }
