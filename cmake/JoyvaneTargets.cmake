@@ -108,9 +108,10 @@ endfunction()
 
 # What every compilation of a test has. An expectation is an if with an else inside, and so may well follow an if without
 # braces. What a test tries is compiled as it is shipped; the test itself need not be fast, and takes the compiler half
-# the time this way.
+# the time this way. A fuzzer need not find new ways through a test.
 function(joyvane_test_options name)
-  target_compile_options(${name} PRIVATE -O0 -U_FORTIFY_SOURCE $<$<CXX_COMPILER_ID:GNU>:-Wno-dangling-else>)
+  target_compile_options(${name} PRIVATE -O0 -U_FORTIFY_SOURCE $<$<CXX_COMPILER_ID:GNU>:-Wno-dangling-else>
+    $<$<BOOL:${JOYVANE_FUZZ}>:-fno-sanitize=fuzzer-no-link>)
 endfunction()
 
 # joyvane_test(<name> [SOURCES <files...>] [ANY_SEAT <files...>] [LIBRARIES <targets...>]
