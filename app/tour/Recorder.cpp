@@ -2,10 +2,10 @@
 
 #include "app/tour/describe.h"
 #include "kit/dispatch/main_queue.h"
+#include "kit/runtime/log.h"
 #include "platform/foundation/NSDictionary.h"
 #include "platform/foundation/time.h"
 #include "system/files/root.h"
-#include "kit/runtime/log.h"
 #include "system/notify/NotifyListener.h"
 #include "system/process/children.h"
 

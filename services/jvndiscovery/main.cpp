@@ -1,6 +1,7 @@
 // jvndiscovery: the tool that the page starts to pair a controller. See options.cpp for its command line, Discovery.h
 // for what it does.
 
+#include "kit/runtime/log.h"
 #include "services/bluetooth/clients.h"
 #include "services/common/log.h"
 #include "services/common/root_folder.h"
@@ -9,7 +10,6 @@
 #include "services/jvndiscovery/options.h"
 #include "services/jvndiscovery/settings.h"
 #include "system/files/Descriptor.h"
-#include "kit/runtime/log.h"
 #include "system/process/pidfd.h"
 #include "system/process/standard_descriptors.h"
 

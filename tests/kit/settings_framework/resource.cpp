@@ -1,6 +1,6 @@
+#include "kit/runtime/log.h"
 #include "kit/settings_framework/SpecifierResource.h"
 #include "kit/settings_framework/bundle.h"
-#include "kit/runtime/log.h"
 #include "tests/kit/settings_framework/pages.h"
 
 #include <chrono>

@@ -1,7 +1,7 @@
+#include "kit/runtime/log.h"
 #include "kit/seat.h"
 #include "kit/uikit/AccessibilityTree.h"
 #include "kit/uikit/hid_keys.h"
-#include "kit/runtime/log.h"
 #include "tests/kit/settings_framework/pages.h"
 
 #include <thread>

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "kit/runtime/log.h"
 #include "platform/foundation/NSDictionary.h"
 #include "system/files/root.h"
-#include "kit/runtime/log.h"
 #include "system/preferences/preferences_store.h"
 #include "tests/support/TemporaryFolder.h"
 
