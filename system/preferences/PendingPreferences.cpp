@@ -54,10 +54,14 @@ bool PendingPreferences::beginWaiting(const std::string& domain) {
 }
 
 bool PendingPreferences::endWaiting(const std::string& domain) {
-    const std::lock_guard lock(m_mutex);
-    auto& [changes, isWaitedFor] = m_domains[domain];
-    isWaitedFor = !changes.empty();
-    return !isWaitedFor;
+    {
+        const std::lock_guard lock(m_mutex);
+        auto& [changes, isWaitedFor] = m_domains[domain];
+        isWaitedFor = !changes.empty();
+        if (isWaitedFor) return false;
+    }
+    m_ended.notify_all();
+    return true;
 }
 
 void PendingPreferences::giveUpWaiting(const std::string& domain) {
@@ -67,9 +71,11 @@ void PendingPreferences::giveUpWaiting(const std::string& domain) {
 
 std::vector<std::pair<std::string, std::size_t>> PendingPreferences::awaitNone(std::chrono::milliseconds timeout) {
     std::unique_lock lock(m_mutex);
+    // A worker that still holds the lock has yet to tell how its changes ended.
     const auto isNone = [this] {
-        return std::all_of(m_domains.begin(), m_domains.end(),
-                           [](const auto& entry) { return entry.second.changes.empty(); });
+        return std::all_of(m_domains.begin(), m_domains.end(), [](const auto& entry) {
+            return entry.second.changes.empty() && !entry.second.isWaitedFor;
+        });
     };
     m_ended.wait_for(lock, timeout, isNone);
     std::vector<std::pair<std::string, std::size_t>> left;

@@ -75,6 +75,7 @@ TEST_F(DaemonAway, AnAddressThatIsStoredWhileThePageIsShownCountsAtTheNextTap) {
     showSettled(2, false);
     ASSERT_TRUE(app.tap("Connect Controller"));
     ASSERT_TRUE(app.dismissAlert());
+    ASSERT_TRUE(daemon->waitForConnections(2)) << "the one of the tap, on which nothing was sent";
     app.writePreferences(testing_support::dictionary({{"controller_type", NSNumber::numberWithInteger(2)},
                                                       {"connection_mode", NSNumber::numberWithInteger(1)},
                                                       {"PS4BluetoothAddress", NSData::dataWithBytes(address)}}));

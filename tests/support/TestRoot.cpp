@@ -1,7 +1,9 @@
 #include "tests/support/TestRoot.h"
 
 #include "system/files/root.h"
+#include "system/preferences/preferences_store.h"
 
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -18,6 +20,7 @@ TestRoot::TestRoot() {
 }
 
 TestRoot::~TestRoot() {
+    seat::awaitPendingPreferences(std::chrono::seconds(10));
     seat::setRoot({});
     std::error_code ignored;
     std::filesystem::remove_all(m_path, ignored);
