@@ -73,9 +73,8 @@ std::vector<std::pair<std::string, std::size_t>> PendingPreferences::awaitNone(s
     std::unique_lock lock(m_mutex);
     // A worker that still holds the lock has yet to tell how its changes ended.
     const auto isNone = [this] {
-        return std::all_of(m_domains.begin(), m_domains.end(), [](const auto& entry) {
-            return entry.second.changes.empty() && !entry.second.isWaitedFor;
-        });
+        return std::all_of(m_domains.begin(), m_domains.end(),
+                           [](const auto& entry) { return entry.second.changes.empty() && !entry.second.isWaitedFor; });
     };
     m_ended.wait_for(lock, timeout, isNone);
     std::vector<std::pair<std::string, std::size_t>> left;
