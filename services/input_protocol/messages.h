@@ -52,6 +52,9 @@ enum class Role : std::uint8_t {
     // Listens, and may send Settings that count instead of the governor's (also without one) while it is connected.
     // One a user.
     tryOut = 3,
+    // Listens, and counts as a game that has the pad open while it is connected, so that its user can see the keyboard
+    // play without one. One a user.
+    listen = 4,
 };
 
 // The first message of a connection.
@@ -156,7 +159,7 @@ struct State {
     Readiness readiness;
     PlayMode mode;
     Profile profile;
-    std::uint8_t gameListens;    // 1 while some process has the pad open
+    std::uint8_t gameListens;    // 1 while some process has the pad open, or somebody listens in that role
     std::uint8_t keyboards;      // how many would play; 255 stands for more as well
     std::uint8_t keyboardsTaken; // how many do
     std::uint8_t reserved[2];

@@ -35,7 +35,10 @@ Connector::Connector(services::EventLoop& loop, bluetooth::Client& client, Devic
         goOn();
         if (m_changed) m_changed();
     };
-    m_client.setListener({.adapterChanged = {},
+    const auto adapterChanged = [this](bluetooth::AdapterState) {
+        if (m_changed) m_changed();
+    };
+    m_client.setListener({.adapterChanged = adapterChanged,
                           .deviceChanged = [changed](const bluetooth::Device&) { changed(); },
                           .deviceRemoved = [changed](const bluetooth::Address&) { changed(); }});
     m_devices.onChanged(changed);

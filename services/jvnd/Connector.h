@@ -53,7 +53,7 @@ public:
     void disconnect(const Target& target);
     void bringUp();
 
-    // Called when a controller has connected or gone.
+    // Called when a controller, the adapter or the input service has come, gone or changed.
     void onChanged(std::function<void()> changed) { m_changed = std::move(changed); }
 
 private:

@@ -22,7 +22,7 @@ Daemon::Daemon(services::EventLoop& loop, ControlPlace& place, Options options)
       m_devices(m_options.simulates ? std::unique_ptr<Devices>(std::make_unique<SimulatedDevices>(
                                           *m_bluetooth, [this](const std::string& line) { say(line); }))
                                     : std::make_unique<InputClient>(loop, m_options.inputSocket)),
-      m_simulated(dynamic_cast<SimulatedDevices*>(m_devices.get())),
+      m_simulated(dynamic_cast<SimulatedDevices*>(m_devices.get())), m_status(m_options.root + daemon_status::filePath),
       m_settings(loop, m_options.root + preferencesFile, [this] { settingsChanged(); }),
       m_connector(loop, *m_bluetooth, *m_devices), m_commands(m_connector, actions()), m_server(loop, m_commands),
       m_signals(loop, {preferencesChanged, bringUpBluetooth}, [this](const std::string& name) { heard(name); }) {
@@ -74,6 +74,31 @@ void Daemon::updateLight() { m_devices->setLight(lightMessage(m_settings.setting
 void Daemon::stateChanged() {
     m_devices->setWanted(isNeeded() || m_connector.isConnecting());
     if (m_simulated) m_simulated->controllersChanged();
+    updateStatus();
+}
+
+void Daemon::updateStatus() {
+    const auto bluetoothStatus = [this] {
+        switch (m_bluetooth->adapterState()) {
+        case bluetooth::AdapterState::Unknown:
+            return daemon_status::Bluetooth::unknown;
+        case bluetooth::AdapterState::Absent:
+            return daemon_status::Bluetooth::absent;
+        case bluetooth::AdapterState::Blocked:
+            return daemon_status::Bluetooth::blocked;
+        case bluetooth::AdapterState::Off:
+            return daemon_status::Bluetooth::off;
+        case bluetooth::AdapterState::On:
+            break;
+        }
+        return daemon_status::Bluetooth::on;
+    };
+    const auto keyboards = m_devices->keyboards();
+    m_status.show({.bluetooth = bluetoothStatus(),
+                   .isKeyboardChosen = m_settings.settings().controllerType == JVNControllerTypeKeyboard,
+                   .inputService = keyboards.service,
+                   .readiness = keyboards.readiness,
+                   .keyboards = keyboards.count});
 }
 
 void Daemon::updateIdle() {

@@ -7,6 +7,7 @@
 #include "services/jvnd/SessionSignals.h"
 #include "services/jvnd/SettingsFile.h"
 #include "services/jvnd/SimulatedDevices.h"
+#include "services/jvnd/StatusFile.h"
 
 #include <functional>
 #include <memory>
@@ -47,6 +48,7 @@ private:
     void settingsChanged();
     void stateChanged();
     void updateLight();
+    void updateStatus();
     void updateIdle();
     void heard(const std::string& notification);
     void say(const std::string& line) const;
@@ -57,6 +59,7 @@ private:
     std::unique_ptr<bluetooth::Client> m_bluetooth;
     std::unique_ptr<Devices> m_devices;
     SimulatedDevices* m_simulated = nullptr; // the devices, when they are
+    StatusFile m_status;
     SettingsFile m_settings;
     std::optional<Color> m_picked;
     Color m_storedColor;

@@ -47,10 +47,9 @@ void InputClient::setWanted(bool wanted) {
     if (wanted == m_isWanted) return;
     m_isWanted = wanted;
     m_delay = 0ms;
-    if (wanted)
-        connect();
-    else
-        disconnect();
+    if (wanted) return connect();
+    m_keyboards = {};
+    disconnect();
 }
 
 void InputClient::setKeyboard(const input::Settings& settings) {
@@ -75,7 +74,10 @@ std::optional<std::vector<bluetooth::Address>> InputClient::controllers() const 
 void InputClient::connect() {
     m_timer.reset();
     m_appears.reset();
-    if (const int error = tryToConnect(); error != 0) return retry(error == ENOENT);
+    if (const int error = tryToConnect(); error != 0) {
+        retry(error == ENOENT);
+        return setKeyboards({.service = daemon_status::InputService::unreachable});
+    }
     m_owesHello = m_owesSettings = m_owesLight = true;
     m_lastLight.reset();
     watch(/*hasMore=*/false);
@@ -151,6 +153,7 @@ void InputClient::receive() {
     }
     if (!m_isRefused) services::log("jvninputd: the connection has ended");
     m_isRefused = false;
+    m_keyboards = {.service = daemon_status::InputService::unreachable};
     disconnect();
     if (m_isWanted) retry(/*isAbsent=*/false);
 }
@@ -159,8 +162,9 @@ void InputClient::received(const void* message, std::size_t size) {
     if (const auto refused = input::messageFrom<input::Refused>(message, size)) {
         services::log("jvninputd: %s", reasonText(refused->reason));
         m_isRefused = true;
-    } else if (input::messageFrom<input::State>(message, size)) {
+    } else if (const auto state = input::messageFrom<input::State>(message, size)) {
         m_delay = 0ms; // it has taken us
+        setKeyboards({daemon_status::InputService::connected, state->readiness, state->keyboards});
     } else if (const auto controller = input::messageFrom<input::Controller>(message, size)) {
         const auto address = bluetooth::Address::fromBytes(controller->address);
         if (controller->bus != input::Bus::bluetooth || !address) return;
@@ -168,6 +172,12 @@ void InputClient::received(const void* message, std::size_t size) {
         if (controller->present) m_controllers.push_back(*address);
         tellChanged();
     }
+}
+
+void InputClient::setKeyboards(const Keyboards& keyboards) {
+    if (keyboards == m_keyboards) return;
+    m_keyboards = keyboards;
+    tellChanged();
 }
 
 void InputClient::disconnect() {

@@ -22,6 +22,7 @@ public:
     void setKeyboard(const input::Settings& settings) override;
     void setLight(const input::Light& light) override;
     std::optional<std::vector<bluetooth::Address>> controllers() const override;
+    Keyboards keyboards() const override { return m_keyboards; }
 
 private:
     void connect();
@@ -31,6 +32,7 @@ private:
     void receive();
     void received(const void* message, std::size_t size);
     void disconnect();
+    void setKeyboards(const Keyboards& keyboards);
     void retry(bool isAbsent);
 
     services::EventLoop& m_loop;
@@ -50,6 +52,7 @@ private:
     bool m_owesSettings = false;
     bool m_owesLight = false;
     std::vector<bluetooth::Address> m_controllers;
+    Keyboards m_keyboards;
 };
 
 } // namespace jvnd

@@ -167,8 +167,7 @@ void Client::end() {
 }
 
 bool isValid(const input::Hello& message) {
-    return isZero(message.reserved) && (message.role == input::Role::govern || message.role == input::Role::observe ||
-                                        message.role == input::Role::tryOut);
+    return isZero(message.reserved) && message.role >= input::Role::govern && message.role <= input::Role::listen;
 }
 
 bool isValid(const input::Settings& message) {

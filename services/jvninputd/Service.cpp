@@ -22,7 +22,8 @@ Service::Service(services::EventLoop& loop, seat::Descriptor listener)
                                      },
                                      [this](KeyboardId id) { keyboardGone(id); },
                                      [this](bool listening) {
-                                         m_player.setListening(listening, m_loop.now());
+                                         m_gameListens = listening;
+                                         updateListening();
                                          settle();
                                      }}),
       m_player(m_devices), m_sessions(loop, [this] { sessionChanged(); }), m_lights(setLight), m_watchdog(loop),
@@ -66,6 +67,7 @@ void Service::keyboardGone(KeyboardId id) {
 
 void Service::joined(Client& client) {
     m_handSwitches.try_emplace(&client);
+    updateListening();
     showKeyboards();
     settle();
     if (client.role() != input::Role::govern) return;
@@ -74,6 +76,7 @@ void Service::joined(Client& client) {
 
 void Service::left(Client& client) {
     changePlayer();
+    updateListening();
     m_handSwitches.erase(&client);
     chooseLight();
     settle();
@@ -111,7 +114,15 @@ void Service::changePlayer() {
     if (next == m_playing) return;
     m_player.play(std::nullopt, Player::GiveBack::AtOnce, m_loop.now());
     m_playing = next;
+    updateListening();
     if (m_playing) playSettings();
+}
+
+// A user who looks at what the keyboard plays is a listener like a game, to what that user's own settings play.
+void Service::updateListening() {
+    const bool isWatched = m_playing && m_server.find(m_playing->user(), input::Role::listen);
+    const bool isHeard = m_gameListens || isWatched;
+    if (isHeard != m_player.listening()) m_player.setListening(isHeard, m_loop.now());
 }
 
 void Service::settingsCame(Client& client) {
@@ -121,6 +132,7 @@ void Service::settingsCame(Client& client) {
         return settle();
     }
     m_playing = &client;
+    updateListening();
     playSettings();
     settle();
 }

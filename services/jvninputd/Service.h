@@ -41,6 +41,7 @@ private:
     const Client* whoPlays() const;
     void changePlayer();
     void playSettings();
+    void updateListening();
     void chooseLight();
 
     input::Readiness readinessFor(const Client& client) const;
@@ -63,6 +64,7 @@ private:
     // Whose settings and whose colour count. They are told of before they go.
     const Client* m_playing = nullptr;
     const Client* m_lighting = nullptr;
+    bool m_gameListens = false; // some process has the pad open
     services::EventLoop::Source m_playerTimer;
     std::optional<Moment> m_playerDeadline;
     services::EventLoop::Source m_idleTimer;

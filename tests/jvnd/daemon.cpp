@@ -81,6 +81,22 @@ protected:
     std::optional<Daemon> daemon;
 };
 
+TEST_F(DaemonTest, ItTellsThePageWhatItKnows) {
+    const auto told = [this] {
+        std::ifstream file(folder.path() + daemon_status::filePath);
+        return daemon_status::statusOf({std::istreambuf_iterator<char>(file), {}});
+    };
+    store(1);
+    start();
+    ASSERT_TRUE(told());
+    EXPECT_EQ(told()->bluetooth, daemon_status::Bluetooth::on);
+    EXPECT_FALSE(told()->isKeyboardChosen);
+
+    store(6);
+
+    EXPECT_TRUE(loop.runUntil([&] { return told() && told()->isKeyboardChosen; }));
+}
+
 TEST_F(DaemonTest, WhatNobodyNeedsEndsAfterAMinute) {
     store(1);
     start();

@@ -115,6 +115,40 @@ TEST_F(InputClientTest, NothingIsConnectedUntilItIsWanted) {
     EXPECT_EQ(inputd.next(), "closed");
 }
 
+TEST_F(InputClientTest, ItKnowsWhetherKeyboardsCanPlay) {
+    using daemon_status::InputService;
+    EXPECT_EQ(client.keyboards().service, InputService::unknown);
+    client.setWanted(true);
+    letRun();
+    EXPECT_EQ(client.keyboards().service, InputService::unreachable);
+    EXPECT_EQ(changes, 1);
+
+    FakeInputd inputd(folder.file("socket"));
+    letRun();
+    clock.advance(loop, 1s);
+    letRun();
+    ASSERT_TRUE(inputd.accept());
+    auto state = input::makeMessage<input::State>();
+    state.readiness = input::Readiness::waitingForGame;
+    state.keyboards = 2;
+    changes = 0;
+    inputd.send(state);
+    letRun();
+    EXPECT_EQ(client.keyboards(), (Devices::Keyboards{InputService::connected, input::Readiness::waitingForGame, 2}));
+    EXPECT_EQ(changes, 1);
+    state.gameListens = 1;
+    inputd.send(state);
+    letRun();
+    EXPECT_EQ(changes, 1) << "nothing of it is another one";
+
+    inputd.hangUp();
+    letRun();
+    EXPECT_EQ(client.keyboards().service, InputService::unreachable);
+    client.setWanted(false);
+    letRun();
+    EXPECT_EQ(client.keyboards().service, InputService::unknown);
+}
+
 TEST_F(InputClientTest, ItGovernsAndSaysWhatHolds) {
     FakeInputd inputd(folder.file("socket"));
     client.setKeyboard(keyboard(1));

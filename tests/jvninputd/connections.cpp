@@ -126,6 +126,20 @@ input::Settings someSettings() {
     return settings;
 }
 
+TEST_F(Connections, AUserHasOneListenerBesideTheObservers) {
+    Peer first = connect(input::Role::observe);
+    Peer second = connect(input::Role::observe);
+    Peer listener = connect(input::Role::listen);
+    EXPECT_FALSE(listener.refusal());
+
+    Peer another = connect(input::Role::listen);
+
+    EXPECT_EQ(another.refusal(), input::RefusalReason::roleTaken);
+    listener.send(someSettings());
+    settle();
+    EXPECT_EQ(listener.refusal(), input::RefusalReason::malformed) << "it may say nothing";
+}
+
 TEST_F(Connections, AGovernorSaysWhatPlaysAndHowControllersAreLit) {
     Peer peer = connect(input::Role::govern);
     peer.send(someSettings());
@@ -253,7 +267,7 @@ TEST_F(Connections, ValuesThatAreNotListedAreRefused) {
         settle();
         ASSERT_EQ(peer.refusal(), input::RefusalReason::malformed);
     }
-    for (const int role : {0, 4, 255}) {
+    for (const int role : {0, 5, 255}) {
         Peer peer = connect();
         peer.hello(static_cast<input::Role>(role));
         settle();

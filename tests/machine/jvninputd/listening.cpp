@@ -17,6 +17,9 @@ protected:
     bool nobodyListensFor(std::chrono::milliseconds time) {
         return !governor.waitFor([](const auto& state) { return state.gameListens != 0; }, time);
     }
+    bool nobodyStopsListeningFor(std::chrono::milliseconds time) {
+        return !governor.waitFor([](const auto& state) { return state.gameListens == 0; }, time);
+    }
 };
 
 TEST_F(Listening, AGameThatOpensThePadAndStays) {
@@ -27,6 +30,34 @@ TEST_F(Listening, AGameThatOpensThePadAndStays) {
     EXPECT_TRUE(governor.waitFor(input::Readiness::playing));
     game.reset();
     EXPECT_TRUE(governor.waitFor(input::Readiness::waitingForGame));
+}
+
+TEST_F(Listening, AUserWhoLooksAtThePadIsAListenerWithoutAGame) {
+    governor.play(defaultBindings());
+    ASSERT_TRUE(governor.waitFor(input::Readiness::waitingForGame));
+    {
+        InputClient looking(service.socket(), input::Role::listen);
+        ASSERT_TRUE(looking.waitFor(input::Readiness::playing));
+
+        keyboard.press(KEY_W);
+        EXPECT_TRUE(looking.waitFor([](const auto& state) { return state.inputs == 1u << 3; }));
+        keyboard.release(KEY_W);
+        EXPECT_TRUE(looking.waitFor([](const auto& state) { return state.inputs == 0; }));
+        EXPECT_EQ(governor.state().inputs, 0u);
+
+        // A game beside it, and gone again, changes nothing for it.
+        game.emplace(EventReader::ofDevice(padName));
+        game.reset();
+        EXPECT_TRUE(nobodyStopsListeningFor(500ms));
+    }
+    EXPECT_TRUE(governor.waitFor(input::Readiness::waitingForGame)) << "the keyboard is given back";
+}
+
+TEST_F(Listening, WhoLooksAtAKeyboardThatIsSwitchedByHandSwitchesNothing) {
+    InputClient looking(service.socket(), input::Role::listen);
+    governor.play(defaultBindings(), input::PlayMode::byHand);
+
+    EXPECT_TRUE(looking.waitFor(input::Readiness::switchedOff));
 }
 
 TEST_F(Listening, ScansOfTenMillisecondsDoNotCount) {
