@@ -22,7 +22,10 @@ enum class NoticeKind {
     DaemonAbsent,
     ResourceDamaged,
     ToolFailed,
-    NotOpened
+    NotOpened,
+    CannotPlay,
+    BluetoothAway,
+    ReadyToPlay
 };
 
 struct Notice {

@@ -49,6 +49,12 @@ std::string setFolder(std::string& folder, std::string_view text) {
     return {};
 }
 
+std::string setSocket(std::string& path, std::string_view text) {
+    if (text.empty()) return "is no path";
+    path = text;
+    return {};
+}
+
 // Empty, or what is wrong with the size and the scale together.
 std::string sizeProblem(const Options& options) {
     const double scale = options.scale > 0 ? options.scale : options.tour.empty() ? 1 : app::tourScale;
@@ -74,6 +80,7 @@ constexpr Option known[] = {
     {"--root", [](Options& o, std::string_view text) { return setFolder(o.root, text); }, nullptr},
     {"--bundle", [](Options& o, std::string_view text) { return setFolder(o.bundle, text); }, nullptr},
     {"--tour", [](Options& o, std::string_view text) { return setFolder(o.tour, text); }, nullptr},
+    {"--input-socket", [](Options& o, std::string_view text) { return setSocket(o.inputSocket, text); }, nullptr},
     {"--size", setSize, nullptr},
     {"--scale", setScale, nullptr},
     {"--simulate", nullptr, [](Options& o) { o.simulate = true; }},
@@ -126,11 +133,15 @@ std::string app::helpText() {
 Shows the settings page of a game-controller add-on.
 
   --root DIR       the folder that stands for the phone's file system
-                   (default: joyvane in the user's data folder)
+                   (default: joyvane in the user's data folder; with
+                   --simulate a folder that is gone after the session)
   --bundle DIR     the settings bundle to show
                    (default: Joyvane.bundle beside this program)
   --simulate       start the add-on's daemon and discovery tool for this root,
                    with simulated controllers
+  --input-socket PATH
+                   where the service listens that plays the keyboard
+                   (default: /run/jvninputd.socket)
   --size WxH       the window's size in points (default: 384x667)
   --scale S        pixels a point (default: the screen's)
   --tour DIR       show nothing; walk through the page by touches and keys, and

@@ -22,11 +22,12 @@ inline constexpr double tourScale = 2;                // pixels a point, where n
 inline constexpr double mostPixels = 7680.0 * 4320.0; // of a window or a picture: 130 MB
 
 struct Options {
-    std::string root;      // empty: the user's data folder
-    std::string bundle;    // empty: looked for beside the program
-    std::string tour;      // empty: no tour
-    CGSize size{384, 667}; // points; the colour field's tiles fill this width
-    double scale = 0;      // 0: the screen's
+    std::string root;                                  // empty: the user's data folder
+    std::string bundle;                                // empty: looked for beside the program
+    std::string tour;                                  // empty: no tour
+    std::string inputSocket = "/run/jvninputd.socket"; // where the input service listens
+    CGSize size{384, 667};                             // points; the colour field's tiles fill this width
+    double scale = 0;                                  // 0: the screen's
     bool simulate = false;
     bool showHelp = false;
     bool showVersion = false;

@@ -1,15 +1,22 @@
 #include "app/SettingsPage.h"
 
+#include "app/DaemonWatch.h"
 #include "app/NoticeBoard.h"
+#include "app/StatusNotices.h"
+#include "app/help/ActionTarget.h"
+#include "app/introduction.h"
 #include "app/user_units.h"
 #include "desktop/links/browser.h"
 #include "kit/alerts/progress_canceller.h"
+#include "kit/controllers/ControllerInternals.h"
+#include "kit/controllers/TextButton.h"
 #include "kit/settings_framework/bundle.h"
 #include "kit/uikit/front_controller.h"
 #include "kit/uikit/url_opener.h"
 #include "platform/dispatch.h"
 #include "platform/foundation/NSArray.h"
 #include "platform/uikit/UINavigationController.h"
+#include "system/files/root.h"
 #include "system/notify/NotifyListener.h"
 #include "system/preferences/preferences_notices.h"
 #include "system/process/tool_listener.h"
@@ -86,11 +93,11 @@ void app::SettingsPage::listenForFailures(const NSDictionary& manifest) {
     const auto* const daemon = manifest.objectForKey("JVNDaemon").string();
     listen(*failure, [this, text = *text, daemon = daemon ? *daemon : std::string()] {
         m_notices->post(NoticeKind::DaemonAbsent, daemonIsAbsent(text, daemon));
+        m_facts.isDaemonReached = false;
+        statusChanged();
     });
     const auto isBack = [this, lives = std::weak_ptr(m_lives)] {
-        if (lives.expired()) return;
-        m_notices->withdraw(NoticeKind::DaemonAbsent);
-        m_notices->withdraw(NoticeKind::DaemonEnded);
+        if (!lives.expired()) daemonIsBack();
     };
     if (const auto* const socket = manifest.objectForKey("JVNDaemonSocket").string())
         seat::setConnectionListener([path = *socket, isBack](const std::string& connected) {
@@ -113,11 +120,55 @@ app::Notice app::SettingsPage::daemonIsAbsent(const std::string& text, const std
 void app::SettingsPage::startDaemon(const std::string& unit) {
     startUserUnit(unit, [this, unit, lives = std::weak_ptr(m_lives)](const std::string& reason) {
         if (lives.expired()) return;
-        if (reason.empty()) return m_notices->withdraw(NoticeKind::DaemonAbsent);
-        m_notices->post(NoticeKind::DaemonAbsent,
-                        {.text = "The daemon could not be started: " + reason + ". “systemctl --user status " + unit +
-                                 "” in a terminal says more."});
+        if (reason.empty()) return daemonIsBack();
+        m_facts.startProblem = "The daemon could not be started: " + reason + ". “systemctl --user status " + unit +
+                               "” in a terminal says more.";
+        m_notices->post(NoticeKind::DaemonAbsent, {.text = m_facts.startProblem});
+        statusChanged();
     });
+}
+
+void app::SettingsPage::daemonIsBack() {
+    m_notices->withdraw(NoticeKind::DaemonAbsent);
+    m_notices->withdraw(NoticeKind::DaemonEnded);
+    m_facts.isDaemonReached = true;
+    if (m_daemon) m_daemon->look();
+    statusChanged();
+}
+
+void app::SettingsPage::statusChanged() {
+    if (!m_help) return;
+    m_facts.status = m_daemon->status();
+    m_statusNotices->show(m_facts.status);
+    m_help->setFacts(m_facts);
+}
+
+void app::SettingsPage::offerHelp(Help::Options options, std::function<void()> simulate) {
+    const auto* const daemon = m_bundle.manifest->objectForKey("JVNDaemon").string();
+    const std::string unit = daemon ? *daemon + ".socket" : std::string();
+    m_facts.isSimulated = options.isSimulated;
+    m_facts.isDaemonInstalled = !unit.empty() && isUserUnit(unit);
+    m_facts.canStartDaemon = m_hasInstalledDaemon && m_facts.isDaemonInstalled;
+    m_help = Help::of(m_bundle, std::move(options),
+                      {.startDaemon = [this, unit] { startDaemon(unit); },
+                       .simulate = std::move(simulate),
+                       .putAway = [] { setIntroduced(); }});
+    if (!m_help || !m_navigation) return m_help.reset();
+    m_helpTarget = ActionTarget::alloc()->initWithAction([this] { showHelp(); });
+    const auto button = seat::TextButton::alloc()->initWithTitle_kind("Help", seat::TextButton::Kind::Plain);
+    button->addTarget_action_forControlEvents(m_helpTarget, "run", UIControlEventTouchUpInside);
+    ControllerInternals::setBarButton(*m_navigation->viewControllers().front(), button);
+    m_statusNotices = std::make_unique<StatusNotices>(*m_notices, [this] { m_help->showTry(*m_navigation); });
+    m_daemon = std::make_unique<DaemonWatch>(seat::hostPath(daemon_status::filePath), [this] { statusChanged(); });
+    statusChanged();
+}
+
+void app::SettingsPage::showHelp() {
+    if (m_help) m_help->show(*m_navigation, Help::Movement::Slides);
+}
+
+void app::SettingsPage::introduce() {
+    if (m_help && !isIntroduced()) m_help->show(*m_navigation, Help::Movement::Stands);
 }
 
 void app::SettingsPage::listenForTools() {
@@ -153,6 +204,9 @@ std::string app::SettingsPage::title() const {
 void app::SettingsPage::close() {
     m_lives = nullptr;
     m_listeners.clear();
+    m_daemon.reset();
+    m_statusNotices.reset();
+    m_help.reset();
     seat::setPreferencesNoticeHandler({});
     seat::setResourceFaultHandler({});
     seat::setToolListener({});

@@ -3,6 +3,7 @@
 // A bundle's page in a scene: what a window shows, and what the tour walks through.
 
 #include "app/Bundle.h"
+#include "app/help/Help.h"
 #include "kit/uikit/WindowScene.h"
 
 #include <functional>
@@ -20,7 +21,10 @@ struct PreferencesNotice;
 
 namespace app {
 
+class ActionTarget;
+class DaemonWatch;
 class NoticeBoard;
+class StatusNotices;
 struct Notice;
 
 class SettingsPage {
@@ -39,6 +43,12 @@ public:
 
     // The daemon is the one that the session's service manager starts: a notice may offer to do that.
     void setHasInstalledDaemon() { m_hasInstalledDaemon = true; }
+    // From now on there is help, if the bundle has any, and notices of what the daemon knows. `simulate` opens a
+    // program with simulated controllers; empty: there is no need of it.
+    void offerHelp(Help::Options options, std::function<void()> simulate);
+    void showHelp();
+    // Shows the help where nobody has ever put it away.
+    void introduce();
     // The program's own notices, over the page.
     NoticeBoard& notices() { return *m_notices; }
 
@@ -55,6 +65,8 @@ private:
     Notice daemonIsAbsent(const std::string& text, const std::string& daemon);
     void startDaemon(const std::string& unit);
     void listen(const std::string& name, std::function<void()> heard);
+    void daemonIsBack();
+    void statusChanged();
     void offerCancel(const NSDictionary& manifest, const std::shared_ptr<UIViewController>& page);
 
     Bundle m_bundle;
@@ -63,6 +75,11 @@ private:
     std::shared_ptr<UINavigationController> m_navigation;
     std::unique_ptr<NoticeBoard> m_notices;
     bool m_hasInstalledDaemon = false;
+    std::unique_ptr<DaemonWatch> m_daemon; // these four: nil while no help was offered
+    std::unique_ptr<StatusNotices> m_statusNotices;
+    std::unique_ptr<Help> m_help;
+    std::shared_ptr<ActionTarget> m_helpTarget;
+    HelpFacts m_facts;
     std::vector<std::unique_ptr<seat::NotifyListener>> m_listeners;
 };
 

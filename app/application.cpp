@@ -70,7 +70,17 @@ int showWindow(seat::Toolkit& toolkit, const app::Options& options, const app::B
     if (!options.simulate && options.root.empty()) page.setHasInstalledDaemon();
     window->setScene(page.scene());
     window->setTitleSource([&page] { return page.title(); });
+    page.offerHelp(
+        {.inputSocket = options.inputSocket,
+         .guide = app::ownDocument("user-guide.html"),
+         .isSimulated = options.simulate},
+        options.simulate ? std::function<void()>() : [&bundle] { app::openTrial(bundle.folder); });
+    if (!options.simulate && options.root.empty()) page.introduce();
     window->setCloseHandler([&toolkit] { toolkit.quit(app::ExitSuccess); });
+    window->setShortcutHandler([&toolkit, &page](seat::WindowShortcut shortcut) {
+        if (shortcut == seat::WindowShortcut::Help) return page.showHelp();
+        toolkit.quit(app::ExitSuccess);
+    });
     toolkit.onTermination([&toolkit] { toolkit.quit(app::ExitSuccess); });
     const int code = toolkit.run();
     simulation.setDaemonEndListener({});
@@ -101,7 +111,7 @@ int app::runApplication(const Options& options) {
         complain(problem);
         return ExitBundleRefused;
     }
-    if (problem = settleRoot(options.root); !problem.empty()) {
+    if (problem = settleRoot(options.root, options.simulate ? RootUse::Trial : RootUse::Settings); !problem.empty()) {
         complain(problem);
         return ExitFailure;
     }

@@ -31,6 +31,15 @@ DataFolder userDataFolder() {
     return {home.starts_with('/') ? home : std::string(), "/.local/share/joyvane"};
 }
 
+DataFolder chosenFolder(app::RootUse use) {
+    if (use == app::RootUse::Settings) return userDataFolder();
+    if (const auto session = seat::environment("XDG_RUNTIME_DIR"); session.starts_with('/'))
+        return {session, "/joyvane-trial"};
+    DataFolder folder = userDataFolder();
+    folder.below += "-trial";
+    return folder;
+}
+
 std::string nameOf(uid_t owner) {
     const passwd* const user = ::getpwuid(owner);
     return user ? user->pw_name : "user " + std::to_string(owner);
@@ -71,8 +80,8 @@ std::string describe(int number) { return std::generic_category().message(number
 
 } // namespace
 
-std::string app::settleRoot(const std::string& given) {
-    const DataFolder data = given.empty() ? userDataFolder() : DataFolder();
+std::string app::settleRoot(const std::string& given, RootUse use) {
+    const DataFolder data = given.empty() ? chosenFolder(use) : DataFolder();
     if (given.empty() && data.home.empty())
         return "root: there is no home folder; set HOME, or give a folder with --root";
     std::error_code error;
@@ -85,7 +94,7 @@ std::string app::settleRoot(const std::string& given) {
     if (const int number = seat::makeFolders(root)) return problem(describe(number));
     if (::access(root.c_str(), R_OK | X_OK) != 0) return problem(describe(errno));
     if (const auto reason = ownerProblem(root); !reason.empty()) return problem(reason);
-    if (::geteuid() == 0 && given.empty())
+    if (::geteuid() == 0 && given.empty() && use == RootUse::Settings)
         NSLog("started as the administrator: the settings are the administrator's own, in %s, and no other user's",
               root.c_str());
     seat::setRoot(root);

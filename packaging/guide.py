@@ -1,5 +1,6 @@
 """The guide as a page for browsers: guide.py CMARK SOURCE.md TARGET.html"""
 
+import os
 import re
 import subprocess
 import sys
@@ -33,11 +34,21 @@ def with_anchors(body: str) -> str:
     return re.sub(r"<h([1-6])>(.*?)</h\1>", heading, body)
 
 
+def with_dark_pictures(body: str, folder: str) -> str:
+    """Where there is a picture of the same in the dark, who reads in the dark sees that one."""
+    def picture(match: re.Match) -> str:
+        dark = re.sub(r"(\.[a-z]+)$", r"-dark\1", match.group(1))
+        if not os.path.exists(os.path.join(folder, dark)):
+            return match.group(0)
+        return f'<picture><source srcset="{dark}" media="(prefers-color-scheme: dark)">{match.group(0)}</picture>'
+    return re.sub(r'<img src="([^"]+)"[^>]*>', picture, body)
+
+
 def main() -> None:
     cmark, source, target = sys.argv[1:]
     body = subprocess.run([cmark, "--extension", "table", source], check=True, capture_output=True, text=True).stdout
     with open(target, "w", encoding="utf-8") as file:
-        file.write(PAGE.format(body=with_anchors(body)))
+        file.write(PAGE.format(body=with_dark_pictures(with_anchors(body), os.path.dirname(source))))
 
 
 if __name__ == "__main__":

@@ -18,6 +18,9 @@ void seat::SceneWindow::setTitleSource(std::function<std::string()> title) {
     m_state->window.setTitleSource(std::move(title));
 }
 void seat::SceneWindow::setCloseHandler(std::function<void()> closed) { m_state->window.closed = std::move(closed); }
+void seat::SceneWindow::setShortcutHandler(std::function<void(WindowShortcut)> pressed) {
+    m_state->window.shortcutPressed = std::move(pressed);
+}
 void seat::SceneWindow::setFrameHandler(std::function<void(double seconds)> painted) {
     m_state->window.framePainted = std::move(painted);
 }

@@ -12,6 +12,9 @@ namespace seat {
 
 class WindowScene;
 
+// What keys that every program of a desktop knows ask of the application.
+enum class WindowShortcut { Quit, Help };
+
 struct SceneWindowOptions {
     CGSize size{384, 667};        // points; never larger than the screen
     CGSize minimumSize{320, 240}; // points
@@ -37,6 +40,8 @@ public:
     void setTitleSource(std::function<std::string()> title);
     // The user wants the window gone; it stays until it is destroyed.
     void setCloseHandler(std::function<void()> closed);
+    // Ctrl+Q and Ctrl+W, and F1, by the user's layout. Not while a row waits for a key, which takes every one.
+    void setShortcutHandler(std::function<void(WindowShortcut)> pressed);
     // Runs each time something was painted, with the seconds since the frame was begun.
     void setFrameHandler(std::function<void(double seconds)> painted);
 

@@ -30,6 +30,7 @@ public:
 
     void setTitleSource(std::function<std::string()> title);
     std::function<void()> closed;
+    std::function<void(WindowShortcut)> shortcutPressed;
     std::function<void(double seconds)> framePainted;
 
     QAccessibleInterface* accessibleRoot() const override;
@@ -67,6 +68,7 @@ private:
     void touchEnds(long identifier, CGPoint location);
     void cancelTouches();
     void deliverKey(const QKeyEvent& event, bool isDown);
+    bool takeShortcut(const QKeyEvent& event);
 
     WindowScene* m_scene = nullptr; // non-owning
     std::function<std::string()> m_titleSource;

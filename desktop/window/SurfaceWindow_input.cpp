@@ -4,6 +4,7 @@
 #include "kit/uikit/WindowScene.h"
 #include "kit/uikit/application.h"
 #include "kit/uikit/hid_keys.h"
+#include "kit/uikit/keyboard.h"
 #include "platform/foundation/time.h"
 #include "platform/uikit/UIKeyEvent.h"
 
@@ -12,6 +13,8 @@
 #include <QMouseEvent>
 #include <QTouchEvent>
 #include <QWheelEvent>
+
+#include <optional>
 
 namespace {
 
@@ -45,6 +48,14 @@ long navigationSymbol(int key) {
     return 0;
 }
 
+std::optional<seat::WindowShortcut> shortcut(const QKeyEvent& event) {
+    const auto modifiers = event.modifiers() & ~Qt::KeypadModifier;
+    const int key = event.key();
+    if (key == Qt::Key_F1 && modifiers == Qt::NoModifier) return seat::WindowShortcut::Help;
+    if ((key == Qt::Key_Q || key == Qt::Key_W) && modifiers == Qt::ControlModifier) return seat::WindowShortcut::Quit;
+    return std::nullopt;
+}
+
 } // namespace
 
 CGPoint seat::SurfaceWindow::toPoints(QPointF position) const {
@@ -74,6 +85,7 @@ void seat::SurfaceWindow::cancelTouches() {
 
 void seat::SurfaceWindow::mousePressEvent(QMouseEvent* event) {
     if (event->button() == Qt::LeftButton) touchBegins(mouse, toPoints(event->position()));
+    if (event->button() == Qt::BackButton && m_scene) goBack(*m_scene->window());
 }
 
 void seat::SurfaceWindow::mouseMoveEvent(QMouseEvent* event) { touchMoves(mouse, toPoints(event->position())); }
@@ -116,9 +128,18 @@ void seat::SurfaceWindow::wheelEvent(QWheelEvent* event) {
     m_scene->window()->scrolled(toPoints(event->position()), {-delta.x, -delta.y}, platform::CACurrentMediaTime());
 }
 
-void seat::SurfaceWindow::keyPressEvent(QKeyEvent* event) { deliverKey(*event, /*isDown=*/true); }
+void seat::SurfaceWindow::keyPressEvent(QKeyEvent* event) {
+    if (!takeShortcut(*event)) deliverKey(*event, /*isDown=*/true);
+}
 
 void seat::SurfaceWindow::keyReleaseEvent(QKeyEvent* event) { deliverKey(*event, /*isDown=*/false); }
+
+bool seat::SurfaceWindow::takeShortcut(const QKeyEvent& event) {
+    const auto asked = shortcut(event);
+    if (!asked || !shortcutPressed || !m_scene || frontScreenWaits(*m_scene->window())) return false;
+    if (!event.isAutoRepeat()) shortcutPressed(*asked);
+    return true;
+}
 
 void seat::SurfaceWindow::deliverKey(const QKeyEvent& event, bool isDown) {
     if (const auto key = m_keys.translate({event.nativeScanCode(), isDown, event.isAutoRepeat(),

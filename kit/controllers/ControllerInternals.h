@@ -36,5 +36,9 @@ struct UIViewController::Internals {
     // On the way, but not there yet.
     static bool isArriving(const UIViewController& controller);
     static ScreenPlace& place(UIViewController& controller);
+    // What stands at the right end of the navigation bar while the screen is in front, as wide as it asks to be; nil:
+    // nothing.
+    static void setBarButton(UIViewController& controller, std::shared_ptr<UIView> button);
+    static const std::shared_ptr<UIView>& barButton(const UIViewController& controller);
 };
 using ControllerInternals = UIViewController::Internals;

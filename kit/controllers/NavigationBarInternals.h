@@ -13,6 +13,7 @@ struct UINavigationBar::Internals {
         std::string title;
         std::optional<std::string> backTitle; // nothing: no back button
         std::weak_ptr<UINavigationController> controller;
+        std::shared_ptr<UIView> button; // at the right end; nil: none
     };
     enum class Direction { Forward, Back };
     static void show(UINavigationBar& bar, const Item& item, Direction direction, bool animated);

@@ -19,6 +19,10 @@ namespace {
 constexpr double chevronSpace = 18; // the chevron and its distance to the text
 constexpr double pressedAlpha = 0.35;
 
+double spaceBefore(TextButton::Kind kind) {
+    return kind == TextButton::Kind::Back ? chevronSpace : kind == TextButton::Kind::Row ? sideMargin : 0;
+}
+
 } // namespace
 
 TextButton::~TextButton() = default;
@@ -30,7 +34,8 @@ std::shared_ptr<TextButton> TextButton::initWithTitle_kind(std::string title, Ki
     m_label->setText(std::move(title));
     m_label->setTextColor(kind == Kind::OnDark ? UIColor::whiteColor() : tintColor());
     m_label->setFont(kind == Kind::Bold ? UIFont::boldSystemFontOfSize(17) : UIFont::systemFontOfSize(17));
-    m_label->setTextAlignment(kind == Kind::Back ? NSTextAlignmentLeft : NSTextAlignmentCenter);
+    const bool isLeft = kind == Kind::Back || kind == Kind::Row;
+    m_label->setTextAlignment(isLeft ? NSTextAlignmentLeft : NSTextAlignmentCenter);
     addSubview(m_label);
     return self(this);
 }
@@ -45,13 +50,13 @@ void TextButton::setHighlighted(bool highlighted) {
 }
 
 CGSize TextButton::sizeThatFits(CGSize size) const {
-    const double space = m_kind == Kind::Back ? chevronSpace : 0;
+    const double space = spaceBefore(m_kind);
     return CGSizeMake(std::ceil(m_label->sizeThatFits({1e6, 1e6}).width) + space, size.height);
 }
 
 void TextButton::layoutSubviews() {
     const CGSize size = bounds().size;
-    const double space = m_kind == Kind::Back ? chevronSpace : 0;
+    const double space = spaceBefore(m_kind);
     m_label->setFrame(CGRectMake(space, 0, std::max(0.0, size.width - space), size.height));
 }
 

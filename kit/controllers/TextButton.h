@@ -6,13 +6,14 @@
 namespace seat {
 
 // Tappable text, pale while it is pressed; sends touch-up-inside, also when it is activated by key or by assistive
-// technology. With a chevron before the text it is the way back; on a dark panel it is white.
+// technology. With a chevron before the text it is the way back; on a dark panel it is white; as a row its text
+// begins where that of a table's rows does.
 class TextButton final : public UIControl {
     NS_CLASS(TextButton)
 public:
     ~TextButton() override;
 
-    enum class Kind { Plain, Bold, Back, OnDark };
+    enum class Kind { Plain, Bold, Back, OnDark, Row };
     std::shared_ptr<TextButton> initWithTitle_kind(std::string title, Kind kind);
 
     void setHighlighted(bool highlighted) override;

@@ -38,27 +38,35 @@ public:
             addSubview(m_back);
         }
         addSubview(m_title);
+        m_button = item.button;
+        if (m_button) addSubview(m_button);
         return self(this);
     }
 
     const std::string& title() const { return m_title->text(); }
 
-    // The title stands in the middle of the bar, or as near to it as the back button lets it.
+    // The title stands in the middle of the bar, or as near to it as the buttons let it.
     void layoutSubviews() override {
         const CGSize size = bounds().size;
         double left = sideMargin;
+        double right = size.width - sideMargin;
+        // It may stand in another screen's item by now.
+        if (m_button && m_button->superview().get() == this) {
+            const double width = std::min(std::ceil(m_button->sizeThatFits(size).width), size.width / 3);
+            m_button->setFrame(CGRectMake(right - width, 0, width, size.height));
+            right -= width + gap;
+        }
         const double titleWidth = std::ceil(m_title->sizeThatFits({1e6, 1e6}).width);
         if (m_back) {
             // A long way back gives room to the title, but never more than it takes to tell what it is.
-            const double room = std::max(size.width * 0.3, size.width - titleWidth - backMargin - gap - sideMargin);
+            const double room = std::max(size.width * 0.3, right - titleWidth - backMargin - gap);
             const double width = std::min({m_back->sizeThatFits(size).width, room, size.width / 2});
             m_back->setFrame(CGRectMake(backMargin, 0, width, size.height));
             left = backMargin + width + gap;
         }
-        const double width = std::min(titleWidth, std::max(0.0, size.width - sideMargin - left));
+        const double width = std::min(titleWidth, std::max(0.0, right - left));
         const double centred = std::floor((size.width - width) / 2);
-        m_title->setFrame(CGRectMake(std::clamp(centred, left, std::max(left, size.width - sideMargin - width)), 0,
-                                     width, size.height));
+        m_title->setFrame(CGRectMake(std::clamp(centred, left, std::max(left, right - width)), 0, width, size.height));
     }
 
 private:
@@ -66,6 +74,7 @@ private:
 
     std::shared_ptr<UILabel> m_title;
     std::shared_ptr<TextButton> m_back; // nil at the root
+    std::shared_ptr<UIView> m_button;   // nil: none
 };
 
 NS_CLASS_IMPLEMENTATION(BarItem, UIView)

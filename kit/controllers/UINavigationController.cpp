@@ -108,6 +108,6 @@ bool UINavigationController::accessibilityPerformEscape() {
 
 void UINavigationController::goBack() { popViewControllerAnimated(/*animated=*/true); }
 
-void NavigationInternals::titleChanged(UINavigationController& controller) {
+void NavigationInternals::barChanged(UINavigationController& controller) {
     controller.m_navigation->showBar(/*isForward=*/true, /*animated=*/false);
 }

@@ -51,7 +51,7 @@ const std::string& UIViewController::title() const { return m_controller->title;
 void UIViewController::setTitle(std::string title) {
     if (title == m_controller->title) return;
     m_controller->title = std::move(title);
-    if (const auto navigation = navigationController()) NavigationInternals::titleChanged(*navigation);
+    if (const auto navigation = navigationController()) NavigationInternals::barChanged(*navigation);
 }
 
 void UIViewController::viewDidLoad() {}
@@ -112,6 +112,15 @@ CGRect ControllerInternals::initialFrame() {
 }
 
 ScreenPlace& ControllerInternals::place(UIViewController& controller) { return controller.m_controller->place; }
+
+void ControllerInternals::setBarButton(UIViewController& controller, std::shared_ptr<UIView> button) {
+    controller.m_controller->barButton = std::move(button);
+    if (const auto navigation = controller.navigationController()) NavigationInternals::barChanged(*navigation);
+}
+
+const std::shared_ptr<UIView>& ControllerInternals::barButton(const UIViewController& controller) {
+    return controller.m_controller->barButton;
+}
 
 void ControllerInternals::setParent(UIViewController& controller, const std::shared_ptr<UIViewController>& parent) {
     controller.m_controller->parent = parent;

@@ -13,6 +13,7 @@ struct UIViewController::State {
     bool isLoading = false;
     ScreenPlace place;
     std::string title;
+    std::shared_ptr<UIView> barButton; // nil: none
     Appearance appearance = Appearance::Disappeared;
     bool isAnimated = false; // the appearance call that is under way
     std::weak_ptr<UIViewController> parent;

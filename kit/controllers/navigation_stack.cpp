@@ -102,7 +102,9 @@ void UINavigationController::State::showBar(bool isForward, bool animated) {
     if (stack.size() > 1) back = stack[stack.size() - 2]->title();
     const auto direction =
         isForward ? NavigationBarInternals::Direction::Forward : NavigationBarInternals::Direction::Back;
-    NavigationBarInternals::show(*bar, {stack.back()->title(), back, self(&controller)}, direction, animated);
+    const auto& front = *stack.back();
+    NavigationBarInternals::show(*bar, {front.title(), back, self(&controller), ControllerInternals::barButton(front)},
+                                 direction, animated);
 }
 
 void UINavigationController::State::layOut() {

@@ -29,6 +29,6 @@ private:
 };
 
 struct UINavigationController::Internals {
-    static void titleChanged(UINavigationController& controller);
+    static void barChanged(UINavigationController& controller);
 };
 using NavigationInternals = UINavigationController::Internals;

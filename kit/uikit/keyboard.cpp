@@ -127,9 +127,11 @@ bool escapeFromProgress(const UIWindow& window) {
 void escape(UIWindow& window) {
     std::shared_ptr<UIResponder> first = reachableFocus(window);
     const auto scope = frontScope(window);
-    if (!first && scope.get() != &window) first = scope;
+    const auto front = frontController(window);
+    const bool isFrontInScope = front && front->isViewLoaded() && front->view()->isDescendantOfView(scope.get());
+    if (!first && scope.get() != &window && !isFrontInScope) first = scope;
     if (scope.get() == &window && escapeFromProgress(window)) return;
-    if (!first) first = frontController(window);
+    if (!first) first = front;
     if (first) first->accessibilityPerformEscape();
 }
 
@@ -188,10 +190,20 @@ bool isTaken(UIWindow& window, const UIKeyEvent& event) {
 
 } // namespace
 
+void goBack(UIWindow& window) {
+    const auto front = frontController(window);
+    if (!front || !front->isViewLoaded()) return;
+    if (front->view()->isDescendantOfView(frontScope(window).get())) front->accessibilityPerformEscape();
+}
+
 void handleKey(UIWindow& window, const UIKeyEvent& event) {
     const auto keep = window.shared_from_this();
     if (isTaken(window, event)) {
         WindowInternals::state(window).activationKey = 0;
+        return;
+    }
+    if (event.isKeyDown() && event.modifiers() == UIKeyEvent::Alt && event.symbol() == hid::left) {
+        if (!event.isRepeat()) goBack(window);
         return;
     }
     const unsigned others = UIKeyEvent::Control | UIKeyEvent::Alt | UIKeyEvent::GUI;

@@ -90,7 +90,8 @@ TEST(Options, MorePixelsThanAnyScreenHasAreRefused) {
 
 TEST(Options, HelpNamesEachOption) {
     const auto help = app::helpText();
-    for (const char* name : {"--root", "--bundle", "--simulate", "--size", "--scale", "--tour", "--help", "--version"})
+    for (const char* name :
+         {"--root", "--bundle", "--simulate", "--input-socket", "--size", "--scale", "--tour", "--help", "--version"})
         EXPECT_NE(std::string::npos, help.find(name)) << name;
 }
 

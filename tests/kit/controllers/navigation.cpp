@@ -1,5 +1,6 @@
 #include "tests/kit/controllers/screens.h"
 
+#include "kit/controllers/ControllerInternals.h"
 #include "kit/quartz/geometry.h"
 #include "kit/uikit/front_controller.h"
 #include "kit/uikit/hid_keys.h"
@@ -48,6 +49,43 @@ TEST_F(Navigation, PoppedScreenStandsInTheContainerUntilItHasGone) {
 
     EXPECT_FALSE(b->navigationController());
     EXPECT_FALSE(b->view()->superview());
+}
+
+TEST_F(Navigation, AltLeftGoesBackAndOnlyOnceForAHeldKey) {
+    push(make("b"));
+    push(make("c"));
+    touches.settle();
+
+    touches.keyDown(seat::hid::left, UIKeyEvent::Alt);
+    touches.keyDown(seat::hid::left, UIKeyEvent::Alt, /*isRepeat=*/true);
+    touches.keyUp(seat::hid::left, UIKeyEvent::Alt);
+    touches.settle();
+    EXPECT_EQ(stack(), "ab");
+
+    const auto alert = UIAlertView::alloc();
+    alert->initWithTitle_message_delegate_cancelButtonTitle_otherButtonTitles("Title", "", nullptr, "Dismiss", {});
+    alert->show();
+    touches.settle();
+    touches.key(seat::hid::left, UIKeyEvent::Alt);
+    touches.settle();
+    EXPECT_EQ(stack(), "ab") << "a message is answered first";
+}
+
+TEST_F(Navigation, AScreensBarButtonStandsAtTheRightWhileTheScreenIsInFront) {
+    const auto button = UIView::alloc()->initWithFrame(CGRectMake(0, 0, 50, 20));
+    ControllerInternals::setBarButton(*a, button);
+    touches.settle();
+    EXPECT_EQ(button->convertRect_toView(button->bounds(), nullptr), CGRectMake(254, 0, 50, 44));
+
+    push(make("b"), /*animated=*/true);
+    touches.settle();
+    EXPECT_FALSE(button->window());
+    navigation->popViewControllerAnimated(/*animated=*/true);
+    touches.settle();
+
+    EXPECT_EQ(button->convertRect_toView(button->bounds(), nullptr), CGRectMake(254, 0, 50, 44));
+    ControllerInternals::setBarButton(*a, nullptr);
+    EXPECT_FALSE(button->window());
 }
 
 TEST_F(Navigation, RootIsNeverPopped) {

@@ -67,7 +67,8 @@ def main():
     controller = sys.argv[1]
     be_in_no_hurry()
     with OwnDesktop() as desktop, App(desktop, [command_of_the_entry()]) as app:
-        app.find(name="Controller")
+        if not stored("controller_type"):  # the first time it explains itself
+            press(app, "Set Up Your Controller")
         press(app, "Controller")
         press(app, controller)
         wait_for("the choice in the settings", lambda: stored("controller_type") is not None)

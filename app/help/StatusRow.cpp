@@ -1,0 +1,81 @@
+#include "app/help/StatusRow.h"
+
+#include "kit/quartz/geometry.h"
+#include "kit/tables/CellParts.h"
+#include "kit/uikit/appearance.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace app {
+
+using namespace seat::appearance;
+
+NS_CLASS_IMPLEMENTATION(StatusRow, UIView)
+
+namespace {
+
+constexpr double advicePadding = 11; // below the advice
+
+std::shared_ptr<UILabel> label(double size, const std::shared_ptr<UIColor>& color) {
+    const auto made = seat::CellLabel::alloc()->initWithFrame(CGRectZero);
+    made->setFont(UIFont::systemFontOfSize(size));
+    made->setTextColor(color);
+    return made;
+}
+
+} // namespace
+
+StatusRow::~StatusRow() = default;
+
+std::shared_ptr<StatusRow> StatusRow::initWithName(const std::string& name) {
+    if (!UIView::initWithFrame(CGRectZero)) return nullptr;
+    m_name = label(17, textColor());
+    m_name->setText(name);
+    m_state = label(17, secondaryTextColor());
+    m_state->setTextAlignment(NSTextAlignmentRight);
+    m_advice = label(13, secondaryTextColor());
+    m_advice->setNumberOfLines(0);
+    addSubview(m_name);
+    addSubview(m_state);
+    addSubview(m_advice);
+    return self(this);
+}
+
+void StatusRow::show(const std::string& state, Mood mood, const std::string& advice) {
+    m_state->setText(state);
+    m_state->setTextColor(mood == Mood::Trouble ? errorTextColor() : secondaryTextColor());
+    m_advice->setText(advice);
+    setNeedsLayout();
+    for (auto around = superview(); around; around = around->superview()) around->setNeedsLayout();
+}
+
+double StatusRow::adviceHeight(double width) const {
+    if (m_advice->text().empty()) return 0;
+    return std::ceil(m_advice->sizeThatFits({std::max(1.0, width - 2 * sideMargin), 1e6}).height);
+}
+
+CGSize StatusRow::sizeThatFits(CGSize size) const {
+    const double advice = adviceHeight(size.width);
+    return CGSizeMake(size.width, rowHeight + (advice > 0 ? advice + advicePadding : 0));
+}
+
+void StatusRow::layoutSubviews() {
+    UIView::layoutSubviews();
+    const double width = bounds().size.width;
+    const double room = std::max(0.0, width - 2 * sideMargin);
+    const double name = std::min(room, std::ceil(m_name->sizeThatFits({1e6, 1e6}).width));
+    m_name->setFrame(CGRectMake(sideMargin, 0, name, rowHeight));
+    const double state = std::max(0.0, room - name - labelGap);
+    m_state->setFrame(CGRectMake(sideMargin + room - state, 0, state, rowHeight));
+    // The advice belongs to the line above it: a little nearer than the row's own height puts it.
+    m_advice->setFrame(CGRectMake(sideMargin, rowHeight - 4, room, adviceHeight(width)));
+}
+
+std::string StatusRow::accessibilityLabel() const {
+    std::string text = m_name->text() + ": " + m_state->text();
+    if (!m_advice->text().empty()) text += ". " + m_advice->text();
+    return text;
+}
+
+} // namespace app
