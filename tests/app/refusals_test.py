@@ -294,7 +294,8 @@ class Refusals(unittest.TestCase):
         said = self.assert_no_root(others)
         self.assertIn("started as the administrator", said)
         os.chown(others, 0, 0)
-        os.chmod(self.folder, 0o755)
+        for folder in (self.folder, others):
+            os.chmod(folder, 0o755)
         self.assertIn("it belongs to root", self.assert_no_root(others, user=65534, group=65534, extra_groups=[]))
 
     @unittest.skipIf(os.geteuid() != 0, "this is about the administrator")

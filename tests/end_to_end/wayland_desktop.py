@@ -20,6 +20,7 @@ class WaylandDesktop(Desktop):
         with open(config, "w") as file:
             # A window fills the screen.
             file.write(f"xwayland disable\ndefault_border none\noutput * resolution {self.size}\n")
+        os.chmod(config, 0o644)
         command = ["env", "WLR_BACKENDS=headless", "WLR_LIBINPUT_NO_DEVICES=1", "WLR_RENDERER=pixman",
                    f"XDG_RUNTIME_DIR={self.compositor_folder}", "sway", "-c", config]
         if os.geteuid() == 0:
