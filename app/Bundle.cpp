@@ -3,6 +3,7 @@
 #include "platform/foundation/NSPropertyListSerialization.h"
 #include "platform/uikit/UIViewController.h"
 #include "system/files/files.h"
+#include "system/files/trusted_file.h"
 
 #include <filesystem>
 #include <system_error>
@@ -27,13 +28,18 @@ bool isHexDigest(const std::string& text) {
     return text.size() == 64 && text.find_first_not_of("0123456789abcdef") == std::string::npos;
 }
 
-// A real path, not one under the root. nil when it cannot be read; the reason has been logged.
-std::shared_ptr<NSDictionary> readManifest(const std::string& path) {
+// A real path, not one under the root. nil when it cannot be read, and why, as the rest of a sentence.
+std::shared_ptr<NSDictionary> readManifest(const std::string& path, std::string& problem) {
+    const auto file = seat::openTrustedFile(path, problem);
+    if (!file) return nullptr;
     std::shared_ptr<NSError> error;
-    const auto data = seat::readFile(path, maximumManifestLength, &error);
-    return data ? NSPropertyListSerialization::propertyListWithData_options_format_error(*data, 0, nullptr, &error)
-                      .object<NSDictionary>()
-                : nullptr;
+    const auto data = seat::readOpenedFile(file, path, maximumManifestLength, &error);
+    auto manifest =
+        data ? NSPropertyListSerialization::propertyListWithData_options_format_error(*data, 0, nullptr, &error)
+                   .object<NSDictionary>()
+             : nullptr;
+    if (!manifest) problem = "cannot be read as a manifest";
+    return manifest;
 }
 
 // Empty, or what the manifest lacks.
@@ -56,13 +62,10 @@ app::Bundle app::readBundle(const std::string& folder, std::string& problem) {
         return bundle;
     }
     const std::string manifestPath = folder + "/Info.plist";
-    if (!fs::exists(manifestPath, error)) {
-        problem = refusal(manifestPath, "is missing");
-        return bundle;
-    }
-    bundle.manifest = readManifest(manifestPath);
+    std::string reason;
+    bundle.manifest = readManifest(manifestPath, reason);
     if (!bundle.manifest) {
-        problem = refusal(manifestPath, "cannot be read as a manifest");
+        problem = refusal(manifestPath, reason);
         return bundle;
     }
     if (const auto missing = missingEntry(*bundle.manifest); !missing.empty()) {
@@ -83,8 +86,12 @@ app::Bundle app::readBundle(const std::string& folder, std::string& problem) {
     return bundle;
 }
 
-Class app::loadPrincipalClass(const Bundle& bundle, std::string& problem) {
-    if (const auto reason = seat::loadModule(bundle.modulePath); !reason.empty()) {
+Class app::loadPrincipalClass(const Bundle& bundle, seat::CheckedModule module, std::string& problem) {
+    if (!module.problem.empty()) {
+        problem = refusal(bundle.modulePath, module.problem);
+        return nullptr;
+    }
+    if (const auto reason = seat::loadModule(std::move(module)); !reason.empty()) {
         problem = refusal(bundle.modulePath, "cannot be loaded: " + reason);
         return nullptr;
     }

@@ -21,12 +21,13 @@ struct Bundle {
     std::shared_ptr<NSDictionary> manifest; // all of it
 };
 
-// The manifest of the bundle in a folder. On failure `problem` is the sentence to print; nothing of the bundle has run.
+// The manifest of the bundle in a folder, neither of which anybody but this user and the administrator may be able to
+// change. On failure `problem` is the sentence to print; nothing of the bundle has run.
 Bundle readBundle(const std::string& folder, std::string& problem);
 
-// Loads the module, whose seal has been checked, and finds the principal class, which must be a screen. On failure nil,
-// and `problem` is the sentence to print. The module stays for the rest of the process's life.
-Class loadPrincipalClass(const Bundle& bundle, std::string& problem);
+// Loads the module, once it has been checked (seat::checkModule), and finds the principal class, which must be a
+// screen. On failure nil, and `problem` is the sentence to print. The module stays for the rest of the process's life.
+Class loadPrincipalClass(const Bundle& bundle, seat::CheckedModule module, std::string& problem);
 
 // The bundle's own copy of a web page, as its manifest names it under "JVNPackagedPages" (address -> file); its real
 // path. Empty when it has none.

@@ -118,19 +118,16 @@ int app::runApplication(const Options& options) {
     seat::settleSessionBus(busTimeout);
 
     // The module is read through on another thread while the toolkit starts.
-    auto check = std::async(std::launch::async, seat::moduleProblem, bundle.modulePath, bundle.seal);
+    auto check = std::async(std::launch::async, seat::checkModule, bundle.modulePath, bundle.seal);
     seat::Toolkit toolkit({.name = "joyvane-settings",
                            .desktopEntry = "com.quorrel.joyvane",
                            .needsDisplay = !isTour,
                            .noDisplay = noDisplay});
-    if (const auto reason = check.get(); !reason.empty()) {
-        complain("bundle refused: " + bundle.modulePath + " " + reason);
-        return ExitBundleRefused;
-    }
-    const Class principalClass = loadPrincipalClass(bundle, problem);
+    const Class principalClass = loadPrincipalClass(bundle, check.get(), problem);
     if (!principalClass) {
         complain(problem);
-        return ExitBundleRefused;
+        // An initialiser that has thrown leaves the loader locked: whatever else would end in order could wait for it.
+        _exit(ExitBundleRefused);
     }
 
     seat::MailDrafts::shared().removeForgotten();

@@ -25,7 +25,7 @@ function(joyvane_bundle name)
   set(version_script ${CMAKE_CURRENT_BINARY_DIR}/${name}.version)
   file(GENERATE OUTPUT ${version_script} CONTENT "{ ${exported}local: *$<SEMICOLON> }$<SEMICOLON>\n")
 
-  add_library(${module} MODULE ${ARG_SOURCES})
+  add_library(${module} MODULE ${ARG_SOURCES} $<TARGET_OBJECTS:joyvane_module_note>)
   # No run path: whoever loads the module has the platform library already, and a file that an installation edits would
   # no longer have the digest in its manifest.
   set_target_properties(${module} PROPERTIES
@@ -33,8 +33,9 @@ function(joyvane_bundle name)
     SKIP_BUILD_RPATH ON INSTALL_RPATH "" LINK_DEPENDS ${version_script})
   target_link_libraries(${module} PRIVATE joyvane_flags joyvane_platform)
   # The module calls its own functions, whatever else in the process has their names (crc32 is a library's, too).
+  # It stays for the process's life: objects of its classes live until the end.
   # A name in the list that nothing defines is for the test of the exports to report, not for one linker out of two.
-  target_link_options(${module} PRIVATE -Wl,-Bsymbolic -Wl,--version-script=${version_script} -Wl,--undefined-version)
+  target_link_options(${module} PRIVATE -Wl,-Bsymbolic -Wl,-z,nodelete -Wl,--version-script=${version_script} -Wl,--undefined-version)
 
   set(contents ${folder}/Info.plist)
   set(seal ${CMAKE_SOURCE_DIR}/cmake/seal_bundle.py)

@@ -2,6 +2,7 @@
 
 #include "app/tour/describe.h"
 #include "kit/dispatch/main_queue.h"
+#include "kit/runtime/hidden_addresses.h"
 #include "kit/runtime/log.h"
 #include "platform/foundation/NSDictionary.h"
 #include "platform/foundation/time.h"
@@ -35,8 +36,8 @@ app::Recorder::~Recorder() {
     if (m_file) std::fclose(m_file);
 }
 
-void app::Recorder::note(const std::string& line) {
-    m_lines.push_back(line);
+void app::Recorder::note(const std::string& noted) {
+    const std::string& line = m_lines.emplace_back(seat::withoutAddresses(noted));
     if (!m_file) return;
     std::fprintf(m_file, "%8.3f  %s\n", platform::CACurrentMediaTime() - m_start, line.c_str());
     std::fflush(m_file);

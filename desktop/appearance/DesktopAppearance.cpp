@@ -16,6 +16,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
+constexpr const char* portalName = "org.freedesktop.portal.Desktop";
 constexpr const char* settingsInterface = "org.freedesktop.portal.Settings";
 constexpr auto portalTimeout = 5s; // the bus may have to start the portal
 
@@ -45,14 +46,13 @@ struct seat::DesktopAppearance::State final : QObject {
 void seat::DesktopAppearance::State::askPortal(const std::weak_ptr<State>& self) {
     const auto spaces = NSArray::array();
     for (const char* const space : portalSettingsSpaces) spaces->addObject(space);
-    SessionBus::shared().call(
-        {"org.freedesktop.portal.Desktop", "/org/freedesktop/portal/desktop", settingsInterface, "ReadAll"}, "as",
-        {id(spaces)}, portalTimeout, [self](const SessionBus::Reply& reply) {
-            const auto state = self.lock();
-            if (!state || !reply.error.empty() || reply.arguments.empty()) return;
-            state->portal = reply.arguments[0].object<NSDictionary>();
-            state->settle();
-        });
+    SessionBus::shared().call({portalName, "/org/freedesktop/portal/desktop", settingsInterface, "ReadAll"}, "as",
+                              {id(spaces)}, portalTimeout, [self](const SessionBus::Reply& reply) {
+                                  const auto state = self.lock();
+                                  if (!state || !reply.error.empty() || reply.arguments.empty()) return;
+                                  state->portal = reply.arguments[0].object<NSDictionary>();
+                                  state->settle();
+                              });
 }
 
 void seat::DesktopAppearance::State::settle() {
@@ -69,9 +69,12 @@ seat::DesktopAppearance::DesktopAppearance(std::function<void()> changed) : m_st
     qGuiApp->installEventFilter(m_state.get());
     const std::weak_ptr<State> weak = m_state;
     // It says what has changed, too; asked again, it says all of it in one form.
-    m_state->signal = SessionBus::shared().addSignal(settingsInterface, "SettingChanged", [weak](const BusSignal&) {
-        if (const auto state = weak.lock()) state->askPortal(weak);
-    });
+    m_state->signal = SessionBus::shared().addSignal(
+        settingsInterface, "SettingChanged",
+        [weak](const BusSignal&) {
+            if (const auto state = weak.lock()) state->askPortal(weak);
+        },
+        portalName);
     m_state->askPortal(weak);
 }
 

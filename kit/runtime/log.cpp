@@ -1,5 +1,6 @@
 #include "kit/runtime/log.h"
 
+#include "kit/runtime/hidden_addresses.h"
 #include "kit/seat.h"
 #include "platform/log.h"
 
@@ -41,7 +42,8 @@ void NSLog(const char* format, ...) {
     va_end(arguments);
     if (wanted < 0) return;
 
-    const std::span line(text, std::min(static_cast<std::size_t>(wanted), sizeof text - 1));
+    const std::size_t length = std::min(static_cast<std::size_t>(wanted), sizeof text - 1);
+    const std::span line(text, seat::hideAddresses({text, length}));
     // A file's contents may have found their way into the reason: what is logged stays one line.
     for (char& c : line)
         if (static_cast<unsigned char>(c) < 0x20 || c == 0x7f) c = ' ';

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <string_view>
 #include <utility>
 
 namespace services {
@@ -22,6 +23,16 @@ std::string addressOf(Bus::Which which) {
     if (isSystem) return systemAddress;
     const char* const folder = std::getenv("XDG_RUNTIME_DIR");
     return folder && *folder ? std::string("unix:path=") + folder + "/bus" : "";
+}
+
+// Of a network nobody can say who is at the other end, and what an address starts would be left behind.
+bool isOnThisComputer(std::string_view addresses) {
+    while (!addresses.empty()) {
+        if (!addresses.starts_with("unix:")) return false;
+        const auto end = addresses.find(';');
+        addresses.remove_prefix(end == std::string_view::npos ? addresses.size() : end + 1);
+    }
+    return true;
 }
 
 const char* nameOf(Bus::Which which) { return which == Bus::Which::System ? "system bus" : "session bus"; }
@@ -73,6 +84,8 @@ void Bus::open() {
     m_retry.reset();
     const std::string address = addressOf(m_which);
     if (address.empty()) return log("%s: there is none in this environment", nameOf(m_which));
+    if (!isOnThisComputer(address))
+        return log("%s: %s is no socket of this computer's", nameOf(m_which), address.c_str());
     ::sd_bus_slot* connectedSlot = nullptr;
     ::sd_bus_slot* disconnectedSlot = nullptr;
     int result = ::sd_bus_new(&m_bus);

@@ -11,8 +11,8 @@
 namespace services {
 
 // A connection to a message bus that comes back by itself: a bus that is absent, refuses, dies or is restarted is tried
-// again, at once when its socket appears. An environment that names none is settled: nothing is tried. Nothing waits.
-// One thread.
+// again, at once when its socket appears. An environment that names none, or one that is no socket of this computer's,
+// is settled: nothing is tried. Nothing waits. One thread.
 class Bus {
 public:
     enum class Which {

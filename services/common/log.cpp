@@ -1,5 +1,7 @@
 #include "services/common/log.h"
 
+#include "kit/runtime/hidden_addresses.h"
+
 #include <algorithm>
 #include <chrono>
 #include <cstdarg>
@@ -73,7 +75,7 @@ void log(const char* format, ...) {
     va_end(arguments);
     if (wanted < 0) return;
 
-    std::string text(buffer);
+    std::string text = seat::withoutAddresses(buffer);
     // A peer's name may have found its way into the reason: what is logged stays one line.
     for (char& c : text)
         if (static_cast<unsigned char>(c) < 0x20 || c == 0x7f) c = ' ';

@@ -6,10 +6,10 @@
 #include "services/jvnd/exit_codes.h"
 #include "services/jvnd/options.h"
 #include "services/jvnd/say_line.h"
+#include "system/process/standard_descriptors.h"
 
 #include <csignal>
 #include <cstdio>
-#include <fcntl.h>
 #include <sys/epoll.h>
 #include <sys/stat.h>
 #include <systemd/sd-daemon.h>
@@ -20,12 +20,6 @@ namespace {
 using namespace jvnd;
 
 constexpr const char* controlSocket = "/Library/Caches/jvncontrol.sock";
-
-// A descriptor of ours must never be taken for a standard stream.
-void openStandardStreams() {
-    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
-        if (::fcntl(stream, F_GETFD) < 0) ::open("/dev/null", O_RDWR);
-}
 
 // A simulated daemon belongs to whoever has started it with a pipe.
 services::EventLoop::Source endWithInput(services::EventLoop& loop) {
@@ -61,7 +55,7 @@ int fail(const std::string& problem, int code) {
 } // namespace
 
 int main(int argc, char** argv) {
-    openStandardStreams();
+    seat::openMissingStandardDescriptors();
     ::signal(SIGPIPE, SIG_IGN);
     services::setLogName("jvnd");
     const auto line = parseCommandLine(std::span<const char* const>(argv, static_cast<std::size_t>(argc)).subspan(1));

@@ -2,6 +2,7 @@
 #include "services/jvninput/keymap_file.h"
 #include "services/jvninput/options.h"
 #include "services/jvninput/state_text.h"
+#include "system/process/standard_descriptors.h"
 
 #include <cstdio>
 #include <string>
@@ -68,6 +69,7 @@ int run(const jvninput::Options& options) {
 } // namespace
 
 int main(int count, char** arguments) {
+    seat::openMissingStandardDescriptors();
     std::string complaint;
     const auto options = jvninput::parseOptions({arguments + 1, arguments + count}, complaint);
     if (!options) {

@@ -3,6 +3,7 @@
 #include "services/input_protocol/messages.h"
 #include "services/jvninputd/Service.h"
 #include "services/jvninputd/listening_socket.h"
+#include "system/process/standard_descriptors.h"
 
 #include <csignal>
 #include <cstdio>
@@ -25,6 +26,8 @@ constexpr const char* usage = "usage: jvninputd [--socket PATH]\n"
 } // namespace
 
 int main(int count, char** arguments) {
+    seat::openMissingStandardDescriptors();
+    std::signal(SIGPIPE, SIG_IGN); // whoever reads the log may go
     services::setLogName("jvninputd");
     std::string path = input::socketPath;
     for (int i = 1; i < count; ++i) {

@@ -139,7 +139,6 @@ void seat::BusConnection::adopt(DBusConnection* connection) {
     m_connection = connection;
     ::dbus_connection_set_exit_on_disconnect(connection, FALSE);
     int descriptor = -1;
-    // A network address has no user to ask for: whoever wrote it into the environment trusts it.
     if (::dbus_connection_get_socket(connection, &descriptor) && !peerIsTrusted(descriptor))
         return fail("it belongs to another user");
     if (!::dbus_connection_set_watch_functions(connection, Callbacks::addWatch, Callbacks::removeWatch,

@@ -39,8 +39,8 @@ SessionBus::Token SessionBus::addMethods(const std::string& path, const std::str
     return m_implementation->addMethods(path, interface, std::move(called));
 }
 SessionBus::Token SessionBus::addSignal(const std::string& interface, const std::string& member,
-                                        std::function<void(const BusSignal&)> heard) {
-    return m_implementation->addSignal(interface, member, std::move(heard));
+                                        std::function<void(const BusSignal&)> heard, const std::string& sender) {
+    return m_implementation->addSignal(interface, member, std::move(heard), sender);
 }
 void SessionBus::remove(Token token) { m_implementation->remove(token); }
 
@@ -78,7 +78,10 @@ void SessionBus::Implementation::busIsReady() {
     m_isSilent = false;
     m_watcher.stop();
     for (const auto& [token, listener] : m_listeners) listen(listener, "AddMatch");
-    for (const auto& [name, asked] : m_names) requestName(name);
+    for (const auto& [name, asked] : m_names) {
+        callBus("AddMatch", ownerRule(name), std::nullopt, nullptr);
+        requestName(name);
+    }
     const auto waiting = std::exchange(m_waiting, {});
     for (const auto& each : waiting) sendNow(each);
 }
@@ -87,6 +90,7 @@ void SessionBus::Implementation::busIsGone(const std::string& reason) {
     logAbsence(reason);
     m_isSilent = false;
     dropWaiting();
+    m_senders.forget();
     const auto calls = std::exchange(m_calls, {});
     for (const auto& [token, replied] : calls) replied({DBUS_ERROR_DISCONNECTED, {}});
     std::vector<std::string> lost;

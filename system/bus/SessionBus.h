@@ -36,7 +36,9 @@ struct BusCall {
 };
 
 // The user's session bus. It may be absent, silent, die and come back: names and signals that are wanted are there
-// again within 2 s of its return, and while nothing is wanted nothing is tried. No call waits. Main thread only.
+// again within 2 s of its return, and while nothing is wanted nothing is tried. Programs of other users than our own
+// and root are not listened to, nor one that has gone before the bus could say whose it was. No call waits. Main thread
+// only.
 class SessionBus {
 public:
     using Token = std::uint64_t; // 0 is never given out
@@ -52,8 +54,8 @@ public:
 
     enum class NameState {
         Owned,
-        Queued, // another program has the name; we get it when it lets go
-        Lost,   // the bus has gone, or the name was taken away
+        Taken, // another program has the name; it is asked for again when it is free
+        Lost,  // the bus has gone, or the name was taken away
     };
     // Asks for a well-known name until removeName(); `changed` hears how it stands. One asker a name.
     void addName(const std::string& name, std::function<void(NameState)> changed);
@@ -65,9 +67,10 @@ public:
     // carries one dictionary or nothing; one that carries anything else is refused with a logged reason.
     Token addMethods(const std::string& path, const std::string& interface,
                      std::function<CallResult(const BusCall&)> called);
-    // Signals of this interface and member from any other program, with any path.
+    // Signals of this interface and member, with any path, that are sent to everybody: from any other program, or from
+    // the owner of the well-known name `sender` alone.
     Token addSignal(const std::string& interface, const std::string& member,
-                    std::function<void(const BusSignal&)> heard);
+                    std::function<void(const BusSignal&)> heard, const std::string& sender = {});
     // Methods or signals; unknown ones are ignored.
     void remove(Token token);
 

@@ -1,6 +1,8 @@
 #pragma once
 
+#include "kit/runtime/LineLimit.h"
 #include "system/bus/BusConnection.h"
+#include "system/bus/BusSenders.h"
 #include "system/bus/BusWatcher.h"
 #include "system/bus/EventSet.h"
 #include "system/bus/SessionBus.h"
@@ -23,7 +25,7 @@ public:
     Token addMethods(const std::string& path, const std::string& interface,
                      std::function<CallResult(const BusCall&)> called);
     Token addSignal(const std::string& interface, const std::string& member,
-                    std::function<void(const BusSignal&)> heard);
+                    std::function<void(const BusSignal&)> heard, const std::string& sender);
     void remove(Token token);
     void emitSignal(const BusSignal& signal);
     void call(const BusMethod& method, const std::string& signature, const std::vector<id>& arguments,
@@ -43,6 +45,7 @@ private:
         std::string interface;
         std::string member;
         std::shared_ptr<std::function<void(const BusSignal&)>> heard;
+        std::string sender;
     };
     // What is to be sent once the bus is there.
     struct Waiting {
@@ -71,13 +74,20 @@ private:
     void callBus(const char* member, const std::string& argument, std::optional<std::uint32_t> flags,
                  std::function<void(const Reply&)> replied);
 
+    // Of the signal that says that a name's owner has changed.
+    static std::string ownerRule(const std::string& name);
     void requestName(const std::string& name);
     void setNameState(const std::string& name, NameState state);
     void listen(const Listener& listener, const char* member);
     bool handleNameSignal(DBusMessage& message);
-    bool handleSignal(DBusMessage& message);
-    bool handleCall(DBusMessage& message);
+    bool isAwaited(DBusMessage& message) const;
+    void askForUser(const std::string& sender, std::function<void(std::optional<std::uint32_t>)> answered);
+    void hear(DBusMessage& message);
+    void hearSignal(DBusMessage& message);
+    void hearCall(DBusMessage& message);
+    const Methods* methodsFor(DBusMessage& message) const;
     void answer(DBusMessage& call, const char* error, const std::string& text);
+    void refuse(DBusMessage& message);
 
     EventSet m_events;
     BusConnection m_connection{m_events, *this};
@@ -93,6 +103,11 @@ private:
     std::map<Token, Listener> m_listeners;
     std::deque<Waiting> m_waiting;
     std::map<Token, std::function<void(const Reply&)>> m_calls; // sent, not yet answered
+    BusSenders m_senders{m_events,
+                         [this](const auto& sender, auto answered) { askForUser(sender, std::move(answered)); },
+                         [this](DBusMessage& message) { hear(message); }, [this](DBusMessage& call) { refuse(call); }};
+    LineLimit m_unknown; // lines about calls that nobody waits for
+    LineLimit m_invalid; // ... and about those that carry what they should not
 };
 
 } // namespace seat

@@ -3,6 +3,7 @@
 #include "platform/log.h"
 #include "system/bus/bus_values.h"
 
+#include <algorithm>
 #include <dbus/dbus.h>
 #include <limits>
 #include <string_view>
@@ -144,10 +145,11 @@ SessionBus::Token SessionBus::Implementation::addMethods(const std::string& path
 }
 
 SessionBus::Token SessionBus::Implementation::addSignal(const std::string& interface, const std::string& member,
-                                                        std::function<void(const BusSignal&)> heard) {
+                                                        std::function<void(const BusSignal&)> heard,
+                                                        const std::string& sender) {
     const Token token = ++m_last;
     const auto& listener = m_listeners[token] = {
-        interface, member, std::make_shared<std::function<void(const BusSignal&)>>(std::move(heard))};
+        interface, member, std::make_shared<std::function<void(const BusSignal&)>>(std::move(heard)), sender};
     if (m_connection.isReady())
         listen(listener, "AddMatch");
     else
@@ -162,23 +164,50 @@ void SessionBus::Implementation::remove(Token token) {
 }
 
 void SessionBus::Implementation::listen(const Listener& listener, const char* member) {
-    callBus(member, "type='signal',interface='" + listener.interface + "',member='" + listener.member + "'",
+    const std::string from = listener.sender.empty() ? "" : "',sender='" + listener.sender;
+    callBus(member, "type='signal',interface='" + listener.interface + "',member='" + listener.member + from + "'",
             std::nullopt, nullptr);
 }
 
 bool SessionBus::Implementation::handleMessage(DBusMessage& message) {
-    switch (::dbus_message_get_type(&message)) {
-    case DBUS_MESSAGE_TYPE_SIGNAL:
-        return handleNameSignal(message) || handleSignal(message);
-    case DBUS_MESSAGE_TYPE_METHOD_CALL:
-        return handleCall(message);
-    default:
-        return false;
-    }
+    if (::dbus_message_get_type(&message) == DBUS_MESSAGE_TYPE_SIGNAL && handleNameSignal(message)) return true;
+    if (!isAwaited(message)) return false;
+    const std::string sender = text(::dbus_message_get_sender(&message));
+    const bool isOurs = sender == m_connection.uniqueName();
+    if (!isOurs)
+        m_senders.take(sender, message);
+    else if (::dbus_message_get_type(&message) == DBUS_MESSAGE_TYPE_METHOD_CALL)
+        hearCall(message);
+    return true; // our own signal has been delivered here already
 }
 
-bool SessionBus::Implementation::handleSignal(DBusMessage& message) {
-    if (text(::dbus_message_get_sender(&message)) == m_connection.uniqueName()) return true; // our own, come back
+// Whether somebody here waits for it. What is not is answered by the library.
+bool SessionBus::Implementation::isAwaited(DBusMessage& message) const {
+    if (::dbus_message_get_type(&message) == DBUS_MESSAGE_TYPE_METHOD_CALL) return methodsFor(message) != nullptr;
+    // A signal that is addressed to us alone has come past the rules that say whose we hear.
+    if (::dbus_message_get_type(&message) != DBUS_MESSAGE_TYPE_SIGNAL || ::dbus_message_get_destination(&message))
+        return false;
+    return std::ranges::any_of(m_listeners, [&message](const auto& each) {
+        return ::dbus_message_is_signal(&message, each.second.interface.c_str(), each.second.member.c_str());
+    });
+}
+
+void SessionBus::Implementation::askForUser(const std::string& sender,
+                                            std::function<void(std::optional<std::uint32_t>)> answered) {
+    callBus("GetConnectionUnixUser", sender, std::nullopt, [answered = std::move(answered)](const Reply& reply) {
+        if (!reply.error.empty() || reply.arguments.empty()) return answered(std::nullopt);
+        answered(static_cast<std::uint32_t>(reply.arguments[0].integerValue()));
+    });
+}
+
+void SessionBus::Implementation::hear(DBusMessage& message) {
+    if (::dbus_message_get_type(&message) == DBUS_MESSAGE_TYPE_SIGNAL)
+        hearSignal(message);
+    else
+        hearCall(message);
+}
+
+void SessionBus::Implementation::hearSignal(DBusMessage& message) {
     const BusSignal signal{text(::dbus_message_get_path(&message)), text(::dbus_message_get_interface(&message)),
                            text(::dbus_message_get_member(&message))};
     std::vector<std::shared_ptr<std::function<void(const BusSignal&)>>> concerned;
@@ -186,33 +215,47 @@ bool SessionBus::Implementation::handleSignal(DBusMessage& message) {
         if (listener.interface == signal.interface && listener.member == signal.member)
             concerned.push_back(listener.heard);
     for (const auto& heard : concerned) (*heard)(signal);
-    return !concerned.empty();
 }
 
-bool SessionBus::Implementation::handleCall(DBusMessage& message) {
+const SessionBus::Implementation::Methods* SessionBus::Implementation::methodsFor(DBusMessage& message) const {
     const std::string path = text(::dbus_message_get_path(&message));
     std::string interface = text(::dbus_message_get_interface(&message));
     if (interface.empty()) interface = text(::dbus_message_get_destination(&message));
-    std::shared_ptr<std::function<CallResult(const BusCall&)>> called;
+    const Methods* found = nullptr;
     for (const auto& [token, methods] : m_methods)
-        if (methods.path == path && methods.interface == interface) called = methods.called;
-    if (!called) return false;
+        if (methods.path == path && methods.interface == interface) found = &methods;
+    return found;
+}
 
+void SessionBus::Implementation::hearCall(DBusMessage& message) {
+    constexpr const char* nobodyWaits = "nobody waits for it";
+    const auto* const methods = methodsFor(message);
+    if (!methods) return answer(message, DBUS_ERROR_UNKNOWN_METHOD, nobodyWaits); // no more
+    const auto called = methods->called;
     BusCall call{text(::dbus_message_get_sender(&message)), text(::dbus_message_get_member(&message)), nullptr};
     std::string problem;
     const auto arguments = readArguments(message, problem);
     if (arguments && arguments->size() == 1) call.dictionary = arguments->front().object<NSDictionary>();
     if (arguments && !arguments->empty() && !call.dictionary) problem = "it carries no dictionary";
+    const auto sayDropped = [&call](LineLimit& limit, const char* why) {
+        if (const auto more = limit.pass())
+            NSLog("message %s from %s: %s; dropped%s", call.member.c_str(), call.sender.c_str(), why, more->c_str());
+    };
     if (!problem.empty()) {
-        NSLog("message %s from %s: %s; dropped", call.member.c_str(), call.sender.c_str(), problem.c_str());
+        sayDropped(m_invalid, problem.c_str());
         answer(message, DBUS_ERROR_INVALID_ARGS, problem);
     } else if ((*called)(call) == CallResult::UnknownMethod) {
-        NSLog("message %s from %s: nobody waits for it; dropped", call.member.c_str(), call.sender.c_str());
-        answer(message, DBUS_ERROR_UNKNOWN_METHOD, "nobody waits for it");
+        sayDropped(m_unknown, nobodyWaits);
+        answer(message, DBUS_ERROR_UNKNOWN_METHOD, nobodyWaits);
     } else {
         answer(message, nullptr, "");
     }
-    return true;
+}
+
+// What another user's program has sent.
+void SessionBus::Implementation::refuse(DBusMessage& message) {
+    if (::dbus_message_get_type(&message) == DBUS_MESSAGE_TYPE_METHOD_CALL)
+        answer(message, DBUS_ERROR_ACCESS_DENIED, "another user's");
 }
 
 void SessionBus::Implementation::answer(DBusMessage& call, const char* error, const std::string& explanation) {

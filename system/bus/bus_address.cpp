@@ -17,8 +17,7 @@ std::string seat::busAddressToTry() {
 bool seat::isPlainBusAddress(const std::string& address) {
     const AddressEntries entries(address);
     return !entries.empty() && std::all_of(entries.begin(), entries.end(), [](DBusAddressEntry* entry) {
-        const auto method = AddressEntries::method(entry);
-        return method == "unix" || method == "tcp";
+        return AddressEntries::method(entry) == "unix";
     });
 }
 

@@ -8,11 +8,11 @@ namespace seat {
 // else the environment's, else the place in the user's run folder where a bus of the session would appear. Main thread.
 std::string busAddressToTry();
 
-// Whether the address names a bus that is simply connected to. Those that start a program are not taken: what they
-// start would outlive us.
+// Whether each of the addresses is a socket of this computer's. Others are not taken: what starts a program leaves it
+// behind, and of a network nobody can say who is at the other end.
 bool isPlainBusAddress(const std::string& address);
 
-// The file of the bus's socket; empty when the address has none (an abstract name, a network address).
+// The file of the bus's socket; empty when the address has none (an abstract name).
 std::string socketFileOfBusAddress(const std::string& address);
 
 } // namespace seat

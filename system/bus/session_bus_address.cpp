@@ -1,6 +1,7 @@
 #include "system/bus/session_bus_address.h"
 
 #include "system/bus/address_entries.h"
+#include "system/bus/bus_address.h"
 #include "system/files/environment.h"
 
 #include <cerrno>
@@ -142,13 +143,9 @@ std::string addressInRuntimeFolder() {
 BusState seat::probeBus(const std::string& addresses, std::chrono::milliseconds timeout) {
     const auto deadline = Clock::now() + timeout;
     BusState best = BusState::Absent;
+    if (!isPlainBusAddress(addresses)) return best;
     for (DBusAddressEntry* const entry : AddressEntries(addresses)) {
-        const auto method = AddressEntries::method(entry);
-        BusState state = BusState::Absent;
-        if (method == "unix")
-            state = probeSocket(socketName(entry), deadline);
-        else if (method == "tcp" || method == "nonce-tcp")
-            state = BusState::Answers;
+        const BusState state = probeSocket(socketName(entry), deadline);
         if (state != BusState::Absent) best = state;
         if (best == BusState::Answers) break;
     }

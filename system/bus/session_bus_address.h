@@ -11,8 +11,7 @@ namespace seat {
 enum class BusState { Answers, Silent, Absent };
 
 // Connects, authenticates and says hello, all within `timeout`. Of several addresses the first that answers counts.
-// A malformed list counts as absent. Only UNIX sockets are asked; a network address counts as answering, one that would
-// start a program as absent.
+// A malformed list counts as absent, and so does one with anything but sockets of this computer's (isPlainBusAddress).
 BusState probeBus(const std::string& addresses, std::chrono::milliseconds timeout);
 
 // An address at which nobody ever listens.

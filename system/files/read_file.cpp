@@ -1,4 +1,3 @@
-#include "system/files/Descriptor.h"
 #include "system/files/files.h"
 #include "system/files/uninterrupted.h"
 
@@ -16,14 +15,20 @@ std::shared_ptr<NSError> seat::fileError(const char* operation, const std::strin
 
 std::shared_ptr<NSData> seat::readFile(const std::string& path, std::size_t maximumLength,
                                        std::shared_ptr<NSError>* error) {
+    // Opening a pipe would otherwise wait for somebody to write to it.
+    constexpr int flags = O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+    const Descriptor file(uninterrupted([&] { return ::open(path.c_str(), flags); }));
+    if (file) return readOpenedFile(file, path, maximumLength, error);
+    if (error) *error = fileError("reading", path, errno);
+    return nullptr;
+}
+
+std::shared_ptr<NSData> seat::readOpenedFile(const Descriptor& file, const std::string& path, std::size_t maximumLength,
+                                             std::shared_ptr<NSError>* error) {
     const auto failed = [&](int number) {
         if (error) *error = fileError("reading", path, number);
         return nullptr;
     };
-    // Opening a pipe would otherwise wait for somebody to write to it.
-    constexpr int flags = O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
-    const Descriptor file(uninterrupted([&] { return ::open(path.c_str(), flags); }));
-    if (!file) return failed(errno);
     struct stat status {};
     if (::fstat(file.get(), &status) != 0) return failed(errno);
     if (S_ISDIR(status.st_mode)) return failed(EISDIR);

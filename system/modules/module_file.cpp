@@ -1,12 +1,15 @@
 #include "system/modules/module_file.h"
 
+#include "system/files/trusted_file.h"
+#include "system/files/uninterrupted.h"
 #include "system/modules/SHA256.h"
+#include "system/modules/module_abi.h"
 
 #include <cerrno>
 #include <cstring>
 #include <dlfcn.h>
 #include <elf.h>
-#include <fcntl.h>
+#include <exception>
 #include <link.h>
 #include <span>
 #include <sys/stat.h>
@@ -49,34 +52,20 @@ std::string headerProblem(std::span<const std::uint8_t> start) {
     return {};
 }
 
-struct Descriptor {
-    int number;
-    ~Descriptor() {
-        if (number != -1) close(number);
-    }
-};
-
 std::string reason(int error) { return std::string("cannot be read: ") + strerrordesc_np(error); }
 
-} // namespace
-
-std::string seat::moduleProblem(const std::string& path, const ModuleSeal& seal) {
-    // A pipe in the module's place must not make us wait.
-    const Descriptor file{open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)};
-    if (file.number == -1) return errno == ENOENT ? "is missing" : reason(errno);
+// Empty, or why the bytes are not what the seal says. Reads the file to its end.
+std::string sealProblem(int file, const seat::ModuleSeal& seal) {
     struct stat information {};
-    if (fstat(file.number, &information) != 0) return reason(errno);
-    if (!S_ISREG(information.st_mode)) return "is no regular file";
+    if (::fstat(file, &information) != 0) return reason(errno);
     const auto size = static_cast<std::uint64_t>(information.st_size);
     if (size != seal.size)
         return (size < seal.size ? "is cut: " : "has grown: ") + std::to_string(size) + " bytes instead of " +
                std::to_string(seal.size);
-
-    SHA256 digest;
+    seat::SHA256 digest;
     std::vector<std::uint8_t> piece(256 * 1024);
     for (std::uint64_t done = 0; done < size;) {
-        const ssize_t got = read(file.number, piece.data(), piece.size());
-        if (got < 0 && errno == EINTR) continue;
+        const auto got = seat::uninterrupted([&] { return ::read(file, piece.data(), piece.size()); });
         if (got < 0) return reason(errno);
         if (got == 0) return "was cut while it was read";
         const auto bytes = std::span<const std::uint8_t>(piece).first(static_cast<std::size_t>(got));
@@ -87,12 +76,65 @@ std::string seat::moduleProblem(const std::string& path, const ModuleSeal& seal)
     }
     const std::string found = digest.hexDigest();
     if (found.empty()) return "cannot be checked: the cryptographic library does not work";
-    if (found != seal.sha256) return "was changed: its digest is not the one in the manifest";
+    return found == seal.sha256 ? "" : "was changed: its digest is not the one in the manifest";
+}
+
+std::string abiProblem(int file) {
+    const auto word = seat::moduleABI(file);
+    if (!word) return "is no module of ours: it does not say what it was made for";
+    return *word == JOYVANE_MODULE_ABI ? "" : "is made for another version of this program";
+}
+
+bool leadsTo(const std::string& path, int file) {
+    struct stat there {};
+    struct stat here {};
+    return ::stat(path.c_str(), &there) == 0 && ::fstat(file, &here) == 0 && there.st_dev == here.st_dev &&
+           there.st_ino == here.st_ino;
+}
+
+// A path that means the open file, whatever has its name by now. The first is good for other processes too, such as
+// those that tell where in the module something went wrong.
+std::string pathOf(int file) {
+    for (const auto& process : {std::to_string(::getpid()), std::string("self")})
+        if (auto path = "/proc/" + process + "/fd/" + std::to_string(file); leadsTo(path, file)) return path;
     return {};
 }
 
-std::string seat::loadModule(const std::string& path) {
-    if (dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL)) return {};
-    const char* const problem = dlerror();
+void replaceAll(std::string& text, const std::string& what, const std::string& with) {
+    for (auto at = text.find(what); at != std::string::npos; at = text.find(what, at + with.size()))
+        text.replace(at, what.size(), with);
+}
+
+std::string loadFrom(const std::string& path) {
+    // The C library says that this throws nothing, and the compiler believes it; but the module's initialisers may.
+    void* (*const volatile open)(const char*, int) = &::dlopen;
+    try {
+        if (open(path.c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE)) return {};
+    } catch (const std::exception& thrown) {
+        return std::string("one of its initialisers failed: ") + thrown.what();
+    } catch (...) {
+        return "one of its initialisers failed";
+    }
+    const char* const problem = ::dlerror();
     return problem ? problem : "unknown reason";
+}
+
+} // namespace
+
+seat::CheckedModule seat::checkModule(const std::string& path, const ModuleSeal& seal) {
+    CheckedModule module{.path = path, .problem = {}, .file = Descriptor()};
+    module.file = openTrustedFile(path, module.problem);
+    if (module.problem.empty()) module.problem = sealProblem(module.file.get(), seal);
+    if (module.problem.empty()) module.problem = abiProblem(module.file.get());
+    if (!module.problem.empty()) module.file.reset();
+    return module;
+}
+
+std::string seat::loadModule(CheckedModule module) {
+    // Never closed: the loader knows the module by this name, and would take another one of that name for it.
+    const std::string path = pathOf(module.file.release());
+    if (path.empty()) return "/proc is not there";
+    std::string problem = loadFrom(path);
+    replaceAll(problem, path, module.path);
+    return problem;
 }

@@ -5,7 +5,6 @@
 #include "system/socket/address.h"
 #include "system/socket/connection_listener.h"
 #include "system/socket/receive.h"
-#include "system/socket/socket_faults.h"
 
 #include <cerrno>
 #include <cstring>
@@ -45,13 +44,11 @@ const char* reason(int errorNumber) {
 } // namespace
 
 int platform::socket(int domain, int type, int protocol) {
-    if (const int fault = seat::takeSocketFault(seat::SocketCall::Socket)) return failed(fault);
     if (domain != AF_UNIX_FAMILY || type != SOCK_STREAM_TYPE || protocol != 0) return failed(EPROTONOSUPPORT);
     return ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
 }
 
 int platform::connect(int descriptor, const sockaddr_un* address, std::size_t size) {
-    if (const int fault = seat::takeSocketFault(seat::SocketCall::Connect)) return failed(fault);
     if (!address || size != sizeof *address || address->sun_family != AF_UNIX_FAMILY) return failed(EINVAL);
     const std::string path(address->sun_path, ::strnlen(address->sun_path, sizeof address->sun_path));
     if (path.empty()) return failed(ENOENT);
@@ -70,12 +67,10 @@ int platform::connect(int descriptor, const sockaddr_un* address, std::size_t si
 }
 
 std::ptrdiff_t platform::send(int descriptor, const void* bytes, std::size_t length, int) {
-    if (const int fault = seat::takeSocketFault(seat::SocketCall::Send)) return failed(fault);
     return ::send(descriptor, bytes, length, MSG_NOSIGNAL | MSG_DONTWAIT);
 }
 
 std::ptrdiff_t platform::recv(int descriptor, void* bytes, std::size_t length, int flags) {
-    if (const int fault = seat::takeSocketFault(seat::SocketCall::Receive)) return failed(fault);
     if (flags & MSG_WAITALL_FLAG) return seat::receiveAll(descriptor, bytes, length);
     for (;;) {
         const std::ptrdiff_t result = ::recv(descriptor, bytes, length, 0);
@@ -84,7 +79,6 @@ std::ptrdiff_t platform::recv(int descriptor, void* bytes, std::size_t length, i
 }
 
 int platform::setsockopt(int descriptor, int level, int option, const void* value, std::size_t size) {
-    if (const int fault = seat::takeSocketFault(seat::SocketCall::SetOption)) return failed(fault);
     if (level != SOL_SOCKET_LEVEL || option != SO_RCVTIMEO_OPTION) return failed(ENOPROTOOPT);
     timeval time;
     if (!value || size != sizeof time) return failed(EINVAL);

@@ -35,7 +35,10 @@ protected:
         writePreferences();
         std::string problem;
         const app::Bundle bundle = app::readBundle(builtBundle(), problem);
-        const Class principal = problem.empty() ? app::loadPrincipalClass(bundle, problem) : nullptr;
+        const Class principal =
+            problem.empty()
+                ? app::loadPrincipalClass(bundle, seat::checkModule(bundle.modulePath, bundle.seal), problem)
+                : nullptr;
         if (!principal) throw std::runtime_error(problem);
         page = std::make_unique<app::SettingsPage>(bundle, principal, CGSize{375, 667}, 1);
         touches = std::make_unique<seat::Touches>(page->scene(), &clock);

@@ -1,8 +1,10 @@
 """What joyvane-settings says and how it ends when it cannot go on: one sentence, and an exit code that tells the kind.
 
-    refusals_test.py JOYVANE-SETTINGS SAMPLE.BUNDLE SEAL_BUNDLE.PY
+    refusals_test.py JOYVANE-SETTINGS SAMPLE.BUNDLE THROWING.BUNDLE SEAL_BUNDLE.PY
 """
 
+import collections
+import ctypes
 import glob
 import os
 import plistlib
@@ -13,10 +15,11 @@ import struct
 import subprocess
 import sys
 import tempfile
+import threading
 import time
 import unittest
 
-PROGRAM, SAMPLE, SEAL = sys.argv[1:4]
+PROGRAM, SAMPLE, THROWING, SEAL = sys.argv[1:5]
 NO_DISPLAY, USAGE, REFUSED = 2, 3, 4
 DISPLAY_NAMES = ("DISPLAY", "WAYLAND_DISPLAY", "WAYLAND_SOCKET", "QT_QPA_PLATFORM")
 
@@ -158,7 +161,81 @@ class Refusals(unittest.TestCase):
         path = next(line.split()[2] for line in library.splitlines() if "libm.so" in line)
         shutil.copyfile(path, self.module)
         self.reseal()
-        self.assert_refused(self.module, "it has no screen called SampleListController")
+        self.assert_refused(self.module, "is no module of ours: it does not say what it was made for")
+
+    def test_a_module_that_was_compiled_with_other_declarations_runs_no_code(self):
+        def other(data):
+            data[data.index(b"\x01\0\0\0Joyvane\0") + 12] ^= 1
+        shutil.copyfile(os.path.join(THROWING, "Throwing"), self.module)
+        self.rewrite(self.module, other)
+        self.reseal()
+        self.assert_refused(self.module, "is made for another version of this program")
+
+    def test_a_module_whose_initialiser_throws(self):
+        shutil.copyfile(os.path.join(THROWING, "Throwing"), self.module)
+        self.reseal()
+        for _ in range(5):
+            run = self.run_program("--bundle", self.bundle)
+            self.assertEqual(run.returncode, REFUSED, run.stderr)
+            self.assertEqual(run.stderr, f"a throwing initialiser ran\njoyvane-settings: bundle refused: {self.module} "
+                                         "cannot be loaded: one of its initialisers failed: no such luck\n")
+
+    def test_of_two_files_that_change_places_only_the_sealed_one_ever_runs(self):
+        other = os.path.join(self.folder, "other")
+        shutil.copyfile(os.path.join(THROWING, "Throwing"), other)
+        with open(os.path.join(self.bundle, "tour.txt"), "w") as script:
+            script.write("picture page\n")
+        stop = threading.Event()
+
+        def exchange():
+            """Each of the files has the module's name about half of the time."""
+            libc = ctypes.CDLL(None, use_errno=True)
+            here, exchange_both = -100, 2
+            while not stop.is_set():
+                libc.renameat2(here, self.module.encode(), here, other.encode(), exchange_both)
+                time.sleep(0.0005)
+        thread = threading.Thread(target=exchange)
+        thread.start()
+        try:
+            ended = collections.Counter()
+            for start in range(30):
+                run = self.run_program("--bundle", self.bundle, "--tour", os.path.join(self.folder, f"tour-{start}"))
+                self.assertNotIn("a throwing initialiser ran", run.stderr)
+                ended[run.returncode] += 1
+        finally:
+            stop.set()
+            thread.join()
+        self.assertEqual(set(ended), {0, REFUSED}, "both were met")
+
+    def test_a_bundle_that_others_could_change(self):
+        for path in (self.module, self.manifest, self.bundle):
+            mode = os.stat(path).st_mode
+            os.chmod(path, 0o777)
+            said = self.assert_refused(self.manifest if path == self.bundle else path, "may be changed by everybody")
+            self.assertIn(path, said)
+            os.chmod(path, mode)
+        os.mkdir(os.path.join(self.folder, "open"))
+        os.rename(self.bundle, os.path.join(self.folder, "open/Sample.bundle"))
+        os.chmod(os.path.join(self.folder, "open"), 0o777)
+        self.bundle = os.path.join(self.folder, "open/Sample.bundle")
+        self.assert_refused(os.path.join(self.bundle, "Info.plist"), f"stands in {self.folder}/open, which may be changed")
+
+    @unittest.skipIf(os.geteuid() != 0, "another user's file needs the right to give one away")
+    def test_a_bundle_of_another_user(self):
+        for path in (self.module, self.manifest, self.bundle):
+            os.chown(path, 1234, 1234)
+            self.assert_refused(self.manifest if path == self.bundle else path, "belongs to user 1234")
+            os.chown(path, 0, 0)
+
+    def test_a_bundle_with_links(self):
+        for path in (self.module, self.manifest):
+            os.rename(path, path + ".real")
+            os.symlink(path + ".real", path)
+            self.assert_refused(path, "is a link")
+            os.rename(path + ".real", path)
+        os.rename(self.bundle, self.folder + "/real")
+        os.symlink(self.folder + "/real", self.bundle)
+        self.assert_refused(self.manifest, f"stands in {self.bundle}, which is a link")
 
     def test_a_class_that_is_no_screen(self):
         with open(self.manifest, "rb") as file:

@@ -76,6 +76,12 @@ class Installed(unittest.TestCase):
         self.assertEqual(manifest["JVNModuleSize"], len(module))
         self.assertEqual(manifest["JVNModuleSHA256"], hashlib.sha256(module).hexdigest())
 
+    def test_what_is_installed_is_hardened(self):
+        check = subprocess.run([sys.executable, os.path.join(PACKAGING, "..", "scripts", "check-hardening"), self.prefix],
+                               capture_output=True, text=True)
+        self.assertEqual(check.returncode, 0, check.stderr)
+        self.assertIn("7 built files are hardened", check.stdout)
+
     def test_the_program_runs_from_the_prefix(self):
         result = self.run_program("--version")
         self.assertEqual(result.returncode, 0, result.stderr)

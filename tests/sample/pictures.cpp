@@ -34,9 +34,9 @@ const app::Bundle& bundle() {
 
 Class principalClass() {
     static const Class found = [] {
-        std::string problem = seat::moduleProblem(bundle().modulePath, bundle().seal);
-        EXPECT_EQ(problem, "");
-        const Class loaded = app::loadPrincipalClass(bundle(), problem);
+        std::string problem;
+        const Class loaded =
+            app::loadPrincipalClass(bundle(), seat::checkModule(bundle().modulePath, bundle().seal), problem);
         EXPECT_EQ(problem, "");
         return loaded;
     }();

@@ -165,12 +165,12 @@ class Exports(Checks):
 
 
 class Hardening(unittest.TestCase):
-    SOURCE = """#include <cstdio>
+    SOURCE = """#include <cstring>
 #include <vector>
 std::vector<char> all(100);
-int main(int count, char** words) { char line[64]; std::snprintf(line, sizeof line, "%s", words[0]); return all[count] + line[0]; }
+int main(int count, char** words) { char line[64]; std::strcpy(line, words[0]); return all[count] + line[0]; }
 """
-    GUARDS = ["-O1", "-fPIE", "-pie", "-fstack-protector-strong", "-D_GLIBCXX_ASSERTIONS",
+    GUARDS = ["-O1", "-D_FORTIFY_SOURCE=2", "-fPIE", "-pie", "-fstack-protector-strong", "-D_GLIBCXX_ASSERTIONS",
               "-Wl,-z,relro", "-Wl,-z,now", "-Wl,-z,noexecstack", "-Wl,-rpath,$ORIGIN/../lib/joyvane"]
 
     def check(self, without="", also=(), source=SOURCE):
@@ -191,6 +191,7 @@ int main(int count, char** words) { char line[64]; std::snprintf(line, sizeof li
                 ("-pie", ["-no-pie"], "not position-independent"),
                 ("-fstack-protector-strong", ["-fno-stack-protector"], "without stack protector"),
                 ("-D_GLIBCXX_ASSERTIONS", [], "without checked containers"),
+                ("-D_FORTIFY_SOURCE=2", [], "without fortified calls"),
                 ("-Wl,-z,relro", ["-Wl,-z,norelro"], "tables stay writable"),
                 ("-Wl,-z,now", ["-Wl,-z,lazy"], "tables stay writable"),
                 ("-Wl,-z,noexecstack", ["-Wl,-z,execstack"], "executable stack"),
@@ -200,6 +201,36 @@ int main(int count, char** words) { char line[64]; std::snprintf(line, sizeof li
                 code, output = self.check(without, also)
                 self.assertEqual(code, 1, output)
                 self.assertIn(found, output)
+
+    def test_of_a_folder_every_program_and_library_is_looked_at(self):
+        with tempfile.TemporaryDirectory() as folder:
+            def check():
+                result = subprocess.run([sys.executable, os.path.join(SCRIPTS, "check-hardening"), folder],
+                                        capture_output=True, text=True)
+                return result.returncode, result.stdout + result.stderr
+
+            os.makedirs(os.path.join(folder, "lib/joyvane"))
+            with open(os.path.join(folder, "text"), "w") as file:
+                file.write("no program")
+            self.assertEqual(check()[0], 2, "a folder without programs proves nothing")
+
+            # The program itself has nothing to guard; the library that it needs has.
+            library = os.path.join(folder, "lib/joyvane/libguarded.so")
+            subprocess.run(["g++", "-x", "c++", "-", "-o", library, *self.GUARDS, "-fPIC", "-shared", "-Wl,-soname,libguarded.so"],
+                           input=self.SOURCE.replace("main", "guarded"), text=True, check=True)
+            program = os.path.join(folder, "program")
+            build = ["g++", "-x", "c++", "-", "-o", program, *self.GUARDS, "-x", "none", library]
+            subprocess.run(build, input="int guarded(int, char**); int main() { return guarded(0, nullptr); }", text=True,
+                           check=True)
+            code, output = check()
+            self.assertEqual(code, 0, output)
+            self.assertIn("2 built files", output)
+
+            subprocess.run([*build, "-Wl,-z,execstack"], input="int guarded(int, char**); int main() { return 0; }",
+                           text=True, check=True)
+            code, output = check()
+            self.assertEqual(code, 1, output)
+            self.assertIn("program has an executable stack", output)
 
     def test_a_name_for_tests_among_the_exports_is_found(self):
         code, output = self.check(also=["-rdynamic"], source=self.SOURCE + "void forgetEverythingForTests() {}\n")

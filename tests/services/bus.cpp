@@ -54,6 +54,21 @@ TEST_F(BusTest, IsUpWhenTheBusHasTakenItAndDownWhenItIsGone) {
     EXPECT_TRUE(loop.runUntil([&] { return told == "udu" && bus.isUp(); }));
 }
 
+TEST_F(BusTest, OnlyASocketOfThisComputersIsConnectedTo) {
+    for (const char* const address : {"tcp:host=localhost,port=1", "unixexec:path=/bin/true",
+                                      "autolaunch:", "unix:path=/nowhere;tcp:host=localhost,port=1"}) {
+        const PrivateBus daemon(PrivateBus::Start::Later);
+        ::setenv("DBUS_SESSION_BUS_ADDRESS", address, 1);
+        log.clear();
+
+        const Bus bus(loop, Bus::Which::Session, {});
+
+        EXPECT_EQ(
+            log, std::vector<std::string>{"session bus: " + std::string(address) + " is no socket of this computer's"});
+        EXPECT_EQ(bus.raw(), nullptr);
+    }
+}
+
 TEST_F(BusTest, ABusThatIsNotThereCostsNothing) {
     const PrivateBus daemon(PrivateBus::Start::Later);
     const Bus bus(loop, Bus::Which::Session, {});

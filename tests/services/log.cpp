@@ -42,4 +42,10 @@ TEST_F(LogTest, AnEndlessLineIsCut) {
     EXPECT_LT(lines[0].size(), 2000U);
 }
 
+TEST_F(LogTest, NoWholeBluetoothAddressIsWritten) {
+    services::log("pairing with %s: refused", "00:AA:01:01:00:01");
+
+    EXPECT_EQ(lines, std::vector<std::string>{"pairing with ..:00:01: refused"});
+}
+
 } // namespace

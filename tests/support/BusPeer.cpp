@@ -27,8 +27,10 @@ BusPeer::~BusPeer() {
     ::dbus_connection_unref(m_connection);
 }
 
-void BusPeer::emitSignal(const std::string& path, const std::string& interface, const std::string& member) const {
+void BusPeer::emitSignal(const std::string& path, const std::string& interface, const std::string& member,
+                         const std::string& destination) const {
     DBusMessage* const signal = ::dbus_message_new_signal(path.c_str(), interface.c_str(), member.c_str());
+    if (!destination.empty()) ::dbus_message_set_destination(signal, destination.c_str());
     ::dbus_connection_send(m_connection, signal, nullptr);
     ::dbus_message_unref(signal);
     flush();
@@ -79,6 +81,22 @@ void BusPeer::giveUpName(const std::string& name) const {
 
 bool BusPeer::nameHasOwner(const std::string& name) const {
     return ::dbus_bus_name_has_owner(m_connection, name.c_str(), nullptr) != FALSE;
+}
+
+int BusPeer::ownersAndWaiting(const std::string& name) const {
+    DBusMessage* const question = message(DBUS_SERVICE_DBUS, DBUS_PATH_DBUS, DBUS_INTERFACE_DBUS, "ListQueuedOwners",
+                                          [&name](DBusMessageIter& at) {
+                                              const char* const text = name.c_str();
+                                              ::dbus_message_iter_append_basic(&at, DBUS_TYPE_STRING, &text);
+                                          });
+    DBusMessage* const reply = ::dbus_connection_send_with_reply_and_block(m_connection, question, 10'000, nullptr);
+    ::dbus_message_unref(question);
+    if (!reply) return 0;
+    DBusMessageIter at;
+    ::dbus_message_iter_init(reply, &at);
+    const int count = ::dbus_message_iter_get_element_count(&at);
+    ::dbus_message_unref(reply);
+    return count;
 }
 
 std::string BusPeer::uniqueName() const { return ::dbus_bus_get_unique_name(m_connection); }

@@ -21,7 +21,9 @@ public:
 
     using Arguments = std::function<void(DBusMessageIter&)>;
 
-    void emitSignal(const std::string& path, const std::string& interface, const std::string& member) const;
+    // To everybody, or to the connection with that name alone.
+    void emitSignal(const std::string& path, const std::string& interface, const std::string& member,
+                    const std::string& destination = {}) const;
     // Sends a call and does not wait for it to arrive anywhere. An empty interface sends none.
     void send(const std::string& destination, const std::string& path, const std::string& interface,
               const std::string& member, const Arguments& arguments = nullptr) const;
@@ -35,6 +37,8 @@ public:
     bool ownName(const std::string& name) const; // false: it is another's, and this peer does not wait for it
     void giveUpName(const std::string& name) const;
     bool nameHasOwner(const std::string& name) const;
+    // The owner of a name and those who wait for it.
+    int ownersAndWaiting(const std::string& name) const;
     std::string uniqueName() const;
 
     void listen(const std::string& rule) const;

@@ -3,6 +3,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
+#include <filesystem>
 #include <fstream>
 #include <stdexcept>
 #include <sys/prctl.h>
@@ -11,7 +12,7 @@
 
 namespace testing_support {
 
-PrivateBus::PrivateBus(Start start, const char* variable)
+PrivateBus::PrivateBus(Start start, const char* variable, Admits admits)
     : m_variable(variable), m_address("unix:path=" + m_folder.file("bus")) {
     std::ofstream(m_folder.file("bus.conf")) << R"(<busconfig>
   <type>session</type>
@@ -19,8 +20,11 @@ PrivateBus::PrivateBus(Start start, const char* variable)
   <auth>EXTERNAL</auth>
   <policy context="default">
     <allow send_destination="*" eavesdrop="true"/><allow eavesdrop="true"/><allow own="*"/>
+    )" << (admits == Admits::EveryUser ? R"(<allow user="*"/>)" : "")
+                                             << R"(
   </policy>
 </busconfig>)";
+    if (admits == Admits::EveryUser) std::filesystem::permissions(m_folder.path(), std::filesystem::perms(0711));
     if (const char* const before = std::getenv(m_variable)) {
         m_hadAddress = true;
         m_addressBefore = before;

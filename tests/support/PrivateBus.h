@@ -12,8 +12,10 @@ namespace testing_support {
 class PrivateBus {
 public:
     enum class Start { Now, Later };
+    enum class Admits { OwnUser, EveryUser };
 
-    explicit PrivateBus(Start start = Start::Now, const char* variable = "DBUS_SESSION_BUS_ADDRESS");
+    explicit PrivateBus(Start start = Start::Now, const char* variable = "DBUS_SESSION_BUS_ADDRESS",
+                        Admits admits = Admits::OwnUser);
     ~PrivateBus();
     PrivateBus(const PrivateBus&) = delete;
     PrivateBus& operator=(const PrivateBus&) = delete;

@@ -1,5 +1,6 @@
 #include "platform/log.h"
 
+#include "kit/runtime/LineLimit.h"
 #include "tests/support/CapturedLog.h"
 
 #include <gmock/gmock.h>
@@ -34,6 +35,38 @@ TEST(Log, EndlessTextIsCut) {
 
     ASSERT_EQ(log.lines().size(), 1u);
     EXPECT_LT(log.lines()[0].size(), 2000u);
+}
+
+TEST(Log, NoWholeBluetoothAddressIsWritten) {
+    const testing_support::CapturedLog log;
+
+    NSLog("pairing with 00:AA:01:01:00:01: refused, dev_00_aa_01_02_00_02 and 00-AA-01-03-00-03");
+    NSLog("00:AA:01:01:00:01");
+    NSLog("at 10:20:30, bytes 00 AA 01 01 00 01, 00:AA:01:01:00:0g, 00:AA:01-01:00:01");
+
+    EXPECT_THAT(log.lines(), ElementsAre("pairing with ..:00:01: refused, dev_.._00_02 and ..-00-03", "..:00:01",
+                                         "at 10:20:30, bytes 00 AA 01 01 00 01, 00:AA:01:01:00:0g, 00:AA:01-01:00:01"));
+}
+
+TEST(Log, AnAddressThatIsCutByTheEndOfTheLineIsNotMade) {
+    const testing_support::CapturedLog log;
+
+    for (std::size_t before = 990; before < 1030; ++before)
+        NSLog("%s00:AA:01:01:00:01", std::string(before, ' ').c_str());
+
+    for (const auto& line : log.lines()) EXPECT_EQ(std::string::npos, line.find("00:AA:01:01:00:01"));
+}
+
+TEST(LineLimit, CountsWhatFollowsAndSaysItAMinuteLater) {
+    using namespace std::chrono_literals;
+    const std::chrono::steady_clock::time_point start{};
+    seat::LineLimit limit;
+
+    EXPECT_EQ("", limit.pass(start));
+    for (int i = 0; i < 1000; ++i) EXPECT_FALSE(limit.pass(start + i * 59ms));
+    EXPECT_EQ(" (and 1000 like it before)", limit.pass(start + 60s));
+    EXPECT_FALSE(limit.pass(start + 61s));
+    EXPECT_EQ(" (and 1 like it before)", limit.pass(start + 120s));
 }
 
 } // namespace

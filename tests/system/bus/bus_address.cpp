@@ -7,10 +7,13 @@
 
 namespace {
 
-TEST(BusAddress, OnlyAddressesThatAreSimplyConnectedToAreTaken) {
+TEST(BusAddress, OnlySocketsOfThisComputerAreTaken) {
     EXPECT_TRUE(seat::isPlainBusAddress("unix:path=/run/user/1000/bus"));
     EXPECT_TRUE(seat::isPlainBusAddress("unix:abstract=/tmp/dbus-1,guid=00000000000000000000000000000000"));
-    EXPECT_TRUE(seat::isPlainBusAddress("tcp:host=localhost,port=1"));
+    EXPECT_TRUE(seat::isPlainBusAddress("unix:path=/a;unix:path=/b"));
+    EXPECT_FALSE(seat::isPlainBusAddress("tcp:host=localhost,port=1"));
+    EXPECT_FALSE(seat::isPlainBusAddress("nonce-tcp:host=localhost,port=1,noncefile=/a"));
+    EXPECT_FALSE(seat::isPlainBusAddress("unix:path=/a;tcp:host=localhost,port=1"));
     EXPECT_FALSE(seat::isPlainBusAddress("autolaunch:"));
     EXPECT_FALSE(seat::isPlainBusAddress("unixexec:path=/bin/sh"));
     EXPECT_FALSE(seat::isPlainBusAddress("unix:path=/a;autolaunch:"));

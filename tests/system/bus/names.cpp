@@ -49,12 +49,43 @@ TEST_F(BusNames, ATakenNameIsWaitedForAndLogged) {
     const testing_support::BusPeer other(bus.address());
     ASSERT_TRUE(other.ownName(name));
     ask();
-    ASSERT_TRUE(states({NameState::Queued}));
+    ASSERT_TRUE(states({NameState::Taken}));
+    EXPECT_EQ(1, other.ownersAndWaiting(name)) << "nobody waits in the bus's own queue";
     EXPECT_EQ(1u, m_log.count("name com.quorrel.jvn.bootstrap: another program has it"));
 
     other.giveUpName(name);
 
-    EXPECT_TRUE(states({NameState::Queued, NameState::Owned}));
+    EXPECT_TRUE(states({NameState::Taken, NameState::Owned}));
+}
+
+TEST_F(BusNames, ATakenNameThatIsNotWantedAnyMoreIsLeftWhenItIsFree) {
+    const testing_support::BusPeer other(bus.address());
+    ASSERT_TRUE(other.ownName(name));
+    ask();
+    ASSERT_TRUE(states({NameState::Taken}));
+    session().removeName(name);
+
+    other.giveUpName(name);
+
+    bool answered = false;
+    session().addName("com.quorrel.test.settled", [&](auto) { answered = true; });
+    ASSERT_TRUE(runUntil([&] { return answered; }));
+    EXPECT_FALSE(other.nameHasOwner(name));
+    EXPECT_TRUE(states({NameState::Taken}));
+}
+
+TEST_F(BusNames, ANameThatAnotherTakesAgainAtOnceIsWaitedForOn) {
+    const testing_support::BusPeer other(bus.address());
+    const testing_support::BusPeer third(bus.address());
+    ASSERT_TRUE(other.ownName(name));
+    ask();
+    ASSERT_TRUE(states({NameState::Taken}));
+
+    other.giveUpName(name);
+    ASSERT_TRUE(third.ownName(name)); // before we have heard of it
+    third.giveUpName(name);
+
+    EXPECT_TRUE(states({NameState::Taken, NameState::Owned}));
 }
 
 TEST_F(BusNames, NobodyTakesTheNameAway) {

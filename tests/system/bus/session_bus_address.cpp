@@ -144,6 +144,19 @@ TEST(SessionBusAddress, AddressesThatLeadNowhereAreAbsent) {
         EXPECT_EQ(BusState::Absent, seat::probeBus(address, 5s)) << address;
 }
 
+TEST(SessionBusAddress, ANetworksAddressIsHiddenFromWhoeverConnectsLater) {
+    const Environment environment{"DBUS_SESSION_BUS_ADDRESS"};
+    const PrivateBus bus;
+    for (const std::string& address :
+         {std::string("tcp:host=localhost,port=1"), "tcp:host=localhost,port=1;" + bus.address}) {
+        setenv("DBUS_SESSION_BUS_ADDRESS", address.c_str(), 1);
+
+        EXPECT_EQ(BusState::Absent, seat::settleSessionBus(5s));
+
+        EXPECT_STREQ("unix:path=/nonexistent/session-bus", std::getenv("DBUS_SESSION_BUS_ADDRESS"));
+    }
+}
+
 TEST(SessionBusAddress, TheFirstOfSeveralThatAnswersCounts) {
     const PrivateBus bus;
 

@@ -77,7 +77,8 @@ TEST_F(Notify, AListenerHearsOtherPrograms) {
     const NotifyListener listener(changed, [&] { ++heard; });
     ASSERT_TRUE(settled());
 
-    BusPeer(bus.address()).emitSignal("/com/quorrel/jvnprefs", "com.quorrel.jvnprefs", "changed");
+    const BusPeer peer(bus.address());
+    peer.emitSignal("/com/quorrel/jvnprefs", "com.quorrel.jvnprefs", "changed");
 
     EXPECT_TRUE(runUntil([&] { return heard == 1; }));
 }
