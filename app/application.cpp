@@ -2,6 +2,7 @@
 
 #include "app/Bundle.h"
 #include "app/NoticeBoard.h"
+#include "app/RunningInstance.h"
 #include "app/SettingsPage.h"
 #include "app/Simulation.h"
 #include "app/own_programs.h"
@@ -14,6 +15,7 @@
 #include "kit/dispatch/main_queue.h"
 #include "system/bus/SessionBus.h"
 #include "system/bus/session_bus_address.h"
+#include "system/files/root.h"
 #include "system/preferences/preferences_store.h"
 #include "system/process/installed_tools.h"
 
@@ -54,7 +56,7 @@ void sayWhenDaemonEnds(app::Simulation& simulation, app::NoticeBoard& notices) {
 }
 
 int showWindow(seat::Toolkit& toolkit, const app::Options& options, const app::Bundle& bundle, Class principalClass,
-               app::Simulation& simulation) {
+               app::Simulation& simulation, app::RunningInstance& instance) {
     // Asked for first: the window system makes the window while we make the page.
     auto window =
         std::make_unique<seat::SceneWindow>(seat::SceneWindowOptions{.size = options.size, .scale = options.scale});
@@ -81,8 +83,10 @@ int showWindow(seat::Toolkit& toolkit, const app::Options& options, const app::B
         if (shortcut == seat::WindowShortcut::Help) return page.showHelp();
         toolkit.quit(app::ExitSuccess);
     });
+    instance.setRaiseHandler([&window](const std::string& token) { window->bringToFront(token); });
     toolkit.onTermination([&toolkit] { toolkit.quit(app::ExitSuccess); });
     const int code = toolkit.run();
+    instance.setRaiseHandler({});
     simulation.setDaemonEndListener({});
     page.close();
     seat::drainMainQueue();
@@ -115,6 +119,9 @@ int app::runApplication(const Options& options) {
         complain(problem);
         return ExitFailure;
     }
+    // A user who starts it again wants to see the window that is there.
+    std::unique_ptr<RunningInstance> instance;
+    if (!isTour && !(instance = RunningInstance::start(seat::root(), bundle.folder))) return ExitSuccess;
     seat::settleSessionBus(busTimeout);
 
     // The module is read through on another thread while the toolkit starts.
@@ -138,7 +145,7 @@ int app::runApplication(const Options& options) {
     }
     if (!options.simulate) findInstalledTools(bundle);
     const int code = isTour ? playTour(toolkit, options, bundle, principalClass, simulation)
-                            : showWindow(toolkit, options, bundle, principalClass, simulation);
+                            : showWindow(toolkit, options, bundle, principalClass, simulation, *instance);
     seat::MailDrafts::shared().removeRead();
     // What waits for another program's lock has a last chance, and is announced.
     seat::awaitPendingPreferences();

@@ -21,6 +21,9 @@ void seat::SceneWindow::setCloseHandler(std::function<void()> closed) { m_state-
 void seat::SceneWindow::setShortcutHandler(std::function<void(WindowShortcut)> pressed) {
     m_state->window.shortcutPressed = std::move(pressed);
 }
+void seat::SceneWindow::bringToFront(const std::string& activationToken) {
+    m_state->window.bringToFront(activationToken);
+}
 void seat::SceneWindow::setFrameHandler(std::function<void(double seconds)> painted) {
     m_state->window.framePainted = std::move(painted);
 }

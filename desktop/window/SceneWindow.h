@@ -42,6 +42,9 @@ public:
     void setCloseHandler(std::function<void()> closed);
     // Ctrl+Q and Ctrl+W, and F1, by the user's layout. Not while a row waits for a key, which takes every one.
     void setShortcutHandler(std::function<void(WindowShortcut)> pressed);
+    // To where the user sees it, and gives it the keyboard, as far as the desktop allows. The token, which may be
+    // empty, is what the desktop's launcher gave to the program that a user has started.
+    void bringToFront(const std::string& activationToken);
     // Runs each time something was painted, with the seconds since the frame was begun.
     void setFrameHandler(std::function<void(double seconds)> painted);
 

@@ -204,6 +204,16 @@ void seat::SurfaceWindow::setTitleSource(std::function<std::string()> source) {
     refreshTitle();
 }
 
+void seat::SurfaceWindow::bringToFront(const std::string& activationToken) {
+    // The toolkit takes the token from there.
+    static constexpr const char* variable = "XDG_ACTIVATION_TOKEN";
+    if (!activationToken.empty()) qputenv(variable, QByteArray::fromStdString(activationToken));
+    setWindowStates(windowStates() & ~Qt::WindowMinimized);
+    raise();
+    requestActivate();
+    qunsetenv(variable);
+}
+
 void seat::SurfaceWindow::refreshTitle() {
     if (!m_titleSource) return;
     if (const auto text = QString::fromStdString(m_titleSource()); text != title()) setTitle(text);

@@ -29,6 +29,7 @@ public:
     void setScene(WindowScene& scene);
 
     void setTitleSource(std::function<std::string()> title);
+    void bringToFront(const std::string& activationToken);
     std::function<void()> closed;
     std::function<void(WindowShortcut)> shortcutPressed;
     std::function<void(double seconds)> framePainted;

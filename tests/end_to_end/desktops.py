@@ -134,6 +134,40 @@ class PoorDesktops(OnADesktop):
             self.check_works(app)
 
 
+class SecondStart(OnADesktop):
+    def process_in_front(self):
+        words = self.desktop.xdotool("mousemove", 100, 300, "getmouselocation", "--shell").split()
+        window = next(word for word in words if word.startswith("WINDOW="))[len("WINDOW="):]
+        try:
+            return int(self.desktop.xdotool("getwindowpid", window))
+        except subprocess.CalledProcessError:
+            return None  # the screen itself
+
+    def test_brings_the_window_of_the_same_root_to_the_front_and_ends(self):
+        with self.start("one") as first:
+            self.drawn(1)
+            with self.start("two") as second:
+                wait_for("the second root's window", lambda: self.process_in_front() == second.process.pid)
+
+                again = self.start("one")
+
+                self.assertEqual(again.wait(), 0)
+                self.assertEqual(again.errors, "")
+                wait_for("the first root's window", lambda: self.process_in_front() == first.process.pid)
+                self.assertEqual(second.close(), 0)
+            self.assertEqual(first.close(), 0)
+            self.assertNotIn(".window", os.listdir(self.desktop.path("one")))
+
+    def test_after_a_kill_opens_a_window(self):
+        with self.start("killed") as first:
+            self.drawn(1)
+            first.process.kill()
+            first.wait()
+        with self.start("killed") as second:
+            wait_for("the window", lambda: self.process_in_front() == second.process.pid)
+            self.assertEqual(second.close(), 0)
+
+
 if __name__ == "__main__":
     BUNDLE = sys.argv.pop(2)
     PROGRAM = sys.argv.pop(1)
