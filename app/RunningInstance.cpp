@@ -27,8 +27,9 @@ constexpr char raised = 'r'; // the answer; any other is a refusal
 
 std::string socketPath(const std::string& root) { return root + "/.window"; }
 
+// The folder itself is what is locked: no file is left behind.
 seat::Descriptor openLock(const std::string& root) {
-    return seat::Descriptor(::open((root + "/.window.lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
+    return seat::Descriptor(::open(root.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
 }
 
 // Held while somebody finds out whether there is one, and becomes it. One that stands still meanwhile is not waited for

@@ -165,6 +165,7 @@ class SecondStart(OnADesktop):
             first.wait()
         with self.start("killed") as second:
             wait_for("the window", lambda: self.process_in_front() == second.process.pid)
+            self.drawn(1)
             self.assertEqual(second.close(), 0)
 
 
