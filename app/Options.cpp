@@ -18,18 +18,14 @@ std::optional<double> number(std::string_view text) {
     return value;
 }
 
-std::optional<double> numberBetween(double least, std::string_view text, double most) {
-    const auto value = number(text);
-    return value && *value >= least && *value <= most ? value : std::nullopt;
-}
-
 std::string setSize(Options& options, std::string_view text) {
     const auto cross = text.find('x');
     if (cross != std::string_view::npos) {
-        const auto width = numberBetween(320, text.substr(0, cross), 16384);
-        const auto height = numberBetween(240, text.substr(cross + 1), 16384);
-        if (width && height) {
+        const auto width = number(text.substr(0, cross));
+        const auto height = number(text.substr(cross + 1));
+        if (width && height && app::isWindowSize({*width, *height})) {
             options.size = {*width, *height};
+            options.isSizeGiven = true;
             return {};
         }
     }
@@ -37,8 +33,8 @@ std::string setSize(Options& options, std::string_view text) {
 }
 
 std::string setScale(Options& options, std::string_view text) {
-    const auto scale = numberBetween(0.5, text, 8);
-    if (!scale) return "is no scale; it takes a number from 0.5 to 8";
+    const auto scale = number(text);
+    if (!scale || *scale < 0.5 || *scale > 8) return "is no scale; it takes a number from 0.5 to 8";
     options.scale = *scale;
     return {};
 }
@@ -96,6 +92,10 @@ const Option* find(std::string_view name) {
 }
 
 } // namespace
+
+bool app::isWindowSize(CGSize size) {
+    return size.width >= 320 && size.width <= 16384 && size.height >= 240 && size.height <= 16384;
+}
 
 app::ParsedOptions app::parseOptions(std::span<const char* const> arguments) {
     ParsedOptions result;

@@ -27,6 +27,7 @@ struct Options {
     std::string tour;                                  // empty: no tour
     std::string inputSocket = "/run/jvninputd.socket"; // where the input service listens
     CGSize size{384, 667};                             // points; the colour field's tiles fill this width
+    bool isSizeGiven = false;                          // else a window takes the size that it had
     double scale = 0;                                  // 0: the screen's
     bool simulate = false;
     bool showHelp = false;
@@ -37,6 +38,9 @@ struct ParsedOptions {
     Options options;
     std::string problem; // empty when all went well; else one sentence
 };
+
+// Whether a window, or a picture of the page, can have this size in points: 320x240 to 16384x16384.
+bool isWindowSize(CGSize size);
 
 // `arguments` without the program's name. An option's value may follow as the next argument or after "=".
 ParsedOptions parseOptions(std::span<const char* const> arguments);

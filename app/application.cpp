@@ -8,6 +8,7 @@
 #include "app/own_programs.h"
 #include "app/root_folder.h"
 #include "app/tour/tour.h"
+#include "app/window_size.h"
 #include "desktop/appearance/DesktopAppearance.h"
 #include "desktop/mail/MailDrafts.h"
 #include "desktop/window/SceneWindow.h"
@@ -58,8 +59,11 @@ void sayWhenDaemonEnds(app::Simulation& simulation, app::NoticeBoard& notices) {
 int showWindow(seat::Toolkit& toolkit, const app::Options& options, const app::Bundle& bundle, Class principalClass,
                app::Simulation& simulation, app::RunningInstance& instance) {
     // Asked for first: the window system makes the window while we make the page.
-    auto window =
-        std::make_unique<seat::SceneWindow>(seat::SceneWindowOptions{.size = options.size, .scale = options.scale});
+    std::optional<CGSize> remembered;
+    if (!options.isSizeGiven) remembered = app::rememberedWindowSize(seat::SceneWindow::screenForNew());
+    auto window = std::make_unique<seat::SceneWindow>(
+        seat::SceneWindowOptions{.size = remembered.value_or(options.size), .scale = options.scale});
+    const CGSize sizeAtStart = window->size();
     toolkit.awaitFonts();
     app::SettingsPage page(bundle, principalClass, window->size(), window->scale());
     if (!page.isShown()) {
@@ -87,6 +91,8 @@ int showWindow(seat::Toolkit& toolkit, const app::Options& options, const app::B
     toolkit.onTermination([&toolkit] { toolkit.quit(app::ExitSuccess); });
     const int code = toolkit.run();
     instance.setRaiseHandler({});
+    if (const auto screen = window->screenOfOwnSize(); !screen.empty() && window->size() != sizeAtStart)
+        app::rememberWindowSize(screen, window->size());
     simulation.setDaemonEndListener({});
     page.close();
     seat::drainMainQueue();

@@ -74,6 +74,8 @@ install(DIRECTORY docs/pictures DESTINATION ${joyvane_doc})
 configure_file(packaging/com.quorrel.joyvane.metainfo.xml ${joyvane_packaging}/com.quorrel.joyvane.metainfo.xml @ONLY)
 install(FILES packaging/com.quorrel.joyvane.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
 install(FILES packaging/com.quorrel.joyvane.svg DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps)
+# The same (rsvg-convert -w 128), for the window itself: the toolkit reads no SVG without a plugin.
+install(FILES packaging/com.quorrel.joyvane.png DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/128x128/apps)
 install(FILES ${joyvane_packaging}/com.quorrel.joyvane.metainfo.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo)
 
 add_custom_target(uninstall COMMAND ${CMAKE_COMMAND} -P ${CMAKE_SOURCE_DIR}/cmake/uninstall.cmake ${CMAKE_BINARY_DIR} VERBATIM)

@@ -2,6 +2,8 @@
 
 #include "desktop/window/SurfaceWindow.h"
 
+#include <QGuiApplication>
+
 struct seat::SceneWindow::State {
     explicit State(const SceneWindowOptions& options) : window(options) {}
     SurfaceWindow window;
@@ -9,6 +11,13 @@ struct seat::SceneWindow::State {
 
 seat::SceneWindow::SceneWindow(const SceneWindowOptions& options) : m_state(std::make_unique<State>(options)) {}
 seat::SceneWindow::~SceneWindow() = default;
+
+std::string seat::SceneWindow::screenForNew() { return SurfaceWindow::name(QGuiApplication::primaryScreen()); }
+
+std::string seat::SceneWindow::screenOfOwnSize() const {
+    const auto& window = m_state->window;
+    return window.windowStates() == Qt::WindowNoState ? SurfaceWindow::name(window.screen()) : std::string();
+}
 
 CGSize seat::SceneWindow::size() const { return m_state->window.sizeInPoints(); }
 double seat::SceneWindow::scale() const { return m_state->window.scale(); }

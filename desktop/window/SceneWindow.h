@@ -31,7 +31,13 @@ public:
     SceneWindow(const SceneWindow&) = delete;
     SceneWindow& operator=(const SceneWindow&) = delete;
 
+    // Where a window comes up that is made now: the screen's name and its size. Empty without one.
+    static std::string screenForNew();
+
     CGSize size() const; // points, as they are now
+    // Where it is, as above; empty while it has a size that the user did not give it: maximised, full-screen,
+    // minimised.
+    std::string screenOfOwnSize() const;
     double scale() const;
 
     // Non-owning: the scene outlives the window.

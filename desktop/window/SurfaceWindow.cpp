@@ -7,6 +7,7 @@
 #include "platform/foundation/time.h"
 
 #include <QGuiApplication>
+#include <QIcon>
 #include <QPainter>
 #include <QScreen>
 
@@ -58,6 +59,13 @@ seat::SurfaceWindow::~SurfaceWindow() {
     // Going away is not going to the background.
     m_isInForeground = false;
     if (m_scene) m_scene->setNeedsFrame(nullptr);
+}
+
+std::string seat::SurfaceWindow::name(const QScreen* screen) {
+    if (!screen) return {};
+    const QSize size = screen->size();
+    const QString name = QStringLiteral("%1 %2x%3").arg(screen->name()).arg(size.width()).arg(size.height());
+    return name.toStdString();
 }
 
 double seat::SurfaceWindow::scale() const { return m_fixedScale > 0 ? m_fixedScale : devicePixelRatio(); }
@@ -137,6 +145,10 @@ void seat::SurfaceWindow::paint(std::span<const CGRect> damage) {
     m_store.endPaint();
     m_surfaceIsWhole = true;
     if (isExposed() || showsUnexposed()) m_store.flush(changed);
+    // Once there is something to see.
+    if (!std::exchange(m_hasIcon, true))
+        QMetaObject::invokeMethod(
+            this, [this] { showIcon(); }, Qt::QueuedConnection);
 }
 
 void seat::SurfaceWindow::paintSurface(std::span<const CGRect> damage) {
@@ -202,6 +214,12 @@ void seat::SurfaceWindow::noteVisibility() {
 void seat::SurfaceWindow::setTitleSource(std::function<std::string()> source) {
     m_titleSource = std::move(source);
     refreshTitle();
+}
+
+// Other window systems than X find the icon by the program's desktop entry.
+void seat::SurfaceWindow::showIcon() {
+    if (QGuiApplication::platformName() == QLatin1String("xcb"))
+        setIcon(QIcon::fromTheme(QGuiApplication::desktopFileName()));
 }
 
 void seat::SurfaceWindow::bringToFront(const std::string& activationToken) {

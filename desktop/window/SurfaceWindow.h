@@ -23,6 +23,9 @@ public:
     explicit SurfaceWindow(const SceneWindowOptions& options);
     ~SurfaceWindow() override;
 
+    // By which a screen is known again. Empty for nullptr.
+    static std::string name(const QScreen* screen);
+
     CGSize sizeInPoints() const;
     double scale() const; // pixels a point
 
@@ -62,6 +65,7 @@ private:
     CGRect alignedToPixels(CGRect points) const;
     void noteVisibility();
     void refreshTitle();
+    void showIcon();
 
     CGPoint toPoints(QPointF position) const;
     void touchBegins(long identifier, CGPoint location);
@@ -85,6 +89,7 @@ private:
     bool m_surfaceIsWhole = false; // what was painted last is still in the surface
     bool m_isRefreshing = false;
     bool m_isInForeground = false;
+    bool m_hasIcon = false;
     std::unique_ptr<AccessibilityBridge> m_accessibility; // once assistive technology has asked
 };
 

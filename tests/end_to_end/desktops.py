@@ -9,6 +9,7 @@ drawn. And without a bus, or with one that dies, and without fonts.
 import itertools
 import os
 import plistlib
+import shutil
 import subprocess
 import sys
 import unittest
@@ -167,6 +168,50 @@ class SecondStart(OnADesktop):
             wait_for("the window", lambda: self.process_in_front() == second.process.pid)
             self.drawn(1)
             self.assertEqual(second.close(), 0)
+
+
+class WindowOfItsOwn(OnADesktop):
+    def window(self):
+        words = self.desktop.xdotool("mousemove", 100, 200, "getmouselocation", "--shell").split()
+        return next(word for word in words if word.startswith("WINDOW="))[len("WINDOW="):]
+
+    def size(self):
+        shell = self.desktop.xdotool("getwindowgeometry", "--shell", self.window()).split()
+        return tuple(int(next(word for word in shell if word.startswith(name))[len(name):]) for name in ("WIDTH=", "HEIGHT="))
+
+    def open(self):
+        return App(self.desktop, [PROGRAM, "--bundle", BUNDLE, "--root", self.desktop.path("sized")],
+                   errors=self.desktop.path("sized.txt"))
+
+    def test_keeps_the_size_that_the_user_gave_it(self):
+        with self.open() as first:
+            wait_for("the window", lambda: self.size() == (384, 667))
+            self.drawn(1)
+            self.desktop.xdotool("windowsize", self.window(), 500, 600)
+            wait_for("the other size", lambda: self.size() == (500, 600))
+            self.drawn(1)
+            self.assertEqual(first.close(), 0)
+        with self.open() as second:
+            wait_for("the window as it was", lambda: self.size() == (500, 600))
+            self.drawn(1)
+            self.assertEqual(second.close(), 0)
+
+    def test_has_the_icon_of_the_program(self):
+        folder = os.path.join(self.desktop.path("share"), "icons-of-ours")
+        icons = os.path.join(folder, "icons/hicolor/128x128/apps")
+        os.makedirs(icons)
+        shutil.copy(os.path.join(os.path.dirname(__file__), "../../packaging/com.quorrel.joyvane.png"), icons)
+        with open(os.path.join(folder, "icons/hicolor/index.theme"), "w") as theme:
+            theme.write("[Icon Theme]\nName=Hicolor\nDirectories=128x128/apps\n[128x128/apps]\nSize=128\n")
+        with self.start("icon", XDG_DATA_DIRS=folder + ":" + self.desktop.environment["XDG_DATA_DIRS"]) as app:
+            self.drawn(1)
+
+            def icon():
+                said = subprocess.run(["xprop", "-id", self.window(), "-len", "64", "32c", "_NET_WM_ICON"],
+                                      env=self.desktop.environment, text=True, capture_output=True)
+                return "128 x 128" in said.stdout or "128, 128" in said.stdout
+            wait_for("the icon", icon)
+            self.assertEqual(app.close(), 0)
 
 
 if __name__ == "__main__":

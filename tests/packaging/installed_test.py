@@ -62,6 +62,7 @@ class Installed(unittest.TestCase):
                      "share/bash-completion/completions/jvninput", "lib/joyvane/Joyvane.bundle/Info.plist",
                      "share/applications/com.quorrel.joyvane.desktop", "share/man/man1/joyvane-settings.1.gz",
                      "share/icons/hicolor/scalable/apps/com.quorrel.joyvane.svg",
+                     "share/icons/hicolor/128x128/apps/com.quorrel.joyvane.png",
                      "share/metainfo/com.quorrel.joyvane.metainfo.xml",
                      "share/bash-completion/completions/joyvane-settings"):
             with self.subTest(path=path):
