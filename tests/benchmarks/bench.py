@@ -197,6 +197,26 @@ class Bench:
             ]
         return sorted(rows, key=lambda row: row.what)
 
+    def road(self):
+        """From a key to a game's library, from the page to a light, from a login to a pad; what it costs at rest."""
+        times = 20 if self.is_quick else 200
+        machine = os.path.join(HERE, "..", "..", "scripts", "machine")
+        output = subprocess.run([machine, "run", "--timeout", "400", self.program("road"), str(times)],
+                                check=True, stdout=subprocess.PIPE, text=True).stdout
+        found = {line.split()[0]: key_values(line) for line in output.splitlines() if "ours=" in line}
+
+        def row(what, unit, name, scale, bare="", peer="", **limits):
+            figures = {key: value * scale for key, value in found.get(name, {}).items()}
+            if "ours" not in figures:
+                return Row(what, unit, problem="the machine did not say")
+            return Row(what, unit, figures["ours"], figures.get("bare"), bare, figures.get("peer"), peer, **limits)
+
+        return [row("road: key to game's event", "us", "key_to_game", 1, "bare loop", "xboxdrv", most_bare=1.2),
+                row("road: colour to driver's report", "us", "light", 1, "written by hand"),
+                row("road: login to pad", "ms", "ready", 1e-3, "a device by hand"),
+                row("road: memory at rest", "MiB", "memory", 1 / 1024, "", "xboxdrv", most=4),
+                row("road: wake-ups in 5 s at rest", "", "wake_ups", 1, "", "xboxdrv", most=0)]
+
     def settings_write(self):
         """One changed setting, safely on the disk."""
         report = self.google("preferences_benchmark", "--benchmark_filter=bareSystemCalls|settingsWrite")
@@ -264,6 +284,7 @@ def main():
         "drag step": bench.dragging,
         "exchange": bench.exchange,
         "key to pad": bench.key_to_pad,
+        "road": bench.road,
         "settings write": bench.settings_write,
         "keymap load, keymap save": bench.keymap,
     }

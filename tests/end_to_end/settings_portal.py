@@ -1,4 +1,4 @@
-"""A desktop's settings portal that says what its arguments say: SCHEME CONTRAST. Each line "SCHEME CONTRAST" on its
+"""A desktop's settings portal that says what its arguments say: SCHEME CONTRAST [no-accent]. Each line "SCHEME CONTRAST" on its
 standard input changes that, and tells everybody.
 
 Says "ready" when it has its name.
@@ -19,14 +19,16 @@ DESCRIPTION = f"""<node><interface name="{INTERFACE}">
 
 
 def values(words):
-    scheme, contrast = map(int, words)
-    return {"color-scheme": GLib.Variant("u", scheme), "contrast": GLib.Variant("u", contrast),
-            "accent-color": GLib.Variant("(ddd)", (0.6, 0.2, 0.7))}
+    scheme, contrast = map(int, words[:2])
+    wanted = {"color-scheme": GLib.Variant("u", scheme), "contrast": GLib.Variant("u", contrast)}
+    if "no-accent" not in words:
+        wanted["accent-color"] = GLib.Variant("(ddd)", (0.6, 0.2, 0.7))
+    return wanted
 
 
 def main():
     bus = Gio.bus_get_sync(Gio.BusType.SESSION)
-    now = values(sys.argv[1:3])
+    now = values(sys.argv[1:])
 
     def call(_connection, _sender, _path, _interface, _method, _arguments, invocation):
         invocation.return_value(GLib.Variant("(a{sa{sv}})", ({SPACE: now},)))

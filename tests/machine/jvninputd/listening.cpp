@@ -17,6 +17,15 @@ protected:
     bool nobodyListensFor(std::chrono::milliseconds time) {
         return !governor.waitFor([](const auto& state) { return state.gameListens != 0; }, time);
     }
+    // Until udev, the login manager and others have looked at the new devices.
+    bool rests() {
+        settle(service.socket());
+        return waitUntil([this] {
+            const long before = service.wakeUps();
+            std::this_thread::sleep_for(500ms);
+            return service.wakeUps() == before;
+        });
+    }
     bool nobodyStopsListeningFor(std::chrono::milliseconds time) {
         return !governor.waitFor([](const auto& state) { return state.gameListens == 0; }, time);
     }
@@ -129,7 +138,7 @@ TEST_F(Listening, NothingIsReadOfAKeyboardWhileNobodyListens) {
     governor.play(defaultBindings());
     ASSERT_TRUE(governor.waitFor(input::Readiness::waitingForGame));
     ASSERT_FALSE(waitForEventNode(standInName).empty());
-    settle(service.socket());
+    ASSERT_TRUE(rests());
     const long before = service.wakeUps();
     for (int i = 0; i < 100; ++i) keyboard.tap(KEY_A);
     std::this_thread::sleep_for(1s);
@@ -141,12 +150,7 @@ TEST_F(Listening, IdleIsIdleAndSmall) {
     ASSERT_TRUE(governor.waitFor(input::Readiness::waitingForGame));
     ASSERT_FALSE(waitForEventNode(padName).empty());
     ASSERT_FALSE(waitForEventNode(standInName).empty());
-    settle(service.socket());
-    ASSERT_TRUE(waitUntil([this] { // until udev, the login manager and others have looked at the new devices
-        const long before = service.wakeUps();
-        std::this_thread::sleep_for(500ms);
-        return service.wakeUps() == before;
-    }));
+    ASSERT_TRUE(rests());
     const long before = service.wakeUps();
     std::this_thread::sleep_for(5s);
     EXPECT_EQ(service.wakeUps() - before, 0);
