@@ -43,6 +43,14 @@ BareLoop::BareLoop(const std::string& node, const char* padName) : m_process(::f
     const int pad = ::open("/dev/uinput", O_WRONLY);
     ::ioctl(pad, UI_SET_EVBIT, EV_KEY);
     ::ioctl(pad, UI_SET_KEYBIT, BTN_A);
+    ::ioctl(pad, UI_SET_EVBIT, EV_ABS); // at rest: games take nothing without a stick for a pad
+    for (const int axis : {ABS_X, ABS_Y}) {
+        ::uinput_abs_setup stick{};
+        stick.code = static_cast<std::uint16_t>(axis);
+        stick.absinfo.minimum = -32768;
+        stick.absinfo.maximum = 32767;
+        ::ioctl(pad, UI_ABS_SETUP, &stick);
+    }
     ::uinput_setup setup{};
     setup.id.bustype = BUS_VIRTUAL;
     std::snprintf(setup.name, sizeof setup.name, "%s", padName);

@@ -1,7 +1,7 @@
 // The road from a key to a game and from the page to a light, in the test machine: road TIMES
-// Says "NAME ours=N bare=N peer=N" a line, in microseconds and KiB; what could not be measured is left out.
-#include "tests/benchmarks/road/BarePad.h"
-#include "tests/benchmarks/road/SdlPad.h"
+// Says "NAME ours=N bare=N peer=N" a line, in microseconds, KiB or wake-ups; what could not be measured is left out.
+#include "tests/benchmarks/input_latency/remappers.h"
+#include "tests/benchmarks/road/SdlGame.h"
 #include "tests/machine/jvnd/ControlClient.h"
 #include "tests/machine/jvninputd/InputService.h"
 #include "tests/machine/support/EventReader.h"
@@ -13,8 +13,11 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <memory>
+#include <sys/resource.h>
 #include <thread>
 
 namespace {
@@ -24,6 +27,8 @@ using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
 constexpr const char* padName = "Joyvane Gamepad";
+// Whoever types and plays must not be what a press waits for; one who spins has no more right than the others.
+constexpr int priorityOfTheWorld = -15;
 constexpr const char* controllerAddress = "A0:AB:51:00:00:01"; // "oKtRAAAB" as base64
 
 double microseconds(Clock::time_point begin) {
@@ -58,7 +63,7 @@ private:
 };
 
 std::vector<std::string> daemonCommand(const Root& root, const InputService& service) {
-    return {JVND_PROGRAM, "--root", root.path(), "--trace", "--input-socket", service.socket()};
+    return {JVND_PROGRAM, "--root", root.path(), "--input-socket", service.socket()};
 }
 
 // What a process holds and how often it was woken, so far.
@@ -67,7 +72,7 @@ struct Cost {
     long wakeUps = 0;
 };
 Cost costOf(pid_t process) {
-    const auto sum = [process](const char* file, const std::vector<std::string>& words) {
+    const auto sum = [process](const std::string& file, const std::vector<std::string>& words) {
         std::ifstream stream("/proc/" + std::to_string(process) + "/" + file);
         long total = 0;
         for (std::string line; std::getline(stream, line);)
@@ -75,86 +80,115 @@ Cost costOf(pid_t process) {
                 if (line.starts_with(word)) total += std::strtol(line.c_str() + word.size(), nullptr, 10);
         return total;
     };
-    return {sum("smaps_rollup", {"Private_Clean:", "Private_Dirty:"}), sum("status", {"voluntary_ctxt_switches:"})};
+    Cost cost{sum("smaps_rollup", {"Private_Clean:", "Private_Dirty:"}), 0};
+    std::error_code error; // every thread counts
+    for (const auto& task : std::filesystem::directory_iterator("/proc/" + std::to_string(process) + "/task", error))
+        cost.wakeUps += sum("task/" + task.path().filename().string() + "/status", {"voluntary_ctxt_switches:"});
+    return cost;
+}
+// Together, over five seconds in which nothing happens.
+Cost costAtRest(const std::vector<pid_t>& processes) {
+    std::this_thread::sleep_for(2s);
+    Cost cost;
+    for (const pid_t process : processes) cost.wakeUps -= costOf(process).wakeUps;
+    std::this_thread::sleep_for(5s);
+    for (const pid_t process : processes) {
+        const Cost now = costOf(process);
+        cost.kib += now.kib;
+        cost.wakeUps += now.wakeUps;
+    }
+    return cost;
 }
 
-double keyToGame(VirtualKeyboard& keyboard, const SdlPad& pad, int times) {
-    std::vector<double> taken;
-    for (int i = 0; i < times; ++i) {
-        const auto begin = Clock::now();
-        keyboard.press(KEY_K);
-        if (pad.waitFor(SDL_CONTROLLERBUTTONDOWN)) taken.push_back(microseconds(begin));
-        keyboard.release(KEY_K);
-        pad.waitFor(SDL_CONTROLLERBUTTONUP);
-    }
-    return median(taken);
+struct Contestant {
+    const char* name;
+    VirtualKeyboard* keys;
+    SDL_JoystickID pad;
+    std::vector<double> times = {};
+};
+
+void pressOnce(const SdlGame& game, Contestant& contestant) {
+    const auto begin = Clock::now();
+    contestant.keys->press(KEY_K);
+    if (game.waitFor(SDL_CONTROLLERBUTTONDOWN, contestant.pad)) contestant.times.push_back(microseconds(begin));
+    contestant.keys->release(KEY_K);
+    game.waitFor(SDL_CONTROLLERBUTTONUP, contestant.pad);
+}
+
+// In turns, so that whatever else the computer does meets all of them alike.
+void press(const char* what, SdlGame::Waiting waiting, VirtualKeyboard& keyboard, VirtualKeyboard& bareKeys, Peer* peer,
+           int times) {
+    SdlGame game(waiting);
+    std::vector<Contestant> contestants;
+    contestants.push_back({"ours", &keyboard, game.open(waitForEventNode(padName))});
+    contestants.push_back({"bare", &bareKeys, game.open(waitForEventNode("Bare Pad"))});
+    if (peer) contestants.push_back({"peer", &peer->keys(), game.open(peer->pad())});
+    std::erase_if(contestants, [](const Contestant& contestant) { return contestant.pad < 0; });
+    for (Contestant& contestant : contestants) // whoever is only just being ready
+        waitUntil([&] {
+            pressOnce(game, contestant);
+            return !contestant.times.empty();
+        });
+    for (Contestant& contestant : contestants) contestant.times.clear();
+    ::setpriority(PRIO_PROCESS, 0, waiting == SdlGame::Waiting::Sleeps ? priorityOfTheWorld : 0);
+    for (int i = 0; i < times; ++i)
+        for (Contestant& contestant : contestants) pressOnce(game, contestant);
+    std::printf("%s", what);
+    for (const Contestant& contestant : contestants)
+        if (!contestant.times.empty()) std::printf(" %s=%.0f", contestant.name, median(contestant.times));
+    std::printf("\n");
 }
 
 // From the daemon's start, as at a login, to a pad that games find; beside it a device made by hand.
 void ready(const Root& root, int times) {
     std::vector<double> ours;
     std::vector<double> bare;
+    std::vector<double> peers;
     for (int i = 0; i < times; ++i) {
         auto begin = Clock::now();
         {
-            const VirtualKeyboard any({.name = "Any Keyboard"});
+            const VirtualKeyboard any({.name = "Any Keyboard"}); // is there once udev has looked at it
             bare.push_back(microseconds(begin));
         }
-        const InputService service;
-        begin = Clock::now();
-        const Program daemon(daemonCommand(root, service));
-        if (!waitForEventNode(padName).empty()) ours.push_back(microseconds(begin));
+        {
+            const InputService service;
+            begin = Clock::now();
+            const Program daemon(daemonCommand(root, service));
+            if (!waitForEventNode(padName).empty()) ours.push_back(microseconds(begin));
+        }
     }
     std::printf("ready ours=%.0f bare=%.0f\n", median(ours), median(bare));
 }
 
-void keys(const Root& root, VirtualKeyboard& keyboard, int times) {
-    double bare = 0;
-    {
-        const BarePad loop(keyboard.node());
-        if (const SdlPad pad(BarePad::name); pad.isOpen()) bare = keyToGame(keyboard, pad, times);
-    }
+void keys(const Root& root, int times) {
+    // Only one of them is a keyboard, for the service takes every keyboard.
+    VirtualKeyboard keyboard({.name = "Road Keyboard"});
+    VirtualKeyboard bareKeys({.name = "Bare Keys", .keys = {KEY_K}, .lamps = {}});
+    const BareLoop bare(bareKeys.node(), "Bare Pad");
     const InputService service;
-    Program daemon(daemonCommand(root, service));
-    double ours = 0;
+    const Program daemon(daemonCommand(root, service));
     if (waitForEventNode(padName).empty()) return;
-    {
-        EventReader everybody(keyboard.node());
-        const SdlPad pad(padName);
-        waitUntil([&] { return everybody.grabbedByOthers(); });
-        if (pad.isOpen()) ours = keyToGame(keyboard, pad, times);
-    }
-    std::printf("key_to_game ours=%.0f bare=%.0f", ours, bare);
+    std::unique_ptr<Peer> peer;
+    pid_t peerProcess = 0;
+    for (const PeerProgram& program : peerPrograms())
+        if (std::strcmp(program.name, "xboxdrv") == 0) peer = Peer::start(program);
+    if (peer) peerProcess = std::atoi(run({"pidof", "-s", "xboxdrv"}).output.c_str());
+    run({"udevadm", "settle"}, kRoot, 60s);
 
-    // At rest, with a pad that nobody has opened.
-    std::this_thread::sleep_for(2s);
-    const Cost before[] = {costOf(daemon.pid()), costOf(service.process())};
-    std::this_thread::sleep_for(5s);
-    const Cost after[] = {costOf(daemon.pid()), costOf(service.process())};
-    const long kib = after[0].kib + after[1].kib;
-    const long wakeUps = after[0].wakeUps + after[1].wakeUps - before[0].wakeUps - before[1].wakeUps;
+    press("key_to_game", SdlGame::Waiting::Sleeps, keyboard, bareKeys, peer.get(), times);
+    press("key_to_spinning_game", SdlGame::Waiting::Spins, keyboard, bareKeys, peer.get(), times / 4 + 1);
 
-    // A packaged remapper, which plays the same key.
-    if (run({"sh", "-c", "command -v xboxdrv"}).status != 0) {
-        std::printf("\nmemory ours=%ld\nwake_ups ours=%ld\n", kib, wakeUps);
-        return;
-    }
-    constexpr const char* peerPad = "Microsoft X-Box 360 pad";
-    const Program peer(
-        {"sh", "-c",
-         "exec xboxdrv --silent --evdev " + keyboard.node() + " --evdev-keymap KEY_K=a --mimic-xpad </dev/null"});
-    if (!waitForEventNode(peerPad).empty()) {
-        std::this_thread::sleep_for(1s); // it tells nobody when it is ready
-        if (const SdlPad pad(peerPad); pad.isOpen()) std::printf(" peer=%.0f", keyToGame(keyboard, pad, times));
-    }
-    const Cost begun = costOf(peer.pid());
-    std::this_thread::sleep_for(5s);
-    const Cost ended = costOf(peer.pid());
-    std::printf("\nmemory ours=%ld peer=%ld\nwake_ups ours=%ld peer=%ld\n", kib, ended.kib, wakeUps,
-                ended.wakeUps - begun.wakeUps);
+    const Cost ours = costAtRest({daemon.pid(), service.process()});
+    std::printf("memory ours=%ld", ours.kib);
+    const Cost theirs = peerProcess > 0 ? costAtRest({peerProcess}) : Cost{};
+    if (peerProcess > 0) std::printf(" peer=%ld", theirs.kib);
+    std::printf("\nwake_ups ours=%ld", ours.wakeUps);
+    if (peerProcess > 0) std::printf(" peer=%ld", theirs.wakeUps);
+    std::printf("\n");
 }
 
-// From the frame that a tap on the colour field sends to the driver's report; beside it the driver asked by hand.
+// From the frame that a tap on the colour field sends to the driver's report; beside it the driver asked by hand, and
+// by a packaged tool for lamps.
 void light(const Root& root, int times) {
     root.choose(1);
     const InputService service;
@@ -162,30 +196,31 @@ void light(const Root& root, int times) {
     const ControlClient page(root.path() + "/Library/Caches/jvncontrol.sock");
     DualShock4 controller(Wire::Bluetooth, controllerAddress);
     if (waitForEventNode(controller.name()).empty() || !waitUntil([&] { return page.isServed(); })) return;
-    std::string red;
+    std::string lamp;
     for (const auto& entry : std::filesystem::directory_iterator("/sys/class/leds"))
-        if (entry.path().string().ends_with(":red")) red = entry.path().string() + "/brightness";
+        if (entry.path().string().ends_with(":red")) lamp = entry.path().filename().string();
+    const bool hasTool = run({"sh", "-c", "command -v brightnessctl"}).status == 0;
 
-    const auto shows = [&controller](std::uint8_t value) {
-        const auto end = Clock::now() + 5s;
-        while (Clock::now() < end)
-            if (const auto shown = controller.light(); shown && shown->red == value) return true;
-        return false;
-    };
     std::vector<double> ours;
     std::vector<double> bare;
-    for (int i = 0; i < times; ++i) {
+    std::vector<double> peer;
+    const auto shown = [&](std::uint8_t red, std::vector<double>& taken, const std::function<void()>& ask) {
         std::this_thread::sleep_for(50ms); // a drag's colours come no faster to the service
-        const auto value = static_cast<std::uint8_t>(2 * i % 250 + 1);
-        auto begin = Clock::now();
-        page.tell(JVNControlCommand::SetLEDColor, 1, {value, 0, 0});
-        if (shows(value)) ours.push_back(microseconds(begin));
-        std::this_thread::sleep_for(50ms);
-        begin = Clock::now();
-        std::ofstream(red) << value + 1;
-        if (shows(static_cast<std::uint8_t>(value + 1))) bare.push_back(microseconds(begin));
+        const auto begin = Clock::now();
+        ask();
+        if (controller.waitForLight({red, 0, 0})) taken.push_back(microseconds(begin));
+    };
+    for (int i = 0; i < times; ++i) {
+        const auto red = static_cast<std::uint8_t>(3 * i % 240 + 1);
+        const auto next = static_cast<std::uint8_t>(red + 1);
+        const auto last = static_cast<std::uint8_t>(red + 2);
+        shown(red, ours, [&] { page.tell(JVNControlCommand::SetLEDColor, 1, {red, 0, 0}); });
+        shown(next, bare, [&] { std::ofstream("/sys/class/leds/" + lamp + "/brightness") << int{next}; });
+        if (hasTool) shown(last, peer, [&] { run({"brightnessctl", "-q", "-d", lamp, "set", std::to_string(last)}); });
     }
-    std::printf("light ours=%.0f bare=%.0f\n", median(ours), median(bare));
+    std::printf("light ours=%.0f bare=%.0f", median(ours), median(bare));
+    if (hasTool) std::printf(" peer=%.0f", median(peer));
+    std::printf("\n");
 }
 
 } // namespace
@@ -193,10 +228,12 @@ void light(const Root& root, int times) {
 int main(int count, char** arguments) {
     const int times = count > 1 ? std::atoi(arguments[1]) : 100;
     std::setvbuf(stdout, nullptr, _IOLBF, 0);
-    VirtualKeyboard keyboard({.name = "Road Keyboard"});
     const Root root;
     root.choose(6);
-    ready(root, std::min(times, 10));
-    keys(root, keyboard, times);
-    light(root, times);
+    {
+        const VirtualKeyboard keyboard({.name = "Road Keyboard"});
+        ready(root, std::min(times, 5));
+    }
+    keys(root, times);
+    light(root, std::min(times, 50));
 }
