@@ -27,10 +27,6 @@
 
 namespace {
 
-using namespace std::chrono_literals;
-
-constexpr auto busTimeout = 300ms; // a bus that is well answers in less than one
-
 void complain(const std::string& sentence) { std::fprintf(stderr, "joyvane-settings: %s\n", sentence.c_str()); }
 
 void noDisplay(const std::string& reason) {
@@ -128,13 +124,14 @@ int app::runApplication(const Options& options) {
     // A user who starts it again wants to see the window that is there.
     std::unique_ptr<RunningInstance> instance;
     if (!isTour && !(instance = RunningInstance::start(seat::root(), bundle.folder))) return ExitSuccess;
-    seat::settleSessionBus(busTimeout);
+    const auto busRelay = seat::settleSessionBus();
 
     // The module is read through on another thread while the toolkit starts.
     auto check = std::async(std::launch::async, seat::checkModule, bundle.modulePath, bundle.seal);
     seat::Toolkit toolkit({.name = "joyvane-settings",
                            .desktopEntry = "com.quorrel.joyvane",
                            .needsDisplay = !isTour,
+                           .busRelay = busRelay.get(),
                            .noDisplay = noDisplay});
     const Class principalClass = loadPrincipalClass(bundle, check.get(), problem);
     if (!principalClass) {

@@ -1,5 +1,6 @@
 #include "desktop/window/SceneWindow.h"
 
+#include "desktop/window/StallWatch.h"
 #include "desktop/window/SurfaceWindow.h"
 
 #include <QGuiApplication>
@@ -9,8 +10,16 @@ struct seat::SceneWindow::State {
     SurfaceWindow window;
 };
 
-seat::SceneWindow::SceneWindow(const SceneWindowOptions& options) : m_state(std::make_unique<State>(options)) {}
-seat::SceneWindow::~SceneWindow() = default;
+// Its making and its going are asked of the display, outside the event loop.
+seat::SceneWindow::SceneWindow(const SceneWindowOptions& options) {
+    const StallWatch::Section making;
+    m_state = std::make_unique<State>(options);
+}
+
+seat::SceneWindow::~SceneWindow() {
+    const StallWatch::Section going;
+    m_state.reset();
+}
 
 std::string seat::SceneWindow::screenForNew() { return SurfaceWindow::name(QGuiApplication::primaryScreen()); }
 

@@ -1,6 +1,7 @@
 #include "desktop/window/SurfaceWindow.h"
 
 #include "desktop/window/AccessibilityBridge.h"
+#include "desktop/window/StallWatch.h"
 #include "kit/quartz/pixels.h"
 #include "kit/uikit/WindowScene.h"
 #include "kit/uikit/application.h"
@@ -93,6 +94,7 @@ void seat::SurfaceWindow::frameIsDue() {
 }
 
 void seat::SurfaceWindow::makeFrame() {
+    const StallWatch::Section painting; // the event loop counts its timers' work as waiting
     const double start = platform::CACurrentMediaTime();
     m_pacer.frameBegins();
     m_frameIsWanted = false;

@@ -1,10 +1,13 @@
 #include "desktop/window/Toolkit.h"
 
 #include "desktop/window/EventLoop.h"
+#include "desktop/window/StallWatch.h"
+#include "desktop/window/accessibility_bus.h"
 #include "desktop/window/key_repeat.h"
 #include "platform/log.h"
 #include "system/process/child_environment.h"
 
+#include <QAbstractEventDispatcher>
 #include <QGuiApplication>
 
 #include <csignal>
@@ -63,6 +66,7 @@ int signalPipe[2] = {-1, -1};
 
 void noteSignal(int number) {
     const int savedError = errno;
+    seat::StallWatch::askToEnd();
     const char byte = static_cast<char>(number);
     (void)!write(signalPipe[1], &byte, 1);
     errno = savedError;
@@ -89,6 +93,7 @@ struct seat::Toolkit::State {
     std::string platformOption = "-platform";
     std::string platform = "offscreen";
     char* arguments[4] = {};
+    std::unique_ptr<StallWatch> watch; // nullptr: there is no display
     std::future<void> fonts;
     std::unique_ptr<QGuiApplication> application;
     std::unique_ptr<EventLoop> loop;
@@ -122,8 +127,19 @@ seat::Toolkit::Toolkit(const ToolkitOptions& options) : m_state(std::make_unique
     qInstallMessageHandler(logMessage);
     QGuiApplication::setDesktopFileName(QString::fromStdString(options.desktopEntry));
     QGuiApplication::setQuitOnLastWindowClosed(false);
-    state.application = std::make_unique<QGuiApplication>(state.argumentCount, state.arguments);
+    if (options.needsDisplay) state.watch = std::make_unique<StallWatch>();
+    {
+        const StallWatch::Section starting;
+        state.application = std::make_unique<QGuiApplication>(state.argumentCount, state.arguments);
+        if (options.needsDisplay && options.busRelay) relayAccessibilityBusOfScreen(*options.busRelay);
+    }
     isStarting = false;
+    if (auto* const watch = state.watch.get()) {
+        // Between two waits for events.
+        const auto* const dispatcher = QAbstractEventDispatcher::instance();
+        QObject::connect(dispatcher, &QAbstractEventDispatcher::awake, [watch] { watch->begin(); });
+        QObject::connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, [watch] { watch->end(); });
+    }
     for (const auto& message : std::exchange(waitingMessages(), {})) NSLog("toolkit: %s", message.c_str());
     askForPlainKeyRepeat();
     state.loop = std::make_unique<EventLoop>();
@@ -135,6 +151,7 @@ seat::Toolkit::~Toolkit() {
         for (const int number : {SIGTERM, SIGINT, SIGHUP}) std::signal(number, SIG_IGN);
         for (int& end : signalPipe) end = (close(end), -1);
     }
+    const StallWatch::Section ending;
     m_state->loop.reset();
     m_state->application.reset();
     qInstallMessageHandler(nullptr);
@@ -145,7 +162,10 @@ void seat::Toolkit::awaitFonts() {
 }
 
 int seat::Toolkit::run() {
-    if (!m_state->hasQuit) QGuiApplication::exec();
+    if (!m_state->hasQuit) {
+        const StallWatch::Section running;
+        QGuiApplication::exec();
+    }
     m_state->hasQuit = false;
     return m_state->exitCode;
 }
@@ -157,6 +177,7 @@ bool seat::Toolkit::runUntil(const std::function<bool()>& done, double seconds) 
     while (!done()) {
         if (m_state->hasQuit || !timeout.isActive()) return false;
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        if (m_state->watch) m_state->watch->end();
     }
     return true;
 }

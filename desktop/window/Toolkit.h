@@ -8,10 +8,14 @@
 
 namespace seat {
 
+class BusRelay;
+
 struct ToolkitOptions {
     std::string name;         // what the window system calls the program
     std::string desktopEntry; // the entry's file name without ".desktop"; the application id
     bool needsDisplay = true; // false: nothing will be shown, everything else works
+    // Between it and the buses, as settleSessionBus() gave it; outlives it. nullptr: there is no bus.
+    BusRelay* busRelay = nullptr;
     // Called when there is no display to be had, with the reason; must end the process.
     void (*noDisplay)(const std::string& reason) = nullptr;
 };

@@ -1,29 +1,25 @@
 #pragma once
 
 // Where the session's bus is, found out before anything connects to it. A missing address makes bus libraries start a
-// bus of their own that outlives us; a bus that accepts and never answers makes them wait for half a minute.
+// bus of their own that outlives us.
 
-#include <chrono>
+#include "system/bus/BusRelay.h"
+
+#include <memory>
 #include <string>
 
 namespace seat {
-
-enum class BusState { Answers, Silent, Absent };
-
-// Connects, authenticates and says hello, all within `timeout`. Of several addresses the first that answers counts.
-// A malformed list counts as absent, and so does one with anything but sockets of this computer's (isPlainBusAddress).
-BusState probeBus(const std::string& addresses, std::chrono::milliseconds timeout);
 
 // An address at which nobody ever listens.
 inline constexpr const char* nobodysBusAddress = "unix:path=/nonexistent/session-bus";
 
 // Before the toolkit starts, and before there are threads: finds the session's bus (the environment's, else the one in
-// the run-time folder) and probes it. Where none answers, the environment gets an address that nothing listens at, so
-// that every connection fails at once.
-BusState settleSessionBus(std::chrono::milliseconds timeout);
+// the run-time folder), without asking it anything. From then on the environment names a relay to it, which the caller
+// keeps for as long as the toolkit; without a bus an address that nothing listens at, so that every connection fails at
+// once.
+std::unique_ptr<BusRelay> settleSessionBus();
 
-// The bus as the session names it, whether or not it answered; empty when it has none. For later tries, and for
-// children.
+// The bus as the session names it; empty when it has none. For ourselves and for children.
 const std::string& sessionBusAddress();
 
 } // namespace seat

@@ -12,14 +12,11 @@
 #include "platform/uikit/UIColor.h"
 #include "system/bus/session_bus_address.h"
 
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
 
 namespace {
-
-using namespace std::chrono_literals;
 
 struct Options {
     seat::SceneWindowOptions window;
@@ -71,8 +68,11 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "usage: joyvane-picker [--size WxH] [--scale S] [--color RRGGBB]\n");
         return 2;
     }
-    seat::settleSessionBus(300ms);
-    seat::Toolkit toolkit({.name = "joyvane-picker", .desktopEntry = "joyvane-picker", .noDisplay = noDisplay});
+    const auto busRelay = seat::settleSessionBus();
+    seat::Toolkit toolkit({.name = "joyvane-picker",
+                           .desktopEntry = "joyvane-picker",
+                           .busRelay = busRelay.get(),
+                           .noDisplay = noDisplay});
     auto window = std::make_unique<seat::SceneWindow>(options.window);
     seat::WindowScene scene(window->size(), window->scale());
 

@@ -1,0 +1,115 @@
+#include "system/bus/BusRelay.h"
+
+#include "platform/log.h"
+#include "system/bus/RelayedConnection.h"
+#include "system/bus/connect_to_bus.h"
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <cstddef>
+#include <dbus/dbus.h>
+#include <pthread.h>
+#include <sys/eventfd.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+
+namespace {
+
+constexpr std::size_t mostConnections = 8; // the toolkit has one to each bus
+
+bool isOurselves(int descriptor) {
+    ucred peer{};
+    socklen_t length = sizeof peer;
+    return ::getsockopt(descriptor, SOL_SOCKET, SO_PEERCRED, &peer, &length) == 0 && peer.pid == ::getpid();
+}
+
+} // namespace
+
+seat::BusRelay::BusRelay(std::string busAddress)
+    : m_session(openDoor("session bus", std::move(busAddress))), m_accessibility(openDoor("accessibility bus", {})),
+      m_stop(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
+
+void seat::BusRelay::start() {
+    ::dbus_threads_init_default();
+    // Signals are the main thread's.
+    sigset_t all;
+    sigset_t before;
+    ::sigfillset(&all);
+    ::pthread_sigmask(SIG_SETMASK, &all, &before);
+    m_thread = std::thread([this] { run(); });
+    ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
+}
+
+seat::BusRelay::~BusRelay() {
+    ::eventfd_write(m_stop.get(), 1);
+    if (m_thread.joinable()) m_thread.join();
+}
+
+// A name that the system chooses, in no folder: nothing is left behind, however the process ends.
+seat::BusRelay::Door seat::BusRelay::openDoor(const char* name, std::string bus) {
+    Descriptor listener(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    sockaddr_un own{};
+    own.sun_family = AF_UNIX;
+    socklen_t length = sizeof own;
+    if (!listener || ::bind(listener.get(), reinterpret_cast<const sockaddr*>(&own), sizeof own.sun_family) != 0 ||
+        ::listen(listener.get(), SOMAXCONN) != 0 ||
+        ::getsockname(listener.get(), reinterpret_cast<sockaddr*>(&own), &length) != 0)
+        return {Descriptor(), {}, {}, name};
+    const std::string place(own.sun_path + 1, length - offsetof(sockaddr_un, sun_path) - 1);
+    return {std::move(listener), "unix:abstract=" + place, std::move(bus), name};
+}
+
+std::string seat::BusRelay::doorToAccessibility(const std::string& busAddress) {
+    if (m_accessibility.address.empty()) return busAddress;
+    const std::lock_guard lock(m_mutex);
+    m_accessibility.bus = busAddress;
+    return m_accessibility.address;
+}
+
+void seat::BusRelay::run() {
+    using Clock = RelayedConnection::Clock;
+    std::vector<pollfd> entries;
+    for (;;) {
+        entries = {{m_stop.get(), POLLIN, 0},
+                   {m_session.listener.get(), POLLIN, 0},
+                   {m_accessibility.listener.get(), POLLIN, 0}};
+        std::optional<Clock::time_point> deadline;
+        for (const auto& connection : m_connections) {
+            connection->addEntries(entries);
+            const auto its = connection->deadline();
+            if (its && (!deadline || *its < *deadline)) deadline = its;
+        }
+        int timeout = -1;
+        if (deadline) {
+            const auto left = std::chrono::ceil<std::chrono::milliseconds>(*deadline - Clock::now()).count();
+            timeout = static_cast<int>(std::max<decltype(left)>(left, 0));
+        }
+        ::poll(entries.data(), entries.size(), timeout);
+        if (entries[0].revents != 0) return;
+        letIn(m_session);
+        letIn(m_accessibility);
+        std::erase_if(m_connections, [now = Clock::now()](const auto& connection) { return !connection->serve(now); });
+    }
+}
+
+void seat::BusRelay::letIn(Door& door) {
+    while (door.listener) {
+        Descriptor toolkit(::accept4(door.listener.get(), nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK));
+        if (!toolkit) return;
+        if (!isOurselves(toolkit.get()) || m_connections.size() >= mostConnections) continue;
+        std::string address;
+        {
+            const std::lock_guard lock(m_mutex);
+            address = door.bus;
+        }
+        std::string problem;
+        Descriptor bus = connectToBus(address, problem);
+        if (bus)
+            m_connections.push_back(std::make_unique<RelayedConnection>(
+                std::move(toolkit), std::move(bus), door.name,
+                [this](const std::string& found) { return doorToAccessibility(found); }));
+        else
+            NSLog("accessibility: no %s: %s", door.name, problem.c_str());
+    }
+}

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "system/files/Descriptor.h"
+
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace seat {
+
+class RelayedConnection;
+
+// Stands between the toolkit and the session's bus. The toolkit's accessibility asks the bus with calls that hold up
+// the window, when it starts and when assistive technology comes; here each of them has an answer in time, whatever the
+// bus does. The same for the accessibility bus, of which the toolkit hears from the session's. A thread of its own,
+// which sleeps while nothing is said. Nobody but this process is served.
+class BusRelay {
+public:
+    // To the bus at `busAddress`, in the bus's own notation; connected to when the toolkit connects to us.
+    explicit BusRelay(std::string busAddress);
+    // Starts the thread. Until then who connects waits.
+    void start();
+    ~BusRelay();
+    BusRelay(const BusRelay&) = delete;
+    BusRelay& operator=(const BusRelay&) = delete;
+
+    // What the toolkit is told of the session's bus; empty when the system gives us no socket.
+    const std::string& address() const { return m_session.address; }
+    // What it is told of the accessibility bus, which is at `busAddress`. Any thread.
+    std::string doorToAccessibility(const std::string& busAddress);
+
+private:
+    // Where the toolkit comes in, and the bus behind it.
+    struct Door {
+        Descriptor listener;
+        std::string address;
+        std::string bus;
+        const char* name;
+    };
+
+    static Door openDoor(const char* name, std::string bus);
+    void run();
+    void letIn(Door& door);
+
+    Door m_session;
+    Door m_accessibility;
+    std::mutex m_mutex; // its bus
+    std::vector<std::unique_ptr<RelayedConnection>> m_connections;
+    Descriptor m_stop;
+    std::thread m_thread;
+};
+
+} // namespace seat

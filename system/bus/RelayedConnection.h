@@ -1,0 +1,80 @@
+#pragma once
+
+#include "system/bus/BufferedSocket.h"
+#include "system/bus/accessibility_calls.h"
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <optional>
+#include <poll.h>
+#include <string>
+#include <vector>
+
+namespace seat {
+
+// One connection of the toolkit to a bus, with us in between. Messages go through as they are, whole ones only; each
+// call of the toolkit has an answer in time: the bus's, or ours, which is an error. What the bus answers after that is
+// dropped, and where the toolkit needs it, it is made to ask again. Who has not answered is not waited for again until
+// something comes from there. When the bus is lost the toolkit keeps its connection and gets errors: one that is closed
+// while it waits for an answer leaves it waiting for ever. Only while the bus has not greeted it yet is it the other
+// way round: an error for a greeting ends the process. One thread.
+class RelayedConnection {
+public:
+    using Clock = std::chrono::steady_clock;
+    // Given the address of the accessibility bus, the address at which the toolkit is to find it.
+    using AddressChange = std::function<std::string(const std::string& address)>;
+
+    // `busName` is what the log calls the bus.
+    RelayedConnection(Descriptor toolkit, Descriptor bus, std::string busName, AddressChange changeAddress);
+
+    // What to wait for, and until when.
+    void addEntries(std::vector<pollfd>& entries) const;
+    std::optional<Clock::time_point> deadline() const;
+    // Passes on what is there. False when the connection is over.
+    bool serve(Clock::time_point now);
+
+private:
+    struct Call {
+        ToolkitCall kind = ToolkitCall::Plain;
+        std::string destination;
+        std::optional<Clock::time_point> deadline; // none: the toolkit does not wait for this one, or has an answer
+        bool isAnswered = false;                   // by us
+    };
+    // Of somebody who has not answered.
+    struct Silence {
+        std::optional<Clock::time_point> sayAt; // none: it has been said
+    };
+
+    bool takeFromToolkit(Clock::time_point now);
+    void takeFromBus();
+    void greetToolkit();
+    void greetBus();
+    void noteCall(const std::string& message, Clock::time_point now);
+    bool takeAnswer(const std::string& message);
+    void loseBus(const char* reason);
+    void answerOverdueCalls(Clock::time_point now);
+    void sayWhoIsSilent(Clock::time_point now);
+    bool isFull() const;
+    bool isSilent(const std::string& destination) const;
+    void noteSilence(const std::string& destination, Clock::time_point sayAt);
+    void noteSignOfLife(const std::string& destination);
+    std::string inLog(const std::string& destination) const;
+
+    BufferedSocket m_toolkit;
+    BufferedSocket m_bus;
+    std::string m_busName;
+    AddressChange m_changeAddress;
+    bool m_toolkitIsGreeted = false; // both sides begin with lines of text, messages follow
+    bool m_busIsGreeted = false;
+    bool m_hasName = false; // the bus has greeted the toolkit
+    bool m_busIsLost = false;
+    bool m_isRefused = false;
+    std::string m_waiting; // for the bus to be greeted
+    std::map<std::uint32_t, Call> m_calls;
+    std::map<std::string, Silence> m_silent;
+    int m_askedAgain = 0;
+};
+
+} // namespace seat

@@ -1,0 +1,44 @@
+#pragma once
+
+// What the relay has to know of the toolkit's calls of the buses.
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+
+struct DBusMessage;
+
+namespace seat {
+
+struct BusMessageRelease {
+    void operator()(DBusMessage* message) const;
+};
+using BusMessage = std::unique_ptr<DBusMessage, BusMessageRelease>;
+
+// A message as it is on the wire, whole; nullptr when it is none.
+BusMessage readBusMessage(const std::string& bytes);
+std::string bytesOfBusMessage(DBusMessage& message, std::uint32_t serial);
+
+enum class ToolkitCall {
+    Plain,
+    Hello,
+    AccessibilityAddress, // where the accessibility bus is: may start programs, and nothing waits for it
+    AccessibilityState,   // whether there is accessibility, and whether it is on
+    EventListeners,       // what assistive technology wants to hear of
+};
+ToolkitCall kindOfCall(DBusMessage& call);
+
+// Whether it is an answer to Hello with which the toolkit can do something.
+bool givesName(DBusMessage& answer);
+
+// The answer that the toolkit gets to a call that had none in time.
+std::string noAnswer(std::uint32_t serial);
+
+// The answer to AccessibilityAddress with the address changed; as it is when there is none in it.
+std::string answerWithAddress(DBusMessage& answer, const std::function<std::string(const std::string&)>& change);
+
+// What makes the toolkit ask again for what this call asked: its answer came too late. Empty when nothing does.
+std::string signalToAskAgain(ToolkitCall kind, DBusMessage& lateAnswer);
+
+} // namespace seat

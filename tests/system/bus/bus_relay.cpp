@@ -1,0 +1,187 @@
+#include "system/bus/BusRelay.h"
+#include "tests/support/BusPeer.h"
+#include "tests/support/LoggedLines.h"
+#include "tests/support/PrivateBus.h"
+#include "tests/system/bus/RelayClient.h"
+
+#include <dbus/dbus.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+namespace {
+
+using namespace std::chrono_literals;
+using testing_support::BusPeer;
+using testing_support::PrivateBus;
+
+// Where the window would notice; a loaded machine takes its own time.
+constexpr auto soon = 1s;
+
+class BusRelay : public ::testing::Test {
+protected:
+    BusRelay() { relay.start(); }
+
+    testing_support::LoggedLines log;
+    PrivateBus bus;
+    seat::BusRelay relay{bus.address()};
+    RelayClient client{relay.address()};
+};
+
+TEST_F(BusRelay, CallsAnswersAndSignalsPassInBothDirections) {
+    ASSERT_TRUE(client.greet());
+
+    EXPECT_EQ("true", client.nameHasOwner(client.uniqueName()));
+    EXPECT_EQ("false", client.nameHasOwner("com.example.nobody"));
+
+    client.listen("type='signal',interface='com.example.news'");
+    BusPeer(bus.address()).emitSignal("/here", "com.example.news", "Came");
+    EXPECT_TRUE(client.hears("com.example.news", "Came"));
+    EXPECT_TRUE(log.all().empty());
+}
+
+TEST_F(BusRelay, ABusThatStopsCostsTheFirstCallAMomentAndLaterOnesNothing) {
+    ASSERT_TRUE(client.greet());
+    bus.stop();
+
+    const auto start = Clock::now();
+    EXPECT_EQ(DBUS_ERROR_NO_REPLY, client.nameHasOwner("com.example.nobody"));
+    EXPECT_LT(Clock::now() - start, soon);
+    const auto second = Clock::now();
+    for (int i = 0; i < 100; ++i) EXPECT_EQ(DBUS_ERROR_NO_REPLY, client.nameHasOwner("com.example.nobody"));
+    EXPECT_LT(Clock::now() - second, soon);
+
+    EXPECT_TRUE(client.becomes([&] { return log.count("accessibility: the session bus does not answer") == 1; }));
+    bus.resume();
+    EXPECT_TRUE(client.becomes([&] { return client.nameHasOwner("com.example.nobody") == "false"; }));
+    EXPECT_EQ(1u, log.count("accessibility: the session bus answers again"));
+    EXPECT_EQ(2u, log.all().size());
+}
+
+TEST_F(BusRelay, ABusThatStopsBeforeItsGreetingRefusesTheConnectionSoon) {
+    bus.stop();
+
+    const auto start = Clock::now();
+    EXPECT_FALSE(client.greet());
+    EXPECT_LT(Clock::now() - start, soon);
+
+    EXPECT_EQ(1u, log.count("accessibility: the session bus does not answer"));
+}
+
+TEST_F(BusRelay, ABusThatIsGoneRefusesTheConnectionAtOnce) {
+    bus.kill();
+
+    EXPECT_FALSE(client.greet());
+
+    EXPECT_EQ(1u, log.count("accessibility: no session bus: Connection refused"));
+}
+
+// The toolkit never comes back from a call whose connection is closed meanwhile.
+TEST_F(BusRelay, ABusThatDiesLeavesTheConnectionOpenAndEachCallFails) {
+    ASSERT_TRUE(client.greet());
+    bus.kill();
+
+    EXPECT_TRUE(client.becomes([&] { return log.count("the session bus closed the connection") == 1; }));
+    for (int i = 0; i < 100; ++i) EXPECT_EQ(DBUS_ERROR_NO_REPLY, client.nameHasOwner("com.example.nobody"));
+    EXPECT_TRUE(client.isConnected());
+}
+
+TEST_F(BusRelay, ACallThatIsWaitingWhenTheBusDiesFails) {
+    ASSERT_TRUE(client.greet());
+    bus.stop();
+    std::thread killer([this] {
+        std::this_thread::sleep_for(5ms);
+        bus.kill();
+    });
+
+    EXPECT_EQ(DBUS_ERROR_NO_REPLY, client.nameHasOwner("com.example.nobody"));
+
+    EXPECT_TRUE(client.isConnected());
+    killer.join();
+}
+
+TEST_F(BusRelay, AProgramThatDoesNotAnswerIsNotTheBusesFault) {
+    const BusPeer sleeper(bus.address());
+    ASSERT_TRUE(sleeper.ownName("com.example.sleeper"));
+    ASSERT_TRUE(client.greet());
+
+    EXPECT_EQ(DBUS_ERROR_NO_REPLY, client.call("com.example.sleeper", "Wake"));
+
+    EXPECT_EQ("true", client.nameHasOwner("com.example.sleeper"));
+    EXPECT_TRUE(
+        client.becomes([&] { return log.count("com.example.sleeper on the session bus does not answer") == 1; }));
+}
+
+TEST_F(BusRelay, WhetherThereIsAccessibilityIsAskedAgainWhenTheAnswerCameTooLate) {
+    const BusPeer accessibility(bus.address());
+    ASSERT_TRUE(accessibility.ownName("org.a11y.Bus"));
+    ASSERT_TRUE(client.greet());
+    bus.stop();
+    ASSERT_EQ(DBUS_ERROR_NO_REPLY, client.nameHasOwner("org.a11y.Bus"));
+
+    bus.resume();
+
+    EXPECT_TRUE(client.hears(DBUS_INTERFACE_DBUS, "NameOwnerChanged"));
+}
+
+TEST_F(BusRelay, TheAccessibilityBusIsBehindTheRelayToo) {
+    const PrivateBus other;
+    AnsweringPeer accessibility(bus.address(), "org.a11y.Bus", other.address());
+    ASSERT_TRUE(client.greet());
+
+    const std::string address = client.call("org.a11y.Bus", "GetAddress");
+
+    EXPECT_NE(other.address(), address);
+    RelayClient second(address);
+    ASSERT_TRUE(second.greet());
+    EXPECT_EQ("false", second.nameHasOwner("org.a11y.Bus"));
+    other.stop();
+    EXPECT_EQ(DBUS_ERROR_NO_REPLY, second.nameHasOwner("org.a11y.Bus"));
+    EXPECT_TRUE(client.becomes([&] { return log.count("the accessibility bus does not answer") == 1; }));
+    EXPECT_EQ("true", client.nameHasOwner("org.a11y.Bus"));
+}
+
+TEST_F(BusRelay, NobodyElseIsServed) {
+    const pid_t child = ::fork();
+    if (child == 0) ::_exit(RelayClient(relay.address()).greet() ? 1 : 0);
+
+    int status = 0;
+    ASSERT_EQ(child, ::waitpid(child, &status, 0));
+    EXPECT_EQ(0, status);
+    EXPECT_TRUE(client.greet());
+}
+
+// What a bus says after the connection is made: garbage, a message of another version, one that is too long to be any.
+class NonsenseFromABus : public ::testing::TestWithParam<std::string> {};
+
+TEST_P(NonsenseFromABus, EndsTheConnectionAtOnce) {
+    const testing_support::LoggedLines log;
+    FakeBus bus("OK 0\r\n", GetParam());
+    seat::BusRelay relay(bus.address());
+    relay.start();
+    RelayClient client(relay.address());
+
+    EXPECT_FALSE(client.greet());
+
+    EXPECT_EQ(1u, log.count("the session bus sent what is no message"));
+}
+
+INSTANTIATE_TEST_SUITE_P(All, NonsenseFromABus,
+                         ::testing::Values(std::string(64, '\xff'), std::string(64, '\0'),
+                                           "HTTP/1.1 400 Bad Request\r\n",
+                                           std::string("l\2\1\2\0\0\0\0\1\0\0\0\0\0\0\0", 16),
+                                           std::string("l\2\1\1\xff\xff\xff\x07\1\0\0\0\0\0\0\0", 16)));
+
+TEST(BusThatRefuses, EndsTheConnectionAtOnce) {
+    for (const std::string line : {"REJECTED KERBEROS\r\n", "HTTP/1.1 400 Bad Request\r\n", "\r\n"}) {
+        const testing_support::LoggedLines log;
+        FakeBus bus(line, "");
+        seat::BusRelay relay(bus.address());
+        relay.start();
+
+        EXPECT_FALSE(RelayClient(relay.address()).greet()) << line;
+
+        EXPECT_EQ(1u, log.count("the session bus refuses us")) << line;
+    }
+}
+
+} // namespace
