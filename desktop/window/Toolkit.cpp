@@ -43,12 +43,19 @@ bool isOrdinary(const QString& message) {
            message.startsWith(QLatin1String("QStandardPaths: XDG_RUNTIME_DIR"));
 }
 
+// With the names of the displays that were tried, which the plugins' messages do not always have.
+std::string reasonForNoDisplay() {
+    std::string reason = startProblem().empty() ? "no window system is there" : startProblem();
+    while (reason.ends_with(' ')) reason.pop_back();
+    for (const char* const name : {"WAYLAND_DISPLAY", "DISPLAY"})
+        if (const char* const value = std::getenv(name); value && *value && reason.find(value) == std::string::npos)
+            reason += std::string(", ") + name + "=" + value;
+    return reason;
+}
+
 void logMessage(QtMsgType type, const QMessageLogContext& context, const QString& message) {
     // The toolkit's own handling ends in abort().
-    if (type == QtFatalMsg && isStarting && noDisplayHandler) {
-        auto& problem = startProblem();
-        noDisplayHandler(problem.empty() ? "no window system is there" : problem);
-    }
+    if (type == QtFatalMsg && isStarting && noDisplayHandler) noDisplayHandler(reasonForNoDisplay());
     const bool isInteresting = type == QtWarningMsg || type == QtCriticalMsg || type == QtFatalMsg;
     if (!isInteresting || isOrdinary(message)) return;
     const bool isOfPlatform = context.category && std::string_view(context.category).starts_with("qt.qpa");

@@ -261,6 +261,7 @@ class Refusals(unittest.TestCase):
             self.assertEqual(run.returncode, NO_DISPLAY, said)
             self.assertTrue(said.startswith("no display: "), said)
             self.assertIn("--tour", said)
+            self.assertTrue(all(name in said for name in environment.values()), said)
 
     def test_a_tour_needs_no_display(self):
         with unittest.mock.patch.dict(os.environ):
