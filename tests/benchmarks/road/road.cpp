@@ -107,12 +107,16 @@ struct Contestant {
     std::vector<double> times = {};
 };
 
+// A remapper may go on working when its event has arrived already: the next one's turn is not to pay for that.
+constexpr auto afterwards = 20ms;
+
 void pressOnce(const SdlGame& game, Contestant& contestant) {
     const auto begin = Clock::now();
     contestant.keys->press(KEY_K);
     if (game.waitFor(SDL_CONTROLLERBUTTONDOWN, contestant.pad)) contestant.times.push_back(microseconds(begin));
     contestant.keys->release(KEY_K);
     game.waitFor(SDL_CONTROLLERBUTTONUP, contestant.pad);
+    std::this_thread::sleep_for(afterwards);
 }
 
 // In turns, so that whatever else the computer does meets all of them alike.
@@ -131,8 +135,10 @@ void press(const char* what, SdlGame::Waiting waiting, VirtualKeyboard& keyboard
         });
     for (Contestant& contestant : contestants) contestant.times.clear();
     ::setpriority(PRIO_PROCESS, 0, waiting == SdlGame::Waiting::Sleeps ? priorityOfTheWorld : 0);
-    for (int i = 0; i < times; ++i)
+    for (int i = 0; i < times; ++i) {
         for (Contestant& contestant : contestants) pressOnce(game, contestant);
+        std::ranges::rotate(contestants, contestants.begin() + 1); // nobody always follows the same one
+    }
     std::printf("%s", what);
     for (const Contestant& contestant : contestants)
         if (!contestant.times.empty()) std::printf(" %s=%.0f", contestant.name, median(contestant.times));
