@@ -4,6 +4,7 @@
 #include "platform/foundation/NSDictionary.h"
 
 #include <bit>
+#include <cmath>
 #include <string_view>
 #include <vector>
 
@@ -41,6 +42,8 @@ std::uint64_t bigEndian(Bytes bytes) {
     for (const std::uint8_t byte : bytes) value = value << 8 | byte;
     return value;
 }
+
+double dateOf(Bytes body) { return std::bit_cast<double>(bigEndian(body)); }
 
 std::string_view characters(Bytes bytes) { return {reinterpret_cast<const char*>(bytes.data()), bytes.size()}; }
 
@@ -245,6 +248,8 @@ bool BinaryReader::isScalarSound(const Object& object) {
         return isUTF16BigEndian(object.body) || refuse("has a text with half a surrogate pair");
     case KindInteger:
         return integer(object.body) || refuse("has an integer beyond 64 bits");
+    case KindDate:
+        return std::isfinite(dateOf(object.body)) || refuse("has a date that is no moment");
     default:
         return true;
     }
@@ -273,7 +278,7 @@ id BinaryReader::buildScalar(const Object& object) {
             return NSNumber::numberWithFloat(std::bit_cast<float>(static_cast<std::uint32_t>(bits())));
         return NSNumber::numberWithDouble(std::bit_cast<double>(bits()));
     case KindDate:
-        return NSDate{std::bit_cast<double>(bits())};
+        return NSDate{dateOf(object.body)};
     case KindData:
         return NSData::dataWithBytes(object.body);
     case KindASCII:

@@ -4,6 +4,7 @@
 #include "platform/foundation/NSDictionary.h"
 
 #include <bit>
+#include <cmath>
 #include <cstring>
 #include <vector>
 
@@ -87,6 +88,8 @@ bool BinaryWriter::addValue(const id& value, std::size_t depth) {
     if (!value) return refuse("holds nil");
     if (value.classValue()) return refuse("holds a class");
     if (value.string() && !checkText(*value.string())) return false;
+    if (value.date() && !std::isfinite(value.date()->timeIntervalSinceReferenceDate))
+        return refuse("holds a date that is no moment");
     if (++m_values > propertyListMaximumValues)
         return refuse("holds more than " + std::to_string(propertyListMaximumValues) + " values, or refers to itself");
     m_items.push_back({&value, 0, static_cast<std::uint8_t>(depth), false});

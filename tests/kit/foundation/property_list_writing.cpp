@@ -48,6 +48,18 @@ TEST(PropertyListWriting, IntegersTakeTheFewestBytes) {
     EXPECT_EQ(object(NSNumber::numberWithUnsignedLongLong(5)), (Bytes{0x10, 5}));
 }
 
+TEST(PropertyListWriting, ADateThatIsNoMomentIsNeitherWrittenNorRead) {
+    for (const double no : {std::nan(""), HUGE_VAL, -HUGE_VAL}) {
+        EXPECT_EQ(refusalOf(NSDate{no}), "holds a date that is no moment");
+        EXPECT_EQ(refusalOf(array({integer(1), NSDate{no}})), "holds a date that is no moment");
+
+        Binary list{.objects = {Bytes{0x33}}};
+        Binary::append(list.objects[0], std::bit_cast<std::uint64_t>(no), 8);
+        EXPECT_EQ(read(list.bytes()).refusal, "has a date that is no moment");
+    }
+    EXPECT_EQ(roundTrip(NSDate{1e300}), id(NSDate{1e300}));
+}
+
 TEST(PropertyListWriting, OtherScalarsHaveTheirOwnForms) {
     EXPECT_EQ(object(NSNumber::numberWithBool(true)), (Bytes{0x09}));
     EXPECT_EQ(object(NSNumber::numberWithBool(false)), (Bytes{0x08}));
