@@ -140,13 +140,18 @@ void seat::RelayedConnection::takeFromBus() {
     std::string message;
     Stream stream = Stream::Incomplete;
     while (m_busIsGreeted && (stream = takeMessage(m_bus.received, message)) == Stream::Whole) {
-        noteSignOfLife(theBus);
-        const int type = typeOf(message);
-        if (type != DBUS_MESSAGE_TYPE_METHOD_RETURN && type != DBUS_MESSAGE_TYPE_ERROR)
-            m_toolkit.toSend += message;
-        else if (!takeAnswer(message))
+        // Looked at to its end: the toolkit would close its connection over what is no message.
+        const BusMessage read = readBusMessage(message);
+        if (!read) {
             stream = Stream::Invalid;
-        if (stream == Stream::Invalid) break;
+            break;
+        }
+        noteSignOfLife(theBus);
+        const int type = ::dbus_message_get_type(read.get());
+        if (type == DBUS_MESSAGE_TYPE_METHOD_RETURN || type == DBUS_MESSAGE_TYPE_ERROR)
+            takeAnswer(*read, message);
+        else
+            m_toolkit.toSend += message;
     }
     if (stream == Stream::Invalid) loseBus("sent what is no message");
 }
@@ -183,27 +188,24 @@ void seat::RelayedConnection::noteCall(const std::string& message, Clock::time_p
     m_calls.insert_or_assign(serial, std::move(call));
 }
 
-bool seat::RelayedConnection::takeAnswer(const std::string& message) {
-    const BusMessage read = readBusMessage(message);
-    if (!read) return false;
-    const auto found = m_calls.find(::dbus_message_get_reply_serial(read.get()));
-    if (found == m_calls.end()) return true;
+void seat::RelayedConnection::takeAnswer(DBusMessage& read, const std::string& message) {
+    const auto found = m_calls.find(::dbus_message_get_reply_serial(&read));
+    if (found == m_calls.end()) return;
     const Call call = std::move(found->second);
     m_calls.erase(found);
     noteSignOfLife(call.destination);
     if (call.kind == ToolkitCall::Hello) {
-        m_hasName = givesName(*read);
+        m_hasName = givesName(read);
         if (!m_hasName) loseBus("refuses us");
     }
     if (!call.isAnswered)
         m_toolkit.toSend +=
-            call.kind == ToolkitCall::AccessibilityAddress ? answerWithAddress(*read, m_changeAddress) : message;
+            call.kind == ToolkitCall::AccessibilityAddress ? answerWithAddress(read, m_changeAddress) : message;
     else if (m_askedAgain < mostAskedAgain)
-        if (const auto signal = signalToAskAgain(call.kind, *read); !signal.empty()) {
+        if (const auto signal = signalToAskAgain(call.kind, read); !signal.empty()) {
             ++m_askedAgain;
             m_toolkit.toSend += signal;
         }
-    return true;
 }
 
 void seat::RelayedConnection::answerOverdueCalls(Clock::time_point now) {

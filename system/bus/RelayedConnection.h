@@ -52,7 +52,7 @@ private:
     void greetToolkit();
     void greetBus();
     void noteCall(const std::string& message, Clock::time_point now);
-    bool takeAnswer(const std::string& message);
+    void takeAnswer(DBusMessage& read, const std::string& message);
     void loseBus(const char* reason);
     void answerOverdueCalls(Clock::time_point now);
     void sayWhoIsSilent(Clock::time_point now);

@@ -169,7 +169,10 @@ INSTANTIATE_TEST_SUITE_P(All, NonsenseFromABus,
                          ::testing::Values(std::string(64, '\xff'), std::string(64, '\0'),
                                            "HTTP/1.1 400 Bad Request\r\n",
                                            std::string("l\2\1\2\0\0\0\0\1\0\0\0\0\0\0\0", 16),
-                                           std::string("l\2\1\1\xff\xff\xff\x07\1\0\0\0\0\0\0\0", 16)));
+                                           std::string("l\2\1\1\xff\xff\xff\x07\1\0\0\0\0\0\0\0", 16),
+                                           // a signal of the right length, whose header is garbage
+                                           std::string("l\4\1\1\0\0\0\0\1\0\0\0\x08\0\0\0", 16) +
+                                               std::string(8, '\xff')));
 
 TEST(BusThatRefuses, EndsTheConnectionAtOnce) {
     for (const std::string line : {"REJECTED KERBEROS\r\n", "HTTP/1.1 400 Bad Request\r\n", "\r\n"}) {
