@@ -20,7 +20,7 @@ std::string lockedHint(const std::string& session) {
 }
 
 TEST(Sessions, AUserWhoLogsInIsTheSeatsActiveOne) {
-    LoginSession anna(kAnna, 2);
+    LoginSession::ofAnna();
 
     EXPECT_EQ(userInFront(), kAnna);
     EXPECT_GT(::sd_uid_is_on_seat(kAnna, 1, "seat0"), 0);
@@ -28,7 +28,7 @@ TEST(Sessions, AUserWhoLogsInIsTheSeatsActiveOne) {
 }
 
 TEST(Sessions, TheOneInFrontChangesAsTheyAreSwitched) {
-    LoginSession anna(kAnna, 2);
+    LoginSession& anna = LoginSession::ofAnna();
     LoginSession bert(kBert, 3);
     EXPECT_EQ(userInFront(), kBert);
 
@@ -39,7 +39,7 @@ TEST(Sessions, TheOneInFrontChangesAsTheyAreSwitched) {
 }
 
 TEST(Sessions, WhatALockerSaysIsKnown) {
-    LoginSession anna;
+    LoginSession& anna = LoginSession::ofAnna();
 
     anna.lock();
     EXPECT_EQ(lockedHint(anna.id()), "yes\n");

@@ -13,6 +13,7 @@
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <optional>
 #include <unistd.h>
 
 namespace machine {
@@ -49,6 +50,7 @@ private:
 class JvndDevices : public ::testing::Test {
 protected:
     JvndDevices() {
+        LoginSession::ofAnna();
         EXPECT_TRUE(waitUntil([this] { return fs::exists(m_folder.file("input")); })) << m_inputd.output();
     }
 
@@ -81,7 +83,6 @@ protected:
     std::string said() { return m_jvnd->output() + m_inputd.output(); }
 
     Folder m_folder;
-    LoginSession m_session{kAnna};
     Program m_inputd{{JVNINPUTD_PROGRAM, "--socket", m_folder.file("input")}};
     std::optional<Program> m_jvnd;
     ControlClient m_page{root() + "/Library/Caches/jvncontrol.sock"};
@@ -129,7 +130,8 @@ TEST_F(JvndDevices, WithAmbientLightTheColourIsTheGames) {
     // What was not shown meanwhile is not shown later: the next colour is the first.
     store(1, address() + color("010203"));
     EXPECT_TRUE(controller.waitForLight({1, 2, 3})) << said();
-    EXPECT_NE(controller.light(), (Light{200, 100, 50}));
+    for (const Light& never : {Light{10, 20, 30}, Light{200, 100, 50}})
+        EXPECT_FALSE(controller.waitForLight(never, 0, std::chrono::milliseconds(0))) << said();
 }
 
 TEST_F(JvndDevices, OfTwoControllersTheStoredOneIsLit) {
@@ -138,7 +140,11 @@ TEST_F(JvndDevices, OfTwoControllersTheStoredOneIsLit) {
     DualShock4 other(Wire::Bluetooth, firstController);
     DualShock4 stored(Wire::Bluetooth, "A0:AB:51:00:00:02");
     EXPECT_TRUE(stored.waitForLight({10, 20, 30})) << said();
-    EXPECT_NE(other.light(), (Light{10, 20, 30}));
+    ASSERT_TRUE(m_page.tell(JVNControlCommand::SetLEDColor, 1, {200, 100, 50}));
+    EXPECT_TRUE(stored.waitForLight({200, 100, 50})) << said();
+
+    for (const Light& never : {Light{10, 20, 30}, Light{200, 100, 50}})
+        EXPECT_FALSE(other.waitForLight(never, 0, std::chrono::milliseconds(0))) << said();
 }
 
 TEST_F(JvndDevices, TheKeyboardIsAPadAsLongAsItIsChosenAndTheDaemonLives) {

@@ -152,7 +152,7 @@ TEST_F(Listening, IdleIsIdleAndSmall) {
     ASSERT_FALSE(waitForEventNode(standInName).empty());
     ASSERT_TRUE(rests());
     const long before = service.wakeUps();
-    std::this_thread::sleep_for(5s);
+    std::this_thread::sleep_for(2s);
     EXPECT_EQ(service.wakeUps() - before, 0);
     EXPECT_LE(service.privateMemory(), 2048);
     RecordProperty("private_kib", static_cast<int>(service.privateMemory()));

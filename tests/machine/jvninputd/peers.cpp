@@ -122,7 +122,7 @@ TEST_F(Peers, WhoSendsWithoutEndIsRefused) {
 }
 
 TEST_F(Peers, ALockedSessionIsLetInAndWaits) {
-    LoginSession anna(kAnna);
+    LoginSession& anna = LoginSession::ofAnna();
     anna.lock();
     descriptors += 2; // the message bus tells of the lock
     InputClient client = connectAs(kAnna);

@@ -39,7 +39,7 @@ TEST_F(Sessions, AUserWithoutASessionAtTheSeatIsRefused) {
 }
 
 TEST_F(Sessions, ALockedSessionGivesEverythingBackAtOnceAndPlaysAgainWhenItIsUnlocked) {
-    LoginSession session(kAnna);
+    LoginSession& session = LoginSession::ofAnna();
     Program trial(client("try"), kAnna);
     ASSERT_TRUE(trial.waitForOutput("waiting for a game")) << trial.output() << service.log();
     EventReader everybody(keyboard.node());
@@ -64,7 +64,7 @@ TEST_F(Sessions, ALockedSessionGivesEverythingBackAtOnceAndPlaysAgainWhenItIsUnl
 }
 
 TEST_F(Sessions, OnlyTheUserInFrontPlays) {
-    LoginSession anna(kAnna, 2);
+    LoginSession& anna = LoginSession::ofAnna();
     Program hers(client("try"), kAnna);
     ASSERT_TRUE(hers.waitForOutput("waiting for a game")) << hers.output();
     LoginSession bert(kBert, 3);
@@ -80,7 +80,7 @@ TEST_F(Sessions, OnlyTheUserInFrontPlays) {
 }
 
 TEST_F(Sessions, WhoLogsOutIsRefused) {
-    LoginSession session(kAnna);
+    LoginSession& session = LoginSession::ofAnna();
     Program hers(client("watch"), kAnna);
     ASSERT_TRUE(hers.waitForOutput("no keyboard is to play")) << hers.output();
     session.logOut();

@@ -30,7 +30,7 @@ protected:
         presses += isDown;
     }
     // Few keys in long bursts, of which the kernel drops some, and many events among few keys.
-    unsigned burst() { return below(2) ? below(60) : below(8000); }
+    unsigned burst() { return below(2) ? below(60) : below(16'000); }
     void lift() {
         for (const unsigned which : {0U, 1U})
             for (auto& [key, isDown] : down[which]) {
@@ -94,9 +94,12 @@ protected:
         game.reset();
         // udev looks at a new pad, on a busy computer for so long that it counts as a game; then at what became of it.
         settle(service.socket());
-        run({"udevadm", "settle"});
+        ASSERT_EQ(run({"udevadm", "settle"}, kRoot, 6 * kLongTimeout).status, 0);
         settle(service.socket());
-        ASSERT_TRUE(governor->waitFor(input::Readiness::waitingForGame)) << service.log();
+        ASSERT_TRUE(governor->waitFor(input::Readiness::waitingForGame))
+            << "readiness " << static_cast<int>(governor->state().readiness) << ", keyboards "
+            << static_cast<int>(governor->state().keyboards) << ", taken "
+            << static_cast<int>(governor->state().keyboardsTaken) << service.log();
         for (const VirtualKeyboard* keyboard : {&first, &second}) {
             EventReader everybody(keyboard->node());
             ASSERT_TRUE(waitUntil([&] { return !everybody.grabbedByOthers(); }));

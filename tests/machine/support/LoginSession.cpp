@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <linux/kd.h>
+#include <memory>
 #include <stdexcept>
 #include <sys/ioctl.h>
 #include <systemd/sd-bus.h>
@@ -89,6 +90,14 @@ LoginSession::LoginSession(uid_t user, int terminal)
 }
 
 LoginSession::~LoginSession() { logOut(); }
+
+LoginSession& LoginSession::ofAnna() {
+    static std::unique_ptr<LoginSession> session;
+    if (!session || session->m_id.empty()) session = std::make_unique<LoginSession>(kAnna);
+    session->unlock();
+    session->bringToFront();
+    return *session;
+}
 
 void LoginSession::bringToFront() {
     callSession(m_id, "Activate", "");

@@ -16,6 +16,10 @@ public:
     LoginSession(const LoginSession&) = delete;
     LoginSession& operator=(const LoginSession&) = delete;
 
+    // Anna's at terminal 2, which all tests of a program may share, since a login takes seconds: in front, not locked,
+    // and logged in anew where a test has logged her out.
+    static LoginSession& ofAnna();
+
     const std::string& id() const { return m_id; }
 
     // What a screen locker says.

@@ -1,6 +1,7 @@
 #include "tests/machine/support/VirtualKeyboard.h"
 
 #include <cerrno>
+#include <chrono>
 #include <fcntl.h>
 #include <filesystem>
 #include <linux/uinput.h>
@@ -24,16 +25,21 @@ void declare(int device, unsigned long kind, int type, const std::vector<uint16_
     for (const auto code : codes) must(::ioctl(device, kind, static_cast<int>(code)), "a code of a virtual device");
 }
 
-// The event node of the device that the kernel calls so ("input12"); udev's part is waited for.
-std::string nodeOf(const std::string& kernelName) {
+// The event node of the device that the kernel calls so ("input12"), which was made after that moment; udev's part is
+// waited for. What udev knew of an earlier device of the same number may still be there.
+std::string nodeOf(const std::string& kernelName, std::chrono::microseconds madeAfter) {
     std::string node;
+    const auto isKnown = [madeAfter](const std::string& path) {
+        const auto time = udevProperty(path, "USEC_INITIALIZED");
+        return time && std::chrono::microseconds(std::stoll(*time)) >= madeAfter && udevProperty(path, "ID_INPUT");
+    };
     const auto found = [&] {
         std::error_code ignored;
         for (const auto& entry : std::filesystem::directory_iterator("/sys/class/input/" + kernelName, ignored)) {
             const auto file = entry.path().filename().string();
             if (file.starts_with("event")) node = "/dev/input/" + file;
         }
-        return !node.empty() && udevProperty(node, "ID_INPUT").has_value();
+        return !node.empty() && isKnown(node);
     };
     if (!waitUntil(found)) throw std::system_error(ETIMEDOUT, std::generic_category(), "a virtual device's node");
     return node;
@@ -60,10 +66,13 @@ VirtualKeyboard::VirtualKeyboard(const DeviceDescription& description)
     setup.id = description.id;
     description.name.copy(setup.name, sizeof setup.name - 1);
     must(::ioctl(m_device, UI_DEV_SETUP, &setup), "UI_DEV_SETUP");
+    // udev's clock.
+    const auto now =
+        std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now().time_since_epoch());
     must(::ioctl(m_device, UI_DEV_CREATE), "UI_DEV_CREATE");
     char kernelName[64] = {};
     must(::ioctl(m_device, UI_GET_SYSNAME(sizeof kernelName), kernelName), "UI_GET_SYSNAME");
-    m_node = nodeOf(kernelName);
+    m_node = nodeOf(kernelName, now);
 }
 
 VirtualKeyboard::VirtualKeyboard(VirtualKeyboard&& other) noexcept

@@ -8,6 +8,7 @@
 #include "tests/jvndiscovery/PageServer.h"
 #include "tests/jvndiscovery/ToolProcess.h"
 #include "tests/machine/support/BluetoothWorld.h"
+#include "tests/machine/support/ControllersAgent.h"
 #include "tests/support/PrivateBus.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -68,12 +69,25 @@ protected:
         }
         return text;
     }
-    void expectNothingBegun(const BluetoothWorld& world) {
+    void expectNothingBegun() {
         EXPECT_TRUE(untilSeen([&] { return !world.isSearching(); }));
         EXPECT_FALSE(world.controllerIs("Paired"));
         EXPECT_EQ(storedAddress(), "");
     }
+    // With these radios, and the controller in this state.
+    void prepare(BluetoothWorld::Controller controller = BluetoothWorld::Controller::Calls,
+                 BluetoothWorld::Radios radios = BluetoothWorld::Radios::Classic) {
+        world.plug(radios);
+        world.startService();
+        world.prepare(controller);
+    }
+    void startSearchThatFindsNothing() {
+        prepare(BluetoothWorld::Controller::Hides);
+        start();
+        ASSERT_TRUE(untilSeen([&] { return page.states == "40" && world.isSearching(); })) << tool->errors();
+    }
 
+    BluetoothWorld& world = BluetoothWorld::shared();
     testing_support::TemporaryFolder folder;
     const std::string preferences = folder.file("var/mobile/Library/Preferences");
     testing_support::PrivateBus sessionBus;
@@ -82,18 +96,8 @@ protected:
     std::optional<ToolProcess> tool;
 };
 
-TEST_F(Discovery, WithoutARadioThePageIsToldSo) {
-    const BluetoothWorld world(BluetoothWorld::Radios::None);
-
-    start();
-
-    EXPECT_EQ(code(), 1) << tool->errors();
-    EXPECT_EQ(told("3"), "3");
-}
-
 TEST_F(Discovery, FindsPairsTrustsStoresAndTellsThePageInItsOrder) {
-    BluetoothWorld world;
-    world.prepare();
+    prepare(BluetoothWorld::Controller::Calls, BluetoothWorld::Radios::DualMode);
 
     start();
 
@@ -106,8 +110,7 @@ TEST_F(Discovery, FindsPairsTrustsStoresAndTellsThePageInItsOrder) {
 }
 
 TEST_F(Discovery, TwentyPairingsLeaveNothingBehind) {
-    BluetoothWorld world;
-    world.prepare();
+    prepare();
     for (int i = 0; i < 20; ++i) {
         start();
         ASSERT_EQ(code(), 0) << "pairing " << i << ": " << tool->errors();
@@ -123,45 +126,80 @@ TEST_F(Discovery, TwentyPairingsLeaveNothingBehind) {
 }
 
 TEST_F(Discovery, AnInterruptedSearchLeavesNothingBehind) {
-    BluetoothWorld world;
-    world.prepare(BluetoothWorld::Controller::Hides);
-    start();
-    ASSERT_TRUE(untilSeen([&] { return page.states == "40" && world.isSearching(); })) << tool->errors();
+    startSearchThatFindsNothing();
 
     tool->interrupt();
 
     EXPECT_EQ(code(), 0) << tool->errors();
     EXPECT_LT(tool->endTime(), endTime);
     EXPECT_EQ(told("40"), "40");
-    expectNothingBegun(world);
+    expectNothingBegun();
+}
+
+TEST_F(Discovery, ARequestForAPinIsRefusedWithALineThatSaysWhyAndTheSearchGoesOn) {
+    prepare();
+    const ControllersAgent controller(loop, ControllersAgent::Answer::Pin);
+    world.prepare(BluetoothWorld::Controller::CallsAndWantsAPin);
+    start();
+
+    EXPECT_TRUE(until([&] { return page.states == "400"; })) << page.states << tool->errors();
+
+    EXPECT_NE(tool->errors().find("refused, since it asks for a PIN\n"), std::string::npos) << tool->errors();
+    tool->interrupt();
+    EXPECT_EQ(code(), 0);
+    expectNothingBegun();
+}
+
+TEST_F(Discovery, AServiceThatCrashesInTheMiddleOfAPairingIsPairedWithAgain) {
+    prepare();
+    {
+        const ControllersAgent controller(loop, ControllersAgent::Answer::Nothing);
+        start();
+        ASSERT_TRUE(until([&] { return controller.isAsked; })) << tool->errors();
+        world.stopService(BluetoothWorld::Stop::Crash);
+        world.hide(); // until all is as it shall be again
+    }
+    EXPECT_EQ(storedAddress(), "");
+
+    prepare();
+
+    EXPECT_EQ(code(), 0) << tool->errors();
+    // A radio whose connection has just been cut may not answer the first call.
+    EXPECT_TRUE(until([&] { return page.states.ends_with('2'); })) << page.states << tool->errors();
+    EXPECT_TRUE(page.states.starts_with("400")) << page.states;
+    EXPECT_EQ(page.states.find_first_not_of('0', 1), page.states.size() - 1) << page.states;
+    EXPECT_TRUE(world.controllerIs("Paired"));
+    EXPECT_EQ(storedAddress(), "00 AA 01 01 00 01 ");
+}
+
+TEST_F(Discovery, AServiceThatIsRestartedInTheMiddleOfASearchIsSearchedWithAgain) {
+    startSearchThatFindsNothing();
+
+    world.stopService();
+    prepare();
+
+    EXPECT_EQ(code(), 0) << tool->errors();
+    EXPECT_EQ(told("4002"), "4002");
+    EXPECT_TRUE(world.controllerIs("Paired"));
 }
 
 TEST_F(Discovery, ARadioThatIsUnpluggedInTheMiddleIsSaid) {
-    BluetoothWorld world;
-    world.prepare(BluetoothWorld::Controller::Hides);
-    start();
-    ASSERT_TRUE(untilSeen([&] { return page.states == "40" && world.isSearching(); })) << tool->errors();
+    startSearchThatFindsNothing();
 
-    world.unplugRadios();
+    world.plug(BluetoothWorld::Radios::None);
 
     EXPECT_EQ(code(), 1) << tool->errors();
     EXPECT_EQ(told("403"), "403");
     EXPECT_EQ(storedAddress(), "");
 }
 
-TEST_F(Discovery, AServiceThatIsRestartedInTheMiddleIsSearchedWithAgain) {
-    BluetoothWorld world;
-    world.prepare(BluetoothWorld::Controller::Hides);
+TEST_F(Discovery, WithoutARadioThePageIsToldSo) {
+    world.plug(BluetoothWorld::Radios::None);
+
     start();
-    ASSERT_TRUE(untilSeen([&] { return page.states == "40" && world.isSearching(); })) << tool->errors();
 
-    world.stopService();
-    world.startService();
-    world.prepare();
-
-    EXPECT_EQ(code(), 0) << tool->errors();
-    EXPECT_EQ(told("4002"), "4002");
-    EXPECT_TRUE(world.controllerIs("Paired"));
+    EXPECT_EQ(code(), 1) << tool->errors();
+    EXPECT_EQ(told("3"), "3");
 }
 
 } // namespace
