@@ -19,12 +19,15 @@ public:
     struct Callbacks {
         std::function<void(KeyboardId, std::span<const Event>)> frame;
         std::function<void(KeyboardId)> gone; // whoever is told removes it
-        std::function<void(bool)> listening;
+        std::function<void()> listening;      // a program has begun, or ended, to listen to the pad
     };
     KernelDevices(services::EventLoop& loop, Callbacks callbacks);
 
     void add(KeyboardId keyboard, const std::string& node);
     void remove(KeyboardId keyboard);
+
+    // Whether some program has this pad open, as a game has. Nobody has a new one.
+    bool hasListener() const { return m_listeners && m_listeners->listening(); }
 
     KeySet open(KeyboardId keyboard) override;
     void close(KeyboardId keyboard) override;

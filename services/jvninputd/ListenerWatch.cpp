@@ -19,7 +19,7 @@ constexpr const char* nodeFolder = "/dev/input";
 
 } // namespace
 
-ListenerWatch::ListenerWatch(services::EventLoop& loop, std::function<void(bool)> changed)
+ListenerWatch::ListenerWatch(services::EventLoop& loop, std::function<void()> changed)
     : m_loop(loop), m_changed(std::move(changed)), m_descriptor(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC)) {
     if (m_descriptor) m_folder = ::inotify_add_watch(m_descriptor.get(), nodeFolder, IN_OPEN | IN_CLOSE | IN_CREATE);
     if (m_folder < 0)
@@ -82,7 +82,7 @@ void ListenerWatch::say() {
     if (m_said == m_count.listening()) return;
     m_said = m_count.listening();
     const auto changed = m_changed; // it may end this watch
-    changed(m_said);
+    changed();
 }
 
 void ListenerWatch::timerFired() {

@@ -17,7 +17,9 @@ namespace jvninputd {
 class ListenerWatch {
 public:
     // Starts before there is a pad, so that nobody who opens it is missed.
-    ListenerWatch(services::EventLoop& loop, std::function<void(bool listening)> changed);
+    ListenerWatch(services::EventLoop& loop, std::function<void()> changed);
+
+    bool listening() const { return m_said; }
 
     // The pad is there; what is given tells the names of its nodes, of which more may come later.
     void follow(std::function<std::vector<std::string>()> nodes);
@@ -30,7 +32,7 @@ private:
     void timerFired();
 
     services::EventLoop& m_loop;
-    std::function<void(bool)> m_changed;
+    std::function<void()> m_changed;
     seat::Descriptor m_descriptor;
     // The folder's watch hears all nodes by name, the pad's nodes have their own. A node counts by the folder's until
     // its own stands, which the end of a third watch, set for nothing else, marks in the order of events. The folder's

@@ -21,8 +21,7 @@ Service::Service(services::EventLoop& loop, seat::Descriptor listener)
                                          settle();
                                      },
                                      [this](KeyboardId id) { keyboardGone(id); },
-                                     [this](bool listening) {
-                                         m_gameListens = listening;
+                                     [this] {
                                          updateListening();
                                          settle();
                                      }}),
@@ -114,14 +113,15 @@ void Service::changePlayer() {
     if (next == m_playing) return;
     m_player.play(std::nullopt, Player::GiveBack::AtOnce, m_loop.now());
     m_playing = next;
-    updateListening();
     if (m_playing) playSettings();
+    updateListening();
 }
 
-// A user who looks at what the keyboard plays is a listener like a game, to what that user's own settings play.
+// A user who looks at what the keyboard plays is a listener like a game, to what that user's own settings play. A new
+// pad has no game yet, and may have that user.
 void Service::updateListening() {
     const bool isWatched = m_playing && m_server.find(m_playing->user(), input::Role::listen);
-    const bool isHeard = m_gameListens || isWatched;
+    const bool isHeard = m_devices.hasListener() || isWatched;
     if (isHeard != m_player.listening()) m_player.setListening(isHeard, m_loop.now());
 }
 
@@ -132,8 +132,8 @@ void Service::settingsCame(Client& client) {
         return settle();
     }
     m_playing = &client;
-    updateListening();
     playSettings();
+    updateListening();
     settle();
 }
 

@@ -64,7 +64,6 @@ private:
     // Whose settings and whose colour count. They are told of before they go.
     const Client* m_playing = nullptr;
     const Client* m_lighting = nullptr;
-    bool m_gameListens = false; // some process has the pad open
     services::EventLoop::Source m_playerTimer;
     std::optional<Moment> m_playerDeadline;
     services::EventLoop::Source m_idleTimer;

@@ -58,8 +58,26 @@ TEST_F(Listening, AUserWhoLooksAtThePadIsAListenerWithoutAGame) {
         game.emplace(EventReader::ofDevice(padName));
         game.reset();
         EXPECT_TRUE(nobodyStopsListeningFor(500ms));
+
+        // Another pad, too, is looked at.
+        governor.play(defaultBindings(), input::PlayMode::whileListened, true);
+        EXPECT_TRUE(looking.waitFor([](const auto& state) {
+            return state.profile == input::Profile::extended && state.readiness == input::Readiness::playing;
+        }));
     }
     EXPECT_TRUE(governor.waitFor(input::Readiness::waitingForGame)) << "the keyboard is given back";
+}
+
+TEST_F(Listening, ANewPadHasNoGameYet) {
+    startGame();
+    governor.play(defaultBindings(), input::PlayMode::whileListened, true);
+    ASSERT_TRUE(governor.waitFor([](const auto& state) { return state.profile == input::Profile::extended; }));
+
+    settle(service.socket()); // clients come and go
+
+    settle(service.socket());
+    EXPECT_TRUE(governor.waitFor(input::Readiness::waitingForGame));
+    EXPECT_FALSE(EventReader(keyboard.node()).grabbedByOthers());
 }
 
 TEST_F(Listening, WhoLooksAtAKeyboardThatIsSwitchedByHandSwitchesNothing) {
