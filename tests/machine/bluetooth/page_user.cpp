@@ -10,6 +10,7 @@
 #include "colourpicker/ZKColorPickerView.h"
 #include "ledcolour/JVNColorPickerController.h"
 #include "settings/JoyvaneListController.h"
+#include "tests/support/OffscreenToolkit.h"
 #include "tests/support/PrivateBus.h"
 #include "tests/support/SettingsHost.h"
 #include "tests/support/TestRoot.h"
@@ -23,8 +24,6 @@
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
-#include <QGuiApplication>
 
 namespace {
 
@@ -140,8 +139,7 @@ private:
 
 int main(int count, char** arguments) {
     if (count != 2) return 2;
-    ::qputenv("QT_QPA_PLATFORM", "offscreen");
-    const QGuiApplication application(count, arguments);
+    const testing_support::OffscreenToolkit toolkit(count, arguments);
     Anna anna(arguments[1]);
     std::cout << "ready" << std::endl;
     for (std::string what; anna.listen(what);) {
