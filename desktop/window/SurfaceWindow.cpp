@@ -45,9 +45,11 @@ seat::SurfaceWindow::SurfaceWindow(const SceneWindowOptions& options)
     : m_fixedScale(options.scale), m_store(this), m_pacer([this] { frameIsDue(); }) {
     setSurfaceType(QSurface::RasterSurface);
     const double unit = scale() / devicePixelRatio();
+    // At least that many points: a picker that has a part of a pixel too little has a column of tiles less.
     const auto toolkitSize = [unit](CGSize points) {
-        return QSize(static_cast<int>(std::lround(points.width * unit)),
-                     static_cast<int>(std::lround(points.height * unit)));
+        constexpr double roundingError = 1e-6;
+        return QSize(static_cast<int>(std::ceil(points.width * unit - roundingError)),
+                     static_cast<int>(std::ceil(points.height * unit - roundingError)));
     };
     const QSize most = screen() ? screen()->availableSize() : toolkitSize(options.size);
     const QSize size = toolkitSize(options.size).boundedTo(most);
