@@ -42,7 +42,8 @@ TEST_F(ManyWriters, LoseNoKeyWhileTheLocksFileIsRemovedAgainAndAgain) {
         while (!isOver) {
             std::error_code error;
             if (std::filesystem::remove(folder() + "/.lock." + domain(), error)) ++removed;
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            // A write that takes longer than that, as instrumented ones do, would never come to its end.
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
         }
     });
     std::vector<std::unique_ptr<Child>> children;
@@ -54,7 +55,7 @@ TEST_F(ManyWriters, LoseNoKeyWhileTheLocksFileIsRemovedAgainAndAgain) {
 
     isOver = true;
     remover.join();
-    EXPECT_GT(removed, 20);
+    EXPECT_GT(removed, 3);
     ASSERT_TRUE(stored());
     EXPECT_EQ(stored()->count(), std::size_t(processes * keys));
 }
