@@ -25,7 +25,8 @@ enum class NoticeKind {
     NotOpened,
     CannotPlay,
     BluetoothAway,
-    ReadyToPlay
+    ReadyToPlay,
+    DaemonStarted
 };
 
 struct Notice {

@@ -93,6 +93,8 @@ void app::SettingsPage::listenForFailures(const NSDictionary& manifest) {
     const auto* const daemon = manifest.objectForKey("JVNDaemon").string();
     listen(*failure, [this, text = *text, daemon = daemon ? *daemon : std::string()] {
         m_notices->post(NoticeKind::DaemonAbsent, daemonIsAbsent(text, daemon));
+        m_notices->withdraw(NoticeKind::DaemonStarted);
+        m_wasDaemonAbsent = true;
         m_facts.isDaemonReached = false;
         statusChanged();
     });
@@ -131,6 +133,9 @@ void app::SettingsPage::startDaemon(const std::string& unit) {
 void app::SettingsPage::daemonIsBack() {
     m_notices->withdraw(NoticeKind::DaemonAbsent);
     m_notices->withdraw(NoticeKind::DaemonEnded);
+    if (std::exchange(m_wasDaemonAbsent, false))
+        m_notices->post(NoticeKind::DaemonStarted,
+                        {.text = "The daemon has started. What could not be done before can be tried again now."});
     m_facts.isDaemonReached = true;
     if (m_daemon) m_daemon->look();
     statusChanged();

@@ -75,6 +75,7 @@ private:
     std::shared_ptr<UINavigationController> m_navigation;
     std::unique_ptr<NoticeBoard> m_notices;
     bool m_hasInstalledDaemon = false;
+    bool m_wasDaemonAbsent = false;        // which was told
     std::unique_ptr<DaemonWatch> m_daemon; // these four: nil while no help was offered
     std::unique_ptr<StatusNotices> m_statusNotices;
     std::unique_ptr<Help> m_help;

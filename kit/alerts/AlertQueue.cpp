@@ -21,7 +21,9 @@ void AlertQueue::add(const std::shared_ptr<UIAlertView>& alert) {
     while (!m_alerts.empty() && AlertInternals::state(*m_alerts.front()).hasAppeared && !m_alerts.front()->window())
         m_alerts.pop_front();
     if (repeatsTheLast(*alert)) {
-        NSLog("showing the alert \"%s\": the same one stands or waits already", alert->title().c_str());
+        if (const auto more = m_repeats.pass())
+            NSLog("showing the alert \"%s\": the same one stands or waits already%s", alert->title().c_str(),
+                  more->c_str());
         return;
     }
     m_alerts.push_back(alert);
@@ -43,7 +45,9 @@ void AlertQueue::forgetOldestWaiting() {
         return AlertInternals::state(*alert).delegate.expired();
     });
     if (oldest == m_alerts.end()) return;
-    NSLog("showing the alert \"%s\": too many wait, and the oldest of them is left out", (*oldest)->title().c_str());
+    if (const auto more = m_forgotten.pass())
+        NSLog("showing the alert \"%s\": too many wait, and the oldest of them is left out%s",
+              (*oldest)->title().c_str(), more->c_str());
     m_alerts.erase(oldest);
 }
 

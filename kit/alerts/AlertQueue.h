@@ -1,5 +1,6 @@
 #pragma once
 
+#include "kit/runtime/LineLimit.h"
 #include "platform/uikit/UIAlertView.h"
 
 #include <deque>
@@ -7,7 +8,7 @@
 
 // The alerts that were asked for, in their order: the first one is on screen, the rest wait. Keeps them alive
 // meanwhile. Of alerts that nobody waits to hear from, one that says the same as the last before it is left out, and of
-// too many the oldest; both are logged. Main thread only.
+// too many the oldest; both are logged, however many they are. Main thread only.
 class AlertQueue {
 public:
     // Never destroyed: an alert may be up when the process ends.
@@ -27,4 +28,6 @@ private:
     void forgetOldestWaiting();
 
     std::deque<std::shared_ptr<UIAlertView>> m_alerts;
+    seat::LineLimit m_repeats; // lines about alerts that another program can ask for as often as it likes
+    seat::LineLimit m_forgotten;
 };

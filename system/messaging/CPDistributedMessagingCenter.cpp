@@ -3,9 +3,24 @@
 #include "platform/runtime/Class.h"
 #include "platform/runtime/NSObject.h"
 #include "system/bus/SessionBus.h"
+#include "system/messaging/delivered_messages.h"
 #include "system/messaging/message_sender.h"
 
 #include <map>
+
+namespace {
+
+struct Counts {
+    std::size_t servers = 0; // that run
+    std::uint64_t delivered = 0;
+};
+
+Counts& counts() {
+    static Counts all;
+    return all;
+}
+
+} // namespace
 
 struct CPDistributedMessagingCenter::State {
     struct Registered {
@@ -24,8 +39,13 @@ seat::SessionBus::CallResult CPDistributedMessagingCenter::State::deliver(const 
     const auto found = messages.find(call.member);
     const auto target = found == messages.end() ? nullptr : found->second.target.lock();
     if (!target) return seat::SessionBus::CallResult::UnknownMethod;
+    ++counts().delivered;
     objc_msgSend(*target, found->second.selector, {id(call.member), id(call.dictionary)});
     return seat::SessionBus::CallResult::Done;
+}
+
+std::optional<std::uint64_t> seat::deliveredMessages() {
+    return counts().servers > 0 ? std::optional(counts().delivered) : std::nullopt;
 }
 
 NS_CLASS_IMPLEMENTATION(CPDistributedMessagingCenter, NSObject)
@@ -55,6 +75,7 @@ void CPDistributedMessagingCenter::runServerOnCurrentThread() {
         return m_state->deliver(call);
     });
     bus.addName(m_state->name, nullptr); // the bus connection logs how it stands
+    ++counts().servers;
 }
 
 void CPDistributedMessagingCenter::stopServer() {
@@ -62,6 +83,7 @@ void CPDistributedMessagingCenter::stopServer() {
     auto& bus = seat::SessionBus::shared();
     bus.remove(std::exchange(m_state->methods, 0));
     bus.removeName(m_state->name);
+    --counts().servers;
 }
 
 void CPDistributedMessagingCenter::registerForMessageName_target_selector(const std::string& message,

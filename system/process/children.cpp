@@ -27,6 +27,7 @@ struct Child {
     std::optional<ChildOutput> output;
     SourceToken ended = 0;
     SourceToken loaded = 0;
+    bool wasSignalled = false;
     std::function<void(const ChildEnd&)> whenEnded;
 };
 
@@ -51,10 +52,10 @@ void tell(int identifier, const std::string& what) {
     if (const auto listener = childListener()) listener("process " + std::to_string(identifier) + " " + what);
 }
 
-ChildEnd ending(const ::siginfo_t& information) {
+ChildEnd ending(const ::siginfo_t& information, bool wasSignalled) {
     const std::string number = std::to_string(information.si_status);
-    if (information.si_code == CLD_EXITED) return {information.si_status, 0, "ended with " + number};
-    return {-1, information.si_status, "was ended by signal " + number};
+    if (information.si_code == CLD_EXITED) return {information.si_status, 0, wasSignalled, "ended with " + number};
+    return {-1, information.si_status, wasSignalled, "was ended by signal " + number};
 }
 
 void finishLoading(int identifier, const std::function<void(int)>& couldNotLoad) {
@@ -67,7 +68,8 @@ void finishLoading(int identifier, const std::function<void(int)>& couldNotLoad)
     if (error != 0 && couldNotLoad) couldNotLoad(error);
 }
 
-int signalLocked(int identifier, const Child& child, int signal) {
+int signalLocked(int identifier, Child& child, int signal) {
+    if (signal != 0) child.wasSignalled = true;
     // Its group has its number for as long as it has not been reaped.
     if (child.kind == ChildKind::Tool && ::kill(-identifier, signal) == 0) return 0;
     return ::pidfd_send_signal(child.process.get(), signal, nullptr, 0);
@@ -82,6 +84,7 @@ void reapChild(int identifier) {
     ::siginfo_t information{};
     const std::string name = found->second.name;
     const bool isTool = found->second.kind == ChildKind::Tool;
+    const bool wasSignalled = found->second.wasSignalled;
     const auto whenEnded = std::move(found->second.whenEnded);
     if (found->second.output) found->second.output->readWhatIsThere();
     {
@@ -90,10 +93,10 @@ void reapChild(int identifier) {
         ::waitid(P_PIDFD, static_cast<::id_t>(found->second.process.get()), &information, WEXITED | WNOHANG);
         children.all.erase(found);
     }
-    if (isTool && (information.si_code != CLD_EXITED || information.si_status != 0))
-        NSLog("%s (process %d): it %s", name.c_str(), identifier, ending(information).description.c_str());
-    tell(identifier, ending(information).description);
-    if (whenEnded) whenEnded(ending(information));
+    const ChildEnd end = ending(information, wasSignalled);
+    if (isTool && end.exitCode != 0) NSLog("%s (process %d): it %s", name.c_str(), identifier, end.description.c_str());
+    tell(identifier, end.description);
+    if (whenEnded) whenEnded(end);
 }
 
 } // namespace

@@ -9,9 +9,10 @@
 namespace seat {
 
 struct ChildEnd {
-    int exitCode = -1;       // -1: a signal ended it
-    int signal = 0;          // which one
-    std::string description; // "ended with 1", "was ended by signal 9"
+    int exitCode = -1;         // -1: a signal ended it
+    int signal = 0;            // which one
+    bool wasSignalled = false; // by us, before it ended
+    std::string description;   // "ended with 1", "was ended by signal 9"
 };
 
 // Watches a child on the main run loop and reaps it as soon as it has ended; until then it can be signalled. What a

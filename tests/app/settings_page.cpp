@@ -44,7 +44,34 @@ TEST_F(SettingsPageTest, TheNoticeOfAnAbsentDaemonStaysUntilItIsReachedAgain) {
 
     ASSERT_TRUE(tap(UIAccessibilityRole::ListItem, "Restart Daemons"));
 
-    EXPECT_TRUE(waitUntil([&] { return !find(UIAccessibilityRole::Alert); }));
+    constexpr const char* isThere = "The daemon has started. What could not be done before can be tried again now.";
+    EXPECT_TRUE(waitUntil([&] {
+        const auto* const notice = find(UIAccessibilityRole::Alert);
+        return notice && notice->name == isThere;
+    }));
+    ASSERT_TRUE(tap(UIAccessibilityRole::Button, "Close"));
+    EXPECT_FALSE(find(UIAccessibilityRole::Alert));
+    ASSERT_TRUE(tap(UIAccessibilityRole::ListItem, "Restart Daemons"));
+    touches->wait(1);
+    EXPECT_FALSE(find(UIAccessibilityRole::Alert)) << "it was there already";
+}
+
+TEST_F(SettingsPageTest, ADaemonThatGoesAgainIsNotSaidToHaveStarted) {
+    {
+        const testing_support::ScriptedDaemon daemon(root.path());
+        ASSERT_TRUE(tap(UIAccessibilityRole::ListItem, "Restart Daemons"));
+        ASSERT_TRUE(waitUntil([&] {
+            const auto* const notice = find(UIAccessibilityRole::Alert);
+            return notice && notice->name.starts_with("The daemon has started.");
+        }));
+    }
+    page->navigation()->viewControllers().front()->viewWillAppear(false); // asks the daemon
+    EXPECT_TRUE(waitUntil([&] {
+        const auto* const notice = find(UIAccessibilityRole::Alert);
+        return notice && notice->name.find("does not answer") != std::string::npos;
+    }));
+    ASSERT_TRUE(tap(UIAccessibilityRole::Button, "Close"));
+    EXPECT_FALSE(find(UIAccessibilityRole::Alert));
 }
 
 TEST_F(SettingsPageTest, WhatFailsForThePageOfAnotherRootIsNoNewsHere) {

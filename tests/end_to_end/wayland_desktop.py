@@ -11,6 +11,7 @@ import tempfile
 import unittest
 
 from jv_e2e import Desktop, wait_for
+from wayland_pointer import WaylandPointer
 
 NOBODY = 65534
 
@@ -40,13 +41,28 @@ class WaylandDesktop(Desktop):
         self.environment["WAYLAND_DISPLAY"] = wait_for("the compositor", socket)
         self.environment["QT_QPA_PLATFORM"] = "wayland"
         self.environment.pop("DISPLAY", None)
-        # A keyboard that is always there, as on a desk: a window that first has to hear that there is one misses keys.
+        # Both are always there, as on a desk: a window that first has to hear of them misses keys and clicks.
         self._spawn(["wtype", "-s", "3600000"])
+        self.pointer = WaylandPointer(self.environment["WAYLAND_DISPLAY"], *map(int, self.size.split("x")))
 
     def __exit__(self, *exception):
+        if hasattr(self, "pointer"):
+            self.pointer.close()
         super().__exit__(*exception)
         if hasattr(self, "compositor_folder"):
             shutil.rmtree(self.compositor_folder, ignore_errors=True)
+
+    def click(self, x, y):
+        self.pointer.move(x, y)
+        self.pointer.button(True)
+        self.pointer.button(False)
+
+    def drag(self, start, end, steps=12):
+        self.pointer.move(*start)
+        self.pointer.button(True)
+        for i in range(1, steps + 1):
+            self.pointer.move(*(a + (b - a) * i / steps for a, b in zip(start, end)))
+        self.pointer.button(False)
 
     def write(self, *arguments):
         """By a virtual keyboard that brings its own key map."""

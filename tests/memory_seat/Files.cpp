@@ -27,6 +27,8 @@ bool Files::write(const std::string& path, Bytes bytes) {
     const std::lock_guard lock(tree().mutex);
     for (auto slash = path.find('/', 1); slash != std::string::npos; slash = path.find('/', slash + 1))
         if (tree().files.contains(path.substr(0, slash))) return false;
+    const auto below = tree().files.lower_bound(path + "/");
+    if (below != tree().files.end() && below->first.starts_with(path + "/")) return false;
     tree().files[path] = std::make_shared<const Bytes>(std::move(bytes));
     return true;
 }

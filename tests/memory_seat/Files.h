@@ -14,7 +14,7 @@ using Bytes = std::vector<std::uint8_t>;
 // thread.
 class Files {
 public:
-    // False when a file stands where a folder is needed.
+    // False when a file stands where a folder is needed, or a folder at the path.
     static bool write(const std::string& path, Bytes bytes);
     // nullptr when there is no such file.
     static std::shared_ptr<const Bytes> read(const std::string& path);

@@ -17,10 +17,12 @@ std::shared_ptr<NSData> seat::readFile(const std::string& path, std::size_t maxi
                                        std::shared_ptr<NSError>* error) {
     const auto bytes = Files::read(path);
     if (bytes && bytes->size() <= maximumLength) return NSData::dataWithBytes(*bytes);
-    if (error)
-        *error = NSError::errorWithDescription("reading " + path + (bytes ? ": too large" : ": no such file"),
-                                               bytes ? EFBIG : ENOENT);
-    return nullptr;
+    const auto failed = [&](const char* reason, int number) {
+        if (error) *error = NSError::errorWithDescription("reading " + path + reason, number);
+        return nullptr;
+    };
+    if (bytes) return failed(": too large", EFBIG);
+    return Files::list(path) ? failed(": a folder", EISDIR) : failed(": no such file", ENOENT);
 }
 
 std::shared_ptr<NSData> NSData::dataWithContentsOfFile(const std::string& path, std::size_t maximumLength) {
@@ -32,7 +34,7 @@ std::shared_ptr<NSData> NSData::dataWithContentsOfFile(const std::string& path, 
 
 bool NSData::writeToFile_options_error(const std::string& path, unsigned long, std::shared_ptr<NSError>* error) const {
     if (Files::write(path, m_bytes)) return true;
-    const auto failure = NSError::errorWithDescription("writing " + path + ": not a folder", ENOTDIR);
+    const auto failure = NSError::errorWithDescription("writing " + path + ": no file can stand there", ENOTDIR);
     NSLog("%s", failure->localizedDescription().c_str());
     if (error) *error = failure;
     return false;
@@ -58,6 +60,11 @@ std::shared_ptr<NSFileManager> NSFileManager::defaultManager() {
 std::optional<std::vector<std::string>>
 NSFileManager::contentsOfDirectoryAtPath_error(const std::string& path, std::shared_ptr<NSError>* error) const {
     auto names = Files::list(path);
-    if (!names && error) *error = NSError::errorWithDescription("listing " + path + ": no such folder", ENOENT);
-    return names;
+    if (names) return names;
+    const bool isFile = Files::read(path) != nullptr;
+    const auto failure = NSError::errorWithDescription("listing " + path + (isFile ? ": a file" : ": no such folder"),
+                                                       isFile ? ENOTDIR : ENOENT);
+    if (isFile) NSLog("%s", failure->localizedDescription().c_str());
+    if (error) *error = failure;
+    return std::nullopt;
 }

@@ -40,19 +40,28 @@ id seat::preferenceValue(const std::string& domain, const std::string& key) {
 seat::PreferenceWrite seat::setPreferenceValue(const std::string& domain, const std::string& key, const id& value,
                                                std::function<void(PreferenceWrite)>) {
     const std::lock_guard lock(writing);
-    auto values = valuesOf(domain);
-    if (!values) {
-        moveAside(fileOf(domain));
-        values = NSMutableDictionary::dictionary();
+    const std::string file = fileOf(domain);
+    const auto failed = [&](const std::string& reason) {
+        NSLog("writing the preferences %s: %s", domain.c_str(), reason.c_str());
+        return PreferenceWrite::Failed;
+    };
+    auto values = NSMutableDictionary::dictionary();
+    if (const auto bytes = memory_seat::Files::read(file)) {
+        std::string refusal = "is too large";
+        const bool isTooLong = bytes->size() > propertyListMaximumLength;
+        values = isTooLong ? nullptr : readPropertyList(*bytes, nullptr, refusal).object<NSMutableDictionary>();
+        // Nobody can say whether it is damaged.
+        if (!values && (isTooLong || isBeyondPropertyListBounds(refusal))) return failed(refusal);
+        if (!values) {
+            moveAside(file);
+            values = NSMutableDictionary::dictionary();
+        }
     }
     values->setObject_forKey(value, key);
     std::shared_ptr<NSError> error;
     const auto data = NSPropertyListSerialization::dataWithPropertyList_format_options_error(
         values, NSPropertyListBinaryFormat_v1_0, 0, &error);
-    if (!data) {
-        NSLog("writing the preferences %s: %s", domain.c_str(), error->localizedDescription().c_str());
-        return PreferenceWrite::Failed;
-    }
-    const memory_seat::Bytes bytes(data->bytes().begin(), data->bytes().end());
-    return memory_seat::Files::write(fileOf(domain), bytes) ? PreferenceWrite::Stored : PreferenceWrite::Failed;
+    if (!data) return failed(error->localizedDescription());
+    const memory_seat::Bytes stored(data->bytes().begin(), data->bytes().end());
+    return memory_seat::Files::write(file, stored) ? PreferenceWrite::Stored : failed("no file can stand there");
 }

@@ -64,6 +64,48 @@ TEST_F(Contract, ADamagedPreferencesFileReadsAsEmptyAndIsMovedAsideNotOverwritte
     }));
 }
 
+TEST_F(Contract, APreferencesFileBeyondTheBoundsIsLeftAloneAndWritesAreRefused) {
+    std::string deep = "<plist version=\"1.0\"><dict><key>one</key>";
+    for (int i = 0; i < 100; ++i) deep += "<array>";
+    for (int i = 0; i < 100; ++i) deep += "</array>";
+    deep += "</dict></plist>";
+    for (const std::string& content : {deep, std::string(5 << 20, ' ')}) {
+        testing_support::TestRoot::write(preferences(), content);
+        const std::size_t lines = m_log.lines().size();
+
+        EXPECT_EQ(seat::setPreferenceValue(domain, "one", id(NSNumber::numberWithInt(1)), nullptr),
+                  seat::PreferenceWrite::Failed);
+
+        EXPECT_TRUE(testing_support::TestRoot::read(preferences()) == content);
+        const auto names = NSFileManager::defaultManager()->contentsOfDirectoryAtPath_error("/" + folder, nullptr);
+        ASSERT_TRUE(names);
+        for (const std::string& name : *names) EXPECT_EQ(name.find("damaged"), std::string::npos) << name;
+        EXPECT_EQ(m_log.lines().size(), lines + 1);
+    }
+}
+
+TEST_F(Contract, APreferenceThatCannotBeStoredIsAFailureWithOneLine) {
+    testing_support::TestRoot::write(m_root.file("var/mobile"), "a file where a folder should be");
+
+    EXPECT_EQ(seat::setPreferenceValue(domain, "one", id(NSNumber::numberWithInt(1)), nullptr),
+              seat::PreferenceWrite::Failed);
+
+    EXPECT_EQ(m_log.lines().size(), 1u);
+    EXPECT_FALSE(seat::preferenceValue(domain, "one"));
+}
+
+TEST_F(Contract, AFolderIsNoFileAndAFileNoFolder) {
+    testing_support::TestRoot::write(m_root.file("folder/file"), "bytes");
+
+    EXPECT_EQ(NSData::dataWithContentsOfFile("/folder", 100), nullptr);
+    EXPECT_EQ(m_log.lines().size(), 1u);
+    EXPECT_FALSE(NSFileManager::defaultManager()->contentsOfDirectoryAtPath_error("/folder/file", nullptr));
+    EXPECT_EQ(m_log.lines().size(), 2u);
+    EXPECT_FALSE(NSData::dataWithBytes({})->writeToFile_options_error("/folder", 1, nullptr));
+    EXPECT_EQ(m_log.lines().size(), 3u);
+    EXPECT_EQ(testing_support::TestRoot::read(m_root.file("folder/file")), "bytes");
+}
+
 TEST_F(Contract, AFileThatIsNotThereIsNoFailureWorthALine) {
     EXPECT_EQ(NSData::dataWithContentsOfFile(m_root.file("missing"), 100), nullptr);
     EXPECT_EQ(NSMutableDictionary::dictionaryWithContentsOfFile("/missing.plist"), nullptr);

@@ -1,5 +1,6 @@
 // Whoever looks into the log finds one line for each thing that went wrong, with what was done and why it failed.
 
+#include "system/process/tool_listener.h"
 #include "tests/settings/connection_test.h"
 #include "tests/settings/pairing_test.h"
 
@@ -110,6 +111,39 @@ TEST_F(LoggedTool, OneThatEndsAtOnce) {
     pairWith("exit 3\n");
     EXPECT_TRUE(
         app.waitUntil([&] { return log.count("jvndiscovery (process ") == 1 && log.count("it ended with 3") == 1; }));
+}
+
+TEST_F(LoggedTool, OneThatEndsAtOnceWithoutAReportThoughItSaysThatAllWentWell) {
+    std::vector<std::string> told;
+    seat::setToolListener([&](const std::string& path, const std::string& reason) {
+        if (!reason.empty()) told.push_back(path + ": " + reason);
+    });
+    pairWith("exit 0\n");
+    EXPECT_TRUE(app.waitUntil([&] { return !told.empty(); }));
+    seat::setToolListener({});
+    app.settle();
+    const std::string reason = "it ended with 0 and has reported nothing";
+    EXPECT_EQ(log.count("jvndiscovery"), 1u);
+    EXPECT_EQ(log.count("run /usr/bin/jvndiscovery: " + reason), 1u);
+    EXPECT_EQ(told, std::vector<std::string>{"/usr/bin/jvndiscovery: " + reason});
+}
+
+TEST_F(LoggedTool, OneThatHasReportedOrWasInterruptedLeavesNoLine) {
+    startPairing(1);
+    ASSERT_TRUE(app.tap("Pair Controller")); // the first one is interrupted, and ends with 0
+    ASSERT_TRUE(app.waitUntil([&] { return count("interrupted") == 1 && count("started") == 2; }));
+    report(0);
+    page->killDiscoveryTask();
+    ASSERT_TRUE(app.waitUntil([&] { return count("interrupted") == 2; }));
+
+    installTool("while [ ! -e \"$0.go\" ]; do sleep 0.01; done\n");
+    ASSERT_TRUE(app.tap("Pair Controller"));
+    report(4);
+    std::ofstream(app.root() + "/usr/bin/jvndiscovery.go");
+    const int tool = page->discoveryTask()->processIdentifier();
+    ASSERT_TRUE(app.waitUntil([&] { return platform::kill(tool, 0) != 0; }));
+    app.waitUntil([] { return false; }, 0.3); // longer, on the held clock, than a last report is waited for
+    EXPECT_EQ(log.count("jvndiscovery"), 0u);
 }
 
 TEST_F(LoggedTool, OneThatCrashes) {

@@ -147,6 +147,8 @@ TEST_F(PairingMessages, HundredsOfReportsLeaveAFewAlertsTheLastOneOfTheLastRepor
     EXPECT_GE(alerts.size(), 2u);
     EXPECT_EQ(alerts.back().find("Success!") != std::string::npos, lastTaken == 2) << "what is so now";
     EXPECT_EQ(overlay(), "hidden");
+    EXPECT_LE(log.count("the same one stands or waits already"), 1u) << "a minute, however many there are";
+    EXPECT_LE(log.count("too many wait"), 1u);
 }
 
 TEST_F(PairingMessages, AReportWithoutAStateOrWithoutADictionaryIsSearching) {

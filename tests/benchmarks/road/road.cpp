@@ -16,7 +16,9 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <libudev.h>
 #include <memory>
+#include <poll.h>
 #include <sys/resource.h>
 #include <thread>
 
@@ -145,22 +147,73 @@ void press(const char* what, SdlGame::Waiting waiting, VirtualKeyboard& keyboard
     std::printf("\n");
 }
 
+// Hears from udev when it has dealt with a device's node. Asking again and again would take the processor from those
+// who make it.
+class NodeAwaiter {
+public:
+    explicit NodeAwaiter(std::string name)
+        : m_name(std::move(name)), m_udev(::udev_new()), m_monitor(::udev_monitor_new_from_netlink(m_udev, "udev")) {
+        ::udev_monitor_filter_add_match_subsystem_devtype(m_monitor, "input", nullptr);
+        ::udev_monitor_enable_receiving(m_monitor);
+    }
+    ~NodeAwaiter() {
+        ::udev_monitor_unref(m_monitor);
+        ::udev_unref(m_udev);
+    }
+    NodeAwaiter(const NodeAwaiter&) = delete;
+    NodeAwaiter& operator=(const NodeAwaiter&) = delete;
+
+    // False when it does not come.
+    bool wait() const {
+        const auto end = Clock::now() + 20s;
+        while (Clock::now() < end) {
+            ::pollfd readable{::udev_monitor_get_fd(m_monitor), POLLIN, 0};
+            ::poll(&readable, 1, 1000);
+            while (::udev_device* const device = ::udev_monitor_receive_device(m_monitor)) {
+                const bool isIt = isAwaited(*device);
+                ::udev_device_unref(device);
+                if (isIt) return true;
+            }
+        }
+        return false;
+    }
+
+private:
+    bool isAwaited(::udev_device& device) const {
+        if (!::udev_device_get_devnode(&device) || std::strcmp(::udev_device_get_action(&device), "add") != 0)
+            return false;
+        ::udev_device* const parent = ::udev_device_get_parent(&device); // the child's
+        const char* const name = parent ? ::udev_device_get_sysattr_value(parent, "name") : nullptr;
+        return name && m_name == name && std::strstr(::udev_device_get_sysname(&device), "event");
+    }
+
+    std::string m_name;
+    ::udev* m_udev;
+    ::udev_monitor* m_monitor;
+};
+
+// What the one before has left behind, udev's work on it too, is no part of the next one's time.
+void settle() { run({"udevadm", "settle"}, kRoot, 60s); }
+
 // From the daemon's start, as at a login, to a pad that games find; beside it a device made by hand.
 void ready(const Root& root, int times) {
     std::vector<double> ours;
     std::vector<double> bare;
-    std::vector<double> peers;
     for (int i = 0; i < times; ++i) {
-        auto begin = Clock::now();
         {
-            const VirtualKeyboard any({.name = "Any Keyboard"}); // is there once udev has looked at it
-            bare.push_back(microseconds(begin));
+            settle();
+            const NodeAwaiter node("Any Keyboard");
+            const auto begin = Clock::now();
+            const VirtualKeyboard any({.name = "Any Keyboard"});
+            if (node.wait()) bare.push_back(microseconds(begin));
         }
         {
             const InputService service;
-            begin = Clock::now();
+            settle();
+            const NodeAwaiter node(padName);
+            const auto begin = Clock::now();
             const Program daemon(daemonCommand(root, service));
-            if (!waitForEventNode(padName).empty()) ours.push_back(microseconds(begin));
+            if (node.wait()) ours.push_back(microseconds(begin));
         }
     }
     std::printf("ready ours=%.0f bare=%.0f\n", median(ours), median(bare));
@@ -179,7 +232,7 @@ void keys(const Root& root, int times) {
     for (const PeerProgram& program : peerPrograms())
         if (std::strcmp(program.name, "xboxdrv") == 0) peer = Peer::start(program);
     if (peer) peerProcess = std::atoi(run({"pidof", "-s", "xboxdrv"}).output.c_str());
-    run({"udevadm", "settle"}, kRoot, 60s);
+    settle();
 
     press("key_to_game", SdlGame::Waiting::Sleeps, keyboard, bareKeys, peer.get(), times);
     press("key_to_spinning_game", SdlGame::Waiting::Spins, keyboard, bareKeys, peer.get(), times / 4 + 1);
