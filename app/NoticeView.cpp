@@ -46,7 +46,7 @@ std::shared_ptr<NoticeView> NoticeView::initWithClosed_acted(std::function<void(
     m_line->setBackgroundColor(separatorColor());
     m_texts = UIScrollView::alloc()->initWithFrame(CGRectZero);
     m_label = seat::CellLabel::alloc()->initWithFrame(CGRectZero);
-    m_label->setFont(UIFont::systemFontOfSize(15));
+    m_label->setFont(textFont(15));
     m_label->setNumberOfLines(0);
     m_texts->addSubview(m_label);
     m_close = TextButton::alloc()->initWithTitle_kind("Close", TextButton::Kind::Plain);
@@ -74,9 +74,22 @@ void NoticeView::show(const std::string& text, const std::string& actionTitle) {
 }
 
 double NoticeView::heightIn(CGSize window) const {
-    const double text = std::ceil(m_label->sizeThatFits({column(window).size.width, 1e6}).height);
-    return std::min(topPadding + text, std::floor(window.height * mostOfWindow) - buttonHeight) + buttonHeight;
+    const double width = column(window).size.width;
+    const double buttons = buttonsHeight(width);
+    const double text = topPadding + std::ceil(m_label->sizeThatFits({width, 1e6}).height);
+    // Something of the text is in sight in any window.
+    const double most = std::max(topPadding + std::ceil(m_label->font()->lineHeight()),
+                                 std::floor(window.height * mostOfWindow) - buttons);
+    return std::min(text, most) + buttons;
 }
+
+bool NoticeView::hasButtonsBelow(double width) const {
+    if (!m_action) return false;
+    const auto widthOf = [&](const TextButton& button) { return button.sizeThatFits({width, buttonHeight}).width; };
+    return widthOf(*m_close) + buttonGap + widthOf(*m_action) > width;
+}
+
+double NoticeView::buttonsHeight(double width) const { return (hasButtonsBelow(width) ? 2 : 1) * buttonHeight; }
 
 void NoticeView::layoutSubviews() {
     UIView::layoutSubviews();
@@ -85,17 +98,22 @@ void NoticeView::layoutSubviews() {
     const CGSize size = bounds().size;
     const CGRect area = column(size);
     m_line->setFrame(CGRectMake(0, 0, size.width, hairline()));
-    const double textHeight = std::max(0.0, size.height - buttonHeight);
+    const bool isBelow = hasButtonsBelow(area.size.width);
+    const double textHeight = std::max(0.0, size.height - buttonsHeight(area.size.width));
     m_texts->setFrame(CGRectMake(area.origin.x, hairline(), area.size.width, textHeight - hairline()));
     const double wanted = std::ceil(m_label->sizeThatFits({area.size.width, 1e6}).height);
     m_label->setFrame(CGRectMake(0, topPadding, area.size.width, wanted));
     m_texts->setContentSize(CGSizeMake(area.size.width, topPadding + wanted));
     double right = CGRectGetMaxX(area);
+    double top = size.height - buttonHeight;
     for (const auto& button : {m_close, m_action}) {
         if (!button) continue;
-        const double width = button->sizeThatFits({area.size.width, buttonHeight}).width;
-        button->setFrame(CGRectMake(right - width, textHeight, width, buttonHeight));
-        right -= width + buttonGap;
+        const double width = std::min(area.size.width, button->sizeThatFits({area.size.width, buttonHeight}).width);
+        button->setFrame(CGRectMake(right - width, top, width, buttonHeight));
+        if (isBelow)
+            top -= buttonHeight;
+        else
+            right -= width + buttonGap;
     }
 }
 

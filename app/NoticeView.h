@@ -41,6 +41,8 @@ public:
     void touchesCancelled_withEvent(const UITouchList&, UIEvent&) override {}
 
 private:
+    bool hasButtonsBelow(double width) const; // each other, for want of room
+    double buttonsHeight(double width) const;
     void closeTapped();
     void actionTapped();
 

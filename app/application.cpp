@@ -6,6 +6,7 @@
 #include "app/SettingsPage.h"
 #include "app/Simulation.h"
 #include "app/own_programs.h"
+#include "app/remembered_look.h"
 #include "app/root_folder.h"
 #include "app/tour/tour.h"
 #include "app/window_size.h"
@@ -61,13 +62,20 @@ int showWindow(seat::Toolkit& toolkit, const app::Options& options, const app::B
         seat::SceneWindowOptions{.size = remembered.value_or(options.size), .scale = options.scale});
     const CGSize sizeAtStart = window->size();
     toolkit.awaitFonts();
+    // The page is made with it; what the desktop says later is shown when it is known.
+    std::function<void(seat::AppearanceChange)> showLook;
+    const seat::DesktopAppearance appearance(app::rememberedLook(), [&showLook](seat::AppearanceChange change) {
+        if (showLook) showLook(change);
+    });
     app::SettingsPage page(bundle, principalClass, window->size(), window->scale());
     if (!page.isShown()) {
         complain("bundle refused: " + bundle.principalClass + " of " + bundle.folder + " makes no page");
         return app::ExitBundleRefused;
     }
-    // The page is made by now: whatever it was made with, it is painted in the colours that are wanted.
-    const seat::DesktopAppearance appearance([&page] { page.scene().repaint(); });
+    showLook = [&page](seat::AppearanceChange change) {
+        if (change == seat::AppearanceChange::Text) return page.scene().layOutAnew();
+        page.scene().repaint();
+    };
     if (options.simulate) sayWhenDaemonEnds(simulation, page.notices());
     if (!options.simulate && options.root.empty()) page.setHasInstalledDaemon();
     window->setScene(page.scene());
@@ -89,6 +97,8 @@ int showWindow(seat::Toolkit& toolkit, const app::Options& options, const app::B
     instance.setRaiseHandler({});
     if (const auto screen = window->screenOfOwnSize(); !screen.empty() && window->size() != sizeAtStart)
         app::rememberWindowSize(screen, window->size());
+    app::rememberLook(appearance.settled());
+    showLook = nullptr;
     simulation.setDaemonEndListener({});
     page.close();
     seat::drainMainQueue();

@@ -13,7 +13,9 @@ NS_CLASS_IMPLEMENTATION(CardView, UIView)
 
 namespace {
 
-double heightOf(const UIView& row, double width) { return std::ceil(row.sizeThatFits({width, rowHeight}).height); }
+double heightOf(const UIView& row, double width) {
+    return std::ceil(row.sizeThatFits({width, heightForText(rowHeight)}).height);
+}
 
 } // namespace
 

@@ -76,7 +76,7 @@ void HelpScreen::loadView() {
     m_column = ColumnView::alloc()->init();
     m_column->add(PadView::alloc()->init(), 20);
     const auto title = UILabel::alloc()->initWithFrame(CGRectZero);
-    title->setFont(UIFont::boldSystemFontOfSize(20));
+    title->setFont(boldTextFont(20));
     title->setTextColor(textColor());
     title->setTextAlignment(NSTextAlignmentCenter);
     title->setNumberOfLines(0);
@@ -109,7 +109,7 @@ void HelpScreen::loadView() {
 
 void HelpScreen::addText(const std::string& text) {
     const auto label = UILabel::alloc()->initWithFrame(CGRectZero);
-    label->setFont(UIFont::systemFontOfSize(17));
+    label->setFont(textFont(17));
     label->setTextColor(textColor());
     label->setNumberOfLines(0);
     label->setText(text);

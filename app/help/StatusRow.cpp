@@ -19,7 +19,7 @@ constexpr double advicePadding = 11; // below the advice
 
 std::shared_ptr<UILabel> label(double size, const std::shared_ptr<UIColor>& color) {
     const auto made = seat::CellLabel::alloc()->initWithFrame(CGRectZero);
-    made->setFont(UIFont::systemFontOfSize(size));
+    made->setFont(textFont(size));
     made->setTextColor(color);
     return made;
 }
@@ -32,8 +32,10 @@ std::shared_ptr<StatusRow> StatusRow::initWithName(const std::string& name) {
     if (!UIView::initWithFrame(CGRectZero)) return nullptr;
     m_name = label(17, textColor());
     m_name->setText(name);
+    m_name->setNumberOfLines(0);
     m_state = label(17, secondaryTextColor());
     m_state->setTextAlignment(NSTextAlignmentRight);
+    m_state->setNumberOfLines(0);
     m_advice = label(13, secondaryTextColor());
     m_advice->setNumberOfLines(0);
     addSubview(m_name);
@@ -55,21 +57,44 @@ double StatusRow::adviceHeight(double width) const {
     return std::ceil(m_advice->sizeThatFits({std::max(1.0, width - 2 * sideMargin), 1e6}).height);
 }
 
+bool StatusRow::isStacked(double room) const {
+    const auto widthOf = [](const UILabel& label) { return std::ceil(label.sizeThatFits({1e6, 1e6}).width); };
+    return widthOf(*m_name) + labelGap + widthOf(*m_state) > room;
+}
+
+double StatusRow::lineHeight(double room) const {
+    if (!isStacked(room)) return heightForText(rowHeight);
+    const auto heightOf = [&](const UILabel& label) { return label.sizeThatFits({room, 1e6}).height; };
+    return heightAroundText(heightOf(*m_name) + heightOf(*m_state));
+}
+
 CGSize StatusRow::sizeThatFits(CGSize size) const {
     const double advice = adviceHeight(size.width);
-    return CGSizeMake(size.width, rowHeight + (advice > 0 ? advice + advicePadding : 0));
+    const double line = lineHeight(std::max(1.0, size.width - 2 * sideMargin));
+    return CGSizeMake(size.width, line + (advice > 0 ? advice + advicePadding : 0));
 }
 
 void StatusRow::layoutSubviews() {
     UIView::layoutSubviews();
     const double width = bounds().size.width;
     const double room = std::max(0.0, width - 2 * sideMargin);
-    const double name = std::min(room, std::ceil(m_name->sizeThatFits({1e6, 1e6}).width));
-    m_name->setFrame(CGRectMake(sideMargin, 0, name, rowHeight));
-    const double state = std::max(0.0, room - name - labelGap);
-    m_state->setFrame(CGRectMake(sideMargin + room - state, 0, state, rowHeight));
+    const double line = lineHeight(room);
+    if (isStacked(room)) {
+        const double name = std::ceil(m_name->sizeThatFits({room, 1e6}).height);
+        const double state = std::ceil(m_state->sizeThatFits({room, 1e6}).height);
+        const double top = std::floor((line - name - state) / 2);
+        m_state->setTextAlignment(NSTextAlignmentLeft);
+        m_name->setFrame(CGRectMake(sideMargin, top, room, name));
+        m_state->setFrame(CGRectMake(sideMargin, top + name, room, state));
+    } else {
+        const double name = std::min(room, std::ceil(m_name->sizeThatFits({1e6, 1e6}).width));
+        const double state = std::max(0.0, room - name - labelGap);
+        m_state->setTextAlignment(NSTextAlignmentRight);
+        m_name->setFrame(CGRectMake(sideMargin, 0, name, line));
+        m_state->setFrame(CGRectMake(sideMargin + room - state, 0, state, line));
+    }
     // The advice belongs to the line above it: a little nearer than the row's own height puts it.
-    m_advice->setFrame(CGRectMake(sideMargin, rowHeight - 4, room, adviceHeight(width)));
+    m_advice->setFrame(CGRectMake(sideMargin, line - 4, room, adviceHeight(width)));
 }
 
 std::string StatusRow::accessibilityLabel() const {

@@ -27,6 +27,9 @@ public:
 private:
     StatusRow() = default;
     double adviceHeight(double width) const;
+    // The state stands below the name where both find no room on a line.
+    bool isStacked(double room) const;
+    double lineHeight(double room) const; // of name and state
 
     std::shared_ptr<UILabel> m_name;
     std::shared_ptr<UILabel> m_state;

@@ -46,8 +46,8 @@ void TryScreen::loadView() {
     };
     m_column = ColumnView::alloc()->init();
     m_pad = PadView::alloc()->init();
-    m_headline = label(UIFont::boldSystemFontOfSize(20), textColor());
-    m_text = label(UIFont::systemFontOfSize(15), secondaryTextColor());
+    m_headline = label(boldTextFont(20), textColor());
+    m_text = label(textFont(15), secondaryTextColor());
     const auto retry = TextButton::alloc()->initWithTitle_kind("Try Again", TextButton::Kind::Row);
     retry->addTarget_action_forControlEvents(self(this), "retryTapped", UIControlEventTouchUpInside);
     m_retry = CardView::alloc()->init();

@@ -1,15 +1,19 @@
 #include "desktop/appearance/DesktopAppearance.h"
 
+#include "desktop/appearance/font_description.h"
 #include "desktop/appearance/portal_settings.h"
-#include "kit/uikit/appearance.h"
+#include "desktop/painting/fonts.h"
+#include "kit/quartz/text_size.h"
 #include "platform/foundation/NSArray.h"
 #include "system/bus/SessionBus.h"
 
 #include <QEvent>
 #include <QGuiApplication>
 #include <QPalette>
+#include <QScreen>
 
 #include <chrono>
+#include <cmath>
 #include <utility>
 
 namespace {
@@ -20,25 +24,45 @@ constexpr const char* portalName = "org.freedesktop.portal.Desktop";
 constexpr const char* settingsInterface = "org.freedesktop.portal.Settings";
 constexpr auto portalTimeout = 5s; // the bus may have to start the portal
 
-// By its text. The toolkit's highlight is no accent: without a desktop's theme it is a colour of the toolkit's own.
-seat::appearance::Look toolkitsLook() {
+// Light or dark by its text. The toolkit's highlight is no accent: without a desktop's theme it is a colour of the
+// toolkit's own. Its font's family is asked for where fonts are chosen.
+seat::DesktopLook toolkitsLook() {
     const QPalette palette = QGuiApplication::palette();
-    return {.isDark = palette.color(QPalette::WindowText).lightnessF() > palette.color(QPalette::Window).lightnessF()};
+    seat::DesktopLook look;
+    look.colors.isDark =
+        palette.color(QPalette::WindowText).lightnessF() > palette.color(QPalette::Window).lightnessF();
+    look.textScale = seat::textScaleForPointSize(QGuiApplication::font().pointSizeF());
+    return look;
+}
+
+// Under X the desktop's text size is a part of the resolution that it names, of which the toolkit makes the scale of
+// the whole window: a whole number of pixels a point, times that size. What is large in this way already is not made
+// larger.
+double textScaleInWindow(double textScale) {
+    const auto* const screen = QGuiApplication::primaryScreen();
+    if (textScale <= 1 || !screen || QGuiApplication::platformName() != QLatin1String("xcb")) return textScale;
+    const double rest = screen->devicePixelRatio() / textScale;
+    const bool isWhole = std::round(rest) >= 1 && std::abs(rest - std::round(rest)) < 0.01;
+    return isWhole ? 1 : textScale;
 }
 
 } // namespace
 
 struct seat::DesktopAppearance::State final : QObject {
-    explicit State(std::function<void()> listener) : changed(std::move(listener)) {}
+    State(const std::optional<DesktopLook>& expectedLook, std::function<void(AppearanceChange)> listener)
+        : expected(expectedLook), changed(std::move(listener)) {}
 
     void askPortal(const std::weak_ptr<State>& self);
+    DesktopLook wanted() const;
     void settle();
     bool eventFilter(QObject* watched, QEvent* event) override {
-        if (event->type() == QEvent::ApplicationPaletteChange) settle();
+        if (event->type() == QEvent::ApplicationPaletteChange || event->type() == QEvent::ApplicationFontChange)
+            settle();
         return QObject::eventFilter(watched, event);
     }
 
-    std::function<void()> changed;
+    std::optional<DesktopLook> expected; // nothing once the portal has answered, or could not be asked
+    std::function<void(AppearanceChange)> changed;
     std::shared_ptr<NSDictionary> portal; // what it has said; nil before
     SessionBus::Token signal = 0;
 };
@@ -49,21 +73,38 @@ void seat::DesktopAppearance::State::askPortal(const std::weak_ptr<State>& self)
     SessionBus::shared().call({portalName, "/org/freedesktop/portal/desktop", settingsInterface, "ReadAll"}, "as",
                               {id(spaces)}, portalTimeout, [self](const SessionBus::Reply& reply) {
                                   const auto state = self.lock();
-                                  if (!state || !reply.error.empty() || reply.arguments.empty()) return;
-                                  state->portal = reply.arguments[0].object<NSDictionary>();
+                                  if (!state) return;
+                                  state->expected.reset();
+                                  if (reply.error.empty() && !reply.arguments.empty())
+                                      state->portal = reply.arguments[0].object<NSDictionary>();
                                   state->settle();
                               });
 }
 
-void seat::DesktopAppearance::State::settle() {
-    const auto former = appearance::look();
-    auto look = toolkitsLook();
+seat::DesktopLook seat::DesktopAppearance::State::wanted() const {
+    if (expected) return *expected;
+    DesktopLook look = toolkitsLook();
     if (portal) applyPortalSettings(*portal, look);
-    appearance::setLook(look);
-    if (appearance::look() != former && changed) changed();
+    return look;
 }
 
-seat::DesktopAppearance::DesktopAppearance(std::function<void()> changed) : m_state(std::make_shared<State>(nullptr)) {
+void seat::DesktopAppearance::State::settle() {
+    const auto formerColors = appearance::look();
+    const auto formerText = textGeneration();
+    const DesktopLook look = wanted();
+    appearance::setLook(look.colors);
+    setTextScale(textScaleInWindow(look.textScale));
+    setFontFamily(look.fontFamily);
+    if (!changed) return;
+    if (textGeneration() != formerText)
+        changed(AppearanceChange::Text);
+    else if (appearance::look() != formerColors)
+        changed(AppearanceChange::Colors);
+}
+
+seat::DesktopAppearance::DesktopAppearance(const std::optional<DesktopLook>& expected,
+                                           std::function<void(AppearanceChange)> changed)
+    : m_state(std::make_shared<State>(expected, nullptr)) {
     m_state->settle();
     m_state->changed = std::move(changed);
     qGuiApp->installEventFilter(m_state.get());
@@ -79,3 +120,8 @@ seat::DesktopAppearance::DesktopAppearance(std::function<void()> changed) : m_st
 }
 
 seat::DesktopAppearance::~DesktopAppearance() { SessionBus::shared().remove(m_state->signal); }
+
+std::optional<seat::DesktopLook> seat::DesktopAppearance::settled() const {
+    if (!m_state->portal) return std::nullopt;
+    return m_state->wanted();
+}

@@ -2,6 +2,7 @@
 
 #include "desktop/mail/message_body.h"
 #include "kit/quartz/geometry.h"
+#include "kit/quartz/text_size.h"
 #include "kit/uikit/appearance.h"
 
 #include <algorithm>
@@ -49,7 +50,7 @@ std::shared_ptr<ComposeView> ComposeView::initWithTitle(const std::string& title
     m_cancel = TextButton::alloc()->initWithTitle_kind("Cancel", TextButton::Kind::Plain);
     m_bar->addSubview(m_cancel);
     m_title = UILabel::alloc()->init();
-    m_title->setFont(UIFont::boldSystemFontOfSize(17));
+    m_title->setFont(boldControlFont());
     m_title->setText(title);
     m_title->setTextAlignment(NSTextAlignmentCenter);
     m_bar->addSubview(m_title);
@@ -71,7 +72,7 @@ std::shared_ptr<ComposeView> ComposeView::initWithTitle(const std::string& title
 void ComposeView::setNote(std::shared_ptr<UILabel> note) {
     if (m_note) m_note->removeFromSuperview();
     m_note = std::move(note);
-    m_note->setFont(UIFont::systemFontOfSize(14));
+    m_note->setFont(textFont(14));
     m_note->setNumberOfLines(0);
     insertSubview_atIndex(m_note, 1); // read after the bar, before the message
     setNeedsLayout();
@@ -104,20 +105,42 @@ void ComposeView::layoutSubviews() {
     const double openWidth = m_open->sizeThatFits({width, barHeight}).width;
     m_cancel->setFrame(CGRectMake(sideMargin, 0, cancelWidth, barHeight));
     m_open->setFrame(CGRectMake(width - sideMargin - openWidth, 0, openWidth, barHeight));
+    // In the middle, or between the two where that is too narrow for it.
+    const double titleWidth = std::ceil(m_title->sizeThatFits({1e6, 1e6}).width);
     const double beside = 2 * sideMargin + std::max(cancelWidth, openWidth);
-    m_title->setFrame(CGRectMake(beside, 0, std::max(0.0, width - 2 * beside), barHeight));
+    const bool isCentred = titleWidth <= width - 2 * beside || textScale() <= 1;
+    const double titleLeft = isCentred ? beside : sideMargin + cancelWidth + labelGap;
+    const double titleRight = isCentred ? width - beside : width - sideMargin - openWidth - labelGap;
+    m_title->setFrame(CGRectMake(titleLeft, 0, std::max(0.0, titleRight - titleLeft), barHeight));
 
     const double left = messageMargin(width);
     const double noteWidth = std::max(1.0, width - 2 * left);
     const double noteHeight = m_note->sizeThatFits({noteWidth, 1e6}).height;
     m_note->setFrame(CGRectMake(left, barHeight + notePadding, noteWidth, noteHeight));
-    const double top = barHeight + noteHeight + 2 * notePadding;
+    // A note that would leave little of the message scrolls with it.
+    const double height = bounds().size.height - barHeight;
+    const bool isScrolled = noteHeight + 2 * notePadding > height / 2;
+    const double top = isScrolled ? barHeight : barHeight + noteHeight + 2 * notePadding;
     m_noteLine->setFrame(CGRectMake(left, top - hairline(), std::max(0.0, width - left), hairline()));
+    m_noteLine->setHidden(isScrolled);
+    placeNote(isScrolled);
+    if (isScrolled) m_note->setFrame(CGRectMake(left, -noteHeight - notePadding, noteWidth, noteHeight));
 
     m_message->setFrame(CGRectMake(0, top, width, std::max(0.0, bounds().size.height - top)));
-    if (m_messageWidth == width) return;
+    if (m_messageWidth == width && m_messageText == textGeneration()) return;
     m_messageWidth = width;
+    m_messageText = textGeneration();
     m_message->setContentSize(CGSizeMake(width, layOutMessage(*m_message, m_blocks, width)));
+    if (isScrolled) m_message->insertSubview_atIndex(m_note, 0);
+}
+
+void ComposeView::placeNote(bool isScrolled) {
+    UIView& place = isScrolled ? static_cast<UIView&>(*m_message) : *this;
+    if (m_note->superview().get() == &place) return;
+    place.insertSubview_atIndex(m_note, isScrolled ? 0 : 1);
+    const double room = isScrolled ? m_note->bounds().size.height + 2 * notePadding : 0;
+    m_message->setContentInset({room, 0, 0, 0});
+    m_message->setContentOffset({0, -room});
 }
 
 } // namespace seat

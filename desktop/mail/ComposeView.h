@@ -29,6 +29,7 @@ public:
 private:
     ComposeView() = default;
     void setNote(std::shared_ptr<UILabel> note);
+    void placeNote(bool isScrolled);
 
     std::vector<HTMLBlock> m_blocks;
     std::shared_ptr<UIView> m_bar;
@@ -39,7 +40,8 @@ private:
     std::shared_ptr<UILabel> m_note;
     std::shared_ptr<UIView> m_noteLine;
     std::shared_ptr<UIScrollView> m_message;
-    double m_messageWidth = 0; // that the message was laid out at; 0: not yet
+    double m_messageWidth = 0;  // that the message was laid out at; 0: not yet
+    unsigned m_messageText = 0; // the generation of texts that it was laid out with
 };
 
 } // namespace seat

@@ -21,9 +21,9 @@ constexpr double betweenBlocks = 14;
 
 std::shared_ptr<UILabel> blockLabel(const HTMLBlock& block) {
     using Kind = HTMLBlock::Kind;
-    const auto font = block.kind == Kind::Heading      ? UIFont::boldSystemFontOfSize(22)
-                      : block.kind == Kind::Subheading ? UIFont::boldSystemFontOfSize(17)
-                                                       : UIFont::systemFontOfSize(bodySize);
+    const auto font = block.kind == Kind::Heading      ? appearance::boldTextFont(22)
+                      : block.kind == Kind::Subheading ? appearance::boldTextFont(17)
+                                                       : appearance::textFont(bodySize);
     const auto text = NSMutableAttributedString::alloc()->initWithString_attributes("", {});
     for (const auto& run : block.runs)
         text->appendAttributedString(*NSMutableAttributedString::alloc()->initWithString_attributes(
@@ -37,7 +37,7 @@ std::shared_ptr<UILabel> blockLabel(const HTMLBlock& block) {
 
 std::shared_ptr<UILabel> markerLabel(const std::string& marker) {
     const auto label = UILabel::alloc()->init();
-    label->setFont(UIFont::systemFontOfSize(bodySize));
+    label->setFont(appearance::textFont(bodySize));
     label->setTextColor(appearance::secondaryTextColor());
     label->setTextAlignment(NSTextAlignmentRight);
     label->setText(marker);

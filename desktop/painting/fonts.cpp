@@ -1,5 +1,7 @@
 #include "desktop/painting/fonts.h"
 
+#include "desktop/painting/text_cache.h"
+#include "kit/quartz/text_size.h"
 #include "platform/dispatch.h"
 #include "platform/uikit/UIScreen.h"
 
@@ -12,6 +14,8 @@
 #include <cmath>
 #include <cstdint>
 #include <map>
+#include <memory>
+#include <mutex>
 #include <tuple>
 
 namespace seat {
@@ -44,23 +48,56 @@ bool isVague(const QString& family) {
     return false;
 }
 
-// Empty when there is no font at all. Asks for names only: to have one resolved would load a face, in a size that
-// nothing is written in.
-QString chooseSystemFamily() {
-    const QStringList known = QFontDatabase::families();
-    if (std::all_of(known.begin(), known.end(), isVague)) return {};
-    QString desktop = QGuiApplication::font().family();
-    const bool isThere = !isVague(desktop) && known.contains(desktop, Qt::CaseInsensitive);
-    if (isThere && !QFontDatabase::isFixedPitch(desktop)) return desktop;
-    // For a vague name rather the face that we know.
-    return known.contains(QLatin1String(dependableFamily)) ? QString(QLatin1String(dependableFamily)) : desktop;
+// Of the names that it may be meant by: "Ubuntu Sans Medium" may be a family, or one in a weight. Empty when it is not
+// there, or is no face for a page.
+QString knownFamily(const QStringList& known, QString name) {
+    while (!name.isEmpty()) {
+        if (!isVague(name) && known.contains(name, Qt::CaseInsensitive))
+            return QFontDatabase::isFixedPitch(name) ? QString() : name;
+        name = name.left(std::max<qsizetype>(0, name.lastIndexOf(QLatin1Char(' ')))).trimmed();
+    }
+    return {};
 }
 
-// nullptr while there is none. Chosen once; never destroyed.
-const QString* systemFamily() {
+// Empty when there is no font at all. Asks for names only: to have one resolved would load a face, in a size that
+// nothing is written in.
+QString chooseSystemFamily(const QString& wanted) {
+    const QStringList known = QFontDatabase::families();
+    if (std::all_of(known.begin(), known.end(), isVague)) return {};
+    const QString toolkits = QGuiApplication::font().family();
+    for (const QString& name : {wanted, toolkits})
+        if (QString family = knownFamily(known, name); !family.isEmpty()) return family;
+    // For a vague name rather the face that we know.
+    return known.contains(QLatin1String(dependableFamily)) ? QString(QLatin1String(dependableFamily)) : toolkits;
+}
+
+// The family that is used, with what is known of it.
+struct SystemFamily {
+    QString name; // empty: there is none
+    std::once_flag measured[2];
+    FontMetrics metrics[2]; // regular, bold
+};
+
+struct FamilyChoice {
+    std::mutex mutex;
+    QString wanted;
+    std::shared_ptr<SystemFamily> chosen; // nil: not yet
+};
+FamilyChoice& familyChoice() {
+    static auto* const choice = new FamilyChoice; // never destroyed, like the text cache
+    return *choice;
+}
+
+// nil while there is none.
+std::shared_ptr<SystemFamily> systemFamily() {
     if (!qGuiApp) return nullptr;
-    static const auto* const chosen = new QString(chooseSystemFamily());
-    return chosen->isEmpty() ? nullptr : chosen;
+    FamilyChoice& choice = familyChoice();
+    const std::lock_guard lock(choice.mutex);
+    if (!choice.chosen) {
+        choice.chosen = std::make_shared<SystemFamily>();
+        choice.chosen->name = chooseSystemFamily(choice.wanted);
+    }
+    return choice.chosen->name.isEmpty() ? nullptr : choice.chosen;
 }
 
 int bigEndian16(const QByteArray& bytes, int at) {
@@ -83,26 +120,51 @@ FontMetrics measureSystemFont(const QString& family, bool bold) {
     return {metrics.ascent() / font.pixelSize(), metrics.descent() / font.pixelSize()};
 }
 
+// By size, weight and scale; of the main thread. Never destroyed, like the text cache.
+std::map<std::tuple<double, bool, double>, QFont>& keptFonts() {
+    static auto* const kept = new std::map<std::tuple<double, bool, double>, QFont>;
+    return *kept;
+}
+
 } // namespace
+
+// Nothing is chosen here: at the start nothing is written yet.
+void setFontFamily(const std::string& family) {
+    FamilyChoice& choice = familyChoice();
+    QString former;
+    {
+        const std::lock_guard lock(choice.mutex);
+        const QString wanted = QString::fromStdString(family);
+        if (wanted == choice.wanted) return;
+        choice.wanted = wanted;
+        if (!choice.chosen) return;
+        former = choice.chosen->name;
+        choice.chosen = nullptr;
+    }
+    const auto chosen = systemFamily();
+    if ((chosen ? chosen->name : QString()) == former) return;
+    forgetTextLayouts();
+    keptFonts().clear();
+    noteTextChange();
+}
 
 bool fontsAreThere() { return systemFamily() != nullptr; }
 
 FontMetrics metricsOfSystemFont(bool bold) {
-    const QString* const family = systemFamily();
+    const auto family = systemFamily();
     if (!family) return {0.93, 0.24};
-    static const FontMetrics regular = measureSystemFont(*family, /*bold*/ false);
-    if (!bold) return regular;
-    static const FontMetrics heavy = measureSystemFont(*family, /*bold*/ true);
-    return heavy;
+    const std::size_t weight = bold ? 1 : 0;
+    std::call_once(family->measured[weight], [&] { family->metrics[weight] = measureSystemFont(family->name, bold); });
+    return family->metrics[weight];
 }
 
 // A font that was used before knows its face already; a new one has to look for it.
 QFont toolkitFont(const UIFont& font, double scale) {
-    const QString* const family = systemFamily();
+    const auto family = systemFamily();
     if (!family) return {};
-    const auto make = [&] { return sizedFont(*family, font.isBold(), font.pointSize() * scale, scale); };
+    const auto make = [&] { return sizedFont(family->name, font.isBold(), font.pointSize() * scale, scale); };
     if (!dispatch_is_main_thread()) return make();
-    static auto& kept = *new std::map<std::tuple<double, bool, double>, QFont>; // never destroyed, like the text cache
+    auto& kept = keptFonts();
     const std::tuple key(font.pointSize(), font.isBold(), scale);
     const auto found = kept.find(key);
     if (found != kept.end()) return found->second;

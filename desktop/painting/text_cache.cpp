@@ -63,6 +63,11 @@ std::shared_ptr<const TextLayout> cachedTextLayout(std::span<const TextRun> runs
     return entries.front().layout;
 }
 
+void forgetTextLayouts() {
+    cache().byKey.clear();
+    cache().entries.clear();
+}
+
 std::size_t cachedTextLayoutCount() { return cache().entries.size(); }
 
 } // namespace seat

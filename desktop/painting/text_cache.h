@@ -13,5 +13,7 @@ std::shared_ptr<const TextLayout> cachedTextLayout(std::span<const TextRun> runs
 
 inline constexpr std::size_t mostCachedTextLayouts = 512;
 std::size_t cachedTextLayoutCount();
+// Of the main thread: they were made with another face.
+void forgetTextLayouts();
 
 } // namespace seat

@@ -3,6 +3,7 @@
 #include "kit/alerts/AlertQueue.h"
 #include "kit/alerts/alert_state.h"
 #include "kit/quartz/geometry.h"
+#include "kit/quartz/text_size.h"
 #include "kit/tables/CellParts.h"
 #include "kit/uikit/appearance.h"
 #include "platform/runtime/method.h"
@@ -18,7 +19,7 @@ NS_CLASS_IMPLEMENTATION(UIAlertView, UIView, method<&UIAlertView::buttonTapped>(
 
 namespace {
 
-constexpr double cardWidth = 270;
+constexpr double usualCardWidth = 270;
 constexpr double cardRadius = 14;
 constexpr double buttonHeight = 44;
 constexpr double textMargin = 16;
@@ -36,8 +37,12 @@ std::shared_ptr<UILabel> makeLabel(const std::string& text, std::shared_ptr<UIFo
     return label;
 }
 
-double heightOf(const UILabel& label) {
-    return label.text().empty() ? 0 : std::ceil(label.sizeThatFits({cardWidth - 2 * textMargin, 1e6}).height);
+double heightOf(const UILabel& label, double width) {
+    return label.text().empty() ? 0 : std::ceil(label.sizeThatFits({width, 1e6}).height);
+}
+
+double cardWidthIn(CGSize window) {
+    return std::max(usualCardWidth, std::min(usualCardWidth * controlTextScale(), window.width - 2 * windowMargin));
 }
 
 } // namespace
@@ -63,8 +68,8 @@ std::shared_ptr<UIAlertView> UIAlertView::initWithTitle_message_delegate_cancelB
     m_alert->card->layer()->setCornerRadius(cardRadius);
     m_alert->card->setClipsToBounds(true);
     m_alert->texts = UIScrollView::alloc()->initWithFrame(CGRectZero);
-    m_alert->titleLabel = makeLabel(m_alert->title, UIFont::boldSystemFontOfSize(17));
-    m_alert->messageLabel = makeLabel(m_alert->message, UIFont::systemFontOfSize(13));
+    m_alert->titleLabel = makeLabel(m_alert->title, boldTextFont(17));
+    m_alert->messageLabel = makeLabel(m_alert->message, textFont(13));
     m_alert->texts->addSubview(m_alert->titleLabel);
     m_alert->texts->addSubview(m_alert->messageLabel);
     m_alert->card->addSubview(m_alert->texts);
@@ -127,11 +132,13 @@ void UIAlertView::buttonTapped(const std::shared_ptr<UIView>& button) {
 
 void UIAlertView::layoutSubviews() {
     const CGSize window = bounds().size;
-    const double titleHeight = heightOf(*m_alert->titleLabel);
-    const double messageHeight = heightOf(*m_alert->messageLabel);
+    const double cardWidth = cardWidthIn(window);
+    const double textWidth = cardWidth - 2 * textMargin;
+    const double titleHeight = heightOf(*m_alert->titleLabel, textWidth);
+    const double messageHeight = heightOf(*m_alert->messageLabel, textWidth);
     const double between = titleHeight > 0 && messageHeight > 0 ? textSpace : 0;
     const double textHeight = topPadding + titleHeight + between + messageHeight + topPadding;
-    const std::size_t rows = m_alert->hasButtonsSideBySide() ? 1 : m_alert->buttons.size();
+    const std::size_t rows = m_alert->hasButtonsSideBySide(cardWidth) ? 1 : m_alert->buttons.size();
     const double buttonsHeight = static_cast<double>(rows) * buttonHeight;
     const double shownHeight = std::max(0.0, std::min(textHeight, window.height - 2 * windowMargin - buttonsHeight));
 
@@ -141,19 +148,20 @@ void UIAlertView::layoutSubviews() {
                                          roundToPixel((window.height - card.height) / 2) + card.height / 2));
     m_alert->texts->setFrame(CGRectMake(0, 0, card.width, shownHeight));
     m_alert->texts->setContentSize(CGSizeMake(card.width, textHeight));
-    const double textWidth = cardWidth - 2 * textMargin;
     m_alert->titleLabel->setFrame(CGRectMake(textMargin, topPadding, textWidth, titleHeight));
     m_alert->messageLabel->setFrame(
         CGRectMake(textMargin, topPadding + titleHeight + between, textWidth, messageHeight));
     layOutButtons(shownHeight);
 }
 
-// Two stand side by side, the cancel button at the left; more stand one below the other, the cancel button last.
+// Two stand side by side where they find room, the cancel button at the left; others one below the other, the cancel
+// button last.
 void UIAlertView::layOutButtons(double top) {
+    const double cardWidth = m_alert->card->bounds().size.width;
     const auto& buttons = m_alert->buttons;
     for (std::size_t i = 0; i < buttons.size(); ++i) {
         const auto& line = m_alert->lines[i];
-        if (m_alert->hasButtonsSideBySide()) {
+        if (m_alert->hasButtonsSideBySide(cardWidth)) {
             const double width = cardWidth / 2;
             buttons[i]->setFrame(CGRectMake(static_cast<double>(i) * width, top, width, buttonHeight));
             line->setFrame(i == 0 ? CGRectMake(0, top, cardWidth, hairline())

@@ -4,6 +4,9 @@
 #include "kit/alerts/progress_canceller.h"
 #include "kit/controllers/TextButton.h"
 #include "kit/quartz/geometry.h"
+#include "kit/quartz/text_runs.h"
+#include "kit/quartz/text_size.h"
+#include "kit/seat.h"
 #include "kit/tables/CellParts.h"
 #include "kit/uikit/appearance.h"
 #include "platform/runtime/method.h"
@@ -19,11 +22,13 @@ NS_CLASS_IMPLEMENTATION(UIProgressHUD, UIView, method<&UIProgressHUD::cancelTapp
 namespace {
 
 constexpr double spinnerSize = 36;
-constexpr double padding = 24;
+constexpr double usualPadding = 24;
+constexpr double leastPadding = 8;
 constexpr double space = 16; // between spinner and text
 constexpr double leastWidth = 140;
 constexpr double mostWidth = 300;
 constexpr double viewMargin = 24;
+constexpr double leastViewMargin = 8;
 constexpr double wayOutHeight = 44;
 
 std::function<void()>& canceller() {
@@ -53,7 +58,7 @@ std::shared_ptr<UIProgressHUD> UIProgressHUD::init() {
     layer()->setCornerRadius(12);
     m_hud->spinner = Spinner::alloc()->initWithSize(spinnerSize);
     m_hud->label = CellLabel::alloc()->initWithFrame(CGRectZero);
-    m_hud->label->setFont(UIFont::systemFontOfSize(15));
+    m_hud->label->setFont(appearance::textFont(15));
     m_hud->label->setTextColor(UIColor::whiteColor());
     m_hud->label->setTextAlignment(NSTextAlignmentCenter);
     m_hud->label->setNumberOfLines(0);
@@ -100,19 +105,37 @@ void UIProgressHUD::place() {
     const auto view = superview();
     if (!view) return;
     const CGSize area = view->bounds().size;
-    const double most = std::max(0.0, std::min(mostWidth, area.width - 2 * viewMargin) - 2 * padding);
     const bool hasText = !text().empty();
-    CGSize label = hasText ? m_hud->label->sizeThatFits({most, 1e6}) : CGSize{};
-    label = CGSizeMake(std::min(std::ceil(label.width), most), std::ceil(label.height));
+    const double buttonHeight = m_hud->button->isHidden() ? 0 : wayOutHeight;
+    CGSize label;
+    double padding = usualPadding;
+    double textTop = 0;
+    double textBottom = 0;
+    auto font = appearance::textFont(15);
+    const auto fit = [&](double margin, double aroundText, bool hasSpinner) {
+        padding = aroundText;
+        const double widest = mostWidth * std::max(1.0, controlTextScale());
+        const double most = std::max(0.0, std::min(widest, area.width - 2 * margin) - 2 * padding);
+        label = hasText ? measureText(textRuns(text(), font, nullptr), most, /*lines=*/0).size : CGSize{};
+        label = CGSizeMake(std::min(std::ceil(label.width), most), std::ceil(label.height));
+        textTop = padding + (hasSpinner ? spinnerSize + space : 0);
+        textBottom = (hasText ? textTop + label.height : textTop - space) + padding;
+        m_hud->spinner->setHidden(!hasSpinner);
+        // In the middle, and not under a bar.
+        return textBottom + buttonHeight <= area.height - 2 * appearance::barHeight;
+    };
+    // Where it would not be in sight as a whole, what is no text gives way.
+    if (!fit(viewMargin, usualPadding, /*hasSpinner=*/true) && hasText && !fit(leastViewMargin, leastPadding, true))
+        while (!fit(leastViewMargin, leastPadding, /*hasSpinner=*/false) && font->pointSize() > 15)
+            font = UIFont::systemFontOfSize(std::max(15.0, font->pointSize() - 2));
+    if (m_hud->label->font() != font) m_hud->label->setFont(font);
     const double width = std::max(leastWidth, label.width + 2 * padding);
-    const double textBottom = padding + spinnerSize + (hasText ? space + label.height : 0) + padding;
-    const double height = textBottom + (m_hud->button->isHidden() ? 0 : wayOutHeight);
+    const double height = textBottom + buttonHeight;
     setFrame(CGRectMake(appearance::roundToPixel((area.width - width) / 2),
                         appearance::roundToPixel((area.height - height) / 2), width, height));
     // By its centre: it is turned.
     m_hud->spinner->setCenter(CGPointMake(width / 2, padding + spinnerSize / 2));
-    m_hud->label->setFrame(
-        CGRectMake(std::floor((width - label.width) / 2), padding + spinnerSize + space, label.width, label.height));
+    m_hud->label->setFrame(CGRectMake(std::floor((width - label.width) / 2), textTop, label.width, label.height));
     m_hud->line->setFrame(CGRectMake(0, textBottom, width, appearance::hairline()));
     m_hud->button->setFrame(CGRectMake(0, textBottom, width, wayOutHeight));
 }

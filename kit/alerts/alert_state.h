@@ -5,6 +5,8 @@
 #include "platform/uikit/UIAlertView.h"
 #include "platform/uikit/UIScrollView.h"
 
+#include <algorithm>
+
 struct UIAlertView::State {
     std::string title;
     std::string message;
@@ -21,7 +23,13 @@ struct UIAlertView::State {
     bool hasAppeared = false;
     bool isDismissing = false;
 
-    bool hasButtonsSideBySide() const { return buttons.size() == 2; }
+    // Two that find room there.
+    bool hasButtonsSideBySide(double width) const {
+        constexpr double margins = 16; // beside a title
+        return buttons.size() == 2 && std::ranges::all_of(buttons, [&](const auto& button) {
+                   return button->sizeThatFits({width, 0}).width + margins <= width / 2;
+               });
+    }
 };
 
 struct UIAlertView::Internals {

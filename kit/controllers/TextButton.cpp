@@ -33,11 +33,18 @@ std::shared_ptr<TextButton> TextButton::initWithTitle_kind(std::string title, Ki
     m_label = CellLabel::alloc()->initWithFrame(CGRectZero);
     m_label->setText(std::move(title));
     m_label->setTextColor(kind == Kind::OnDark ? UIColor::whiteColor() : tintColor());
-    m_label->setFont(kind == Kind::Bold ? UIFont::boldSystemFontOfSize(17) : UIFont::systemFontOfSize(17));
+    m_label->setFont(kind == Kind::Bold ? boldControlFont() : kind == Kind::Row ? textFont(17) : controlFont());
+    m_label->setNumberOfLines(kind == Kind::Row ? 0 : 1);
     const bool isLeft = kind == Kind::Back || kind == Kind::Row;
     m_label->setTextAlignment(isLeft ? NSTextAlignmentLeft : NSTextAlignmentCenter);
     addSubview(m_label);
     return self(this);
+}
+
+void TextButton::setTitleHidden(bool hidden) {
+    if (m_label->isHidden() == hidden) return;
+    m_label->setHidden(hidden);
+    setNeedsLayout();
 }
 
 void TextButton::setHighlighted(bool highlighted) {
@@ -51,13 +58,19 @@ void TextButton::setHighlighted(bool highlighted) {
 
 CGSize TextButton::sizeThatFits(CGSize size) const {
     const double space = spaceBefore(m_kind);
-    return CGSizeMake(std::ceil(m_label->sizeThatFits({1e6, 1e6}).width) + space, size.height);
+    if (m_kind == Kind::Row)
+        return CGSizeMake(size.width, heightAroundText(m_label->sizeThatFits({textWidth(size.width), 1e6}).height));
+    const double text = m_label->isHidden() ? space : std::ceil(m_label->sizeThatFits({1e6, 1e6}).width);
+    return CGSizeMake(text + space, size.height);
+}
+
+double TextButton::textWidth(double width) const {
+    return std::max(1.0, width - spaceBefore(m_kind) - (m_kind == Kind::Row ? sideMargin : 0));
 }
 
 void TextButton::layoutSubviews() {
     const CGSize size = bounds().size;
-    const double space = spaceBefore(m_kind);
-    m_label->setFrame(CGRectMake(space, 0, std::max(0.0, size.width - space), size.height));
+    m_label->setFrame(CGRectMake(spaceBefore(m_kind), 0, textWidth(size.width), size.height));
 }
 
 void TextButton::drawRect(CGRect) {

@@ -7,7 +7,7 @@ namespace seat {
 
 // Tappable text, pale while it is pressed; sends touch-up-inside, also when it is activated by key or by assistive
 // technology. With a chevron before the text it is the way back; on a dark panel it is white; as a row its text
-// begins where that of a table's rows does.
+// begins where that of a table's rows does, and is wrapped.
 class TextButton final : public UIControl {
     NS_CLASS(TextButton)
 public:
@@ -15,6 +15,8 @@ public:
 
     enum class Kind { Plain, Bold, Back, OnDark, Row };
     std::shared_ptr<TextButton> initWithTitle_kind(std::string title, Kind kind);
+    // The way back may be its chevron alone, where there is no room for the text.
+    void setTitleHidden(bool hidden);
 
     void setHighlighted(bool highlighted) override;
     CGSize sizeThatFits(CGSize size) const override;
@@ -27,6 +29,7 @@ public:
 
 private:
     TextButton() = default;
+    double textWidth(double width) const;
 
     Kind m_kind = Kind::Plain;
     std::shared_ptr<UILabel> m_label;

@@ -3,6 +3,9 @@
 #include "kit/controllers/NavigationBarInternals.h"
 #include "kit/controllers/TextButton.h"
 #include "kit/quartz/geometry.h"
+#include "kit/quartz/text_runs.h"
+#include "kit/quartz/text_size.h"
+#include "kit/seat.h"
 #include "kit/uikit/appearance.h"
 #include "platform/uikit/UINavigationController.h"
 
@@ -28,7 +31,7 @@ public:
         if (!UIView::initWithFrame(CGRectZero)) return nullptr;
         m_title = UILabel::alloc()->initWithFrame(CGRectZero);
         m_title->setText(item.title);
-        m_title->setFont(UIFont::boldSystemFontOfSize(17));
+        m_title->setFont(boldControlFont());
         m_title->setTextAlignment(NSTextAlignmentCenter);
         if (item.backTitle) {
             m_back = TextButton::alloc()->initWithTitle_kind(item.backTitle->empty() ? "Back" : *item.backTitle,
@@ -56,8 +59,16 @@ public:
             m_button->setFrame(CGRectMake(right - width, 0, width, size.height));
             right -= width + gap;
         }
-        const double titleWidth = std::ceil(m_title->sizeThatFits({1e6, 1e6}).width);
+        fitTitle(right - left);
+        double titleWidth = std::ceil(m_title->sizeThatFits({1e6, 1e6}).width);
         if (m_back) {
+            m_back->setTitleHidden(false);
+            const double whole = backMargin + m_back->sizeThatFits(size).width + gap + titleWidth;
+            if (controlTextScale() > 1 && whole > right) {
+                m_back->setTitleHidden(true);
+                fitTitle(right - backMargin - m_back->sizeThatFits(size).width - gap);
+                titleWidth = std::ceil(m_title->sizeThatFits({1e6, 1e6}).width);
+            }
             // A long way back gives room to the title, but never more than it takes to tell what it is.
             const double room = std::max(size.width * 0.3, right - titleWidth - backMargin - gap);
             const double width = std::min({m_back->sizeThatFits(size).width, room, size.width / 2});
@@ -71,6 +82,19 @@ public:
 
 private:
     BarItem() = default;
+
+    // Larger text than usual is as large as there is room for.
+    void fitTitle(double room) {
+        auto font = boldControlFont();
+        if (controlTextScale() > 1) {
+            const auto runs = textRuns(m_title->text(), font, nullptr);
+            const double natural = measureText(runs, 1e6, /*lines=*/1).size.width;
+            const double usual = font->pointSize() / controlTextScale();
+            if (natural > room)
+                font = UIFont::boldSystemFontOfSize(std::max(usual, std::floor(font->pointSize() * room / natural)));
+        }
+        if (m_title->font() != font) m_title->setFont(font);
+    }
 
     std::shared_ptr<UILabel> m_title;
     std::shared_ptr<TextButton> m_back; // nil at the root

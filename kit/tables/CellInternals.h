@@ -22,6 +22,8 @@ struct UITableViewCell::Internals {
     static void setPlace(UITableViewCell& cell, seat::CellPlace place);
     // Weak; nil for a cell in no table.
     static void setTable(UITableViewCell& cell, const std::shared_ptr<UITableView>& table);
+    // In a card of a width, when the text is larger than usual; it may be more than a line.
+    static double heightFor(const UITableViewCell& cell, double width);
     // The texts and the accessory come in softly; the card stays as it is.
     static void fadeContentIn(UITableViewCell& cell);
 };

@@ -1,12 +1,16 @@
 #include "kit/tables/CellParts.h"
 
 #include "kit/quartz/geometry.h"
+#include "kit/quartz/text_runs.h"
+#include "kit/quartz/text_size.h"
+#include "kit/seat.h"
 #include "kit/uikit/appearance.h"
 #include "platform/uikit/UIBezierPath.h"
 #include "platform/uikit/UIImage.h"
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace seat {
 
@@ -108,10 +112,55 @@ void CellContent::Text::setScale(double scale) {
     if (label->font() != shown) label->setFont(shown);
 }
 
+double CellContent::Text::height(double width) const {
+    return isEmpty() ? 0 : measureText(textRuns(label->text(), font(), nullptr), width, /*lines=*/0).size.height;
+}
+
+void CellContent::Text::setLines(int lines) const {
+    if (!label || label->numberOfLines() == lines) return;
+    label->setNumberOfLines(lines);
+}
+
+double CellContent::widthOfLine() const {
+    return sideMargin + m_title.width() + (m_value.isEmpty() ? 0 : labelGap + m_value.width());
+}
+
+bool CellContent::isStacked(double width) const { return textScale() > 1 && widthOfLine() > width; }
+
+double CellContent::textHeight(double width) const {
+    const double room = std::max(1.0, width - sideMargin);
+    if (!isStacked(width)) return std::max(m_title.height(1e6), m_value.height(1e6));
+    return m_title.height(room) + m_value.height(room);
+}
+
+void CellContent::setSpaceBelow(double points) {
+    if (std::exchange(m_spaceBelow, points) != points) setNeedsLayout();
+}
+
+// The title's lines, and below them the value's.
+void CellContent::layOutStacked(double room) {
+    const double titleHeight = std::ceil(m_title.height(room));
+    const double valueHeight = std::ceil(m_value.height(room));
+    const double height = bounds().size.height - m_spaceBelow;
+    const double top = std::max(0.0, std::floor((height - titleHeight - valueHeight) / 2));
+    m_title.label->setFrame(CGRectMake(sideMargin, top, room, titleHeight));
+    if (!m_value.label) return;
+    m_value.label->setTextAlignment(NSTextAlignmentLeft);
+    m_value.label->setFrame(CGRectMake(sideMargin, top + titleHeight, room, valueHeight));
+}
+
 void CellContent::layoutSubviews() {
     constexpr double leastScale = 0.8;
-    const CGSize size = bounds().size;
+    CGSize size = bounds().size;
     const double room = std::max(0.0, size.width - sideMargin);
+    const bool isLarge = isStacked(size.width);
+    if (isLarge) {
+        m_title.setLines(0);
+        m_value.setLines(0);
+        return layOutStacked(room);
+    }
+    if (m_value.label) m_value.label->setTextAlignment(NSTextAlignmentRight);
+    size.height -= m_spaceBelow;
     const double gap = m_value.isEmpty() ? 0 : labelGap;
     const auto setScale = [&](double scale) {
         m_title.setScale(scale);
@@ -122,14 +171,18 @@ void CellContent::layoutSubviews() {
     if (wanted + gap > room) setScale(std::max(leastScale, (room - gap) / wanted));
 
     double titleWidth = room;
+    double valueWidth = 0;
     if (!m_value.isEmpty()) {
         // The title goes first, but leaves the value a third of the row.
         const double left = room - gap - m_title.width();
-        const double width = std::max(0.0, std::min(m_value.width(), std::max(left, std::floor(room / 3))));
-        m_value.label->setFrame(CGRectMake(size.width - width, 0, width, size.height));
-        titleWidth = std::max(0.0, room - width - gap);
+        valueWidth = std::max(0.0, std::min(m_value.width(), std::max(left, std::floor(room / 3))));
+        m_value.label->setFrame(CGRectMake(size.width - valueWidth, 0, valueWidth, size.height));
+        titleWidth = std::max(0.0, room - valueWidth - gap);
     }
     m_title.label->setFrame(CGRectMake(sideMargin, 0, titleWidth, size.height));
+    // What is still too long goes on a second line; small as it is, a row has room for two.
+    m_title.setLines(m_title.width() > titleWidth ? 2 : 1);
+    m_value.setLines(!m_value.isEmpty() && m_value.width() > valueWidth ? 2 : 1);
 }
 
 } // namespace seat

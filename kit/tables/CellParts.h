@@ -55,7 +55,8 @@ private:
 };
 
 // The labels of a row: the title at the left, the value, where there is one, at the right. Text that finds no room is
-// set smaller, down to four fifths, before it is cut.
+// set smaller, down to four fifths, before it is cut; where the user wants larger text the value goes below the title
+// instead, both wrapped.
 class CellContent final : public UIView {
     NS_CLASS(CellContent)
 public:
@@ -66,6 +67,13 @@ public:
     const std::shared_ptr<UILabel>& value() const { return m_value.label; } // nil when there is none
     void layoutSubviews() override;
 
+    // On one line, with the margin before it.
+    double widthOfLine() const;
+    // Of the texts alone, at a width that the margin is part of.
+    double textHeight(double width) const;
+    // Room that is left free at the lower end.
+    void setSpaceBelow(double points);
+
 private:
     // A label and the font that it was given, whatever it is shown in.
     struct Text {
@@ -75,12 +83,18 @@ private:
 
         bool isEmpty() const { return !label || label->text().empty(); }
         double width() const;
+        double height(double width) const; // wrapped
         void setScale(double scale);
+        void setLines(int lines) const;
+        std::shared_ptr<UIFont> font() const { return label->font() == shown ? given : label->font(); }
     };
     CellContent() = default;
+    bool isStacked(double width) const;
+    void layOutStacked(double room);
 
     Text m_title;
     Text m_value;
+    double m_spaceBelow = 0;
 };
 
 } // namespace seat

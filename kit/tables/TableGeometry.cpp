@@ -28,7 +28,8 @@ void TableGeometry::setSections(std::vector<TableSection> sections) {
     m_places.assign(m_sections.size(), {});
 }
 
-void TableGeometry::layOut(double width, bool isGrouped, const Measure& measure) {
+void TableGeometry::layOut(double width, bool isGrouped, const Measure& measure, const MeasureRow& measureRow) {
+    m_rowHeight = heightForText(rowHeight);
     const double margin = isGrouped ? sideMargin : 0;
     m_cardWidth = std::max(0.0, std::min(width - 2 * margin, readableWidth));
     m_left = std::floor((width - m_cardWidth) / 2);
@@ -50,7 +51,13 @@ void TableGeometry::layOut(double width, bool isGrouped, const Measure& measure)
             if (isGrouped) place.headerTop = y - headerSpace - place.headerHeight;
         }
         place.rowsTop = y;
-        y += static_cast<double>(section.rows) * rowHeight;
+        double rowsHeight = static_cast<double>(section.rows) * m_rowHeight;
+        if (measureRow) {
+            rowsHeight = 0;
+            for (long row = 0; row < section.rows; ++row)
+                place.rowBottoms.push_back(rowsHeight += measureRow({static_cast<long>(i), row}, m_cardWidth));
+        }
+        y += rowsHeight;
         place.footerTop = y + footerSpace;
         if (!section.footer.empty()) {
             place.footerHeight = std::ceil(measure(section.footer, textWidth));
@@ -68,8 +75,28 @@ bool TableGeometry::contains(TableRow row) const {
 
 CGRect TableGeometry::rowRect(TableRow row) const {
     if (!contains(row)) return CGRectZero;
-    const double y = m_places[static_cast<std::size_t>(row.section)].rowsTop + static_cast<double>(row.row) * rowHeight;
-    return CGRectMake(m_left, y, m_cardWidth, rowHeight);
+    return CGRectMake(m_left, topOf(row), m_cardWidth, heightOf(row));
+}
+
+double TableGeometry::topOf(TableRow row) const {
+    const Place& place = m_places[static_cast<std::size_t>(row.section)];
+    if (place.rowBottoms.empty()) return place.rowsTop + static_cast<double>(row.row) * m_rowHeight;
+    return place.rowsTop + (row.row == 0 ? 0 : place.rowBottoms[static_cast<std::size_t>(row.row) - 1]);
+}
+
+double TableGeometry::heightOf(TableRow row) const {
+    const Place& place = m_places[static_cast<std::size_t>(row.section)];
+    if (place.rowBottoms.empty()) return m_rowHeight;
+    return place.rowsTop + place.rowBottoms[static_cast<std::size_t>(row.row)] - topOf(row);
+}
+
+long TableGeometry::rowAtDistance(long section, double distance) const {
+    const Place& place = m_places[static_cast<std::size_t>(section)];
+    const double rows = static_cast<double>(m_sections[static_cast<std::size_t>(section)].rows);
+    if (place.rowBottoms.empty())
+        return m_rowHeight > 0 ? static_cast<long>(std::clamp(std::floor(distance / m_rowHeight), -1.0, rows)) : -1;
+    if (distance < 0) return -1;
+    return std::upper_bound(place.rowBottoms.begin(), place.rowBottoms.end(), distance) - place.rowBottoms.begin();
 }
 
 CGRect TableGeometry::headerRect(long section) const {
@@ -94,18 +121,19 @@ std::pair<long, long> TableGeometry::sectionsIn(double top, double bottom) const
 
 std::pair<long, long> TableGeometry::rowsIn(long section, double top, double bottom) const {
     const Place& place = m_places[static_cast<std::size_t>(section)];
-    const double rows = static_cast<double>(m_sections[static_cast<std::size_t>(section)].rows);
-    const double first = std::clamp(std::floor((top - place.rowsTop) / rowHeight), 0.0, rows);
-    const double last = std::clamp(std::ceil((bottom - place.rowsTop) / rowHeight), first, rows);
-    return {static_cast<long>(first), static_cast<long>(last)};
+    const long rows = m_sections[static_cast<std::size_t>(section)].rows;
+    const long first = std::clamp(rowAtDistance(section, top - place.rowsTop), 0L, rows);
+    long last = std::clamp(rowAtDistance(section, bottom - place.rowsTop), first, rows);
+    // The one in which the stretch ends, unless it only touches it.
+    if (last < rows && topOf({section, last}) < bottom) ++last;
+    return {first, last};
 }
 
 std::optional<TableRow> TableGeometry::rowAt(double y) const {
-    const auto [first, last] = sectionsIn(y, y + rowHeight);
+    const auto [first, last] = sectionsIn(y, y + m_rowHeight);
     for (long section = first; section < last; ++section) {
-        const double row = std::floor((y - m_places[static_cast<std::size_t>(section)].rowsTop) / rowHeight);
-        if (row >= 0 && row < static_cast<double>(m_sections[static_cast<std::size_t>(section)].rows))
-            return TableRow{section, static_cast<long>(row)};
+        const TableRow row{section, rowAtDistance(section, y - m_places[static_cast<std::size_t>(section)].rowsTop)};
+        if (contains(row)) return row;
     }
     return std::nullopt;
 }

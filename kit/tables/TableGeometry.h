@@ -1,7 +1,7 @@
 #pragma once
 
-// Where the rows, headers and footers of a table stand. Pure arithmetic over section sizes: rows are all of one height,
-// so that any question takes a search over the sections, never a walk over the rows.
+// Where the rows, headers and footers of a table stand. Pure arithmetic over section sizes: any question takes a
+// search, never a walk over the rows, which are all of one height unless they are measured.
 
 #include "platform/quartz/CGGeometry.h"
 
@@ -31,8 +31,11 @@ public:
     using Measure = std::function<double(const std::string& text, double width)>;
 
     void setSections(std::vector<TableSection> sections);
-    // To be called again when the sections, the width or what stands above them change; until then all is at 0.
-    void layOut(double width, bool isGrouped, const Measure& measure);
+    // The height of a row in a card of a width.
+    using MeasureRow = std::function<double(TableRow row, double width)>;
+    // To be called again when the sections, the width or what stands above them change; until then all is at 0. Without
+    // `measureRow` rows are as high as a line of text wants them.
+    void layOut(double width, bool isGrouped, const Measure& measure, const MeasureRow& measureRow = {});
 
     const std::vector<TableSection>& sections() const { return m_sections; }
     bool contains(TableRow row) const;
@@ -63,10 +66,16 @@ private:
         double footerTop = 0;
         double footerHeight = 0;
         double bottom = 0;
+        std::vector<double> rowBottoms = {}; // below rowsTop; empty: all rows are of one height
     };
+
+    double topOf(TableRow row) const;
+    double heightOf(TableRow row) const;
+    long rowAtDistance(long section, double distance) const; // below rowsTop; may be beyond the rows
 
     std::vector<TableSection> m_sections;
     std::vector<Place> m_places;
+    double m_rowHeight = 0;
     double m_left = 0;
     double m_cardWidth = 0;
     double m_height = 0;

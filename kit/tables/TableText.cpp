@@ -12,7 +12,7 @@ TableText::~TableText() = default;
 std::shared_ptr<TableText> TableText::initWithRole(UIAccessibilityRole role) {
     if (!UILabel::initWithFrame(CGRectZero)) return nullptr;
     m_role = role;
-    setFont(UIFont::systemFontOfSize(13));
+    setFont(appearance::textFont(13));
     setTextColor(appearance::secondaryTextColor());
     setNumberOfLines(0);
     return self(this);

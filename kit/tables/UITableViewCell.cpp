@@ -1,6 +1,7 @@
 #include "platform/uikit/UITableViewCell.h"
 
 #include "kit/quartz/geometry.h"
+#include "kit/quartz/text_size.h"
 #include "kit/tables/CellInternals.h"
 #include "kit/tables/CellParts.h"
 #include "kit/uikit/appearance.h"
@@ -40,6 +41,40 @@ struct UITableViewCell::State {
     }
     // What stands at the right end, if anything.
     std::shared_ptr<UIView> accessory() const { return accessoryView ? accessoryView : mark; }
+
+    // A label there has the size that its text had when it was set.
+    CGSize accessorySize() const {
+        if (!accessory()) return {};
+        const bool isText = seat::textGeneration() > 0 && dynamic_cast<const UILabel*>(accessory().get());
+        return isText ? accessory()->sizeThatFits({1e6, 1e6}) : accessory()->bounds().size;
+    }
+    // Beside the accessory.
+    double contentWidth(double width) const {
+        return std::max(0.0, width - sideMargin - (accessory() ? accessorySize().width + labelGap : 0));
+    }
+    // A text at the right end goes below the title when that is larger and finds no room.
+    bool hasAccessoryBelow(double width) const {
+        return seat::textScale() > 1 && dynamic_cast<const UILabel*>(accessory().get()) &&
+               content->widthOfLine() > contentWidth(width);
+    }
+    double heightFor(double width) const {
+        if (hasAccessoryBelow(width))
+            return heightAroundText(content->textHeight(width - sideMargin) + accessorySize().height);
+        return heightAroundText(content->textHeight(contentWidth(width)));
+    }
+    void layOutAccessory(CGSize size) const {
+        const CGSize own = accessorySize();
+        if (!hasAccessoryBelow(size.width)) {
+            const double left = size.width - sideMargin - own.width;
+            accessory()->setFrame(
+                CGRectMake(roundToPixel(left), roundToPixel((size.height - own.height) / 2), own.width, own.height));
+            return;
+        }
+        const double text = std::ceil(content->textHeight(size.width - sideMargin));
+        const double top = std::floor((size.height - text - own.height) / 2) + text;
+        accessory()->setFrame(
+            CGRectMake(sideMargin, top, std::min(own.width, size.width - 2 * sideMargin), own.height));
+    }
 };
 
 UITableViewCell::UITableViewCell() : m_cell(std::make_unique<State>()) {}
@@ -126,15 +161,14 @@ void UITableViewCell::layoutSubviews() {
     const CGSize size = bounds().size;
     m_cell->card->setFrame(bounds());
     m_cell->pressedCard->setFrame(bounds());
-    double right = size.width - sideMargin;
-    if (const auto accessory = m_cell->accessory()) {
-        const CGSize own = accessory->bounds().size;
-        accessory->setFrame(CGRectMake(roundToPixel(right - own.width), roundToPixel((size.height - own.height) / 2),
-                                       own.width, own.height));
-        right -= own.width + labelGap;
-    }
-    m_cell->contentView->setFrame(CGRectMake(0, 0, std::max(0.0, right), size.height));
+    if (m_cell->accessory()) m_cell->layOutAccessory(size);
+    const bool isBelow = m_cell->hasAccessoryBelow(size.width);
+    m_cell->content->setSpaceBelow(isBelow ? m_cell->accessorySize().height : 0);
+    m_cell->contentView->setFrame(
+        CGRectMake(0, 0, isBelow ? size.width - sideMargin : m_cell->contentWidth(size.width), size.height));
     m_cell->isLayingOut = false;
+    if (seat::textScale() <= 1 || m_cell->heightFor(size.width) == size.height) return;
+    if (const auto table = m_cell->table.lock()) table->setNeedsLayout();
 }
 
 void UITableViewCell::subviewSizeChanged(UIView& subview) {
@@ -184,6 +218,8 @@ void CellInternals::setPlace(UITableViewCell& cell, seat::CellPlace place) {
 void CellInternals::setTable(UITableViewCell& cell, const std::shared_ptr<UITableView>& table) {
     cell.m_cell->table = table;
 }
+
+double CellInternals::heightFor(const UITableViewCell& cell, double width) { return cell.m_cell->heightFor(width); }
 
 void CellInternals::fadeContentIn(UITableViewCell& cell) {
     const auto content = cell.m_cell->contentView;

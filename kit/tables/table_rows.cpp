@@ -1,4 +1,5 @@
 #include "kit/quartz/geometry.h"
+#include "kit/quartz/text_size.h"
 #include "kit/tables/CellInternals.h"
 #include "kit/tables/TableText.h"
 #include "kit/tables/table_state.h"
@@ -34,24 +35,67 @@ void UITableView::State::layOut() {
     if (!isLaidOutForNow() || measured.size() > 5000) measured.clear();
     laidOutWidth = width;
     laidOutScale = UIScreen::mainScreen()->scale();
-    geometry.layOut(width, style == UITableViewStyleGrouped, [this](const std::string& text, double room) {
+    laidOutText = textGeneration();
+    const auto measureText = [this](const std::string& text, double room) {
         const auto [found, isNew] = measured.try_emplace(text);
         if (isNew) found->second = TableText::heightOf(text, room);
         return found->second;
-    });
+    };
+    const bool isGrouped = style == UITableViewStyleGrouped;
+    if (measuresRows()) {
+        // A data source that is asked for a cell may look at the table, which is as it was until then.
+        TableGeometry laidOut = geometry;
+        const auto before = generation;
+        isMeasuring = true;
+        laidOut.layOut(width, isGrouped, measureText,
+                       [this](TableRow row, double room) { return measuredHeight(row, room); });
+        isMeasuring = false;
+        if (generation != before) return; // it has changed the table instead
+        geometry = std::move(laidOut);
+    } else {
+        geometry.layOut(width, isGrouped, measureText);
+    }
     table.setContentSize(CGSizeMake(width, geometry.contentHeight()));
+}
+
+bool UITableView::State::measuresRows() const {
+    constexpr long most = 500; // beyond this they are of one height
+    if (textScale() <= 1 || isMeasuring) return false;
+    long rows = 0;
+    for (const TableSection& section : geometry.sections()) rows += std::min(section.rows, most + 1);
+    return rows <= most;
+}
+
+double UITableView::State::measuredHeight(TableRow row, double width) {
+    auto cell = cellAt(row);
+    const bool isNew = !cell;
+    if (isNew) cell = askForCell(row);
+    const double height = CellInternals::heightFor(*cell, width);
+    if (const auto pool = free.find(cell->reuseIdentifier()); isNew && pool != free.end()) pool->second.push_back(cell);
+    return height;
+}
+
+bool UITableView::State::areRowsOutgrown() const {
+    if (!measuresRows()) return false;
+    return std::ranges::any_of(items, [&](const auto& entry) {
+        const TableRow row{entry.first.section, entry.first.row};
+        if (entry.first.kind != TableItem::Kind::Row || !geometry.contains(row)) return false;
+        const auto& cell = static_cast<const UITableViewCell&>(*entry.second);
+        return CellInternals::heightFor(cell, geometry.cardWidth()) != geometry.rowRect(row).size.height;
+    });
 }
 
 void UITableView::State::update() {
     if (!isLoaded)
         askForSections();
-    else if (!isLaidOutForNow())
+    else if (!isLaidOutForNow() || areRowsOutgrown())
         layOut();
     showVisibleItems();
 }
 
 bool UITableView::State::isLaidOutForNow() const {
-    return laidOutWidth == table.bounds().size.width && laidOutScale == UIScreen::mainScreen()->scale();
+    return laidOutWidth == table.bounds().size.width && laidOutScale == UIScreen::mainScreen()->scale() &&
+           laidOutText == textGeneration();
 }
 
 void UITableView::State::showVisibleItems() {
@@ -87,13 +131,15 @@ void UITableView::State::showVisibleItems() {
 
 void UITableView::State::removeItemsOutside(double top, double bottom) {
     for (auto item = items.begin(); item != items.end();) {
-        const CGRect frame = item->second->frame();
         const TableRow row{item->first.section, item->first.row};
         const bool isCell = item->first.kind == TableItem::Kind::Row;
+        const bool exists = item->first.section < static_cast<long>(geometry.sections().size());
         // By its place in the data: what is drawn may still be on its way there.
-        const CGRect place = isCell && geometry.contains(row) ? geometry.rowRect(row) : frame;
-        const bool isInside = item->first.section < static_cast<long>(geometry.sections().size()) &&
-                              CGRectGetMaxY(place) > top && CGRectGetMinY(place) < bottom;
+        const CGRect place = !exists || (isCell && !geometry.contains(row)) ? item->second->frame()
+                             : isCell                                       ? geometry.rowRect(row)
+                             : item->first.kind == TableItem::Kind::Header  ? geometry.headerRect(row.section)
+                                                                            : geometry.footerRect(row.section);
+        const bool isInside = exists && CGRectGetMaxY(place) > top && CGRectGetMinY(place) < bottom;
         if (isInside) {
             ++item;
             continue;

@@ -36,6 +36,10 @@ struct UITableView::State {
     // Rows.
     void askForSections();
     void layOut();
+    // With large text rows are as high as their own text wants them: each is asked for its cell.
+    bool measuresRows() const;
+    double measuredHeight(seat::TableRow row, double width);
+    bool areRowsOutgrown() const; // a cell on screen wants another height than it has
     // Brings the cells on screen up to date with the data and the place; cheap when they are.
     void update();
     // As far as the table's width and the screen's pixels go.
@@ -93,6 +97,8 @@ struct UITableView::State {
     seat::TableGeometry geometry;
     double laidOutWidth = -1;
     double laidOutScale = 0; // of the screen: on pixels of another size texts have another height
+    unsigned laidOutText = 0; // its generation
+    bool isMeasuring = false;
     bool isLoaded = false;
     bool isShowing = false;
     std::uint64_t generation = 0; // of the data; a data source may change it while it is asked

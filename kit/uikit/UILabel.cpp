@@ -55,7 +55,7 @@ std::vector<seat::TextRun> runsOf(const UILabel& label) {
 
 } // namespace
 
-UILabel::UILabel() : m_font(UIFont::systemFontOfSize(17)), m_textColor(seat::appearance::textColor()) {}
+UILabel::UILabel() : m_font(seat::appearance::textFont(17)), m_textColor(seat::appearance::textColor()) {}
 UILabel::~UILabel() = default;
 
 std::shared_ptr<UILabel> UILabel::init() { return initWithFrame(CGRectZero); }
@@ -94,7 +94,7 @@ const std::shared_ptr<UIFont>& UILabel::font() const { return m_font; }
 
 void UILabel::setFont(std::shared_ptr<UIFont> font) {
     if (font == m_font) return;
-    m_font = font ? std::move(font) : UIFont::systemFontOfSize(17);
+    m_font = font ? std::move(font) : seat::appearance::textFont(17);
     textChanged();
 }
 

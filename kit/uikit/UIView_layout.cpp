@@ -1,5 +1,6 @@
 // Layout: autoresizing, the layout pass, intrinsic sizes, alignment rectangles.
 
+#include "kit/quartz/text_size.h"
 #include "kit/uikit/UIWindow.h"
 #include "kit/uikit/ViewInternals.h"
 #include "kit/uikit/WindowInternals.h"
@@ -43,6 +44,7 @@ bool ViewInternals::layoutOnce(UIView& view) {
     UIView::State& state = ViewInternals::state(view);
     if (state.needsLayout) {
         state.needsLayout = false;
+        state.laidOutText = seat::textGeneration();
         view.layoutSubviews();
         if (const auto controller = state.controller.lock()) controller->viewDidLayoutSubviews();
     }

@@ -1,5 +1,6 @@
 // The tree of views: who holds whom, and who is told.
 
+#include "kit/quartz/text_size.h"
 #include "kit/uikit/UIWindow.h"
 #include "kit/uikit/ViewInternals.h"
 #include "kit/uikit/WindowInternals.h"
@@ -23,6 +24,8 @@ unsigned indexOfLayer(const CALayer& parent, const CALayer* layer) {
 
 void tellMovedToWindow(UIView& view) {
     const auto keep = view.shared_from_this();
+    // Texts have another size than when it was last shown.
+    if (ViewInternals::state(view).laidOutText != seat::textGeneration()) view.setNeedsLayout();
     view.didMoveToWindow();
     for (const auto& subview : Subviews(view.subviews())) tellMovedToWindow(*subview);
 }

@@ -19,9 +19,9 @@ namespace seat {
 
 namespace {
 
-void layOutAnew(UIView& view) {
+void layOutTreeAnew(UIView& view) {
     view.setNeedsLayout();
-    for (const auto& subview : view.subviews()) layOutAnew(*subview);
+    for (const auto& subview : view.subviews()) layOutTreeAnew(*subview);
 }
 
 } // namespace
@@ -50,11 +50,16 @@ CGSize WindowScene::size() const { return m_window->bounds().size; }
 
 void WindowScene::resize(CGSize points, double scale) {
     // Lines are a pixel wide, and texts as high as their pixels: all of them have other sizes now.
-    if (scale != m_scale) layOutAnew(*m_window);
+    if (scale != m_scale) layOutTreeAnew(*m_window);
     m_scale = scale;
     setMainScreen(points, scale);
     m_window->setFrame({{0, 0}, points});
     layerNeedsRepaint(m_window->bounds());
+}
+
+void WindowScene::layOutAnew() {
+    layOutTreeAnew(*m_window);
+    repaint();
 }
 
 void WindowScene::setNeedsFrame(std::function<void()> callback) {

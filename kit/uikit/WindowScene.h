@@ -33,6 +33,8 @@ public:
     void resize(CGSize points, double scale);
     // All of it: its colours are others now.
     void repaint() { layerNeedsRepaint(m_window->bounds()); }
+    // All of it: its texts have another size or another face now.
+    void layOutAnew();
 
     // Called once when there is something to do for a frame; not again before the next prepareFrame().
     void setNeedsFrame(std::function<void()> callback);

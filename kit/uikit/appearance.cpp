@@ -1,8 +1,10 @@
 #include "kit/uikit/appearance.h"
 
+#include "kit/quartz/text_size.h"
 #include "kit/uikit/contrast.h"
 #include "platform/uikit/UIScreen.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <utility>
@@ -101,6 +103,8 @@ constexpr ColorTable darkColorsHighContrast{{
     greyOf(1, 0.8),     // indicator
 }};
 
+double upToFour(double points) { return std::ceil(points / 4) * 4; }
+
 double pixelsPerPoint() {
     const double scale = UIScreen::mainScreen()->scale();
     return scale > 0 ? scale : 1;
@@ -166,6 +170,22 @@ const std::shared_ptr<UIColor>& markColor() { return namedColor(ColorName::Mark)
 const std::shared_ptr<UIColor>& switchOnColor() { return namedColor(ColorName::SwitchOn); }
 const std::shared_ptr<UIColor>& focusRingColor() { return namedColor(ColorName::FocusRing); }
 const std::shared_ptr<UIColor>& indicatorColor() { return namedColor(ColorName::Indicator); }
+
+std::shared_ptr<UIFont> textFont(double pointSize) { return FontInternals::textFont(pointSize, /*bold*/ false); }
+std::shared_ptr<UIFont> boldTextFont(double pointSize) { return FontInternals::textFont(pointSize, /*bold*/ true); }
+std::shared_ptr<UIFont> controlFont() { return FontInternals::controlFont(17, /*bold*/ false); }
+std::shared_ptr<UIFont> boldControlFont() { return FontInternals::controlFont(17, /*bold*/ true); }
+
+double heightForText(double usualHeight) {
+    constexpr double lineHeight = 20; // of text of 17 points
+    return upToFour(usualHeight + lineHeight * std::max(0.0, textScale() - 1));
+}
+
+double heightAroundText(double textHeight) {
+    constexpr double space = 24; // above and below, together
+    const bool isOneLine = textHeight < 1.5 * textFont(17)->lineHeight();
+    return isOneLine ? heightForText(rowHeight) : upToFour(textHeight + space);
+}
 
 double hairline() { return 1 / pixelsPerPoint(); }
 

@@ -3,13 +3,14 @@
 // The measures and colours that tables, bars and alerts share. Points.
 
 #include "platform/uikit/UIColor.h"
+#include "platform/uikit/UIFont.h"
 
 #include <memory>
 #include <optional>
 
 namespace seat::appearance {
 
-inline constexpr double rowHeight = 44;
+inline constexpr double rowHeight = 44; // at the usual text size; more: heightForText
 inline constexpr double barHeight = 44;
 inline constexpr double sideMargin = 16;     // from the window's edge to a card, from a card's edge to its text
 inline constexpr double readableWidth = 600; // rows grow no wider
@@ -45,6 +46,18 @@ const std::shared_ptr<UIColor>& markColor();     // chevrons, the track of a swi
 const std::shared_ptr<UIColor>& switchOnColor(); // the track of a switch that is on
 const std::shared_ptr<UIColor>& focusRingColor();
 const std::shared_ptr<UIColor>& indicatorColor(); // of what is scrolled
+
+// Fonts of what grows with the size that the user wants text to have. In bars and on buttons it grows half as much:
+// they keep their height.
+std::shared_ptr<UIFont> textFont(double pointSize);
+std::shared_ptr<UIFont> boldTextFont(double pointSize);
+std::shared_ptr<UIFont> controlFont();
+std::shared_ptr<UIFont> boldControlFont();
+// Of what is as high as one line of 17 points and the space around it, when the text is larger; whole fours, which are
+// whole pixels at quarter scales too.
+double heightForText(double usualHeight);
+// The same for text of a line's height or more.
+double heightAroundText(double textHeight);
 
 // What is disabled is faded to this; its text keeps a contrast of 3 on page and card.
 inline constexpr double disabledAlpha = 0.75;

@@ -67,6 +67,35 @@ class DesktopLook(unittest.TestCase):
         self.wait_for_ground("a light page", lambda level: 200 < level < 250)
         self.assertEqual(self.app.close(), 0)
 
+    def row_height(self):
+        return self.app.find(role="list item", name="Pair Controller").extents[3]
+
+    def stop_portal(self):
+        self.portal.kill()
+        self.portal.wait()
+
+    def test_text_is_as_large_as_the_portal_says_at_the_start_and_while_running(self):
+        self.start_portal("0", "0", "text=2")
+        self.start()
+        wait_for("large rows", lambda: self.row_height() > 60)
+        self.say("0 0 text=1")
+        wait_for("rows as usual", lambda: self.row_height() == 44)
+        self.say("0 0 text=1.5")
+        wait_for("larger rows", lambda: 50 < self.row_height() < 60)
+        self.assertEqual(self.app.close(), 0)
+
+        # The next start has it from the beginning: this portal says nothing at all.
+        self.stop_portal()
+        self.start_portal("0", "0", "silent")
+        self.start()
+        self.assertTrue(50 < self.row_height() < 60, self.row_height())
+        self.assertEqual(self.app.close(), 0)
+
+        self.stop_portal()
+        self.start()
+        wait_for("rows as usual where no portal is", lambda: self.row_height() == 44)
+        self.assertEqual(self.app.close(), 0)
+
     def daemon(self):
         children = subprocess.run(["pgrep", "-P", str(self.app.process.pid), "-x", "jvnd"], text=True,
                                   capture_output=True, check=True)

@@ -1,5 +1,5 @@
-"""A desktop's settings portal that says what its arguments say: SCHEME CONTRAST [no-accent]. Each line "SCHEME CONTRAST" on its
-standard input changes that, and tells everybody.
+"""A desktop's settings portal that says what its arguments say: SCHEME CONTRAST [no-accent] [text=FACTOR] [silent]. Each line of
+the same kind on its standard input changes that, and tells everybody. A silent one answers nobody.
 
 Says "ready" when it has its name.
 """
@@ -12,6 +12,7 @@ NAME = "org.freedesktop.portal.Desktop"
 PATH = "/org/freedesktop/portal/desktop"
 INTERFACE = "org.freedesktop.portal.Settings"
 SPACE = "org.freedesktop.appearance"
+TEXT_SPACE = "org.gnome.desktop.interface"
 DESCRIPTION = f"""<node><interface name="{INTERFACE}">
   <method name="ReadAll"><arg type="as" direction="in"/><arg type="a{{sa{{sv}}}}" direction="out"/></method>
   <signal name="SettingChanged"><arg type="s"/><arg type="s"/><arg type="v"/></signal>
@@ -26,18 +27,25 @@ def values(words):
     return wanted
 
 
+def text_values(words):
+    return {"text-scaling-factor": GLib.Variant("d", float(word.split("=")[1])) for word in words if word.startswith("text=")}
+
+
 def main():
     bus = Gio.bus_get_sync(Gio.BusType.SESSION)
     now = values(sys.argv[1:])
+    text = text_values(sys.argv[1:])
 
     def call(_connection, _sender, _path, _interface, _method, _arguments, invocation):
-        invocation.return_value(GLib.Variant("(a{sa{sv}})", ({SPACE: now},)))
+        if "silent" not in sys.argv:
+            invocation.return_value(GLib.Variant("(a{sa{sv}})", ({SPACE: now, TEXT_SPACE: text},)))
 
     def line(_source, _condition):
         words = sys.stdin.readline().split()
         if not words:
             return False
         now.update(values(words))
+        text.update(text_values(words))
         bus.emit_signal(None, PATH, INTERFACE, "SettingChanged",
                         GLib.Variant("(ssv)", (SPACE, "color-scheme", now["color-scheme"])))
         return True
