@@ -167,8 +167,12 @@ void CellContent::layoutSubviews() {
         if (m_value.label) m_value.setScale(scale);
     };
     setScale(1);
-    const double wanted = m_title.width() + (m_value.isEmpty() ? 0 : m_value.width());
-    if (wanted + gap > room) setScale(std::max(leastScale, (room - gap) / wanted));
+    const auto wanted = [&] { return m_title.width() + (m_value.isEmpty() ? 0 : m_value.width()); };
+    // Letters have whole sizes in pixels, so that a text may stay wider than its share.
+    for (double scale = (room - gap) / wanted(); wanted() + gap > room; scale -= 0.03) {
+        setScale(std::max(leastScale, scale));
+        if (scale <= leastScale) break;
+    }
 
     double titleWidth = room;
     double valueWidth = 0;
