@@ -2,6 +2,7 @@
 
 #include "app/DaemonWatch.h"
 #include "app/NoticeBoard.h"
+#include "app/PreferencesWatch.h"
 #include "app/StatusNotices.h"
 #include "app/help/ActionTarget.h"
 #include "app/introduction.h"
@@ -11,6 +12,7 @@
 #include "kit/controllers/ControllerInternals.h"
 #include "kit/controllers/TextButton.h"
 #include "kit/settings_framework/bundle.h"
+#include "kit/settings_framework/stored_values.h"
 #include "kit/uikit/front_controller.h"
 #include "kit/uikit/url_opener.h"
 #include "platform/dispatch.h"
@@ -38,6 +40,8 @@ app::SettingsPage::SettingsPage(const Bundle& bundle, Class principalClass, CGSi
     seat::setPreferencesNoticeHandler([this](const seat::PreferencesNotice& notice) { sayOfPreferences(notice); });
     m_navigation = UINavigationController::alloc()->initWithRootViewController(page);
     m_scene.window()->setRootViewController(m_navigation);
+    m_preferences = std::make_unique<PreferencesWatch>(seat::hostPath("/var/mobile/Library/Preferences"),
+                                                       [this] { seat::showStoredValues(*m_navigation); });
 }
 
 app::SettingsPage::~SettingsPage() { close(); }
@@ -209,6 +213,7 @@ std::string app::SettingsPage::title() const {
 void app::SettingsPage::close() {
     m_lives = nullptr;
     m_listeners.clear();
+    m_preferences.reset();
     m_daemon.reset();
     m_statusNotices.reset();
     m_help.reset();

@@ -24,6 +24,7 @@ namespace app {
 class ActionTarget;
 class DaemonWatch;
 class NoticeBoard;
+class PreferencesWatch;
 class StatusNotices;
 struct Notice;
 
@@ -74,6 +75,7 @@ private:
     seat::WindowScene m_scene;
     std::shared_ptr<UINavigationController> m_navigation;
     std::unique_ptr<NoticeBoard> m_notices;
+    std::unique_ptr<PreferencesWatch> m_preferences;
     bool m_hasInstalledDaemon = false;
     bool m_wasDaemonAbsent = false;        // which was told
     std::unique_ptr<DaemonWatch> m_daemon; // these four: nil while no help was offered

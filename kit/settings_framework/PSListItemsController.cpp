@@ -33,6 +33,18 @@ PSListItemsController::tableView_cellForRowAtIndexPath(UITableView&, const std::
     return cell;
 }
 
+void PSListItemsController::showChosen() {
+    if (isViewLoaded()) check(seat::choiceOf(seat::choicesOf(*m_specifier), seat::shownValue(m_specifier)));
+}
+
+void PSListItemsController::check(std::optional<std::size_t> chosen) {
+    const auto& table = tableView();
+    for (long row = 0; row < table->numberOfRowsInSection(0); ++row)
+        if (const auto cell = table->cellForRowAtIndexPath(NSIndexPath::indexPathForRow_inSection(row, 0)))
+            cell->setAccessoryType(chosen == static_cast<std::size_t>(row) ? UITableViewCellAccessoryType::Checkmark
+                                                                           : UITableViewCellAccessoryType::None);
+}
+
 std::string PSListItemsController::tableView_titleForFooterInSection(UITableView&, long) {
     return seat::textOf(m_specifier->propertyForKey("footerText"));
 }
@@ -44,10 +56,7 @@ void PSListItemsController::tableView_didSelectRowAtIndexPath(UITableView& table
     if (index >= choices.size()) return;
     const auto keepAlive = shared_from_this();
     seat::storeValue(m_specifier, choices[index].value);
-    for (long row = 0; row < tableView.numberOfRowsInSection(0); ++row)
-        if (const auto cell = tableView.cellForRowAtIndexPath(NSIndexPath::indexPathForRow_inSection(row, 0)))
-            cell->setAccessoryType(row == indexPath->row() ? UITableViewCellAccessoryType::Checkmark
-                                                           : UITableViewCellAccessoryType::None);
+    check(index);
     tableView.deselectRowAtIndexPath_animated(indexPath, /*animated=*/true);
     if (const auto page = m_page.lock()) page->reloadSpecifier(m_specifier);
     if (const auto navigation = navigationController()) navigation->popViewControllerAnimated(/*animated=*/true);

@@ -16,7 +16,10 @@ id shownValue(const std::shared_ptr<PSSpecifier>& row) {
 
 void storeValue(const std::shared_ptr<PSSpecifier>& row, const id& value) {
     const auto target = row->target();
-    if (target && row->setter()) objc_msgSend(*target, row->setter(), {value, id(row)});
+    if (!target || !row->setter()) return;
+    objc_msgSend(*target, row->setter(), {value, id(row)});
+    // The cell shows it already.
+    row->setProperty_forKey(value, "value");
 }
 
 std::string textOf(const id& value) {

@@ -96,7 +96,7 @@ struct UITableView::State {
 
     seat::TableGeometry geometry;
     double laidOutWidth = -1;
-    double laidOutScale = 0; // of the screen: on pixels of another size texts have another height
+    double laidOutScale = 0;  // of the screen: on pixels of another size texts have another height
     unsigned laidOutText = 0; // its generation
     bool isMeasuring = false;
     bool isLoaded = false;

@@ -18,7 +18,7 @@ struct UIView::State {
     std::uint64_t identity = 0; // 0 until assistive technology asks
     bool userInteractionEnabled = true;
     unsigned laidOutText = 0; // the generation of texts that the last layout was made for
-    bool needsLayout = true; // a view is laid out once before it is first seen
+    bool needsLayout = true;  // a view is laid out once before it is first seen
     bool descendantNeedsLayout = false;
     bool modal = false;
     bool hidesElements = false; // from assistive technology
