@@ -14,15 +14,16 @@ namespace app {
 
 class NoticeView;
 
-// What can be told, the weightiest first; of several that are true the first is shown.
+// What can be told, the weightiest first; of several that are true the first is shown. What becomes of what the user
+// has just done goes before what is so by itself.
 enum class NoticeKind {
     PreferencesMovedAside,
     SettingNotStored,
+    ToolFailed,
+    NotOpened,
     DaemonEnded,
     DaemonAbsent,
     ResourceDamaged,
-    ToolFailed,
-    NotOpened,
     CannotPlay,
     BluetoothAway,
     ReadyToPlay,

@@ -15,10 +15,15 @@ constexpr double phoneWidth = 384;
 constexpr double leastHeightOfWidth = 1.5; // the shapes of phones, from the oldest to today's
 constexpr double mostHeightOfWidth = 2;
 constexpr double fingerRoom = 24; // at each side of what is scrolled
+constexpr double widthStep = 16;  // of phones' widths, which screens of equal parts fill without a rest
+constexpr double roundingError = 1e-6;
 
 CGSize phoneShape(CGSize area) {
     double width = std::min(area.width, phoneWidth);
-    if (area.height < width * leastHeightOfWidth) width = std::min(phoneWidth, area.width - 2 * fingerRoom);
+    if (area.height < width * leastHeightOfWidth) {
+        const double room = area.width - 2 * fingerRoom;
+        width = std::min(phoneWidth, std::max(std::floor((room + roundingError) / widthStep), 1.0) * widthStep);
+    }
     return {width,
             std::clamp(area.height, std::ceil(width * leastHeightOfWidth), std::floor(width * mostHeightOfWidth))};
 }

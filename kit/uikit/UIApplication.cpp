@@ -35,8 +35,8 @@ void UIApplication::handleKeyUIEvent(const std::shared_ptr<UIKeyEvent>& event) {
 
 bool UIApplication::openURL(const std::string& url) {
     const auto opener = urlOpener();
-    if (opener && opener(url)) return true;
-    NSLog("open URL: %s: no browser could be started", url.c_str());
+    if (opener) return opener(url);
+    NSLog("open URL: %s: nobody opens addresses", url.c_str());
     return false;
 }
 

@@ -103,6 +103,21 @@ TEST_F(SettingsPageTest, AToolThatIsMissingIsSaidUntilOneRuns) {
     EXPECT_FALSE(find(UIAccessibilityRole::Alert));
 }
 
+TEST_F(SettingsPageTest, WhatBecomesOfATapIsSaidBeforeTheDaemonsAbsence) {
+    const auto* const absent = find(UIAccessibilityRole::Alert);
+    ASSERT_TRUE(absent && absent->name.find("daemon does not answer") != std::string::npos);
+    const std::size_t lines = log.lines().size();
+
+    EXPECT_FALSE(UIApplication::sharedApplication()->openURL("gopher://a.example/")); // no browser's
+
+    const auto* const notice = find(UIAccessibilityRole::Alert);
+    ASSERT_TRUE(notice);
+    EXPECT_TRUE(notice->name.ends_with("Open this in one yourself: gopher://a.example/")) << notice->name;
+    EXPECT_EQ(log.lines().size(), lines + 1);
+    ASSERT_TRUE(tap(UIAccessibilityRole::Button, "Close"));
+    ASSERT_TRUE(find(UIAccessibilityRole::Alert)) << "which is true still";
+}
+
 TEST_F(SettingsPageTest, AToolThatEndsBadlyIsSaidAndOneThatIsInterruptedIsNot) {
     page->notices().withdraw(app::NoticeKind::DaemonAbsent);
     startSearch();

@@ -47,6 +47,14 @@ TEST_F(Place, AScreenIsScrolledInALowWindowWithRoomForTheFingerBesideIt) {
     EXPECT_EQ(shown(*part), CGRectMake(24, 212, 272, 28)) << "at the window's lower edge";
 }
 
+TEST_F(Place, AScreenThatIsScrolledHasAPhonesWidthWhateverTheWindowsScale) {
+    const auto widthIn = [this](double window) { return pushInto({window, 400})->view()->bounds().size.width; };
+
+    EXPECT_EQ(widthIn(380), 320);
+    EXPECT_EQ(widthIn(440 / 1.1), 352); // which a double holds as a little less than 400
+    EXPECT_EQ(widthIn(2000), 384);
+}
+
 TEST_F(Place, AScreenIsScrolledBelowTheBar) {
     const auto b = pushInto({720, 360});
     const auto part = UIView::alloc()->initWithFrame({{0, 44}, {384, 100}});
