@@ -42,6 +42,12 @@ void ChildOutput::readWhatIsThere() {
     }
 }
 
+void ChildOutput::finish() {
+    readWhatIsThere();
+    // Somebody whom the tool has started may have the other end still.
+    if (!m_line.empty()) logLine();
+}
+
 void ChildOutput::take(std::string_view text) {
     for (const char c : text) {
         if (m_lines > mostLoggedLines) return;

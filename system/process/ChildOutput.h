@@ -17,9 +17,11 @@ public:
     ChildOutput(const ChildOutput&) = delete;
     ChildOutput& operator=(const ChildOutput&) = delete;
 
-    void readWhatIsThere();
+    // The tool has ended: logs what it has written until then, its last line included.
+    void finish();
 
 private:
+    void readWhatIsThere();
     void take(std::string_view text);
     void logLine();
     void stop();

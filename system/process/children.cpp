@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <chrono>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <poll.h>
@@ -68,6 +69,18 @@ void finishLoading(int identifier, const std::function<void(int)>& couldNotLoad)
     if (error != 0 && couldNotLoad) couldNotLoad(error);
 }
 
+// A tool's guard ends by itself once the tool has.
+void awaitGuard(Descriptor guard) {
+    if (!guard) return;
+    const auto kept = std::make_shared<Descriptor>(std::move(guard));
+    const auto source = std::make_shared<SourceToken>();
+    *source = addReadableSource(kept->get(), [kept, source] {
+        ::siginfo_t information{};
+        ::waitid(P_PIDFD, static_cast<::id_t>(kept->get()), &information, WEXITED | WNOHANG);
+        removeSource(*source);
+    });
+}
+
 int signalLocked(int identifier, Child& child, int signal) {
     if (signal != 0) child.wasSignalled = true;
     // Its group has its number for as long as it has not been reaped.
@@ -86,7 +99,7 @@ void reapChild(int identifier) {
     const bool isTool = found->second.kind == ChildKind::Tool;
     const bool wasSignalled = found->second.wasSignalled;
     const auto whenEnded = std::move(found->second.whenEnded);
-    if (found->second.output) found->second.output->readWhatIsThere();
+    if (found->second.output) found->second.output->finish();
     {
         // Under the lock, so that nobody signals the identifier once it may be somebody else's.
         const std::lock_guard lock(children.mutex);
@@ -117,6 +130,7 @@ void seat::adoptChild(SpawnedChild child, std::function<void(int)> couldNotLoad,
         kept->loading = std::move(child.loading);
         kept->whenEnded = std::move(ended);
     }
+    awaitGuard(std::move(child.guard));
     if (child.output) kept->output.emplace(std::move(child.output), kept->name);
     if (kept->loading)
         kept->loaded = addReadableSource(kept->loading.get(),

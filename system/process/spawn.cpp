@@ -1,13 +1,14 @@
 #include "system/process/spawn.h"
 
+#include "system/process/fork_child.h"
 #include "system/process/pidfd.h"
+#include "system/process/tool_guard.h"
 
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/prctl.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace {
@@ -51,11 +52,6 @@ struct Program {
     ::_exit(127);
 }
 
-void reap(::pid_t child) {
-    while (::waitpid(child, nullptr, 0) < 0 && errno == EINTR) {
-    }
-}
-
 seat::SpawnedChild failed(int error) {
     seat::SpawnedChild child;
     child.error = error;
@@ -95,19 +91,13 @@ seat::SpawnedChild seat::spawn(ChildKind kind, const std::string& realPath, cons
                           .output = written.get(),
                           .parent = ::getpid()};
 
-    // No handler of ours may run in the child before it has given them up.
-    ::sigset_t all;
-    ::sigset_t before;
-    ::sigfillset(&all);
-    ::pthread_sigmask(SIG_SETMASK, &all, &before);
-    const ::pid_t identifier = ::fork();
-    const int forkError = errno;
+    const ::pid_t identifier = forkChild();
     if (identifier == 0) becomeProgram(program, report.get());
-    ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
-    if (identifier < 0) return failed(forkError);
+    if (identifier < 0) return failed(errno);
     // From both sides, so that the group is there whoever comes first.
     if (kind == ChildKind::Tool) ::setpgid(identifier, identifier);
     report.reset();
+    written.reset();
 
     SpawnedChild child;
     child.kind = kind;
@@ -125,11 +115,10 @@ seat::SpawnedChild seat::spawn(ChildKind kind, const std::string& realPath, cons
     ::pollfd wait{loading.get(), POLLIN, 0};
     if (::poll(&wait, 1, static_cast<int>(timeout.count())) <= 0) {
         child.loading = std::move(loading);
-        return child;
-    }
-    if (const int error = loadingResult(loading)) {
+    } else if (const int error = loadingResult(loading)) {
         reap(identifier); // it is ending, with nothing left to do
         return failed(error);
     }
+    if (kind == ChildKind::Tool) child.guard = startToolGuard(identifier, child.process);
     return child;
 }

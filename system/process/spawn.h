@@ -10,7 +10,7 @@
 namespace seat {
 
 enum class ChildKind {
-    Tool,    // ours: a process group of its own, interrupted when we die, its output ours to read
+    Tool,    // ours: a process group of its own, which does not outlive us, its output ours to read
     Program, // the user's: it outlives us, and writes where we do
 };
 
@@ -24,6 +24,7 @@ struct SpawnedChild {
     // program runs. None when the program runs already.
     Descriptor loading;
     Descriptor output; // a tool's: what it writes, not waited for
+    Descriptor guard;  // a tool's: another child, readable when it has ended, soon after the tool (tool_guard.h)
 };
 
 // Starts the program at a real path with the arguments that follow its name: default signal dispositions, an empty

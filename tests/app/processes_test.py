@@ -84,13 +84,16 @@ class Processes(unittest.TestCase):
             service.listen()
             self.assert_opens_what_is_missing([JVNINPUT, "watch", "--socket", path])
 
-    def pair(self, tool, steps):
-        """Plays a tour in which that tool pairs; what is said on standard error, and the tour's log."""
+    def put_tool(self, script):
         os.makedirs(os.path.join(self.root, "usr/bin"))
         path = os.path.join(self.root, "usr/bin/jvndiscovery")
         with open(path, "w") as file:
-            file.write("#!/bin/sh\n" + tool)
+            file.write("#!/bin/sh\n" + script)
         os.chmod(path, 0o755)
+
+    def pair(self, tool, steps):
+        """Plays a tour in which that tool pairs; what is said on standard error, and the tour's log."""
+        self.put_tool(tool)
         bundle = os.path.join(self.folder, "Joyvane.bundle")
         shutil.copytree(BUNDLE, bundle)
         with open(os.path.join(bundle, "tour.txt"), "w") as script:
@@ -137,10 +140,17 @@ class Processes(unittest.TestCase):
         # The shell has its script at 10, and ls the folder that it lists.
         self.assertEqual(re.findall(r"(\d+) -> (?!/proc/)(?!.*jvndiscovery$)", links, re.MULTILINE), ["0", "1", "2"], links)
 
-    @unittest.skipUnless(hasattr(os, "pidfd_open"), "this Python cannot watch a process")
     def test_a_killed_page_leaves_no_pairing_tool(self):
         os.makedirs(os.path.join(self.root, "usr/bin"))
         os.symlink(JVNDISCOVERY, os.path.join(self.root, "usr/bin/jvndiscovery"))
+        self.assert_killed_page_leaves_no_tool()
+
+    def test_a_killed_page_leaves_no_deaf_pairing_tool(self):
+        self.put_tool("trap '' INT TERM HUP\necho >\"$JOYVANE_ROOT/deaf\"\nexec sleep 1000\n")
+        self.assert_killed_page_leaves_no_tool(lambda: os.path.exists(os.path.join(self.root, "deaf")))
+
+    @unittest.skipUnless(hasattr(os, "pidfd_open"), "this Python cannot watch a process")
+    def assert_killed_page_leaves_no_tool(self, is_ready=lambda: True):
         bundle = os.path.join(self.folder, "Joyvane.bundle")
         shutil.copytree(BUNDLE, bundle)
         with open(os.path.join(bundle, "tour.txt"), "w") as script:
@@ -153,6 +163,7 @@ class Processes(unittest.TestCase):
             with open(children) as file:
                 return file.read().split()
         tool = os.pidfd_open(int(wait_for("the tool", child)[0]))
+        wait_for("the tool to get going", is_ready)
         try:
             process.kill()
             process.wait()

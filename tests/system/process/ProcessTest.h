@@ -11,6 +11,7 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <string>
+#include <sys/wait.h>
 
 // The real path of the program that is launched.
 extern const char* const launchedTool;
@@ -23,11 +24,19 @@ protected:
         std::filesystem::create_directories(m_folder.file("usr/bin"));
         std::filesystem::create_symlink(launchedTool, m_folder.file("usr/bin/tool"));
     }
-    ~ProcessTest() override { seat::setRoot(""); }
+    ~ProcessTest() override {
+        m_loop.runUntil(hasNoChild, 5);
+        seat::setRoot("");
+    }
 
     static std::shared_ptr<NSTask> launch(const std::vector<std::string>& arguments,
                                           const std::string& path = "/usr/bin/tool") {
         return NSTask::launchedTaskWithLaunchPath_arguments(path, arguments);
+    }
+    // None that runs, and none that waits to be reaped.
+    static bool hasNoChild() {
+        ::siginfo_t information{};
+        return ::waitid(P_ALL, 0, &information, WEXITED | WNOHANG | WNOWAIT) == -1;
     }
     // Neither running nor waiting to be reaped.
     static bool isGone(int identifier) { return !std::filesystem::exists("/proc/" + std::to_string(identifier)); }

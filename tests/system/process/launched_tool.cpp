@@ -3,6 +3,8 @@
 // launched_tool exit CODE
 // launched_tool say COUNT: so many lines to the standard output, then "last" to the standard error.
 // launched_tool deaf FILE: ignores interrupts from when FILE is there.
+// launched_tool tidy READY FILE: READY is there when it waits for an interrupt, FILE when it has come.
+// launched_tool leave FILE: as family, but ends by itself, with an unfinished line written.
 // launched_tool family FILE: FILE gets the number of a child that waits as this does.
 
 #include <csignal>
@@ -67,10 +69,20 @@ int main(int argc, char** argv) {
         writeWhole(argv[2], ::getpid());
         waitForever();
     }
-    if (task == "family" && argc > 2) {
+    if (task == "tidy" && argc > 3) {
+        ::sigset_t interrupt;
+        ::sigemptyset(&interrupt);
+        ::sigaddset(&interrupt, SIGINT);
+        ::sigprocmask(SIG_BLOCK, &interrupt, nullptr);
+        writeWhole(argv[2], ::getpid());
+        int signal = 0;
+        if (::sigwait(&interrupt, &signal) == 0) writeWhole(argv[3], ::getpid());
+    }
+    if ((task == "family" || task == "leave") && argc > 2) {
         const ::pid_t child = ::fork();
         if (child != 0) writeWhole(argv[2], child);
-        waitForever();
+        if (child == 0 || task == "family") waitForever();
+        std::printf("unfinished");
     }
     return task == "exit" && argc > 2 ? std::atoi(argv[2]) : 0;
 }

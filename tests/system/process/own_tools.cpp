@@ -26,6 +26,26 @@ protected:
         std::string number, name, state;
         return (status >> number >> name >> state) && state != "Z";
     }
+    // A tool of a process that is killed as soon as the tool has said that it is `ready`, a file; 0 if there is none.
+    ::pid_t toolOfAKilledProcess(const std::vector<std::string>& arguments, const std::string& ready = {}) {
+        int ends[2];
+        if (::pipe2(ends, O_CLOEXEC) != 0) return 0;
+        const ::pid_t parent = ::fork();
+        if (parent == 0) {
+            const auto child = seat::spawn(seat::ChildKind::Tool, seat::hostPath("/usr/bin/tool"), arguments, {},
+                                           std::chrono::milliseconds(10'000));
+            [[maybe_unused]] const auto written = ::write(ends[1], &child.identifier, sizeof child.identifier);
+            for (;;) ::pause();
+        }
+        ::pid_t tool = 0;
+        if (::read(ends[0], &tool, sizeof tool) != sizeof tool || !runs(tool)) tool = 0;
+        if (!ready.empty() && numberIn(ready) == 0) tool = 0;
+        ::kill(parent, SIGKILL);
+        ::waitpid(parent, nullptr, 0);
+        ::close(ends[0]);
+        ::close(ends[1]);
+        return tool;
+    }
     // What a tool has written into the file by now; waits until there is one.
     int numberIn(const std::string& file) {
         int number = 0;
@@ -42,6 +62,14 @@ TEST_F(OwnTools, WhatAToolWritesIsLoggedUnderItsName) {
     EXPECT_EQ(1u, m_log.count("tool: line 0"));
     EXPECT_EQ(1u, m_log.count("tool: line 1"));
     EXPECT_EQ(1u, m_log.count("tool: last"));
+}
+
+TEST_F(OwnTools, TheLastLineIsLoggedThoughAChildOfTheToolsWritesOn) {
+    EXPECT_TRUE(goes(*launch({"leave", m_folder.file("child")})));
+    m_loop.runUntil([&] { return m_log.count("tool: unfinished") == 1; });
+
+    EXPECT_EQ(1u, m_log.count("tool: unfinished"));
+    ::kill(numberIn(m_folder.file("child")), SIGKILL);
 }
 
 TEST_F(OwnTools, AToolThatFloodsIsReadToItsEndAndLoggedInPart) {
@@ -78,28 +106,38 @@ TEST_F(OwnTools, AnInterruptReachesTheToolsOwnChildren) {
     EXPECT_TRUE(comesTrue([child] { return !runs(child); }));
 }
 
-TEST_F(OwnTools, AToolDoesNotOutliveAProcessThatIsKilled) {
-    int ends[2];
-    ASSERT_EQ(0, ::pipe2(ends, O_CLOEXEC));
-    const ::pid_t parent = ::fork();
-    if (parent == 0) {
-        const auto child = seat::spawn(seat::ChildKind::Tool, seat::hostPath("/usr/bin/tool"), {"wait"}, {},
-                                       std::chrono::milliseconds(10'000));
-        [[maybe_unused]] const auto written = ::write(ends[1], &child.identifier, sizeof child.identifier);
-        for (;;) ::pause();
-    }
-    ::pid_t tool = 0;
-    ASSERT_EQ(static_cast<::ssize_t>(sizeof tool), ::read(ends[0], &tool, sizeof tool));
+TEST_F(OwnTools, AToolIsInterruptedWhenItsProcessIsKilled) {
+    const std::string interrupted = m_folder.file("interrupted");
+    const ::pid_t tool = toolOfAKilledProcess({"tidy", m_folder.file("ready"), interrupted}, m_folder.file("ready"));
     ASSERT_GT(tool, 0);
-    const auto process = "/proc/" + std::to_string(tool) + "/comm";
-    EXPECT_TRUE(std::filesystem::exists(process));
 
-    ::kill(parent, SIGKILL);
-    ::waitpid(parent, nullptr, 0);
+    EXPECT_EQ(tool, numberIn(interrupted));
+    EXPECT_TRUE(comesTrue([tool] { return !runs(tool); }));
+}
+
+TEST_F(OwnTools, ADeafToolDoesNotOutliveAProcessThatIsKilled) {
+    const ::pid_t tool = toolOfAKilledProcess({"deaf", m_folder.file("deaf")}, m_folder.file("deaf"));
+    ASSERT_GT(tool, 0);
 
     EXPECT_TRUE(comesTrue([tool] { return !runs(tool); }));
-    ::close(ends[0]);
-    ::close(ends[1]);
+}
+
+TEST_F(OwnTools, AToolsOwnChildDoesNotOutliveAProcessThatIsKilled) {
+    const ::pid_t tool = toolOfAKilledProcess({"family", m_folder.file("child")}, m_folder.file("child"));
+    ASSERT_GT(tool, 0);
+    const int child = numberIn(m_folder.file("child"));
+
+    EXPECT_TRUE(comesTrue([&] { return !runs(tool) && !runs(child); }));
+}
+
+TEST_F(OwnTools, NothingOfAToolIsLeftOnceItHasEnded) {
+    EXPECT_TRUE(goes(*launch({"exit", "0"})));
+    const auto deaf = launch({"deaf", m_folder.file("deaf")});
+    ASSERT_EQ(deaf->processIdentifier(), numberIn(m_folder.file("deaf")));
+    platform::kill(deaf->processIdentifier(), SIGKILL);
+    EXPECT_TRUE(goes(*deaf));
+
+    EXPECT_TRUE(m_loop.runUntil(hasNoChild));
 }
 
 TEST_F(OwnTools, AtTheEndToolsAreInterruptedAndTheDeafOnesKilled) {
