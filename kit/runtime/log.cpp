@@ -1,15 +1,11 @@
 #include "kit/runtime/log.h"
 
-#include "kit/runtime/hidden_addresses.h"
+#include "kit/runtime/LogLine.h"
+#include "kit/runtime/RepeatedLines.h"
 #include "kit/seat.h"
 #include "platform/log.h"
 
-#include <algorithm>
-#include <cstdarg>
-#include <cstdio>
 #include <mutex>
-#include <span>
-#include <string_view>
 
 namespace {
 
@@ -17,6 +13,7 @@ namespace {
 struct Sink {
     std::mutex mutex;
     std::function<void(std::string_view)> write;
+    seat::RepeatedLines repeated;
 
     static Sink& shared() {
         static auto* const sink = new Sink;
@@ -24,35 +21,26 @@ struct Sink {
     }
 };
 
-constexpr std::size_t longestLine = 1024;
-
 } // namespace
 
 void seat::setLogSink(std::function<void(std::string_view line)> sink) {
     const std::lock_guard lock(Sink::shared().mutex);
     Sink::shared().write = std::move(sink);
+    Sink::shared().repeated = {};
 }
 
-// Takes no memory: it is also how one hears that there is none.
 void NSLog(const char* format, ...) {
-    char text[longestLine];
     std::va_list arguments;
     va_start(arguments, format);
-    const int wanted = std::vsnprintf(text, sizeof text, format, arguments);
+    seat::LogLine line(format, arguments);
     va_end(arguments);
-    if (wanted < 0) return;
-
-    const std::size_t length = std::min(static_cast<std::size_t>(wanted), sizeof text - 1);
-    const std::span line(text, seat::hideAddresses({text, length}));
-    // A file's contents may have found their way into the reason: what is logged stays one line.
-    for (char& c : line)
-        if (static_cast<unsigned char>(c) < 0x20 || c == 0x7f) c = ' ';
+    if (line.text().empty()) return;
 
     auto& sink = Sink::shared();
     const std::lock_guard lock(sink.mutex);
-    const std::string_view logged(line.data(), line.size());
-    if (sink.write)
-        sink.write(logged);
-    else
-        seat::writeLogLine(logged);
+    if (sink.write) return sink.write(line.text());
+    const auto leftOut = sink.repeated.pass(line.text());
+    if (!leftOut) return;
+    line.addRepetitions(*leftOut);
+    seat::writeLogLine(line.text());
 }
