@@ -16,7 +16,12 @@
 // Seconds since 2001-01-01 00:00:00 UTC.
 struct NSDate {
     double timeIntervalSinceReferenceDate = 0;
-    friend bool operator==(NSDate, NSDate) = default;
+    // As with numbers, what is no number equals itself.
+    friend bool operator==(NSDate a, NSDate b) {
+        const double left = a.timeIntervalSinceReferenceDate;
+        const double right = b.timeIntervalSinceReferenceDate;
+        return left == right || (left != left && right != right);
+    }
 };
 
 // A value that is copied is another value: only objects are shared. Any thread, as far as the object in it allows.

@@ -4,6 +4,7 @@
 #include "platform/foundation/NSNumber.h"
 #include "platform/foundation/id.h"
 
+#include <cmath>
 #include <gtest/gtest.h>
 
 namespace {
@@ -73,6 +74,8 @@ TEST(Values, EqualityIsByValueAndKind) {
     EXPECT_EQ(id("a"), id(std::string("a")));
     EXPECT_EQ(id(NSNumber::numberWithInt(3)), id(NSNumber::numberWithDouble(3)));
     EXPECT_EQ(id(NSDate{1.5}), id(NSDate{1.5}));
+    EXPECT_EQ(id(NSDate{std::nan("")}), id(NSDate{-std::nan("")}));
+    EXPECT_FALSE(id(NSDate{std::nan("")}) == id(NSDate{0}));
     EXPECT_EQ(id(NSData::dataWithBytes(bytes)), id(NSData::dataWithBytes(bytes)));
     EXPECT_FALSE(id() == id(""));
     EXPECT_FALSE(id("3") == id(NSNumber::numberWithInt(3)));
