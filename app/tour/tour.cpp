@@ -16,7 +16,7 @@
 
 namespace {
 
-constexpr std::size_t maximumScriptLength = 1 << 20;
+constexpr std::size_t maximumScriptLength = 64 << 20; // hours of it
 
 int failed(const std::string& sentence) {
     std::fprintf(stderr, "joyvane-settings: tour: %s\n", sentence.c_str());
