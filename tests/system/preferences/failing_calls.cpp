@@ -42,6 +42,12 @@ protected:
             NSPropertyListSerialization::dataWithPropertyList_format_options_error(id(theirs), 200, 0, nullptr);
         ASSERT_EQ(writeFileAtomically(file(), data->bytes()), nullptr);
     }
+    // However often it is called, it acts once.
+    static std::function<void()> once(std::function<void()> act) {
+        return [act = std::move(act), isDone = std::make_shared<bool>()] {
+            if (!std::exchange(*isDone, true)) act();
+        };
+    }
     // Calls `act` before the temporary file is flushed: the file has been read, and its successor written.
     static void beforeFlush(SystemCalls& calls, std::function<void()> act) {
         calls.before(SystemCall::Flush, [act, isActing = std::make_shared<bool>()](int descriptor) {
@@ -140,10 +146,7 @@ TEST_F(FailingCalls, AWriteUnderWayShowsByItsName) {
 TEST_F(FailingCalls, WhatAnotherProgramWritesMeanwhileIsKept) {
     set("ours", "1");
     SystemCalls calls;
-    bool isDone = false;
-    beforeFlush(calls, [&] {
-        if (!std::exchange(isDone, true)) writeAsAnotherProgram("theirs", "2");
-    });
+    beforeFlush(calls, once([this] { writeAsAnotherProgram("theirs", "2"); }));
 
     EXPECT_TRUE(set("ours", "3"));
 
@@ -167,11 +170,7 @@ TEST_F(FailingCalls, FileThatAnotherProgramKeepsChangingIsLeftToIt) {
 TEST_F(FailingCalls, ALockWhoseFileIsRemovedMeanwhileIsTakenAnew) {
     set("ours", "1");
     SystemCalls calls;
-    bool isDone = false;
-    beforeFlush(calls, [&] {
-        if (std::exchange(isDone, true)) return;
-        std::filesystem::remove(folder() + "/.lock." + domain());
-    });
+    beforeFlush(calls, once([this] { std::filesystem::remove(folder() + "/.lock." + domain()); }));
 
     EXPECT_TRUE(set("ours", "2"));
 
@@ -182,17 +181,15 @@ TEST_F(FailingCalls, ALockWhoseFileIsRemovedMeanwhileIsTakenAnew) {
 TEST_F(FailingCalls, DamagedFileThatIsRepairedMeanwhileIsNotMovedAside) {
     write(file(), "damaged");
     SystemCalls calls;
-    bool isDone = false;
-    // Its bytes have been asked for; before it can be moved another program has written a good one.
-    calls.before(SystemCall::Read, [&](int) {
-        if (std::exchange(isDone, true)) return;
+    const auto repair = once([this] {
         std::filesystem::remove(file());
         writeAsAnotherProgram("theirs", "2");
     });
+    // Its bytes have been asked for; before it can be moved another program has written a good one.
+    calls.before(SystemCall::Read, [&](int) { repair(); });
 
     EXPECT_TRUE(set("ours", "1"));
 
-    EXPECT_TRUE(isDone);
     EXPECT_EQ(stored()->objectForKey("theirs"), id("2"));
     EXPECT_EQ(stored()->objectForKey("ours"), id("1"));
     EXPECT_THAT(namesLikeTheFile(), ElementsAre(domain() + ".plist"));
