@@ -143,6 +143,11 @@ class Processes(unittest.TestCase):
     def test_a_killed_page_leaves_no_pairing_tool(self):
         os.makedirs(os.path.join(self.root, "usr/bin"))
         os.symlink(JVNDISCOVERY, os.path.join(self.root, "usr/bin/jvndiscovery"))
+        # Nobody is there to be found: by itself it would search for ever.
+        world = os.path.join(self.root, "var/joyvane/simulated-controllers")
+        os.makedirs(os.path.dirname(world), mode=0o700)
+        with open(world, "w") as file:
+            file.write("bluetooth on\n")
         self.assert_killed_page_leaves_no_tool()
 
     def test_a_killed_page_leaves_no_deaf_pairing_tool(self):
