@@ -15,9 +15,10 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   # g++ 12 sees both, wrongly, in copies of std::variant and in sums of strings; clang looks for the real ones.
   target_compile_options(joyvane_flags INTERFACE -Wno-maybe-uninitialized -Wno-restrict)
 endif()
+# Exported functions keep their plain names and still give back our value types; only clang has words for it, and g++ does
+# not mind that it is told to keep quiet.
+target_compile_options(joyvane_flags INTERFACE -Wno-return-type-c-linkage)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
-  # Exported functions keep their plain names and still give back our value types.
-  target_compile_options(joyvane_flags INTERFACE -Wno-return-type-c-linkage)
   # A final class whose functions are all inline has a table in each library; casts to it must not compare the tables.
   target_compile_options(joyvane_flags INTERFACE -fno-assume-unique-vtables)
   # A precompiled header that holds no times can come out of the compiler cache.
@@ -85,7 +86,8 @@ endfunction()
 # joyvane_command_test(<name> COMMAND <command...> [LABELS <labels...>] [TIMEOUT <seconds>] [PROCESSORS <n>] [SERIAL]
 #                      [LOCK <name>] [ENVIRONMENT <NAME=value...>])
 # Any program as one CTest test, its name behind JOYVANE_TEST_PREFIX: passes when it ends with 0, is skipped when it ends
-# with 77. Beside a SERIAL one runs no other, beside one with a LOCK none with the same.
+# with 77. Beside a SERIAL one runs no other, beside one with a LOCK none with the same. What may take long
+# is started early, so that nothing long is left for the end.
 function(joyvane_command_test name)
   cmake_parse_arguments(ARG "SERIAL" "TIMEOUT;PROCESSORS;LOCK" "COMMAND;LABELS;ENVIRONMENT" ${ARGN})
   joyvane_test_wanted(wanted ${ARG_LABELS})
@@ -98,20 +100,25 @@ function(joyvane_command_test name)
   if(NOT ARG_PROCESSORS)
     set(ARG_PROCESSORS 1)
   endif()
-  # CTest knows a test by its name alone, and ./test runs those of several builds in one go.
+  # CTest knows a test by its name alone, and ./test runs those of several builds in one go, some of them while their build
+  # is made: "<prefix>build" is that, where it is a test.
   set(test ${JOYVANE_TEST_PREFIX}${name})
   add_test(NAME ${test} COMMAND ${ARG_COMMAND})
   set_tests_properties(${test} PROPERTIES
     TIMEOUT ${ARG_TIMEOUT} PROCESSORS ${ARG_PROCESSORS} RUN_SERIAL ${ARG_SERIAL} SKIP_RETURN_CODE 77
-    LABELS "${ARG_LABELS}" RESOURCE_LOCK "${ARG_LOCK}" ENVIRONMENT "${JOYVANE_TEST_ENVIRONMENT};${ARG_ENVIRONMENT}")
+    COST ${ARG_TIMEOUT} LABELS "${ARG_LABELS}" RESOURCE_LOCK "${ARG_LOCK}" ENVIRONMENT "${JOYVANE_TEST_ENVIRONMENT};${ARG_ENVIRONMENT}")
+  if(JOYVANE_TEST_PREFIX)
+    set_tests_properties(${test} PROPERTIES FIXTURES_REQUIRED ${JOYVANE_TEST_PREFIX}build)
+  endif()
 endfunction()
 
 # What every compilation of a test has. An expectation is an if with an else inside, and so may well follow an if without
 # braces. What a test tries is compiled as it is shipped; the test itself need not be fast, and takes the compiler half
-# the time this way. A fuzzer need not find new ways through a test.
+# the time this way. A fuzzer need not find new ways through a test; what is undefined in one, or on which line it stands,
+# is not worth a third of the time either: under the sanitizers its functions have their names.
 function(joyvane_test_options name)
   target_compile_options(${name} PRIVATE -O0 -U_FORTIFY_SOURCE $<$<CXX_COMPILER_ID:GNU>:-Wno-dangling-else>
-    $<$<BOOL:${JOYVANE_FUZZ}>:-fno-sanitize=fuzzer-no-link>)
+    $<$<BOOL:${JOYVANE_FUZZ}>:-fno-sanitize=fuzzer-no-link> $<$<BOOL:${JOYVANE_SANITIZE}>:-fno-sanitize=undefined$<SEMICOLON>-g0>)
 endfunction()
 
 # joyvane_test(<name> [SOURCES <files...>] [ANY_SEAT <files...>] [LIBRARIES <targets...>]
@@ -176,6 +183,7 @@ function(joyvane_service_test name)
   endif()
   add_executable(${name} ${exclude} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE joyvane_flags joyvane_service GTest::gmock GTest::gtest_main ${ARG_LIBRARIES})
+  target_precompile_headers(${name} REUSE_FROM joyvane_test_headers)
   joyvane_test_options(${name})
   joyvane_command_test(${name} COMMAND ${name}
     LABELS ${ARG_LABELS} TIMEOUT ${ARG_TIMEOUT} ENVIRONMENT ${ARG_ENVIRONMENT})
@@ -199,7 +207,7 @@ endfunction()
 
 # joyvane_fuzzer(<name> SOURCES <files...> [LIBRARIES <targets...>] CORPUS <folder> [RUNS <n>])
 # A program around LLVMFuzzerTestOneInput. With JOYVANE_FUZZ the corpus is replayed, then <n> (10,000) inputs are made
-# from it; otherwise the corpus alone is replayed, so that what once crashed is tried in every build.
+# from it; otherwise the corpus alone is replayed, so that what once crashed is tried in each build that wants them.
 function(joyvane_fuzzer name)
   cmake_parse_arguments(ARG "" "CORPUS;RUNS" "SOURCES;LIBRARIES" ${ARGN})
   joyvane_test_wanted(wanted fuzz)

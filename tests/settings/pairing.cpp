@@ -241,9 +241,10 @@ TEST_F(Pairing, AHundredPairingsLeaveNoDescriptorNoThreadAndNoZombie) {
         ASSERT_TRUE(app.waitUntil([&] { return platform::kill(page->discoveryTask()->processIdentifier(), 0) == -1; }));
     }
 
-    EXPECT_EQ(testing_support::openDescriptors(), descriptors);
+    // No more than before: what an earlier pairing leaves behind for a moment may go meanwhile.
+    EXPECT_LE(testing_support::openDescriptors(), descriptors);
     EXPECT_LE(testing_support::runningThreads(), threads);
-    EXPECT_EQ(testing_support::unreapedChildren(), children) << "the bus";
+    EXPECT_LE(testing_support::unreapedChildren(), children) << "the bus";
 }
 
 class Restarting : public PageTest {};
