@@ -118,7 +118,10 @@ endfunction()
 # is not worth a third of the time either: under the sanitizers its functions have their names.
 function(joyvane_test_options name)
   target_compile_options(${name} PRIVATE -O0 -U_FORTIFY_SOURCE $<$<CXX_COMPILER_ID:GNU>:-Wno-dangling-else>
-    $<$<BOOL:${JOYVANE_FUZZ}>:-fno-sanitize=fuzzer-no-link> $<$<BOOL:${JOYVANE_SANITIZE}>:-fno-sanitize=undefined$<SEMICOLON>-g0>)
+    $<$<BOOL:${JOYVANE_FUZZ}>:-fno-sanitize=fuzzer-no-link>)
+  if(JOYVANE_SANITIZE)
+    target_compile_options(${name} PRIVATE -fno-sanitize=undefined -g0)
+  endif()
 endfunction()
 
 # joyvane_test(<name> [SOURCES <files...>] [ANY_SEAT <files...>] [LIBRARIES <targets...>]
