@@ -48,21 +48,26 @@ TEST_F(ManyWriters, LoseNoKeyWhileTheLocksFileIsRemovedAgainAndAgain) {
                 std::error_code error;
                 if (std::filesystem::remove(folder() + "/.lock." + domain(), error)) ++removed;
             }
-            std::this_thread::sleep_for(std::chrono::microseconds(500));
+            std::this_thread::yield();
         }
     });
-    std::vector<std::unique_ptr<Child>> children;
-    for (int i = 0; i < processes; ++i)
-        children.push_back(std::make_unique<Child>(std::vector<std::string>{
-            WRITER_PROGRAM, root(), "write", domain(), std::to_string(i) + "-", std::to_string(keys)}));
+    // One round of eight would not always meet the moments that count.
+    for (int round = 0; round < 10 && !HasFailure(); ++round) {
+        std::filesystem::remove(folder() + "/" + domain() + ".plist");
+        std::vector<std::unique_ptr<Child>> children;
+        for (int i = 0; i < processes; ++i)
+            children.push_back(std::make_unique<Child>(std::vector<std::string>{
+                WRITER_PROGRAM, root(), "write", domain(), std::to_string(i) + "-", std::to_string(keys)}));
 
-    for (auto& child : children) EXPECT_EQ(child->wait(), 0);
+        for (auto& child : children) EXPECT_EQ(child->wait(), 0);
+
+        EXPECT_TRUE(stored());
+        EXPECT_EQ(stored() ? stored()->count() : 0, std::size_t(processes * keys));
+    }
 
     isOver = true;
     remover.join();
-    EXPECT_GT(removed, 20);
-    ASSERT_TRUE(stored());
-    EXPECT_EQ(stored()->count(), std::size_t(processes * keys));
+    EXPECT_GT(removed, 30);
 }
 
 TEST_F(ManyWriters, ReaderSeesAWholeFileAtEveryInstant) {
