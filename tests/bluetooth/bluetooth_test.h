@@ -80,3 +80,20 @@ protected:
     std::vector<Error> ends;
     std::unique_ptr<Client> client;
 };
+
+// A client of the mock service that knows one adapter, and asks something of it.
+class BluetoothOperationTest : public BluetoothTest {
+protected:
+    enum class Power { Off, On };
+    void begin(Power power = Power::On) {
+        service.addAdapter("hci0", power == Power::On);
+        makeClient();
+        ASSERT_TRUE(settle(power == Power::On ? AdapterState::On : AdapterState::Off));
+    }
+    void beginWith(testing_support::MockDevice device) {
+        device.address = pad;
+        device.isKnown = true;
+        service.addDevice(std::move(device));
+        begin();
+    }
+};

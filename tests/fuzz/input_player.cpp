@@ -8,7 +8,7 @@ using namespace jvninputd;
 
 // Keymaps, and what keyboards send while they change: pairs of bytes, the first says what happens.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    jvninputd::testing::PlayerWorld world;
+    jvninputd::fakes::PlayerWorld world;
     world.plugIn(1);
     world.plugIn(2);
     for (; size >= 4; data += 4, size -= 4) {

@@ -9,6 +9,7 @@ import struct
 import subprocess
 import tempfile
 import time
+import unittest
 
 DISCONNECT, CONNECT, RESTART, COLOR, QUERY, END = 0, 1, 3, 4, 5, 6
 SIZES = {DISCONNECT: 12, CONNECT: 20, RESTART: 20, COLOR: 16, QUERY: 12, END: 12}
@@ -164,3 +165,12 @@ class Daemon:
     def wakeups(self):
         with open(f"/proc/{self.process.pid}/status") as file:
             return sum(int(line.split()[1]) for line in file if "ctxt_switches" in line)
+
+
+class JvndTest(unittest.TestCase):
+    """With a daemon that is still to be started."""
+
+    program = ""
+
+    def setUp(self):
+        self.daemon = Daemon(self, self.program)

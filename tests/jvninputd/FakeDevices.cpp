@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace jvninputd::testing {
+namespace jvninputd::fakes {
 
 std::string text(std::span<const Event> events) {
     std::string all;
@@ -87,4 +87,4 @@ std::string FakeDevices::padShows() const {
     return text(events);
 }
 
-} // namespace jvninputd::testing
+} // namespace jvninputd::fakes

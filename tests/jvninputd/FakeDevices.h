@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-namespace jvninputd::testing {
+namespace jvninputd::fakes {
 
 // Keyboards, a pad and a desktop as the kernel would have them, without one: who has which keyboard, what the pad shows
 // and what the desktop sees held. Says in `wrong` what may never happen.
@@ -42,4 +42,4 @@ public:
 
 std::string text(std::span<const Event> events);
 
-} // namespace jvninputd::testing
+} // namespace jvninputd::fakes

@@ -5,7 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-namespace jvninputd::testing {
+namespace jvninputd::fakes {
 
 class PlayerTest : public ::testing::Test, protected PlayerWorld {
 protected:
@@ -27,4 +27,4 @@ protected:
     }
 };
 
-} // namespace jvninputd::testing
+} // namespace jvninputd::fakes

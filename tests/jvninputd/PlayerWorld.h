@@ -6,7 +6,7 @@
 #include <initializer_list>
 #include <utility>
 
-namespace jvninputd::testing {
+namespace jvninputd::fakes {
 
 // The keymap that a user without one has: W A S D, I J K L, 2 and 8, Escape.
 inline constexpr std::initializer_list<std::pair<int, int>> defaultBindings = {
@@ -70,4 +70,4 @@ struct PlayerWorld {
     bool taken(KeyboardId id = 1) { return devices.keyboards[id].taken; }
 };
 
-} // namespace jvninputd::testing
+} // namespace jvninputd::fakes

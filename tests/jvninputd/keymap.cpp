@@ -5,12 +5,12 @@
 #include <gtest/gtest.h>
 
 using namespace jvninputd;
-using jvninputd::testing::keymapOf;
+using jvninputd::fakes::keymapOf;
 
 namespace {
 
 TEST(Keymap, AKeyDrivesTheInputOfItsUsage) {
-    const Keymap keymap = keymapOf(jvninputd::testing::defaultBindings);
+    const Keymap keymap = keymapOf(jvninputd::fakes::defaultBindings);
 
     EXPECT_EQ(keymap.inputOf(KEY_W), native::dpadUp);
     EXPECT_EQ(keymap.inputOf(KEY_ESC), native::pause);

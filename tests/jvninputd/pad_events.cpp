@@ -7,7 +7,7 @@
 #include <linux/input-event-codes.h>
 
 using namespace jvninputd;
-using jvninputd::testing::text;
+using jvninputd::fakes::text;
 
 namespace {
 

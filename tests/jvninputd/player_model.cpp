@@ -10,7 +10,7 @@
 #include <utility>
 
 using namespace jvninputd;
-using namespace jvninputd::testing;
+using namespace jvninputd::fakes;
 using namespace std::chrono_literals;
 using ::testing::IsEmpty;
 

@@ -3,7 +3,7 @@
 #include "tests/jvninputd/PlayerTest.h"
 
 using namespace jvninputd;
-using namespace jvninputd::testing;
+using namespace jvninputd::fakes;
 using namespace std::chrono_literals;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;

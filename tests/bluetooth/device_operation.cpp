@@ -2,187 +2,9 @@
 
 namespace {
 
-using testing_support::MockDevice;
+using DeviceOperationTest = BluetoothOperationTest;
 
-class BluetoothOperationTest : public BluetoothTest {
-protected:
-    // A client that knows one adapter.
-    void begin(bool isPowered = true) {
-        service.addAdapter("hci0", isPowered);
-        makeClient();
-        ASSERT_TRUE(settle(isPowered ? AdapterState::On : AdapterState::Off));
-    }
-    void beginWith(MockDevice device) {
-        device.address = pad;
-        device.isKnown = true;
-        service.addDevice(std::move(device));
-        begin();
-    }
-};
-
-TEST_F(BluetoothOperationTest, SwitchesTheAdapterOn) {
-    begin(false);
-
-    EXPECT_EQ(endOf(client->powerOn(note())), Error::None);
-
-    EXPECT_EQ(client->adapterState(), AdapterState::On);
-    EXPECT_TRUE(called("Set Powered hci0"));
-}
-
-TEST_F(BluetoothOperationTest, AnAdapterThatIsOnIsLeftAlone) {
-    begin();
-
-    EXPECT_EQ(endOf(client->powerOn(note())), Error::None);
-
-    EXPECT_TRUE(service.calls.empty());
-}
-
-TEST_F(BluetoothOperationTest, AnAdapterThatIsBlockedIsNone) {
-    begin(false);
-    service.fail("Set Powered", "org.bluez.Error.Blocked", "Blocked through rfkill");
-
-    EXPECT_EQ(endOf(client->powerOn(note())), Error::NoAdapter);
-
-    EXPECT_EQ(log, std::vector<std::string>{"switching Bluetooth on: org.bluez.Error.Blocked: Blocked through rfkill"});
-}
-
-TEST_F(BluetoothOperationTest, AnAdapterThatStaysOffIsNoneAfterAWhile) {
-    begin(false);
-    service.stall("Set Powered");
-    const auto handle = client->powerOn(note());
-    ASSERT_TRUE(waitForCall("Set Powered hci0"));
-
-    clock.advance(loop, 10s);
-
-    EXPECT_EQ(ends, std::vector{Error::NoAdapter});
-}
-
-TEST_F(BluetoothOperationTest, AnAdapterIsWaitedForAMoment) {
-    makeClient();
-    ASSERT_TRUE(settle(AdapterState::Absent));
-    const auto late = client->powerOn(note());
-    loop.runUntil([] { return false; }, 50ms);
-
-    service.addAdapter("hci0", false);
-
-    EXPECT_EQ(endOf(late), Error::None);
-}
-
-TEST_F(BluetoothOperationTest, WithoutAnAdapterItEndsSoon) {
-    makeClient();
-    ASSERT_TRUE(settle(AdapterState::Absent));
-    const auto handle = client->powerOn(note());
-    loop.runUntil([] { return false; }, 50ms);
-
-    clock.advance(loop, 2s);
-
-    EXPECT_EQ(ends, std::vector{Error::NoAdapter});
-}
-
-TEST_F(BluetoothOperationTest, AServiceThatCannotBeStartedIsNoAdapter) {
-    service.vanish();
-    makeClient();
-    ASSERT_TRUE(settle(AdapterState::Absent));
-
-    EXPECT_EQ(endOf(client->powerOn(note())), Error::NoAdapter);
-}
-
-TEST_F(BluetoothOperationTest, ASearchBringsDevicesThatAreHeard) {
-    begin();
-    service.addDevice({.address = pad});
-    const auto search = client->search(note());
-
-    EXPECT_TRUE(loop.runUntil([&] { return !changes.empty() && changes.back().isHeard; }));
-
-    EXPECT_EQ(changes.back().address, padAddress);
-    EXPECT_TRUE(changes.back().isGamepad);
-}
-
-TEST_F(BluetoothOperationTest, ADeviceThatComesDuringTheSearchIsHeard) {
-    begin();
-    const auto search = client->search(note());
-    ASSERT_TRUE(loop.runUntil([&] { return service.isSearching(); }));
-
-    service.addDevice({.address = pad});
-
-    EXPECT_TRUE(loop.runUntil([&] { return !changes.empty() && changes.back().isHeard; }));
-}
-
-TEST_F(BluetoothOperationTest, ASearchEndsWithItsHandle) {
-    begin();
-    service.addDevice({.address = pad});
-    auto search = client->search(note());
-    ASSERT_TRUE(loop.runUntil([&] { return client->device(padAddress) && client->device(padAddress)->isHeard; }));
-
-    search.reset();
-    quiet();
-
-    EXPECT_FALSE(service.isSearching());
-    EXPECT_TRUE(called("StopDiscovery hci0"));
-    EXPECT_FALSE(client->device(padAddress)->isHeard);
-    EXPECT_TRUE(ends.empty());
-}
-
-TEST_F(BluetoothOperationTest, ASearchEndsByItselfWithTheAdapter) {
-    begin();
-    const auto search = client->search(note());
-    ASSERT_TRUE(loop.runUntil([&] { return service.isSearching(); }));
-
-    service.removeAdapter("hci0");
-
-    EXPECT_EQ(endOf(search), Error::NoAdapter);
-}
-
-TEST_F(BluetoothOperationTest, ASearchEndsByItselfWithTheService) {
-    begin();
-    const auto search = client->search(note());
-    ASSERT_TRUE(loop.runUntil([&] { return service.isSearching(); }));
-
-    service.vanish();
-
-    EXPECT_EQ(endOf(search), Error::NoAdapter);
-}
-
-TEST_F(BluetoothOperationTest, ASearchMovesToTheAdapterThatIsUsedOnceAllAreThere) {
-    service.addAdapter("hci1");
-    makeClient();
-    ASSERT_TRUE(settle(AdapterState::On));
-    const auto search = client->search(note());
-    ASSERT_TRUE(waitForCall("StartDiscovery hci1"));
-
-    service.addAdapter("hci0");
-    ASSERT_TRUE(waitForCall("StartDiscovery hci0"));
-    service.addDevice({.address = pad});
-
-    EXPECT_TRUE(loop.runUntil([&] { return client->device(padAddress) && client->device(padAddress)->isHeard; }));
-    EXPECT_TRUE(called("StopDiscovery hci1"));
-    EXPECT_TRUE(ends.empty());
-}
-
-TEST_F(BluetoothOperationTest, ASearchGoesOnAtTheAdapterThatIsLeft) {
-    begin();
-    service.addAdapter("hci1");
-    const auto search = client->search(note());
-    ASSERT_TRUE(waitForCall("StartDiscovery hci0"));
-
-    service.removeAdapter("hci0");
-
-    EXPECT_TRUE(waitForCall("StartDiscovery hci1"));
-    EXPECT_TRUE(ends.empty());
-}
-
-TEST_F(BluetoothOperationTest, ASearchThatIsNotAnsweredIsGivenUp) {
-    begin();
-    service.stall("StartDiscovery");
-    const auto search = client->search(note());
-    ASSERT_TRUE(waitForCall("StartDiscovery hci0"));
-
-    clock.advance(loop, 11s);
-
-    EXPECT_EQ(ends, std::vector{Error::TimedOut});
-}
-
-TEST_F(BluetoothOperationTest, PairsWithAnAgentOfItsOwn) {
+TEST_F(DeviceOperationTest, PairsWithAnAgentOfItsOwn) {
     beginWith({});
     auto pairing = client->pair(padAddress, note());
 
@@ -196,7 +18,7 @@ TEST_F(BluetoothOperationTest, PairsWithAnAgentOfItsOwn) {
     EXPECT_FALSE(service.hasAgent());
 }
 
-TEST_F(BluetoothOperationTest, ARequestForAPinIsRefusedAndSaidOnce) {
+TEST_F(DeviceOperationTest, ARequestForAPinIsRefusedAndSaidOnce) {
     beginWith({.wantsPin = true});
 
     EXPECT_EQ(endOf(client->pair(padAddress, note())), Error::Refused);
@@ -205,7 +27,7 @@ TEST_F(BluetoothOperationTest, ARequestForAPinIsRefusedAndSaidOnce) {
     EXPECT_EQ(log, std::vector<std::string>{"pairing with ..:00:01: refused, since it asks for a PIN"});
 }
 
-TEST_F(BluetoothOperationTest, APairingThatIsGivenUpIsCancelled) {
+TEST_F(DeviceOperationTest, APairingThatIsGivenUpIsCancelled) {
     beginWith({});
     service.stall("Pair");
     auto pairing = client->pair(padAddress, note());
@@ -219,7 +41,7 @@ TEST_F(BluetoothOperationTest, APairingThatIsGivenUpIsCancelled) {
     EXPECT_TRUE(ends.empty());
 }
 
-TEST_F(BluetoothOperationTest, TrustsAndLetsWake) {
+TEST_F(DeviceOperationTest, TrustsAndLetsWake) {
     beginWith({});
 
     EXPECT_EQ(endOf(client->trust(padAddress, note())), Error::None);
@@ -228,7 +50,7 @@ TEST_F(BluetoothOperationTest, TrustsAndLetsWake) {
     EXPECT_TRUE(client->device(padAddress)->mayWake);
 }
 
-TEST_F(BluetoothOperationTest, ADeviceThatCannotWakeIsTrustedAllTheSame) {
+TEST_F(DeviceOperationTest, ADeviceThatCannotWakeIsTrustedAllTheSame) {
     beginWith({});
     service.fail("Set WakeAllowed", "org.bluez.Error.NotSupported");
 
@@ -237,7 +59,7 @@ TEST_F(BluetoothOperationTest, ADeviceThatCannotWakeIsTrustedAllTheSame) {
     EXPECT_TRUE(client->device(padAddress)->isTrusted);
 }
 
-TEST_F(BluetoothOperationTest, ConnectsAfterForty) {
+TEST_F(DeviceOperationTest, ConnectsAfterForty) {
     beginWith({.isPaired = true});
     service.stall("Connect");
     const auto connection = client->connect(padAddress, note());
@@ -251,7 +73,7 @@ TEST_F(BluetoothOperationTest, ConnectsAfterForty) {
     EXPECT_TRUE(client->device(padAddress)->isConnected);
 }
 
-TEST_F(BluetoothOperationTest, AConnectionThatIsNeverAnsweredTimesOutAndIsCalledOff) {
+TEST_F(DeviceOperationTest, AConnectionThatIsNeverAnsweredTimesOutAndIsCalledOff) {
     beginWith({.isPaired = true});
     service.stall("Connect");
     const auto connection = client->connect(padAddress, note());
@@ -264,7 +86,7 @@ TEST_F(BluetoothOperationTest, AConnectionThatIsNeverAnsweredTimesOutAndIsCalled
     EXPECT_TRUE(waitForCall("Disconnect 00:01"));
 }
 
-TEST_F(BluetoothOperationTest, AConnectionThatIsGivenUpIsCalledOff) {
+TEST_F(DeviceOperationTest, AConnectionThatIsGivenUpIsCalledOff) {
     beginWith({.isPaired = true});
     service.stall("Connect");
     auto connection = client->connect(padAddress, note());
@@ -276,7 +98,7 @@ TEST_F(BluetoothOperationTest, AConnectionThatIsGivenUpIsCalledOff) {
     EXPECT_TRUE(ends.empty());
 }
 
-TEST_F(BluetoothOperationTest, WhatTheServiceSaysOfALinkHasOneMeaning) {
+TEST_F(DeviceOperationTest, WhatTheServiceSaysOfALinkHasOneMeaning) {
     beginWith({.isPaired = true});
     const std::tuple<const char*, const char*, Error> answers[] = {
         {"org.bluez.Error.AlreadyConnected", "Already Connected", Error::None},
@@ -304,7 +126,7 @@ TEST_F(BluetoothOperationTest, WhatTheServiceSaysOfALinkHasOneMeaning) {
     }
 }
 
-TEST_F(BluetoothOperationTest, NothingInALogHoldsAWholeAddress) {
+TEST_F(DeviceOperationTest, NothingInALogHoldsAWholeAddress) {
     beginWith({.isPaired = true});
     service.fail("Connect", "org.freedesktop.DBus.Error.UnknownObject",
                  "Unknown object /org/bluez/hci0/dev_00_AA_01_01_00_01");
@@ -316,14 +138,14 @@ TEST_F(BluetoothOperationTest, NothingInALogHoldsAWholeAddress) {
     EXPECT_NE(log[0].find("..:00:01"), std::string::npos) << log[0];
 }
 
-TEST_F(BluetoothOperationTest, AnAnswerOfAnotherKindIsAnAnswer) {
+TEST_F(DeviceOperationTest, AnAnswerOfAnotherKindIsAnAnswer) {
     beginWith({.isPaired = true});
     service.answerNonsense("Connect");
 
     EXPECT_EQ(endOf(client->connect(padAddress, note())), Error::None);
 }
 
-TEST_F(BluetoothOperationTest, ADeviceThatVanishesInTheMiddleIsUnknown) {
+TEST_F(DeviceOperationTest, ADeviceThatVanishesInTheMiddleIsUnknown) {
     beginWith({.isPaired = true});
     service.stall("Connect");
     const auto connection = client->connect(padAddress, note());
@@ -334,7 +156,7 @@ TEST_F(BluetoothOperationTest, ADeviceThatVanishesInTheMiddleIsUnknown) {
     EXPECT_EQ(endOf(connection), Error::UnknownDevice);
 }
 
-TEST_F(BluetoothOperationTest, AServiceThatVanishesInTheMiddleIsNoAdapter) {
+TEST_F(DeviceOperationTest, AServiceThatVanishesInTheMiddleIsNoAdapter) {
     beginWith({.isPaired = true});
     service.stall("Connect");
     const auto connection = client->connect(padAddress, note());
@@ -345,7 +167,7 @@ TEST_F(BluetoothOperationTest, AServiceThatVanishesInTheMiddleIsNoAdapter) {
     EXPECT_EQ(endOf(connection), Error::NoAdapter);
 }
 
-TEST_F(BluetoothOperationTest, ABusThatVanishesInTheMiddleIsNoAdapter) {
+TEST_F(DeviceOperationTest, ABusThatVanishesInTheMiddleIsNoAdapter) {
     beginWith({.isPaired = true});
     service.stall("Connect");
     const auto connection = client->connect(padAddress, note());
@@ -356,7 +178,7 @@ TEST_F(BluetoothOperationTest, ABusThatVanishesInTheMiddleIsNoAdapter) {
     EXPECT_EQ(endOf(connection), Error::NoAdapter);
 }
 
-TEST_F(BluetoothOperationTest, AnAdapterThatVanishesInTheMiddleIsNoAdapter) {
+TEST_F(DeviceOperationTest, AnAdapterThatVanishesInTheMiddleIsNoAdapter) {
     beginWith({.isPaired = true});
     service.stall("Connect");
     const auto connection = client->connect(padAddress, note());
@@ -367,7 +189,7 @@ TEST_F(BluetoothOperationTest, AnAdapterThatVanishesInTheMiddleIsNoAdapter) {
     EXPECT_EQ(endOf(connection), Error::NoAdapter);
 }
 
-TEST_F(BluetoothOperationTest, ADeviceThatNobodyKnowsCannotBeConnected) {
+TEST_F(DeviceOperationTest, ADeviceThatNobodyKnowsCannotBeConnected) {
     begin();
 
     EXPECT_EQ(endOf(client->connect(padAddress, note())), Error::UnknownDevice);
@@ -375,7 +197,7 @@ TEST_F(BluetoothOperationTest, ADeviceThatNobodyKnowsCannotBeConnected) {
     EXPECT_EQ(endOf(client->remove(padAddress, note())), Error::None);
 }
 
-TEST_F(BluetoothOperationTest, DisconnectsAndRemoves) {
+TEST_F(DeviceOperationTest, DisconnectsAndRemoves) {
     beginWith({.isPaired = true, .isConnected = true});
 
     EXPECT_EQ(endOf(client->disconnect(padAddress, note())), Error::None);
@@ -385,7 +207,7 @@ TEST_F(BluetoothOperationTest, DisconnectsAndRemoves) {
     EXPECT_FALSE(client->device(padAddress));
 }
 
-TEST_F(BluetoothOperationTest, ACompletionMayBeginTheNextOperationAndEndItsOwn) {
+TEST_F(DeviceOperationTest, ACompletionMayBeginTheNextOperationAndEndItsOwn) {
     beginWith({});
     Client::Handle handle;
     handle = client->pair(padAddress, [&](Error) {
