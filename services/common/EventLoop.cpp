@@ -3,6 +3,7 @@
 #include "services/common/EventLoop_urgent.h"
 #include "services/common/log.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstring>
@@ -12,14 +13,6 @@
 #include <utility>
 
 namespace services {
-namespace {
-
-int wake(::sd_event_source*, std::uint64_t, void* loop) {
-    static_cast<EventLoop*>(loop)->woken();
-    return 0;
-}
-
-} // namespace
 
 // A watch that the library keeps. Its callback is shared with a call that is under way, which may destroy the handle.
 class EventLoop::SystemSource final : public Handle {
@@ -53,9 +46,7 @@ private:
 class EventLoop::Timer final : public Handle {
 public:
     Timer(EventLoop& loop, TimerKey key) : m_loop(loop), m_key(key) {}
-    ~Timer() override {
-        if (m_loop.m_timers.erase(m_key) != 0) m_loop.armTimer();
-    }
+    ~Timer() override { m_loop.m_timers.erase(m_key); }
     Timer(const Timer&) = delete;
     Timer& operator=(const Timer&) = delete;
 
@@ -68,10 +59,7 @@ EventLoop::EventLoop(const Clock& clock) : m_clock(clock) {
     if (const int result = ::sd_event_new(&m_event); result < 0) log("event loop: %s", std::strerror(-result));
 }
 
-EventLoop::~EventLoop() {
-    ::sd_event_source_disable_unref(m_wake);
-    ::sd_event_unref(m_event);
-}
+EventLoop::~EventLoop() { ::sd_event_unref(m_event); }
 
 EventLoop::Source EventLoop::watch(int descriptor, std::uint32_t events, std::function<void(std::uint32_t)> ready) {
     auto source = std::make_unique<SystemSource>(std::move(ready));
@@ -83,14 +71,23 @@ EventLoop::Source EventLoop::watch(int descriptor, std::uint32_t events, std::fu
 }
 
 EventLoop::Source EventLoop::watchUrgently(int descriptor, std::uint32_t events,
-                                           std::function<void(std::uint32_t)> ready) {
+                                           std::function<void(std::uint32_t)> ready, Rank rank) {
     if (!m_urgent) m_urgent = std::make_shared<UrgentWatches>(::sd_event_get_fd(m_event));
-    if (auto source = m_urgent->add(descriptor, events, std::move(ready))) return source;
+    if (auto source = m_urgent->add(descriptor, events, std::move(ready), rank)) return source;
     log("watching descriptor %d: %s", descriptor, std::strerror(errno));
     return nullptr;
 }
 
 int EventLoop::turn(std::uint64_t microseconds) {
+    const auto left = untilNextTimer();
+    // By turns with all else, so that neither keeps the other from being dealt with.
+    m_isTimersTurn = left == 0 && !m_isTimersTurn;
+    if (!m_isTimersTurn) return waitAndDispatch(std::min(microseconds, left));
+    fireDueTimers();
+    return 0;
+}
+
+int EventLoop::waitAndDispatch(std::uint64_t microseconds) {
     if (!m_urgent || m_urgent->isEmpty()) return ::sd_event_run(m_event, microseconds);
     int result = ::sd_event_prepare(m_event);
     if (result == 0) {
@@ -115,7 +112,6 @@ EventLoop::Source EventLoop::onSignal(int signal, Callback arrived) {
 EventLoop::Source EventLoop::after(std::chrono::microseconds delay, Callback due) {
     const TimerKey key{now() + delay, ++m_timersMade};
     m_timers.emplace(key, std::make_shared<Callback>(std::move(due)));
-    armTimer();
     return std::make_unique<Timer>(*this, key);
 }
 
@@ -124,9 +120,13 @@ std::optional<Moment> EventLoop::nextTimer() const {
     return m_timers.begin()->first.due;
 }
 
-void EventLoop::woken() {
-    m_armedFor.reset();
-    fireDueTimers();
+// The time to wait is said with each wait: a timer of the system's would have to be set and unset for each connection.
+std::uint64_t EventLoop::untilNextTimer() const {
+    if (m_timers.empty()) return UINT64_MAX;
+    const auto left = m_timers.begin()->first.due - now();
+    if (left <= Moment::zero()) return 0;
+    // While time is held, whoever holds it fires what comes later.
+    return m_clock.runsByItself() ? static_cast<std::uint64_t>(left.count()) : UINT64_MAX;
 }
 
 void EventLoop::fireDueTimers() {
@@ -139,29 +139,6 @@ void EventLoop::fireDueTimers() {
         m_timers.erase(first);
         (*call)();
     }
-    armTimer();
-}
-
-void EventLoop::armTimer() {
-    const auto next = nextTimer();
-    // While time is held, what is to happen soon happens all the same.
-    if (!next || (!m_clock.runsByItself() && *next > now())) {
-        if (m_wake) ::sd_event_source_set_enabled(m_wake, SD_EVENT_OFF);
-        m_armedFor.reset();
-        return;
-    }
-    const auto time = m_clock.runsByItself() ? static_cast<std::uint64_t>(next->count()) : 0;
-    // One that is due already and is set again would go to the back of the queue, each time.
-    if (std::exchange(m_armedFor, time) == time) return;
-    int result = 0;
-    if (!m_wake) {
-        // An accuracy of 1: the library would otherwise put wake-ups together, up to a quarter of a second late.
-        result = ::sd_event_add_time(m_event, &m_wake, CLOCK_MONOTONIC, time, 1, wake, this);
-    } else {
-        result = ::sd_event_source_set_time(m_wake, time);
-        if (result >= 0) result = ::sd_event_source_set_enabled(m_wake, SD_EVENT_ONESHOT);
-    }
-    if (result < 0) log("timer: %s", std::strerror(-result));
 }
 
 int EventLoop::run() {

@@ -9,7 +9,6 @@
 #include <optional>
 
 struct sd_event;
-struct sd_event_source;
 
 namespace services {
 
@@ -38,7 +37,10 @@ public:
     // ends the watch before closing it. nullptr, logged, when the system has no room for it.
     [[nodiscard]] Source watch(int descriptor, std::uint32_t events, std::function<void(std::uint32_t)> ready);
     // As watch(), but first of all that is ready, and without the way through the library: for what somebody waits for.
-    [[nodiscard]] Source watchUrgently(int descriptor, std::uint32_t events, std::function<void(std::uint32_t)> ready);
+    // Of those that are ready at the same moment the first in rank come first.
+    enum class Rank { First, Usual };
+    [[nodiscard]] Source watchUrgently(int descriptor, std::uint32_t events, std::function<void(std::uint32_t)> ready,
+                                       Rank rank = Rank::Usual);
     // Once, when the clock has moved on by `delay`; never before after() has returned.
     [[nodiscard]] Source after(std::chrono::microseconds delay, Callback due);
     // Once, as soon as the loop comes round; in the order of the calls.
@@ -59,8 +61,6 @@ public:
     void fireDueTimers();
     // The earliest timer, so that a held clock can stop at each.
     std::optional<Moment> nextTimer() const;
-    // The library's timer has come.
-    void woken();
 
     // For sd_bus_attach_event() and the like.
     ::sd_event* raw() const { return m_event; }
@@ -76,16 +76,16 @@ private:
         auto operator<=>(const TimerKey&) const = default;
     };
 
-    void armTimer();
-    // Waits for something to happen and deals with it; what sd_event_run() gives.
+    // Waits for something to happen, or for the next timer, and deals with it; what sd_event_run() gives.
     int turn(std::uint64_t microseconds);
+    int waitAndDispatch(std::uint64_t microseconds);
+    std::uint64_t untilNextTimer() const; // microseconds; UINT64_MAX: none comes by itself
 
     const Clock& m_clock;
     ::sd_event* m_event = nullptr;
-    ::sd_event_source* m_wake = nullptr;     // the earliest timer's
-    std::optional<std::uint64_t> m_armedFor; // its time, while it is set
     std::map<TimerKey, std::shared_ptr<Callback>> m_timers;
     std::uint64_t m_timersMade = 0;
+    bool m_isTimersTurn = false;
     std::optional<int> m_code;
     std::shared_ptr<UrgentWatches> m_urgent; // none before the first
 };

@@ -16,16 +16,20 @@ public:
     UrgentWatches& operator=(const UrgentWatches&) = delete;
 
     // nullptr, with errno, when the system has no room for it.
-    Source add(int descriptor, std::uint32_t events, Ready ready);
+    Source add(int descriptor, std::uint32_t events, Ready ready, Rank rank);
     void remove(int descriptor);
-    bool isEmpty() const { return m_ready.empty(); }
+    bool isEmpty() const { return m_watches.empty(); }
 
     // Waits until something is ready here or there, and calls what is ready here. False, with errno, when it fails.
     bool run(std::uint64_t microseconds);
 
 private:
+    struct Watch {
+        std::shared_ptr<Ready> ready;
+        Rank rank;
+    };
     int m_epoll;
-    std::map<int, std::shared_ptr<Ready>> m_ready; // by descriptor
+    std::map<int, Watch> m_watches; // by descriptor
 };
 
 } // namespace services

@@ -31,7 +31,7 @@ void ControlConnection::start() {
 
 void ControlConnection::watch() {
     m_ready.reset();
-    m_ready = m_loop.watch(m_descriptor.get(), m_unsent.empty() ? EPOLLIN : EPOLLOUT, [this](std::uint32_t) {
+    m_ready = m_loop.watchUrgently(m_descriptor.get(), m_unsent.empty() ? EPOLLIN : EPOLLOUT, [this](std::uint32_t) {
         if (m_unsent.empty())
             readSome();
         else

@@ -26,8 +26,10 @@ void ControlServer::listen(int listener) {
 
 void ControlServer::watch(Listener& listener) {
     listener.ready.reset();
+    // Urgent, as callers are: they wait, and are hundreds of times as quick to serve as anything else that is done
+    // here.
     listener.ready =
-        m_loop.watch(listener.descriptor, EPOLLIN, [this, &listener](std::uint32_t) { acceptFrom(listener); });
+        m_loop.watchUrgently(listener.descriptor, EPOLLIN, [this, &listener](std::uint32_t) { acceptFrom(listener); });
 }
 
 void ControlServer::acceptFrom(Listener& listener) {

@@ -21,7 +21,9 @@ FolderWatch::FolderWatch(services::EventLoop& loop, const std::string& path, std
     const auto folder = path.substr(0, slash + 1);
     if (!m_inotify || ::inotify_add_watch(m_inotify.get(), folder.c_str(), fileEvents | folderEvents | IN_ONLYDIR) < 0)
         return;
-    m_source = loop.watch(m_inotify.get(), EPOLLIN, [this](std::uint32_t) { read(); });
+    // Before the callers: what is stored before a command is sent counts for it.
+    m_source = loop.watchUrgently(
+        m_inotify.get(), EPOLLIN, [this](std::uint32_t) { read(); }, services::EventLoop::Rank::First);
 }
 
 void FolderWatch::read() {

@@ -153,6 +153,55 @@ TEST(EventLoop, WhatIsUrgentComesFirstAndTheRestComesToo) {
     EXPECT_EQ(order, "urgent other urgent other ");
 }
 
+TEST(EventLoop, OfTheUrgentOnesThatAreReadyTogetherTheFirstInRankComeFirst) {
+    EventLoop loop;
+    const Pipe usual;
+    const Pipe first;
+    std::string order;
+    const auto a = loop.watchUrgently(usual.ends[0], EPOLLIN, [&](std::uint32_t) {
+        usual.read();
+        order += "usual ";
+    });
+    const auto b = loop.watchUrgently(
+        first.ends[0], EPOLLIN,
+        [&](std::uint32_t) {
+            first.read();
+            order += "first ";
+        },
+        EventLoop::Rank::First);
+    usual.write();
+    first.write();
+
+    EXPECT_TRUE(loop.runUntil([&] { return order.size() == 12; }));
+
+    EXPECT_EQ(order, "first usual ");
+}
+
+TEST(EventLoop, WhatIsUrgentAllTheTimeLeavesTheOthersAndTheTimersTheirTurn) {
+    EventLoop loop;
+    const Pipe urgent;
+    const Pipe other;
+    urgent.write();
+    other.write();
+    int calls = 0;
+    const auto first = loop.watchUrgently(urgent.ends[0], EPOLLIN, [&](std::uint32_t) {
+        if (++calls == 1000) urgent.read();
+    });
+    bool heard = false;
+    const auto later = loop.watch(other.ends[0], EPOLLIN, [&](std::uint32_t) {
+        other.read();
+        heard = true;
+    });
+    bool came = false;
+    const auto soon = loop.soon([&] { came = true; });
+
+    EXPECT_TRUE(loop.runUntil([&] { return (heard && came) || calls == 1000; }));
+
+    EXPECT_TRUE(heard);
+    EXPECT_TRUE(came);
+    EXPECT_LT(calls, 100);
+}
+
 TEST(EventLoop, AnUrgentWatchMayEndItselfAndMakeTimersAndOthers) {
     std::unique_ptr<EventLoop::Handle> outlives;
     {
