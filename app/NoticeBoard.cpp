@@ -4,9 +4,19 @@
 #include "kit/uikit/UIWindow.h"
 #include "platform/uikit/UIViewController.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace app {
+
+namespace {
+
+NoticeKind weight(NoticeKind kind) {
+    return kind >= NoticeKind::ToolFailed && kind <= NoticeKind::DaemonAbsent ? NoticeKind::ToolFailed : kind;
+}
+
+} // namespace
+
 NoticeBoard::NoticeBoard(const std::shared_ptr<UIWindow>& window) : m_window(window) {}
 
 NoticeBoard::~NoticeBoard() {
@@ -15,7 +25,9 @@ NoticeBoard::~NoticeBoard() {
 }
 
 void NoticeBoard::post(NoticeKind kind, Notice notice) {
-    m_notices[kind] = std::move(notice);
+    const auto [told, isNew] = m_notices.try_emplace(kind);
+    if (isNew || told->second.notice.text != notice.text) told->second.number = ++m_last;
+    told->second.notice = std::move(notice);
     showFirst();
 }
 
@@ -23,14 +35,19 @@ void NoticeBoard::withdraw(NoticeKind kind) {
     if (m_notices.erase(kind) > 0) showFirst();
 }
 
+NoticeBoard::Notices::iterator NoticeBoard::first() {
+    return std::ranges::min_element(
+        m_notices, {}, [](const auto& entry) { return std::pair(weight(entry.first), ~entry.second.number); });
+}
+
 void NoticeBoard::putAway() {
-    if (!m_notices.empty()) m_notices.erase(m_notices.begin());
+    if (!m_notices.empty()) m_notices.erase(first());
     showFirst();
 }
 
 void NoticeBoard::act() {
     if (m_notices.empty()) return;
-    const auto action = m_notices.begin()->second.action; // it may withdraw the notice
+    const auto action = first()->second.notice.action; // it may withdraw the notice
     if (action) action();
 }
 
@@ -46,8 +63,8 @@ void NoticeBoard::showFirst() {
             m_view->wantsPlace = [this] { layOut(); };
             m_view->setAutoresizingMask(UIViewAutoresizingFlexibleTopMargin | UIViewAutoresizingFlexibleWidth);
         }
-        const Notice& first = m_notices.begin()->second;
-        m_view->show(first.text, first.actionTitle);
+        const Notice& notice = first()->second.notice;
+        m_view->show(notice.text, notice.actionTitle);
     }
     layOut();
 }

@@ -2,6 +2,7 @@
 
 // The one notice over a page, of what only the application knows.
 
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <memory>
@@ -46,7 +47,7 @@ public:
     NoticeBoard(const NoticeBoard&) = delete;
     NoticeBoard& operator=(const NoticeBoard&) = delete;
 
-    // In place of what was told of that kind.
+    // In place of what was told of that kind; the same text said again is no news.
     void post(NoticeKind kind, Notice notice);
     // It is not true any more. Nothing for one that is not there.
     void withdraw(NoticeKind kind);
@@ -57,8 +58,16 @@ private:
     void act();
     void showFirst();
 
+    struct Told {
+        Notice notice;
+        std::uint64_t number; // higher is newer
+    };
+    using Notices = std::map<NoticeKind, Told>;
+    Notices::iterator first();
+
     std::weak_ptr<UIWindow> m_window;
-    std::map<NoticeKind, Notice> m_notices;
+    Notices m_notices;
+    std::uint64_t m_last = 0;
     std::shared_ptr<NoticeView> m_view;
 };
 

@@ -82,6 +82,19 @@ TEST_F(Notices, OfSeveralTheWeightiestIsShownAndTheOthersFollow) {
     EXPECT_EQ(shown(), "second, said anew");
 }
 
+TEST_F(Notices, OfWhatBecameOfTapsTheNewestIsShownWhichIsNotWhatIsSaidAgain) {
+    board.post(NoticeKind::DaemonAbsent, {.text = "daemon"});
+    board.post(NoticeKind::NotOpened, {.text = "browser"});
+    EXPECT_EQ(shown(), "browser");
+    board.post(NoticeKind::DaemonAbsent, {.text = "daemon"});
+    EXPECT_EQ(shown(), "browser");
+    board.withdraw(NoticeKind::DaemonAbsent);
+    board.post(NoticeKind::DaemonAbsent, {.text = "daemon"});
+    EXPECT_EQ(shown(), "daemon");
+    ASSERT_TRUE(tap("Close"));
+    EXPECT_EQ(shown(), "browser");
+}
+
 TEST_F(Notices, ItsButtonDoesWhatItSaysAndMayWithdrawIt) {
     int done = 0;
     board.post(NoticeKind::DaemonEnded, {.text = "It has ended.", .actionTitle = "Start It Again", .action = [&] {
