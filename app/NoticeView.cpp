@@ -1,6 +1,7 @@
 #include "app/NoticeView.h"
 
 #include "kit/controllers/TextButton.h"
+#include "kit/foundation/translation.h"
 #include "kit/quartz/geometry.h"
 #include "kit/tables/CellParts.h"
 #include "kit/uikit/appearance.h"
@@ -30,6 +31,7 @@ namespace app {
 
 using namespace seat::appearance;
 using seat::TextButton;
+using seat::translated;
 
 NS_CLASS_IMPLEMENTATION(NoticeView, UIView, method<&NoticeView::closeTapped>("closeTapped"),
                         method<&NoticeView::actionTapped>("actionTapped"))
@@ -48,8 +50,9 @@ std::shared_ptr<NoticeView> NoticeView::initWithClosed_acted(std::function<void(
     m_label = seat::CellLabel::alloc()->initWithFrame(CGRectZero);
     m_label->setFont(textFont(15));
     m_label->setNumberOfLines(0);
+    m_label->setTextAlignment(startAlignment());
     m_texts->addSubview(m_label);
-    m_close = TextButton::alloc()->initWithTitle_kind("Close", TextButton::Kind::Plain);
+    m_close = TextButton::alloc()->initWithTitle_kind(translated("Close"), TextButton::Kind::Plain);
     m_close->addTarget_action_forControlEvents(shared_from_this(), "closeTapped", UIControlEventTouchUpInside);
     addSubview(m_line);
     addSubview(m_texts);
@@ -109,7 +112,7 @@ void NoticeView::layoutSubviews() {
     for (const auto& button : {m_close, m_action}) {
         if (!button) continue;
         const double width = std::min(area.size.width, button->sizeThatFits({area.size.width, buttonHeight}).width);
-        button->setFrame(CGRectMake(right - width, top, width, buttonHeight));
+        button->setFrame(inDirection(CGRectMake(right - width, top, width, buttonHeight), size.width));
         if (isBelow)
             top -= buttonHeight;
         else

@@ -1,5 +1,6 @@
 #include "app/Options.h"
 
+#include "kit/foundation/translation.h"
 #include "platform/foundation/NSString.h"
 
 #include <charconv>
@@ -129,7 +130,7 @@ app::ParsedOptions app::parseOptions(std::span<const char* const> arguments) {
 }
 
 std::string app::helpText() {
-    return R"(Usage: joyvane-settings [OPTION]...
+    return seat::translated(R"(Usage: joyvane-settings [OPTION]...
 Shows the settings page of a game-controller add-on.
 
   --root DIR       the folder that stands for the phone's file system
@@ -151,5 +152,5 @@ Shows the settings page of a game-controller add-on.
 
 Exit codes: 0 all went well; 1 something failed, as was said; 2 there is no
 display; 3 the command line was not understood; 4 the bundle was refused.
-)";
+)");
 }

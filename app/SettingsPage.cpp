@@ -11,6 +11,7 @@
 #include "kit/alerts/progress_canceller.h"
 #include "kit/controllers/ControllerInternals.h"
 #include "kit/controllers/TextButton.h"
+#include "kit/foundation/translation.h"
 #include "kit/settings_framework/bundle.h"
 #include "kit/settings_framework/stored_values.h"
 #include "kit/uikit/front_controller.h"
@@ -25,6 +26,9 @@
 #include "system/socket/connection_listener.h"
 
 #include <utility>
+
+using seat::filled;
+using seat::translated;
 
 app::SettingsPage::SettingsPage(const Bundle& bundle, Class principalClass, CGSize points, double scale)
     : m_bundle(bundle), m_scene(points, scale), m_notices(std::make_unique<NoticeBoard>(m_scene.window())) {
@@ -59,8 +63,9 @@ bool app::SettingsPage::openAddress(const std::string& address) {
 }
 
 void app::SettingsPage::sayNotOpened(const std::string& target) {
-    m_notices->post(NoticeKind::NotOpened,
-                    {.text = "No browser could be started. Open this in one yourself: " + target});
+    m_notices->post(
+        NoticeKind::NotOpened,
+        {.text = filled(translated("No browser could be started. Open this in one yourself: %1"), {target})});
 }
 
 void app::SettingsPage::sayOfPreferences(const seat::PreferencesNotice& notice) {
@@ -68,23 +73,26 @@ void app::SettingsPage::sayOfPreferences(const seat::PreferencesNotice& notice) 
     switch (notice.what) {
     case What::NotStored:
         return m_notices->post(NoticeKind::SettingNotStored,
-                               {.text = "Your change could not be stored: " + notice.detail +
-                                        ". Put that right and change it once more."});
+                               {.text = filled(translated("Your change could not be stored: %1. Put that right and "
+                                                          "change it once more."),
+                                               {notice.detail})});
     case What::Stored:
         return m_notices->withdraw(NoticeKind::SettingNotStored);
     case What::MovedAside:
-        return m_notices->post(NoticeKind::PreferencesMovedAside,
-                               {.text = "Your settings could not be read, so this is a new beginning. The old file is "
-                                        "kept as " +
-                                        notice.detail + "."});
+        return m_notices->post(
+            NoticeKind::PreferencesMovedAside,
+            {.text = filled(translated("Your settings could not be read, so this is a new beginning. "
+                                       "The old file is kept as %1."),
+                            {notice.detail})});
     }
 }
 
 void app::SettingsPage::sayOfResource(const std::string& path, const std::string& reason) {
-    m_notices->post(NoticeKind::ResourceDamaged,
-                    {.text = "The page cannot be shown whole, since a file of it is damaged or missing; installing "
-                             "Joyvane again mends that. " +
-                             path + ": " + reason});
+    m_notices->post(
+        NoticeKind::ResourceDamaged,
+        {.text = filled(translated("The page cannot be shown whole, since a file of it is damaged or missing; "
+                                   "installing Joyvane again mends that. %1: %2"),
+                        {path, reason})});
 }
 
 // The manifest says of which notifications a user has to hear, and in what words; the page itself stays silent. They
@@ -119,16 +127,19 @@ void app::SettingsPage::listenForFailures(const NSDictionary& manifest) {
 // know.
 app::Notice app::SettingsPage::daemonIsAbsent(const std::string& text, const std::string& daemon) {
     const std::string unit = daemon + ".socket";
-    if (daemon.empty() || !m_hasInstalledDaemon || !isUserUnit(unit)) return {.text = text};
-    return {.text = text, .actionTitle = "Start It", .action = [this, unit] { startDaemon(unit); }};
+    if (daemon.empty() || !m_hasInstalledDaemon || !isUserUnit(unit)) return {.text = translated(text)};
+    return {
+        .text = translated(text), .actionTitle = translated("Start It"), .action = [this, unit] { startDaemon(unit); }};
 }
 
 void app::SettingsPage::startDaemon(const std::string& unit) {
     startUserUnit(unit, [this, unit, lives = std::weak_ptr(m_lives)](const std::string& reason) {
         if (lives.expired()) return;
         if (reason.empty()) return daemonIsBack();
-        m_facts.startProblem = "The daemon could not be started: " + reason + ". “systemctl --user status " + unit +
-                               "” in a terminal says more.";
+        m_facts.startProblem =
+            filled(translated("The daemon could not be started: %1. “systemctl --user status %2” in a "
+                              "terminal says more."),
+                   {reason, unit});
         m_notices->post(NoticeKind::DaemonAbsent, {.text = m_facts.startProblem});
         statusChanged();
     });
@@ -138,8 +149,9 @@ void app::SettingsPage::daemonIsBack() {
     m_notices->withdraw(NoticeKind::DaemonAbsent);
     m_notices->withdraw(NoticeKind::DaemonEnded);
     if (std::exchange(m_wasDaemonAbsent, false))
-        m_notices->post(NoticeKind::DaemonStarted,
-                        {.text = "The daemon has started. What could not be done before can be tried again now."});
+        m_notices->post(
+            NoticeKind::DaemonStarted,
+            {.text = translated("The daemon has started. What could not be done before can be tried again now.")});
     m_facts.isDaemonReached = true;
     if (m_daemon) m_daemon->look();
     statusChanged();
@@ -164,7 +176,8 @@ void app::SettingsPage::offerHelp(Help::Options options, std::function<void()> s
                        .putAway = [] { setIntroduced(); }});
     if (!m_help || !m_navigation) return m_help.reset();
     m_helpTarget = ActionTarget::alloc()->initWithAction([this] { showHelp(); });
-    const auto button = seat::TextButton::alloc()->initWithTitle_kind("Help", seat::TextButton::Kind::Plain);
+    const auto button =
+        seat::TextButton::alloc()->initWithTitle_kind(translated("Help"), seat::TextButton::Kind::Plain);
     button->addTarget_action_forControlEvents(m_helpTarget, "run", UIControlEventTouchUpInside);
     ControllerInternals::setBarButton(*m_navigation->viewControllers().front(), button);
     m_statusNotices = std::make_unique<StatusNotices>(*m_notices, [this] { m_help->showTry(*m_navigation); });
@@ -183,10 +196,11 @@ void app::SettingsPage::introduce() {
 void app::SettingsPage::listenForTools() {
     seat::setToolListener([this](const std::string& path, const std::string& reason) {
         if (reason.empty()) return m_notices->withdraw(NoticeKind::ToolFailed);
-        m_notices->post(NoticeKind::ToolFailed,
-                        {.text = "The program that does this, " + path + ", does not run: " + reason +
-                                 ". Cancel, and try again; if that does not help, "
-                                 "install Joyvane's programs anew."});
+        m_notices->post(
+            NoticeKind::ToolFailed,
+            {.text = filled(translated("The program that does this, %1, does not run: %2. Cancel, and try again; "
+                                       "if that does not help, install Joyvane's programs anew."),
+                            {path, reason})});
     });
 }
 

@@ -1,11 +1,14 @@
 #include "app/StatusNotices.h"
 
 #include "app/NoticeBoard.h"
+#include "kit/foundation/translation.h"
 
 #include <string>
 #include <utility>
 
 namespace app {
+
+using seat::translated;
 
 namespace {
 
@@ -17,14 +20,16 @@ using daemon_status::Status;
 std::string trouble(const Status& status) {
     if (!status.isKeyboardChosen) return {};
     if (status.inputService == InputService::unreachable)
-        return "The service that plays the keyboard does not answer. “systemctl status jvninputd.socket” in a terminal "
-               "says more.";
+        return translated(
+            "The service that plays the keyboard does not answer. “systemctl status jvninputd.socket” in a terminal "
+            "says more.");
     if (status.inputService != InputService::connected) return {};
     if (status.readiness == input::Readiness::noKeyboard)
-        return "No keyboard was found. Plug one in, or connect one in the system’s Bluetooth settings.";
+        return translated("No keyboard was found. Plug one in, or connect one in the system’s Bluetooth settings.");
     if (status.readiness == input::Readiness::noPad)
-        return "The gamepad could not be made, so the keyboard cannot play. “journalctl -u jvninputd” in a terminal "
-               "says why.";
+        return translated(
+            "The gamepad could not be made, so the keyboard cannot play. “journalctl -u jvninputd” in a terminal "
+            "says why.");
     return {};
 }
 
@@ -33,12 +38,14 @@ std::string bluetoothTrouble(const Status& status) {
     if (status.isKeyboardChosen) return {};
     switch (status.bluetooth) {
     case Bluetooth::absent:
-        return "There is no Bluetooth: no adapter, or the system’s service for it does not run. Controllers cannot "
-               "connect; a keyboard can still play.";
+        return translated(
+            "There is no Bluetooth: no adapter, or the system’s service for it does not run. Controllers cannot "
+            "connect; a keyboard can still play.");
     case Bluetooth::blocked:
-        return "Bluetooth is blocked by a switch or the flight mode. Controllers cannot connect until it is not.";
+        return translated(
+            "Bluetooth is blocked by a switch or the flight mode. Controllers cannot connect until it is not.");
     case Bluetooth::off:
-        return "Bluetooth is off. Pairing or connecting a controller switches it on.";
+        return translated("Bluetooth is off. Pairing or connecting a controller switches it on.");
     case Bluetooth::unknown:
     case Bluetooth::on:
         break;
@@ -83,11 +90,13 @@ void StatusNotices::showReadiness(const Status& status) {
     const bool isOff = waits && status.readiness == input::Readiness::switchedOff;
     if (!isReady && !isOff) return m_board.withdraw(NoticeKind::ReadyToPlay);
     if (!std::exchange(m_isJustChosen, false)) return;
-    m_board.post(NoticeKind::ReadyToPlay,
-                 {.text = isReady ? "The keyboard is ready. It becomes a gamepad as soon as a game listens to one."
-                                  : "The keyboard is ready. Hold both Ctrl keys and press Escape to make it a gamepad.",
-                  .actionTitle = "Try It",
-                  .action = m_tryIt});
+    m_board.post(
+        NoticeKind::ReadyToPlay,
+        {.text = isReady
+                     ? translated("The keyboard is ready. It becomes a gamepad as soon as a game listens to one.")
+                     : translated("The keyboard is ready. Hold both Ctrl keys and press Escape to make it a gamepad."),
+         .actionTitle = translated("Try It"),
+         .action = m_tryIt});
 }
 
 } // namespace app

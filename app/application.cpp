@@ -15,6 +15,7 @@
 #include "desktop/window/SceneWindow.h"
 #include "desktop/window/Toolkit.h"
 #include "kit/dispatch/main_queue.h"
+#include "kit/foundation/translation.h"
 #include "system/bus/SessionBus.h"
 #include "system/bus/session_bus_address.h"
 #include "system/files/root.h"
@@ -44,12 +45,16 @@ void sayWhenDaemonEnds(app::Simulation& simulation, app::NoticeBoard& notices) {
             simulation->startDaemon(problem);
             if (problem.empty()) return notices->withdraw(app::NoticeKind::DaemonEnded);
             complain(problem);
-            notices->post(app::NoticeKind::DaemonEnded, {.text = "The simulated daemon could not be started again."});
+            notices->post(app::NoticeKind::DaemonEnded,
+                          {.text = seat::translated("The simulated daemon could not be started again.")});
         };
-        notices->post(app::NoticeKind::DaemonEnded,
-                      {.text = "The simulated daemon " + how + ". Until it runs again nothing can be connected.",
-                       .actionTitle = "Start It Again",
-                       .action = startAgain});
+        notices->post(
+            app::NoticeKind::DaemonEnded,
+            {.text = seat::filled(seat::translated("The simulated daemon %1. Until it runs again nothing can be "
+                                                   "connected."),
+                                  {how}),
+             .actionTitle = seat::translated("Start It Again"),
+             .action = startAgain});
     });
 }
 

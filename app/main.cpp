@@ -1,5 +1,6 @@
 #include "app/Options.h"
 #include "app/application.h"
+#include "app/translation.h"
 #include "kit/dispatch/shutdown.h"
 #include "system/process/children.h"
 #include "system/process/standard_descriptors.h"
@@ -15,6 +16,8 @@ int main(int argumentCount, char** arguments) {
     std::span<const char* const> words(arguments, static_cast<std::size_t>(argumentCount));
     if (!words.empty()) words = words.subspan(1);
     const auto [options, problem] = app::parseOptions(words);
+    // The tour finds its rows by their English names.
+    if (options.tour.empty()) app::speakTheUsersLanguage();
     if (!problem.empty()) {
         std::fprintf(stderr, "joyvane-settings: %s; --help lists what there is\n", problem.c_str());
         return app::ExitUsage;

@@ -13,10 +13,15 @@ std::shared_ptr<UILabel> keyLabel(const UITableViewCell& cell) {
     return std::dynamic_pointer_cast<UILabel>(cell.accessoryView());
 }
 
-void show(UILabel& label, std::string text, const std::shared_ptr<UIColor>& color) {
+void show(UILabel& label, std::string text, std::string spoken, const std::shared_ptr<UIColor>& color) {
     label.setText(std::move(text));
+    label.setAccessibilityLabel(std::move(spoken));
     label.setTextColor(color);
     label.sizeToFit();
+}
+
+void showKey(UILabel& label, long keyCode) {
+    show(label, keyDisplayName(keyCode), keySpokenName(keyCode), UIColor::blackColor());
 }
 
 } // namespace
@@ -59,8 +64,7 @@ JVNKeymapViewController::tableView_cellForRowAtIndexPath(UITableView& tableView,
     cell->textLabel()->setText(button.title);
     if (!cell->accessoryView()) cell->setAccessoryView(UILabel::alloc()->init());
     if (const auto label = keyLabel(*cell))
-        show(*label, keyDisplayName(selectedKeyCodeForNative(static_cast<std::uint32_t>(button.nativeCode))),
-             UIColor::blackColor());
+        showKey(*label, selectedKeyCodeForNative(static_cast<std::uint32_t>(button.nativeCode)));
     return cell;
 }
 
@@ -74,5 +78,6 @@ void JVNKeymapViewController::tableView_didSelectRowAtIndexPath(UITableView& tab
     }
     setIndexPathOfCellToRemap(indexPath);
     const auto cell = tableView.cellForRowAtIndexPath(indexPath);
-    if (const auto label = cell ? keyLabel(*cell) : nullptr) show(*label, "Press Key…", UIColor::blueColor());
+    if (const auto label = cell ? keyLabel(*cell) : nullptr)
+        show(*label, "Press Key…", "Press Key", UIColor::blueColor());
 }

@@ -10,24 +10,25 @@ namespace {
 struct NamedKey {
     long code;
     const char* name;
+    const char* spoken;
 };
 
 constexpr std::array<NamedKey, 15> namedKeys{{
-    {224, "control"},
-    {225, "left ⇧"},
-    {79, "→"},
-    {80, "←"},
-    {81, "↓"},
-    {82, "↑"},
-    {226, "⌥"},
-    {227, "⌘"},
-    {44, "space"},
-    {40, "⏎"},
-    {229, "right ⇧"},
-    {42, "⌫"},
-    {57, "⇪"},
-    {43, "⇆"},
-    {41, "⎋"},
+    {224, "control", "Control"},
+    {225, "left ⇧", "Left Shift"},
+    {79, "→", "Right Arrow"},
+    {80, "←", "Left Arrow"},
+    {81, "↓", "Down Arrow"},
+    {82, "↑", "Up Arrow"},
+    {226, "⌥", "Alt"},
+    {227, "⌘", "Command"},
+    {44, "space", "Space"},
+    {40, "⏎", "Return"},
+    {229, "right ⇧", "Right Shift"},
+    {42, "⌫", "Backspace"},
+    {57, "⇪", "Caps Lock"},
+    {43, "⇆", "Tab"},
+    {41, "⎋", "Escape"},
 }};
 
 } // namespace
@@ -40,4 +41,10 @@ std::string keyDisplayName(long keyCode) {
     for (const auto& key : namedKeys)
         if (key.code == keyCode) return key.name;
     return "Key (" + NSStringFromInteger(keyCode) + ")";
+}
+
+std::string keySpokenName(long keyCode) {
+    for (const auto& key : namedKeys)
+        if (key.code == keyCode) return key.spoken;
+    return keyCode == -1 ? "None" : keyDisplayName(keyCode);
 }

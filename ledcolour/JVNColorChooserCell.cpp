@@ -1,5 +1,6 @@
 #include "ledcolour/JVNColorChooserCell.h"
 
+#include "ledcolour/colour_words.h"
 #include "ledcolour/hex_colour.h"
 #include "platform/runtime/method.h"
 
@@ -37,5 +38,8 @@ void JVNColorChooserCell::setValue(const id& value) {
 }
 
 std::string JVNColorChooserCell::accessibilityValue() const {
-    return m_colorMark ? JVNStringColorForUIColor(m_colorMark->backgroundColor()) : std::string();
+    if (!m_colorMark) return {};
+    const auto& color = m_colorMark->backgroundColor();
+    const std::string words = JVNWordsForUIColor(color);
+    return (words.empty() ? "" : words + ", ") + JVNStringColorForUIColor(color);
 }

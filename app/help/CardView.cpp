@@ -54,7 +54,7 @@ void CardView::layoutSubviews() {
         if (view->isHidden()) continue;
         const double height = heightOf(*view, width);
         view->setFrame(CGRectMake(0, y, width, height));
-        line->setFrame(CGRectMake(sideMargin, y, width - sideMargin, hairline()));
+        line->setFrame(inDirection(CGRectMake(sideMargin, y, width - sideMargin, hairline()), width));
         y += height;
     }
 }

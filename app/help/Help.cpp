@@ -3,6 +3,7 @@
 #include "app/help/HelpScreen.h"
 #include "app/help/TryScreen.h"
 #include "desktop/links/browser.h"
+#include "kit/foundation/translation.h"
 #include "kit/uikit/UIWindow.h"
 #include "kit/uikit/focus_order.h"
 #include "platform/foundation/NSArray.h"
@@ -17,10 +18,10 @@ std::unique_ptr<Help> Help::of(const Bundle& bundle, Options options, Actions ac
     if (!text) return nullptr;
     std::unique_ptr<Help> help(new Help);
     help->m_name = bundle.name;
-    if (const auto* const title = text->objectForKey("Title").string()) help->m_title = *title;
+    if (const auto* const title = text->objectForKey("Title").string()) help->m_title = seat::translated(*title);
     if (const auto paragraphs = text->objectForKey("Text").object<NSArray>())
         for (const id& paragraph : *paragraphs)
-            if (paragraph.string()) help->m_paragraphs.push_back(*paragraph.string());
+            if (paragraph.string()) help->m_paragraphs.push_back(seat::translated(*paragraph.string()));
     help->m_options = std::move(options);
     help->m_actions = std::move(actions);
     return help;

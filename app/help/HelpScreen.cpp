@@ -5,6 +5,7 @@
 #include "app/help/PadView.h"
 #include "kit/controllers/ControllerInternals.h"
 #include "kit/controllers/TextButton.h"
+#include "kit/foundation/translation.h"
 #include "kit/quartz/geometry.h"
 #include "kit/tables/TableText.h"
 #include "kit/uikit/appearance.h"
@@ -16,6 +17,7 @@ namespace app {
 
 using namespace seat::appearance;
 using seat::TextButton;
+using seat::translated;
 
 NS_CLASS_IMPLEMENTATION(HelpScreen, UIViewController, method<&HelpScreen::closeTapped>("closeTapped"),
                         method<&HelpScreen::startTapped>("startTapped"), method<&HelpScreen::tryTapped>("tryTapped"),
@@ -66,7 +68,7 @@ std::shared_ptr<HelpScreen> HelpScreen::initWithText_actions(Text text, Actions 
     m_text = std::move(text);
     m_actions = std::move(actions);
     setTitle(m_text.name);
-    const auto close = TextButton::alloc()->initWithTitle_kind("Close", TextButton::Kind::Bold);
+    const auto close = TextButton::alloc()->initWithTitle_kind(translated("Close"), TextButton::Kind::Bold);
     close->addTarget_action_forControlEvents(self(this), "closeTapped", UIControlEventTouchUpInside);
     ControllerInternals::setBarButton(*this, close);
     return self(this);
@@ -83,26 +85,30 @@ void HelpScreen::loadView() {
     title->setText(m_text.title);
     m_column->add(title, 16);
     for (const auto& paragraph : m_text.paragraphs) addText(paragraph);
-    addButton("Set Up Your Controller", "closeTapped", {});
+    addButton(translated("Set Up Your Controller"), "closeTapped", {});
 
-    m_column->add(SmallPrint::alloc()->initWithText_role("What It Needs", UIAccessibilityRole::Heading), sectionSpace);
+    m_column->add(SmallPrint::alloc()->initWithText_role(translated("What It Needs"), UIAccessibilityRole::Heading),
+                  sectionSpace);
     m_needs = CardView::alloc()->init();
-    m_daemon = StatusRow::alloc()->initWithName("Daemon");
-    m_start = TextButton::alloc()->initWithTitle_kind("Start It", TextButton::Kind::Row);
+    m_daemon = StatusRow::alloc()->initWithName(translated("Daemon"));
+    m_start = TextButton::alloc()->initWithTitle_kind(translated("Start It"), TextButton::Kind::Row);
     m_start->addTarget_action_forControlEvents(self(this), "startTapped", UIControlEventTouchUpInside);
-    m_bluetooth = StatusRow::alloc()->initWithName("Bluetooth");
-    m_keyboard = StatusRow::alloc()->initWithName("Keyboard");
+    m_bluetooth = StatusRow::alloc()->initWithName(translated("Bluetooth"));
+    m_keyboard = StatusRow::alloc()->initWithName(translated("Keyboard"));
     for (const auto& row : std::initializer_list<std::shared_ptr<UIView>>{m_daemon, m_start, m_keyboard, m_bluetooth})
         m_needs->add(row);
     m_column->add(m_needs, textSpace);
 
-    if (m_actions.tryIt) addButton("Try It", "tryTapped", "Shows the gamepad while you press keys.");
+    if (m_actions.tryIt)
+        addButton(translated("Try It"), "tryTapped", translated("Shows the gamepad while you press keys."));
     if (m_actions.simulate)
-        addButton("Try Without a Controller", "simulateTapped",
-                  "Opens a second window with pretend controllers. Nothing of yours changes.");
-    if (m_actions.openGuide) addButton("Read the Guide", "guideTapped", "From the first start to the first game.");
-    m_column->add(SmallPrint::alloc()->initWithText_role("F1 shows this again.", UIAccessibilityRole::StaticText),
-                  sectionSpace);
+        addButton(translated("Try Without a Controller"), "simulateTapped",
+                  translated("Opens a second window with pretend controllers. Nothing of yours changes."));
+    if (m_actions.openGuide)
+        addButton(translated("Read the Guide"), "guideTapped", translated("From the first start to the first game."));
+    m_column->add(
+        SmallPrint::alloc()->initWithText_role(translated("F1 shows this again."), UIAccessibilityRole::StaticText),
+        sectionSpace);
     setView(m_column);
     show(m_facts);
 }
@@ -111,6 +117,7 @@ void HelpScreen::addText(const std::string& text) {
     const auto label = UILabel::alloc()->initWithFrame(CGRectZero);
     label->setFont(textFont(17));
     label->setTextColor(textColor());
+    label->setTextAlignment(startAlignment());
     label->setNumberOfLines(0);
     label->setText(text);
     m_column->add(label, 12);

@@ -1,5 +1,6 @@
 #include "app/help/PadView.h"
 
+#include "kit/foundation/translation.h"
 #include "kit/quartz/geometry.h"
 #include "kit/tables/CellParts.h"
 #include "kit/uikit/appearance.h"
@@ -11,6 +12,8 @@
 #include <utility>
 
 namespace app {
+
+using seat::translated;
 
 using namespace seat::appearance;
 
@@ -64,7 +67,7 @@ PadView::~PadView() = default;
 std::shared_ptr<PadView> PadView::init() {
     if (!UIView::initWithFrame(CGRectZero)) return nullptr;
     setUserInteractionEnabled(false);
-    setAccessibilityLabel("Gamepad");
+    setAccessibilityLabel(translated("Gamepad"));
     for (const auto& part : namedParts) {
         const auto label = seat::CellLabel::alloc()->initWithFrame(CGRectZero);
         label->setText(part.name);

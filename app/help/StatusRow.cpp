@@ -21,6 +21,7 @@ std::shared_ptr<UILabel> label(double size, const std::shared_ptr<UIColor>& colo
     const auto made = seat::CellLabel::alloc()->initWithFrame(CGRectZero);
     made->setFont(textFont(size));
     made->setTextColor(color);
+    made->setTextAlignment(startAlignment());
     return made;
 }
 
@@ -34,7 +35,6 @@ std::shared_ptr<StatusRow> StatusRow::initWithName(const std::string& name) {
     m_name->setText(name);
     m_name->setNumberOfLines(0);
     m_state = label(17, secondaryTextColor());
-    m_state->setTextAlignment(NSTextAlignmentRight);
     m_state->setNumberOfLines(0);
     m_advice = label(13, secondaryTextColor());
     m_advice->setNumberOfLines(0);
@@ -83,15 +83,15 @@ void StatusRow::layoutSubviews() {
         const double name = std::ceil(m_name->sizeThatFits({room, 1e6}).height);
         const double state = std::ceil(m_state->sizeThatFits({room, 1e6}).height);
         const double top = std::floor((line - name - state) / 2);
-        m_state->setTextAlignment(NSTextAlignmentLeft);
+        m_state->setTextAlignment(startAlignment());
         m_name->setFrame(CGRectMake(sideMargin, top, room, name));
         m_state->setFrame(CGRectMake(sideMargin, top + name, room, state));
     } else {
         const double name = std::min(room, std::ceil(m_name->sizeThatFits({1e6, 1e6}).width));
         const double state = std::max(0.0, room - name - labelGap);
-        m_state->setTextAlignment(NSTextAlignmentRight);
-        m_name->setFrame(CGRectMake(sideMargin, 0, name, line));
-        m_state->setFrame(CGRectMake(sideMargin + room - state, 0, state, line));
+        m_state->setTextAlignment(endAlignment());
+        m_name->setFrame(inDirection(CGRectMake(sideMargin, 0, name, line), width));
+        m_state->setFrame(inDirection(CGRectMake(sideMargin + room - state, 0, state, line), width));
     }
     // The advice belongs to the line above it: a little nearer than the row's own height puts it.
     m_advice->setFrame(CGRectMake(sideMargin, line - 4, room, adviceHeight(width)));

@@ -6,6 +6,7 @@
 #include "app/help/pad_text.h"
 #include "kit/controllers/ControllerInternals.h"
 #include "kit/controllers/TextButton.h"
+#include "kit/foundation/translation.h"
 #include "kit/uikit/appearance.h"
 #include "platform/runtime/method.h"
 
@@ -15,6 +16,7 @@ namespace app {
 
 using namespace seat::appearance;
 using seat::TextButton;
+using seat::translated;
 
 NS_CLASS_IMPLEMENTATION(TryScreen, UIViewController, method<&TryScreen::retryTapped>("retryTapped"),
                         method<&TryScreen::closeTapped>("closeTapped"))
@@ -26,9 +28,9 @@ std::shared_ptr<TryScreen> TryScreen::initWithSocket_close(std::optional<std::st
     if (!UIViewController::init()) return nullptr;
     m_socketPath = std::move(socketPath);
     m_close = std::move(close);
-    setTitle("Try It");
+    setTitle(translated("Try It"));
     if (m_close) {
-        const auto button = TextButton::alloc()->initWithTitle_kind("Close", TextButton::Kind::Bold);
+        const auto button = TextButton::alloc()->initWithTitle_kind(translated("Close"), TextButton::Kind::Bold);
         button->addTarget_action_forControlEvents(self(this), "closeTapped", UIControlEventTouchUpInside);
         ControllerInternals::setBarButton(*this, button);
     }
@@ -48,7 +50,7 @@ void TryScreen::loadView() {
     m_pad = PadView::alloc()->init();
     m_headline = label(boldTextFont(20), textColor());
     m_text = label(textFont(15), secondaryTextColor());
-    const auto retry = TextButton::alloc()->initWithTitle_kind("Try Again", TextButton::Kind::Row);
+    const auto retry = TextButton::alloc()->initWithTitle_kind(translated("Try Again"), TextButton::Kind::Row);
     retry->addTarget_action_forControlEvents(self(this), "retryTapped", UIControlEventTouchUpInside);
     m_retry = CardView::alloc()->init();
     m_retry->add(retry);

@@ -1,6 +1,7 @@
 #include "desktop/mail/ComposeView.h"
 
 #include "desktop/mail/message_body.h"
+#include "kit/foundation/translation.h"
 #include "kit/quartz/geometry.h"
 #include "kit/quartz/text_size.h"
 #include "kit/uikit/appearance.h"
@@ -16,10 +17,6 @@ using namespace appearance;
 namespace {
 
 constexpr double notePadding = 10; // above and below
-constexpr const char* whatOpenDoes =
-    "Opens in your mail program, where you write whom it is for and send it. Nothing is sent from here.";
-constexpr const char* whatFailed =
-    "Your mail program could not be started, so the message is still here. Try again, or cancel.";
 
 // A note that assistive technology reads out when it comes.
 class FailureNote final : public UILabel {
@@ -47,14 +44,14 @@ std::shared_ptr<ComposeView> ComposeView::initWithTitle(const std::string& title
     m_bar = UIView::alloc()->init();
     m_bar->setBackgroundColor(barColor());
     addSubview(m_bar);
-    m_cancel = TextButton::alloc()->initWithTitle_kind("Cancel", TextButton::Kind::Plain);
+    m_cancel = TextButton::alloc()->initWithTitle_kind(translated("Cancel"), TextButton::Kind::Plain);
     m_bar->addSubview(m_cancel);
     m_title = UILabel::alloc()->init();
     m_title->setFont(boldControlFont());
     m_title->setText(title);
     m_title->setTextAlignment(NSTextAlignmentCenter);
     m_bar->addSubview(m_title);
-    m_open = TextButton::alloc()->initWithTitle_kind("Open", TextButton::Kind::Bold);
+    m_open = TextButton::alloc()->initWithTitle_kind(translated("Open"), TextButton::Kind::Bold);
     m_bar->addSubview(m_open);
     m_barLine = line();
     m_bar->addSubview(m_barLine);
@@ -64,7 +61,8 @@ std::shared_ptr<ComposeView> ComposeView::initWithTitle(const std::string& title
     addSubview(m_noteLine);
     const auto note = UILabel::alloc()->init();
     note->setTextColor(secondaryTextColor());
-    note->setText(whatOpenDoes);
+    note->setText(translated("Opens in your mail program, where you write whom it is for and send it. Nothing is sent "
+                             "from here."));
     setNote(note);
     return self(this);
 }
@@ -74,6 +72,7 @@ void ComposeView::setNote(std::shared_ptr<UILabel> note) {
     m_note = std::move(note);
     m_note->setFont(textFont(14));
     m_note->setNumberOfLines(0);
+    m_note->setTextAlignment(startAlignment());
     insertSubview_atIndex(m_note, 1); // read after the bar, before the message
     setNeedsLayout();
 }
@@ -92,7 +91,8 @@ void ComposeView::showHandOverFailed() {
     const auto note = FailureNote::alloc();
     note->init();
     note->setTextColor(errorTextColor());
-    note->setText(whatFailed);
+    note->setText(
+        translated("Your mail program could not be started, so the message is still here. Try again, or cancel."));
     setNote(note);
 }
 
@@ -103,15 +103,15 @@ void ComposeView::layoutSubviews() {
     m_barLine->setFrame(CGRectMake(0, barHeight - hairline(), width, hairline()));
     const double cancelWidth = m_cancel->sizeThatFits({width, barHeight}).width;
     const double openWidth = m_open->sizeThatFits({width, barHeight}).width;
-    m_cancel->setFrame(CGRectMake(sideMargin, 0, cancelWidth, barHeight));
-    m_open->setFrame(CGRectMake(width - sideMargin - openWidth, 0, openWidth, barHeight));
+    m_cancel->setFrame(inDirection(CGRectMake(sideMargin, 0, cancelWidth, barHeight), width));
+    m_open->setFrame(inDirection(CGRectMake(width - sideMargin - openWidth, 0, openWidth, barHeight), width));
     // In the middle, or between the two where that is too narrow for it.
     const double titleWidth = std::ceil(m_title->sizeThatFits({1e6, 1e6}).width);
     const double beside = 2 * sideMargin + std::max(cancelWidth, openWidth);
     const bool isCentred = titleWidth <= width - 2 * beside || textScale() <= 1;
     const double titleLeft = isCentred ? beside : sideMargin + cancelWidth + labelGap;
     const double titleRight = isCentred ? width - beside : width - sideMargin - openWidth - labelGap;
-    m_title->setFrame(CGRectMake(titleLeft, 0, std::max(0.0, titleRight - titleLeft), barHeight));
+    m_title->setFrame(inDirection(CGRectMake(titleLeft, 0, std::max(0.0, titleRight - titleLeft), barHeight), width));
 
     const double left = messageMargin(width);
     const double noteWidth = std::max(1.0, width - 2 * left);

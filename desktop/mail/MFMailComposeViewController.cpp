@@ -4,6 +4,7 @@
 #include "desktop/mail/html_blocks.h"
 #include "desktop/mail/mail_program.h"
 #include "desktop/mail/message_text.h"
+#include "kit/foundation/translation.h"
 #include "kit/uikit/UIWindow.h"
 #include "platform/foundation/NSError.h"
 #include "platform/runtime/method.h"
@@ -35,7 +36,7 @@ bool MFMailComposeViewController::canSendMail() { return seat::mailProgram().has
 
 std::shared_ptr<MFMailComposeViewController> MFMailComposeViewController::init() {
     if (!UIViewController::init()) return nullptr;
-    setTitle("New Message");
+    setTitle(seat::translated("New Message"));
     return self(this);
 }
 

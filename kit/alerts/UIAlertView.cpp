@@ -163,7 +163,8 @@ void UIAlertView::layOutButtons(double top) {
         const auto& line = m_alert->lines[i];
         if (m_alert->hasButtonsSideBySide(cardWidth)) {
             const double width = cardWidth / 2;
-            buttons[i]->setFrame(CGRectMake(static_cast<double>(i) * width, top, width, buttonHeight));
+            buttons[i]->setFrame(
+                inDirection(CGRectMake(static_cast<double>(i) * width, top, width, buttonHeight), cardWidth));
             line->setFrame(i == 0 ? CGRectMake(0, top, cardWidth, hairline())
                                   : CGRectMake(width, top, hairline(), buttonHeight));
         } else {

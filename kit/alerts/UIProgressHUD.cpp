@@ -3,6 +3,7 @@
 #include "kit/alerts/Spinner.h"
 #include "kit/alerts/progress_canceller.h"
 #include "kit/controllers/TextButton.h"
+#include "kit/foundation/translation.h"
 #include "kit/quartz/geometry.h"
 #include "kit/quartz/text_runs.h"
 #include "kit/quartz/text_size.h"
@@ -64,7 +65,7 @@ std::shared_ptr<UIProgressHUD> UIProgressHUD::init() {
     m_hud->label->setNumberOfLines(0);
     m_hud->line = UIView::alloc()->initWithFrame(CGRectZero);
     m_hud->line->setBackgroundColor(UIColor::colorWithWhite_alpha(1, 0.3));
-    m_hud->button = TextButton::alloc()->initWithTitle_kind("Cancel", TextButton::Kind::OnDark);
+    m_hud->button = TextButton::alloc()->initWithTitle_kind(translated("Cancel"), TextButton::Kind::OnDark);
     m_hud->button->addTarget_action_forControlEvents(shared_from_this(), "cancelTapped", UIControlEventTouchUpInside);
     addSubview(m_hud->spinner);
     addSubview(m_hud->label);

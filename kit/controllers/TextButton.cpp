@@ -36,7 +36,7 @@ std::shared_ptr<TextButton> TextButton::initWithTitle_kind(std::string title, Ki
     m_label->setFont(kind == Kind::Bold ? boldControlFont() : kind == Kind::Row ? textFont(17) : controlFont());
     m_label->setNumberOfLines(kind == Kind::Row ? 0 : 1);
     const bool isLeft = kind == Kind::Back || kind == Kind::Row;
-    m_label->setTextAlignment(isLeft ? NSTextAlignmentLeft : NSTextAlignmentCenter);
+    m_label->setTextAlignment(isLeft ? startAlignment() : NSTextAlignmentCenter);
     addSubview(m_label);
     return self(this);
 }
@@ -70,16 +70,17 @@ double TextButton::textWidth(double width) const {
 
 void TextButton::layoutSubviews() {
     const CGSize size = bounds().size;
-    m_label->setFrame(CGRectMake(spaceBefore(m_kind), 0, textWidth(size.width), size.height));
+    m_label->setFrame(inDirection(CGRectMake(spaceBefore(m_kind), 0, textWidth(size.width), size.height), size.width));
 }
 
 void TextButton::drawRect(CGRect) {
     if (m_kind != Kind::Back) return;
     const double middle = std::round(bounds().size.height / 2);
     const auto path = UIBezierPath::bezierPath();
-    path->moveToPoint({10.5, middle - 8.5});
-    path->addLineToPoint({2, middle});
-    path->addLineToPoint({10.5, middle + 8.5});
+    const auto x = [&](double fromStart) { return isRightToLeft() ? bounds().size.width - fromStart : fromStart; };
+    path->moveToPoint({x(10.5), middle - 8.5});
+    path->addLineToPoint({x(2), middle});
+    path->addLineToPoint({x(10.5), middle + 8.5});
     path->setLineWidth(2.5);
     tintColor()->setStroke();
     path->stroke();

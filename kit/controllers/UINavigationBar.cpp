@@ -2,6 +2,7 @@
 
 #include "kit/controllers/NavigationBarInternals.h"
 #include "kit/controllers/TextButton.h"
+#include "kit/foundation/translation.h"
 #include "kit/quartz/geometry.h"
 #include "kit/quartz/text_runs.h"
 #include "kit/quartz/text_size.h"
@@ -34,9 +35,10 @@ public:
         m_title->setFont(boldControlFont());
         m_title->setTextAlignment(NSTextAlignmentCenter);
         if (item.backTitle) {
-            m_back = TextButton::alloc()->initWithTitle_kind(item.backTitle->empty() ? "Back" : *item.backTitle,
-                                                             TextButton::Kind::Back);
-            m_back->setAccessibilityLabel(item.backTitle->empty() ? "Back" : "Back to " + *item.backTitle);
+            m_back = TextButton::alloc()->initWithTitle_kind(
+                item.backTitle->empty() ? translated("Back") : *item.backTitle, TextButton::Kind::Back);
+            m_back->setAccessibilityLabel(
+                item.backTitle->empty() ? translated("Back") : filled(translated("Back to %1"), {*item.backTitle}));
             m_back->addTarget_action_forControlEvents(item.controller.lock(), "goBack", UIControlEventTouchUpInside);
             addSubview(m_back);
         }
@@ -55,8 +57,9 @@ public:
         double right = size.width - sideMargin;
         // It may stand in another screen's item by now.
         if (m_button && m_button->superview().get() == this) {
-            const double width = std::min(std::ceil(m_button->sizeThatFits(size).width), size.width / 3);
-            m_button->setFrame(CGRectMake(right - width, 0, width, size.height));
+            const double width =
+                std::min(std::ceil(m_button->sizeThatFits(size).width), size.width / (controlTextScale() > 1 ? 2 : 3));
+            m_button->setFrame(inDirection(CGRectMake(right - width, 0, width, size.height), size.width));
             right -= width + gap;
         }
         fitTitle(right - left);
@@ -72,12 +75,13 @@ public:
             // A long way back gives room to the title, but never more than it takes to tell what it is.
             const double room = std::max(size.width * 0.3, right - titleWidth - backMargin - gap);
             const double width = std::min({m_back->sizeThatFits(size).width, room, size.width / 2});
-            m_back->setFrame(CGRectMake(backMargin, 0, width, size.height));
+            m_back->setFrame(inDirection(CGRectMake(backMargin, 0, width, size.height), size.width));
             left = backMargin + width + gap;
         }
         const double width = std::min(titleWidth, std::max(0.0, right - left));
         const double centred = std::floor((size.width - width) / 2);
-        m_title->setFrame(CGRectMake(std::clamp(centred, left, std::max(left, right - width)), 0, width, size.height));
+        const double at = std::clamp(centred, left, std::max(left, right - width));
+        m_title->setFrame(inDirection(CGRectMake(at, 0, width, size.height), size.width));
     }
 
 private:
@@ -142,7 +146,7 @@ void NavigationBarInternals::show(UINavigationBar& bar, const Item& item, Direct
         if (former) former->removeFromSuperview();
         return;
     }
-    const double way = bar.bounds().size.width * (direction == Direction::Forward ? 0.4 : -0.4);
+    const double way = bar.bounds().size.width * ((direction == Direction::Forward) != isRightToLeft() ? 0.4 : -0.4);
     const CGPoint middle = coming->center();
     coming->layoutIfNeeded();
     coming->setCenter({middle.x + way, middle.y});

@@ -64,7 +64,7 @@ void UINavigationController::State::move() {
     showBar(isForward, moves);
 
     const CGPoint center = coming->center();
-    const double width = area->bounds().size.width;
+    const double width = area->bounds().size.width * (appearance::isRightToLeft() ? -1 : 1);
     const auto shifted = [&](double fraction) { return CGPointMake(center.x + width * fraction, center.y); };
     if (moves) {
         going->setAccessibilityElementsHidden(true);

@@ -1,5 +1,6 @@
 #include "kit/settings_framework/SpecifierResource.h"
 
+#include "kit/foundation/translation.h"
 #include "kit/seat.h"
 #include "kit/settings_framework/bundle.h"
 #include "platform/foundation/NSArray.h"
@@ -7,6 +8,8 @@
 
 #include <algorithm>
 #include <array>
+#include <set>
+#include <string>
 #include <string_view>
 #include <utility>
 
@@ -27,6 +30,18 @@ constexpr std::array stringProperties{"id", "key", "defaults", "PostNotification
 
 // Of an item that are no properties of its row.
 constexpr std::array<std::string_view, 5> notOfTheRow{"cell", "label", "action", "JVNOnlyFor", "JVNNotFor"};
+
+// Properties that are texts for the user, or lists of them.
+const std::set<std::string> shownTexts{"footerText", "validTitles"};
+
+id translatedTexts(const id& value) {
+    if (const auto* const text = value.string()) return id(translated(*text));
+    const auto* const texts = value.objectPointer<NSArray>();
+    if (!texts) return value;
+    const auto result = NSArray::array();
+    for (const id& text : *texts) result->addObject(translatedTexts(text));
+    return id(result);
+}
 
 std::optional<PSCellType> kindNamed(const id& name) {
     for (const auto& [known, kind] : kinds)
@@ -65,11 +80,12 @@ std::shared_ptr<PSSpecifier> makeRow(const NSDictionary& item, const std::shared
     };
     const bool isBound = bool(item.objectForKey("key"));
     auto row = PSSpecifier::preferenceSpecifierNamed_target_set_get_detail_cell_edit(
-        text("label"), target, isBound ? SEL("setPreferenceValue:specifier:") : SEL(),
+        translated(text("label")), target, isBound ? SEL("setPreferenceValue:specifier:") : SEL(),
         isBound ? SEL("readPreferenceValue:") : SEL(), nullptr, *kindNamed(item.objectForKey("cell")), nullptr);
     if (const std::string action = text("action"); !action.empty()) row->setButtonAction(action);
     item.enumerate([&](const std::string& key, const id& value) {
-        if (std::ranges::find(notOfTheRow, key) == notOfTheRow.end()) row->setProperty_forKey(value, key);
+        if (std::ranges::find(notOfTheRow, key) == notOfTheRow.end())
+            row->setProperty_forKey(shownTexts.contains(key) ? translatedTexts(value) : value, key);
         return true;
     });
     return row;
@@ -128,7 +144,7 @@ std::optional<SpecifierResource> readSpecifierResource(const std::string& realPa
     if (items->count() > mostItems) return refuse("it has more than 10,000 items");
 
     SpecifierResource resource;
-    if (const auto* title = dictionary->objectForKey("title").string()) resource.title = *title;
+    if (const auto* title = dictionary->objectForKey("title").string()) resource.title = translated(*title);
     std::string faults;
     std::size_t faultCount = 0;
     for (std::size_t i = 0; i < items->count(); ++i) {

@@ -56,8 +56,8 @@ void CellCard::drawRect(CGRect) {
     }
     if (!m_hasSeparator || (m_place.isGrouped && m_place.isLast)) return;
     CGContextSetFillColorWithColor(context, separatorColor()->CGColor());
-    CGContextFillRect(context,
-                      CGRectMake(sideMargin, area.size.height - hairline(), area.size.width - sideMargin, hairline()));
+    const CGRect line = CGRectMake(sideMargin, area.size.height - hairline(), area.size.width - sideMargin, hairline());
+    CGContextFillRect(context, inDirection(line, area.size.width));
 }
 
 std::shared_ptr<CellMark> CellMark::initWithType(UITableViewCellAccessoryType type) {
@@ -76,9 +76,10 @@ void CellMark::drawRect(CGRect) {
         path->addLineToPoint({14.5, 2.25});
         tintColor()->setStroke();
     } else {
-        path->moveToPoint({1, 1.5});
-        path->addLineToPoint({6.5, 7});
-        path->addLineToPoint({1, 12.5});
+        const double outer = isRightToLeft() ? 7 : 1;
+        path->moveToPoint({outer, 1.5});
+        path->addLineToPoint({isRightToLeft() ? 1.5 : 6.5, 7});
+        path->addLineToPoint({outer, 12.5});
         markColor()->setStroke();
     }
     path->setLineWidth(2);
@@ -92,11 +93,12 @@ std::shared_ptr<CellLabel> CellLabel::initWithFrame(CGRect frame) {
 std::shared_ptr<CellContent> CellContent::initWithValue(bool hasValue) {
     if (!UIView::initWithFrame(CGRectZero)) return nullptr;
     m_title.label = CellLabel::alloc()->initWithFrame(CGRectZero);
+    m_title.label->setTextAlignment(startAlignment());
     addSubview(m_title.label);
     if (hasValue) {
         m_value.label = CellLabel::alloc()->initWithFrame(CGRectZero);
         m_value.label->setTextColor(secondaryTextColor());
-        m_value.label->setTextAlignment(NSTextAlignmentRight);
+        m_value.label->setTextAlignment(endAlignment());
         addSubview(m_value.label);
     }
     return self(this);
@@ -143,10 +145,11 @@ void CellContent::layOutStacked(double room) {
     const double valueHeight = std::ceil(m_value.height(room));
     const double height = bounds().size.height - m_spaceBelow;
     const double top = std::max(0.0, std::floor((height - titleHeight - valueHeight) / 2));
-    m_title.label->setFrame(CGRectMake(sideMargin, top, room, titleHeight));
+    const double width = bounds().size.width;
+    m_title.label->setFrame(inDirection(CGRectMake(sideMargin, top, room, titleHeight), width));
     if (!m_value.label) return;
-    m_value.label->setTextAlignment(NSTextAlignmentLeft);
-    m_value.label->setFrame(CGRectMake(sideMargin, top + titleHeight, room, valueHeight));
+    m_value.label->setTextAlignment(startAlignment());
+    m_value.label->setFrame(inDirection(CGRectMake(sideMargin, top + titleHeight, room, valueHeight), width));
 }
 
 void CellContent::layoutSubviews() {
@@ -159,7 +162,7 @@ void CellContent::layoutSubviews() {
         m_value.setLines(0);
         return layOutStacked(room);
     }
-    if (m_value.label) m_value.label->setTextAlignment(NSTextAlignmentRight);
+    if (m_value.label) m_value.label->setTextAlignment(endAlignment());
     size.height -= m_spaceBelow;
     const double gap = m_value.isEmpty() ? 0 : labelGap;
     const auto setScale = [&](double scale) {
@@ -180,10 +183,11 @@ void CellContent::layoutSubviews() {
         // The title goes first, but leaves the value a third of the row.
         const double left = room - gap - m_title.width();
         valueWidth = std::max(0.0, std::min(m_value.width(), std::max(left, std::floor(room / 3))));
-        m_value.label->setFrame(CGRectMake(size.width - valueWidth, 0, valueWidth, size.height));
+        m_value.label->setFrame(
+            inDirection(CGRectMake(size.width - valueWidth, 0, valueWidth, size.height), size.width));
         titleWidth = std::max(0.0, room - valueWidth - gap);
     }
-    m_title.label->setFrame(CGRectMake(sideMargin, 0, titleWidth, size.height));
+    m_title.label->setFrame(inDirection(CGRectMake(sideMargin, 0, titleWidth, size.height), size.width));
     // What is still too long goes on a second line; small as it is, a row has room for two.
     m_title.setLines(m_title.width() > titleWidth ? 2 : 1);
     m_value.setLines(!m_value.isEmpty() && m_value.width() > valueWidth ? 2 : 1);

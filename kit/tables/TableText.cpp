@@ -15,6 +15,7 @@ std::shared_ptr<TableText> TableText::initWithRole(UIAccessibilityRole role) {
     setFont(appearance::textFont(13));
     setTextColor(appearance::secondaryTextColor());
     setNumberOfLines(0);
+    setTextAlignment(appearance::startAlignment());
     return self(this);
 }
 

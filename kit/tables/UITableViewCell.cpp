@@ -66,14 +66,15 @@ struct UITableViewCell::State {
         const CGSize own = accessorySize();
         if (!hasAccessoryBelow(size.width)) {
             const double left = size.width - sideMargin - own.width;
-            accessory()->setFrame(
-                CGRectMake(roundToPixel(left), roundToPixel((size.height - own.height) / 2), own.width, own.height));
+            const CGRect frame =
+                CGRectMake(roundToPixel(left), roundToPixel((size.height - own.height) / 2), own.width, own.height);
+            accessory()->setFrame(inDirection(frame, size.width));
             return;
         }
         const double text = std::ceil(content->textHeight(size.width - sideMargin));
         const double top = std::floor((size.height - text - own.height) / 2) + text;
-        accessory()->setFrame(
-            CGRectMake(sideMargin, top, std::min(own.width, size.width - 2 * sideMargin), own.height));
+        const double width = std::min(own.width, size.width - 2 * sideMargin);
+        accessory()->setFrame(inDirection(CGRectMake(sideMargin, top, width, own.height), size.width));
     }
 };
 
@@ -164,8 +165,8 @@ void UITableViewCell::layoutSubviews() {
     if (m_cell->accessory()) m_cell->layOutAccessory(size);
     const bool isBelow = m_cell->hasAccessoryBelow(size.width);
     m_cell->content->setSpaceBelow(isBelow ? m_cell->accessorySize().height : 0);
-    m_cell->contentView->setFrame(
-        CGRectMake(0, 0, isBelow ? size.width - sideMargin : m_cell->contentWidth(size.width), size.height));
+    const double width = isBelow ? size.width - sideMargin : m_cell->contentWidth(size.width);
+    m_cell->contentView->setFrame(inDirection(CGRectMake(0, 0, width, size.height), size.width));
     m_cell->isLayingOut = false;
     if (seat::textScale() <= 1 || m_cell->heightFor(size.width) == size.height) return;
     if (const auto table = m_cell->table.lock()) table->setNeedsLayout();
@@ -191,7 +192,6 @@ std::string UITableViewCell::accessibilityValue() const {
     if (detailTextLabel()) return detailTextLabel()->text();
     if (!m_cell->accessoryView) return {};
     if (const auto on = m_cell->accessoryView->accessibilityIsOn()) return *on ? "On" : "Off";
-    if (const auto* label = dynamic_cast<const UILabel*>(m_cell->accessoryView.get())) return label->text();
     return m_cell->accessoryView->accessibilityLabel();
 }
 

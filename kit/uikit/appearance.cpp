@@ -171,6 +171,21 @@ const std::shared_ptr<UIColor>& switchOnColor() { return namedColor(ColorName::S
 const std::shared_ptr<UIColor>& focusRingColor() { return namedColor(ColorName::FocusRing); }
 const std::shared_ptr<UIColor>& indicatorColor() { return namedColor(ColorName::Indicator); }
 
+namespace {
+bool linesBeginAtTheRight = false;
+} // namespace
+
+void setRightToLeft(bool isRightToLeft) { linesBeginAtTheRight = isRightToLeft; }
+bool isRightToLeft() { return linesBeginAtTheRight; }
+
+CGRect inDirection(CGRect frame, double width) {
+    if (linesBeginAtTheRight) frame.origin.x = width - frame.origin.x - frame.size.width;
+    return frame;
+}
+
+NSTextAlignment startAlignment() { return linesBeginAtTheRight ? NSTextAlignmentRight : NSTextAlignmentLeft; }
+NSTextAlignment endAlignment() { return linesBeginAtTheRight ? NSTextAlignmentLeft : NSTextAlignmentRight; }
+
 std::shared_ptr<UIFont> textFont(double pointSize) { return FontInternals::textFont(pointSize, /*bold*/ false); }
 std::shared_ptr<UIFont> boldTextFont(double pointSize) { return FontInternals::textFont(pointSize, /*bold*/ true); }
 std::shared_ptr<UIFont> controlFont() { return FontInternals::controlFont(17, /*bold*/ false); }

@@ -4,6 +4,7 @@
 
 #include "platform/uikit/UIColor.h"
 #include "platform/uikit/UIFont.h"
+#include "platform/uikit/UILabel.h"
 
 #include <memory>
 #include <optional>
@@ -58,6 +59,15 @@ std::shared_ptr<UIFont> boldControlFont();
 double heightForText(double usualHeight);
 // The same for text of a line's height or more.
 double heightAroundText(double textHeight);
+
+// Where lines begin at the right, what stands beside each other does so the other way round. For the start, before
+// anything is laid out.
+void setRightToLeft(bool isRightToLeft);
+bool isRightToLeft();
+// A frame that was laid out from the left, in something of this width.
+CGRect inDirection(CGRect frame, double width);
+NSTextAlignment startAlignment(); // where lines begin
+NSTextAlignment endAlignment();
 
 // What is disabled is faded to this; its text keeps a contrast of 3 on page and card.
 inline constexpr double disabledAlpha = 0.75;

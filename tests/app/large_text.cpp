@@ -1,10 +1,15 @@
-// Text as large as the desktop wants it, in windows of every shape: nothing of it is cut, nothing leaves the window.
+// Text as large as the desktop wants it and in other languages, in windows of every shape: nothing of it is cut,
+// nothing leaves the window.
 
 #include "tests/app/SettingsPageTest.h"
 
+#include "app/translation.h"
 #include "desktop/painting/png.h"
+#include "kit/foundation/translation.h"
 #include "kit/quartz/text_runs.h"
 #include "kit/quartz/text_size.h"
+#include "kit/uikit/UISwitch.h"
+#include "kit/uikit/appearance.h"
 #include "kit/uikit/hid_keys.h"
 #include "kit/uikit/snapshot.h"
 #include "platform/uikit/UIAlertView.h"
@@ -21,9 +26,25 @@ using Role = UIAccessibilityRole;
 struct Shape {
     CGSize window;
     double text;
+    const char* language = "en";
 };
 
-class LargeText : public SettingsPageTest, public ::testing::WithParamInterface<Shape> {
+// Before the page is made.
+struct Spoken {
+    Spoken() {
+        ::setenv("LC_ALL", "C.UTF-8", /*overwrite*/ 1);
+        ::setenv("LANGUAGE", ::testing::WithParamInterface<Shape>::GetParam().language, /*overwrite*/ 1);
+        app::speakTheUsersLanguage();
+    }
+    ~Spoken() {
+        seat::setTranslator(nullptr);
+        seat::appearance::setRightToLeft(false);
+        ::unsetenv("LANGUAGE");
+        ::unsetenv("LC_ALL");
+    }
+};
+
+class LargeText : private Spoken, public SettingsPageTest, public ::testing::WithParamInterface<Shape> {
 protected:
     LargeText() {
         page->scene().resize(GetParam().window, 1);
@@ -58,7 +79,7 @@ protected:
     }
     // With JOYVANE_PICTURES a picture of it is written there, for whoever wants to look.
     void look(const std::string& name) {
-        screen = name + " " + std::to_string(static_cast<int>(GetParam().window.width));
+        screen = name + " " + GetParam().language + " " + std::to_string(static_cast<int>(GetParam().window.width));
         settle();
         expectWhole(*page->scene().window());
         if (const char* const folder = std::getenv("JOYVANE_PICTURES"))
@@ -120,9 +141,9 @@ TEST_P(LargeText, NothingOfThePageIsCut) {
 }
 
 TEST_P(LargeText, NothingOfChoicesAndKeysIsCut) {
-    ASSERT_TRUE(open("Controller"));
+    ASSERT_TRUE(open(seat::translated("Controller")));
     lookThrough("choices");
-    ASSERT_TRUE(open("Keyboard"));
+    ASSERT_TRUE(open(seat::translated("Keyboard")));
     lookThrough("page with a keyboard");
     ASSERT_TRUE(open("Configure Keymap"));
     lookThrough("keys");
@@ -158,10 +179,42 @@ TEST_P(LargeText, NothingOfTheHelpIsCut) {
     lookThrough("help");
 }
 
+class Languages : public LargeText {};
+
+TEST_P(Languages, TextsOfOursAreTranslatedAndThePagesOwnStayAsTheyAre) {
+    const bool isGerman = std::string(GetParam().language) == "de";
+    page->offerHelp({.inputSocket = root.path() + "/input", .guide = {}, .isSimulated = false}, [] {});
+    EXPECT_TRUE(find(Role::Button, isGerman ? "Hilfe" : "مساعدة"));
+    EXPECT_TRUE(find(Role::ListItem, isGerman ? "Verbindung" : "الاتصال"));
+    EXPECT_EQ(find(Role::ListItem, isGerman ? "Verbindung" : "الاتصال")->value, isGerman ? "Automatisch" : "تلقائي");
+    EXPECT_TRUE(find(Role::ListItem, "Pair Controller"));
+    EXPECT_TRUE(find(Role::ListItem, "Ambient LED Color"));
+}
+
+TEST_P(Languages, ThePageIsLaidOutInTheirDirection) {
+    const bool isRightToLeft = std::string(GetParam().language) == "ar";
+    const double middle = GetParam().window.width / 2;
+    const auto isAtTheEnd = [&](const seat::AccessibilityNode& node) {
+        return isRightToLeft ? CGRectGetMaxX(node.extent) < middle : CGRectGetMinX(node.extent) > middle;
+    };
+    page->offerHelp({.inputSocket = root.path() + "/input", .guide = {}, .isSimulated = false}, [] {});
+    look("direction");
+    EXPECT_TRUE(isAtTheEnd(*find(Role::Switch, "Ambient LED Color")));
+    EXPECT_TRUE(isAtTheEnd(*find(Role::Button, seat::translated("Help"))));
+
+    ASSERT_TRUE(open(seat::translated("Controller")));
+    const std::string back = seat::filled(seat::translated("Back to %1"), {"Joyvane"});
+    ASSERT_TRUE(find(Role::Button, back));
+    EXPECT_FALSE(isAtTheEnd(*find(Role::Button, back)));
+}
+
+INSTANTIATE_TEST_SUITE_P(Windows, Languages, ::testing::Values(Shape{{375, 667}, 1, "de"}, Shape{{375, 667}, 1, "ar"}));
 INSTANTIATE_TEST_SUITE_P(Windows, LargeText,
                          ::testing::Values(Shape{{320, 480}, 1}, Shape{{320, 480}, 1.5}, Shape{{320, 480}, 2},
                                            Shape{{320, 240}, 2}, Shape{{375, 667}, 2}, Shape{{720, 360}, 2},
-                                           Shape{{1024, 768}, 1.5}, Shape{{1024, 768}, 2}));
+                                           Shape{{1024, 768}, 1.5}, Shape{{1024, 768}, 2}, Shape{{320, 480}, 1, "de"},
+                                           Shape{{320, 480}, 2, "de"}, Shape{{320, 480}, 1, "ar"},
+                                           Shape{{375, 667}, 1.5, "ar"}));
 
 } // namespace
 } // namespace large_text_tests

@@ -96,6 +96,13 @@ class DesktopLook(unittest.TestCase):
         wait_for("rows as usual where no portal is", lambda: self.row_height() == 44)
         self.assertEqual(self.app.close(), 0)
 
+    def test_the_program_speaks_the_users_language_also_where_its_locale_is_missing(self):
+        for words in (["LC_ALL=C.UTF-8", "LANGUAGE=de"], ["LC_ALL=de_DE.UTF-8", "LANGUAGE="]):
+            self.app = App(self.desktop, ["env", *words, PROGRAM, "--simulate", "--root", self.desktop.path("root")])
+            self.addCleanup(self.app.__exit__, None, None, None)
+            self.app.find(role="list item", name="Verbindung")
+            self.assertEqual(self.app.close(), 0)
+
     def daemon(self):
         children = subprocess.run(["pgrep", "-P", str(self.app.process.pid), "-x", "jvnd"], text=True,
                                   capture_output=True, check=True)

@@ -54,4 +54,13 @@ TEST(KeyName, OfOtherCodesIsTheCode) {
 // -252 has the low byte of "A".
 TEST(KeyName, OfANegativeCodeGoesByItsLowByteToo) { EXPECT_EQ(keyDisplayName(-252), "A"); }
 
+TEST(KeyName, IsSaidInWordsWhereItIsASymbol) {
+    EXPECT_EQ(keySpokenName(41), "Escape");
+    EXPECT_EQ(keySpokenName(225), "Left Shift");
+    EXPECT_EQ(keySpokenName(-1), "None");
+    EXPECT_EQ(keySpokenName(4), "A");
+    for (long code = -1; code <= 260; ++code)
+        for (const char letter : keySpokenName(code)) EXPECT_GE(letter, ' ') << code;
+}
+
 } // namespace

@@ -102,11 +102,11 @@ TEST_F(ColorChooserCell, IsMadeByNameAsTheFrameworkDoes) {
 
 TEST_F(ColorChooserCell, TellsItsColourToThoseWhoDoNotSeeIt) {
     const auto cell = cellFor("12AB34");
-    EXPECT_EQ(cell->accessibilityValue(), "12ab34");
+    EXPECT_EQ(cell->accessibilityValue(), "green, 12ab34");
     cell->setValue("ff0000");
-    EXPECT_EQ(cell->accessibilityValue(), "ff0000");
+    EXPECT_EQ(cell->accessibilityValue(), "red, ff0000");
     cell->setValue(nullptr);
-    EXPECT_EQ(cell->accessibilityValue(), "004efd");
+    EXPECT_EQ(cell->accessibilityValue(), "blue, 004efd");
     cell->setColorMark(nullptr);
     EXPECT_EQ(cell->accessibilityValue(), "");
 }
