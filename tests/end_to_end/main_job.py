@@ -150,7 +150,7 @@ class MainJob(unittest.TestCase):
         self.app.press("Connect Controller")
         self.app.find(name="Disconnect Controller")
 
-        self.assertEqual(self.app.find(role="list item", name="Choose LED Color").description, "004efd")
+        self.assertEqual(self.app.find(role="list item", name="Choose LED Color").description, "blue, 004efd")
         self.app.press("Choose LED Color")
         wait_for("the picker's slider", lambda: self.app.nodes(role="slider"))
         wait_for("the brightness as a value", lambda: self.app.nodes(role="slider")[0].range)
