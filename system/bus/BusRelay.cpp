@@ -69,6 +69,11 @@ std::string seat::BusRelay::doorToAccessibility(const std::string& busAddress) {
 
 void seat::BusRelay::run() {
     using Clock = RelayedConnection::Clock;
+    std::string problem; // is said when the toolkit comes and it is still so
+    if (auto prepared = connect(m_session, problem)) {
+        m_prepared = prepared.get();
+        m_connections.push_back(std::move(prepared));
+    }
     std::vector<pollfd> entries;
     for (;;) {
         entries = {{m_stop.get(), POLLIN, 0},
@@ -89,7 +94,11 @@ void seat::BusRelay::run() {
         if (entries[0].revents != 0) return;
         letIn(m_session);
         letIn(m_accessibility);
-        std::erase_if(m_connections, [now = Clock::now()](const auto& connection) { return !connection->serve(now); });
+        std::erase_if(m_connections, [this, now = Clock::now()](const auto& connection) {
+            if (connection->serve(now)) return false;
+            if (connection.get() == m_prepared) m_prepared = nullptr;
+            return true;
+        });
     }
 }
 
@@ -98,18 +107,30 @@ void seat::BusRelay::letIn(Door& door) {
         Descriptor toolkit(::accept4(door.listener.get(), nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK));
         if (!toolkit) return;
         if (!isOurselves(toolkit.get()) || m_connections.size() >= mostConnections) continue;
-        std::string address;
-        {
-            const std::lock_guard lock(m_mutex);
-            address = door.bus;
+        auto* const prepared = &door == &m_session ? std::exchange(m_prepared, nullptr) : nullptr;
+        // Its bus may have gone since it was served last.
+        if (prepared && prepared->serve(RelayedConnection::Clock::now())) {
+            prepared->attach(std::move(toolkit));
+            continue;
         }
         std::string problem;
-        Descriptor bus = connectToBus(address, problem);
-        if (bus)
-            m_connections.push_back(std::make_unique<RelayedConnection>(
-                std::move(toolkit), std::move(bus), door.name,
-                [this](const std::string& found) { return doorToAccessibility(found); }));
-        else
+        if (auto connection = connect(door, problem)) {
+            connection->attach(std::move(toolkit));
+            m_connections.push_back(std::move(connection));
+        } else {
             NSLog("accessibility: no %s: %s", door.name, problem.c_str());
+        }
     }
+}
+
+std::unique_ptr<seat::RelayedConnection> seat::BusRelay::connect(Door& door, std::string& problem) {
+    std::string address;
+    {
+        const std::lock_guard lock(m_mutex);
+        address = door.bus;
+    }
+    Descriptor bus = connectToBus(address, problem);
+    if (!bus) return nullptr;
+    return std::make_unique<RelayedConnection>(std::move(bus), door.name,
+                                               [this](const std::string& found) { return doorToAccessibility(found); });
 }

@@ -18,9 +18,9 @@ class RelayedConnection;
 // which sleeps while nothing is said. Nobody but this process is served.
 class BusRelay {
 public:
-    // To the bus at `busAddress`, in the bus's own notation; connected to when the toolkit connects to us.
+    // To the bus at `busAddress`, in the bus's own notation.
     explicit BusRelay(std::string busAddress);
-    // Starts the thread. Until then who connects waits.
+    // Starts the thread, which connects to the bus. Until then who connects to us waits.
     void start();
     ~BusRelay();
     BusRelay(const BusRelay&) = delete;
@@ -42,12 +42,14 @@ private:
 
     static Door openDoor(const char* name, std::string bus);
     void run();
+    std::unique_ptr<RelayedConnection> connect(Door& door, std::string& problem);
     void letIn(Door& door);
 
     Door m_session;
     Door m_accessibility;
     std::mutex m_mutex; // its bus
     std::vector<std::unique_ptr<RelayedConnection>> m_connections;
+    RelayedConnection* m_prepared = nullptr; // the one of them to the session's bus that the toolkit is to have
     Descriptor m_stop;
     std::thread m_thread;
 };

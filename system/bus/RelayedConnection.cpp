@@ -13,8 +13,12 @@ using Clock = seat::RelayedConnection::Clock;
 
 // The toolkit's calls hold up the window: what is well answers in less than a millisecond.
 constexpr auto answerTimeout = 50ms;
-// Without this one there is no connection until the next start.
-constexpr auto helloTimeout = 100ms;
+// Without this one there is no connection until the next start: the bus has more time for it, most of it before the
+// toolkit asks.
+constexpr auto helloTimeout = 75ms;
+constexpr auto shortestHelloTimeout = 50ms;
+// Of our own greeting; the toolkit counts its calls from one.
+constexpr std::uint32_t ownHello = 0xffffffff;
 // What is slow is not missing yet.
 constexpr auto timeToSaySo = 400ms;
 constexpr std::size_t longestGreeting = 4096;
@@ -59,12 +63,13 @@ std::string userInHexadecimal() {
 
 } // namespace
 
-seat::RelayedConnection::RelayedConnection(Descriptor toolkit, Descriptor bus, std::string busName,
-                                           AddressChange changeAddress)
-    : m_toolkit(std::move(toolkit)), m_bus(std::move(bus)), m_busName(std::move(busName)),
-      m_changeAddress(std::move(changeAddress)) {
+seat::RelayedConnection::RelayedConnection(Descriptor bus, std::string busName, AddressChange changeAddress)
+    : m_bus(std::move(bus)), m_busName(std::move(busName)), m_changeAddress(std::move(changeAddress)),
+      m_waiting(helloCall(ownHello)) {
     m_bus.toSend = std::string(1, '\0') + "AUTH EXTERNAL " + userInHexadecimal() + "\r\n";
 }
+
+void seat::RelayedConnection::attach(Descriptor toolkit) { m_toolkit = BufferedSocket(std::move(toolkit)); }
 
 void seat::RelayedConnection::addEntries(std::vector<pollfd>& entries) const {
     for (const auto* const end : {&m_toolkit, &m_bus}) {
@@ -83,7 +88,7 @@ std::optional<Clock::time_point> seat::RelayedConnection::deadline() const {
 }
 
 bool seat::RelayedConnection::serve(Clock::time_point now) {
-    if (!m_toolkit.receive() || !takeFromToolkit(now)) return false;
+    if (isAttached() && (!m_toolkit.receive() || !takeFromToolkit(now))) return false;
     if (!m_busIsLost && !isFull()) {
         const bool isThere = m_bus.receive();
         takeFromBus();
@@ -93,7 +98,7 @@ bool seat::RelayedConnection::serve(Clock::time_point now) {
     sayWhoIsSilent(now);
     if (m_bus.toSend.size() > mostUnread) loseBus("reads nothing any more");
     if (!m_busIsLost && !m_bus.send()) loseBus("closed the connection");
-    return !m_isRefused && m_toolkit.send();
+    return !m_isRefused && (!isAttached() || m_toolkit.send());
 }
 
 // A toolkit that does not read is not sent more.
@@ -105,7 +110,7 @@ bool seat::RelayedConnection::takeFromToolkit(Clock::time_point now) {
     std::string message;
     Stream stream;
     while ((stream = takeMessage(m_toolkit.received, message)) == Stream::Whole) {
-        if (typeOf(message) == DBUS_MESSAGE_TYPE_METHOD_CALL) noteCall(message, now);
+        if (typeOf(message) == DBUS_MESSAGE_TYPE_METHOD_CALL && !noteCall(message, now)) continue;
         if (!m_busIsLost) (m_busIsGreeted ? m_bus.toSend : m_waiting) += message;
     }
     return stream == Stream::Incomplete;
@@ -150,8 +155,10 @@ void seat::RelayedConnection::takeFromBus() {
         const int type = ::dbus_message_get_type(read.get());
         if (type == DBUS_MESSAGE_TYPE_METHOD_RETURN || type == DBUS_MESSAGE_TYPE_ERROR)
             takeAnswer(*read, message);
-        else
+        else if (m_hasName)
             m_toolkit.toSend += message;
+        else if (m_early.size() < mostUnread)
+            m_early += message;
     }
     if (stream == Stream::Invalid) loseBus("sent what is no message");
 }
@@ -165,16 +172,17 @@ void seat::RelayedConnection::loseBus(const char* reason) {
     for (const auto& [serial, call] : m_calls)
         if (!call.isAnswered) m_toolkit.toSend += noAnswer(serial);
     m_calls.clear();
-    NSLog("accessibility: the %s %s; it is off until the next start", m_busName.c_str(), reason);
+    // Until the toolkit comes there may be another one.
+    if (isAttached()) NSLog("accessibility: the %s %s; it is off until the next start", m_busName.c_str(), reason);
 }
 
-void seat::RelayedConnection::noteCall(const std::string& message, Clock::time_point now) {
+bool seat::RelayedConnection::noteCall(const std::string& message, Clock::time_point now) {
     const BusMessage read = readBusMessage(message);
-    if (!read || ::dbus_message_get_no_reply(read.get())) return;
+    if (!read || ::dbus_message_get_no_reply(read.get())) return true;
     const std::uint32_t serial = ::dbus_message_get_serial(read.get());
     if (m_busIsLost) {
         m_toolkit.toSend += noAnswer(serial);
-        return;
+        return false;
     }
     Call call;
     call.kind = kindOfCall(*read);
@@ -182,22 +190,39 @@ void seat::RelayedConnection::noteCall(const std::string& message, Clock::time_p
     if (isSilent(call.destination))
         call.deadline = now;
     else
-        call.deadline = now + (call.kind == ToolkitCall::Hello ? helloTimeout : answerTimeout);
+        call.deadline = call.kind == ToolkitCall::Hello ? std::max(m_begun + helloTimeout, now + shortestHelloTimeout)
+                                                        : now + answerTimeout;
     if (call.kind == ToolkitCall::AccessibilityAddress) call.deadline.reset();
     if (m_calls.size() >= mostCalls) m_calls.erase(m_calls.begin());
+    const bool isHello = call.kind == ToolkitCall::Hello;
     m_calls.insert_or_assign(serial, std::move(call));
+    if (!isHello) return true;
+    m_hello = serial;
+    if (!m_name.empty()) greetByName();
+    return false;
+}
+
+void seat::RelayedConnection::takeName(DBusMessage& answer) {
+    m_name = nameGivenBy(answer);
+    if (m_name.empty())
+        loseBus("refuses us");
+    else if (m_hello)
+        greetByName();
+}
+
+void seat::RelayedConnection::greetByName() {
+    m_hasName = true;
+    m_calls.erase(*m_hello);
+    m_toolkit.toSend += helloAnswer(*m_hello, m_name) + std::exchange(m_early, {});
 }
 
 void seat::RelayedConnection::takeAnswer(DBusMessage& read, const std::string& message) {
+    if (::dbus_message_get_reply_serial(&read) == ownHello && m_name.empty()) return takeName(read);
     const auto found = m_calls.find(::dbus_message_get_reply_serial(&read));
     if (found == m_calls.end()) return;
     const Call call = std::move(found->second);
     m_calls.erase(found);
     noteSignOfLife(call.destination);
-    if (call.kind == ToolkitCall::Hello) {
-        m_hasName = givesName(read);
-        if (!m_hasName) loseBus("refuses us");
-    }
     if (!call.isAnswered)
         m_toolkit.toSend +=
             call.kind == ToolkitCall::AccessibilityAddress ? answerWithAddress(read, m_changeAddress) : message;

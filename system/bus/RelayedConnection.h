@@ -14,12 +14,13 @@
 
 namespace seat {
 
-// One connection of the toolkit to a bus, with us in between. Messages go through as they are, whole ones only; each
-// call of the toolkit has an answer in time: the bus's, or ours, which is an error. What the bus answers after that is
-// dropped, and where the toolkit needs it, it is made to ask again. Who has not answered is not waited for again until
-// something comes from there. When the bus is lost the toolkit keeps its connection and gets errors: one that is closed
-// while it waits for an answer leaves it waiting for ever. Only while the bus has not greeted it yet is it the other
-// way round: an error for a greeting ends the process. One thread.
+// One connection of the toolkit to a bus, with us in between. We greet the bus by ourselves, at once, so that the
+// toolkit, which comes later, need not wait for what has been said. Messages go through as they are, whole ones only;
+// each call of the toolkit has an answer in time: the bus's, or ours, which is an error. What the bus answers after
+// that is dropped, and where the toolkit needs it, it is made to ask again. Who has not answered is not waited for
+// again until something comes from there. When the bus is lost the toolkit keeps its connection and gets errors: one
+// that is closed while it waits for an answer leaves it waiting for ever. Only while it has not been greeted yet is it
+// the other way round: an error for a greeting ends the process. One thread.
 class RelayedConnection {
 public:
     using Clock = std::chrono::steady_clock;
@@ -27,7 +28,9 @@ public:
     using AddressChange = std::function<std::string(const std::string& address)>;
 
     // `busName` is what the log calls the bus.
-    RelayedConnection(Descriptor toolkit, Descriptor bus, std::string busName, AddressChange changeAddress);
+    RelayedConnection(Descriptor bus, std::string busName, AddressChange changeAddress);
+    // The toolkit has come. Once.
+    void attach(Descriptor toolkit);
 
     // What to wait for, and until when.
     void addEntries(std::vector<pollfd>& entries) const;
@@ -47,11 +50,15 @@ private:
         std::optional<Clock::time_point> sayAt; // none: it has been said
     };
 
+    bool isAttached() const { return m_toolkit.descriptor() >= 0; }
     bool takeFromToolkit(Clock::time_point now);
     void takeFromBus();
     void greetToolkit();
     void greetBus();
-    void noteCall(const std::string& message, Clock::time_point now);
+    // Whether the bus is to have it.
+    bool noteCall(const std::string& message, Clock::time_point now);
+    void takeName(DBusMessage& answer);
+    void greetByName();
     void takeAnswer(DBusMessage& read, const std::string& message);
     void loseBus(const char* reason);
     void answerOverdueCalls(Clock::time_point now);
@@ -62,13 +69,17 @@ private:
     void noteSignOfLife(const std::string& destination);
     std::string inLog(const std::string& destination) const;
 
-    BufferedSocket m_toolkit;
+    Clock::time_point m_begun = Clock::now();
+    BufferedSocket m_toolkit{Descriptor()};
     BufferedSocket m_bus;
     std::string m_busName;
     AddressChange m_changeAddress;
     bool m_toolkitIsGreeted = false; // both sides begin with lines of text, messages follow
     bool m_busIsGreeted = false;
-    bool m_hasName = false; // the bus has greeted the toolkit
+    std::string m_name;                   // with which the bus has greeted us; empty before
+    std::optional<std::uint32_t> m_hello; // the toolkit waits to be greeted
+    bool m_hasName = false;               // it has been
+    std::string m_early;                  // from the bus, for then
     bool m_busIsLost = false;
     bool m_isRefused = false;
     std::string m_waiting; // for the bus to be greeted

@@ -45,10 +45,28 @@ seat::ToolkitCall seat::kindOfCall(DBusMessage& call) {
     return ToolkitCall::Plain;
 }
 
-bool seat::givesName(DBusMessage& answer) {
+std::string seat::helloCall(std::uint32_t serial) {
+    const BusMessage call(
+        ::dbus_message_new_method_call(DBUS_SERVICE_DBUS, DBUS_PATH_DBUS, DBUS_INTERFACE_DBUS, "Hello"));
+    return bytesOfBusMessage(*call, serial);
+}
+
+std::string seat::nameGivenBy(DBusMessage& answer) {
     const char* name = nullptr;
-    return ::dbus_message_get_type(&answer) == DBUS_MESSAGE_TYPE_METHOD_RETURN &&
-           ::dbus_message_get_args(&answer, nullptr, DBUS_TYPE_STRING, &name, DBUS_TYPE_INVALID);
+    const bool isThere = ::dbus_message_get_type(&answer) == DBUS_MESSAGE_TYPE_METHOD_RETURN &&
+                         ::dbus_message_get_args(&answer, nullptr, DBUS_TYPE_STRING, &name, DBUS_TYPE_INVALID);
+    // The library ends the process over a name that it is given and that can be none.
+    return isThere && ::dbus_validate_bus_name(name, nullptr) ? name : "";
+}
+
+std::string seat::helloAnswer(std::uint32_t serial, const std::string& name) {
+    const BusMessage answer(::dbus_message_new(DBUS_MESSAGE_TYPE_METHOD_RETURN));
+    ::dbus_message_set_reply_serial(answer.get(), serial);
+    ::dbus_message_set_sender(answer.get(), DBUS_SERVICE_DBUS);
+    ::dbus_message_set_destination(answer.get(), name.c_str());
+    const char* const text = name.c_str();
+    ::dbus_message_append_args(answer.get(), DBUS_TYPE_STRING, &text, DBUS_TYPE_INVALID);
+    return bytesOfBusMessage(*answer, serial);
 }
 
 std::string seat::noAnswer(std::uint32_t serial) {

@@ -29,8 +29,11 @@ enum class ToolkitCall {
 };
 ToolkitCall kindOfCall(DBusMessage& call);
 
-// Whether it is an answer to Hello with which the toolkit can do something.
-bool givesName(DBusMessage& answer);
+// The call that every connection to a bus begins with; the name in its answer, empty when there is none; the answer
+// with a name.
+std::string helloCall(std::uint32_t serial);
+std::string nameGivenBy(DBusMessage& answer);
+std::string helloAnswer(std::uint32_t serial, const std::string& name);
 
 // The answer that the toolkit gets to a call that had none in time.
 std::string noAnswer(std::uint32_t serial);

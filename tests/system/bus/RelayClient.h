@@ -138,7 +138,23 @@ private:
     std::thread m_thread;
 };
 
-// Answers whoever connects with two texts, the second one after whatever is said to the first.
+// With a text, as it goes over the wire, to the call with which the relay begins.
+inline std::string answerToTheFirstCall(const char* text) {
+    DBusMessage* const answer = ::dbus_message_new(DBUS_MESSAGE_TYPE_METHOD_RETURN);
+    ::dbus_message_set_reply_serial(answer, 0xffffffff);
+    ::dbus_message_set_sender(answer, DBUS_SERVICE_DBUS);
+    ::dbus_message_append_args(answer, DBUS_TYPE_STRING, &text, DBUS_TYPE_INVALID);
+    ::dbus_message_set_serial(answer, 1);
+    char* bytes = nullptr;
+    int length = 0;
+    ::dbus_message_marshal(answer, &bytes, &length);
+    const std::string result(bytes, static_cast<std::size_t>(length));
+    ::dbus_free(bytes);
+    ::dbus_message_unref(answer);
+    return result;
+}
+
+// Answers who connects, one after the other, with two texts, the second one after whatever is said to the first.
 class FakeBus {
 public:
     FakeBus(std::string first, std::string second) : m_listener(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
@@ -160,13 +176,14 @@ public:
 
 private:
     void serve(const std::string& first, const std::string& second) const {
-        const seat::Descriptor caller(::accept(m_listener.get(), nullptr, nullptr));
-        char bytes[1024];
-        if (::recv(caller.get(), bytes, sizeof bytes, 0) <= 0) return;
-        ::send(caller.get(), first.data(), first.size(), MSG_NOSIGNAL);
-        if (::recv(caller.get(), bytes, sizeof bytes, 0) <= 0) return;
-        ::send(caller.get(), second.data(), second.size(), MSG_NOSIGNAL);
-        while (::recv(caller.get(), bytes, sizeof bytes, 0) > 0) {
+        while (const seat::Descriptor caller{::accept(m_listener.get(), nullptr, nullptr)}) {
+            char bytes[1024];
+            if (::recv(caller.get(), bytes, sizeof bytes, 0) <= 0) continue;
+            ::send(caller.get(), first.data(), first.size(), MSG_NOSIGNAL);
+            if (::recv(caller.get(), bytes, sizeof bytes, 0) <= 0) continue;
+            ::send(caller.get(), second.data(), second.size(), MSG_NOSIGNAL);
+            while (::recv(caller.get(), bytes, sizeof bytes, 0) > 0) {
+            }
         }
     }
 

@@ -57,14 +57,39 @@ TEST_F(BusRelay, ABusThatStopsCostsTheFirstCallAMomentAndLaterOnesNothing) {
     EXPECT_EQ(2u, log.all().size());
 }
 
-TEST_F(BusRelay, ABusThatStopsBeforeItsGreetingRefusesTheConnectionSoon) {
+TEST(BusThatStops, BeforeItsGreetingRefusesTheConnectionSoon) {
+    const testing_support::LoggedLines log;
+    const PrivateBus bus;
     bus.stop();
+    seat::BusRelay relay(bus.address());
+    relay.start();
 
     const auto start = Clock::now();
-    EXPECT_FALSE(client.greet());
+    EXPECT_FALSE(RelayClient(relay.address()).greet());
     EXPECT_LT(Clock::now() - start, soon);
 
     EXPECT_EQ(1u, log.count("accessibility: the session bus does not answer"));
+}
+
+TEST(BusThatStops, OnceItHasGreetedTheRelayGreetsTheToolkit) {
+    const testing_support::LoggedLines log;
+    const PrivateBus bus;
+    seat::BusRelay relay(bus.address());
+    relay.start();
+    RelayClient witness(bus.address());
+    ASSERT_TRUE(witness.greet());
+    // The two of them are the first on this bus.
+    ASSERT_TRUE(witness.becomes(
+        [&] { return witness.nameHasOwner(":1.0") == "true" && witness.nameHasOwner(":1.1") == "true"; }));
+    witness.nameHasOwner(":1.0"); // what the bus has said before is written
+    const std::string name = witness.uniqueName() == ":1.0" ? ":1.1" : ":1.0";
+    bus.stop();
+
+    RelayClient client(relay.address());
+    EXPECT_TRUE(client.greet());
+
+    EXPECT_EQ(name, client.uniqueName());
+    EXPECT_EQ(DBUS_ERROR_NO_REPLY, client.nameHasOwner("com.example.nobody"));
 }
 
 TEST_F(BusRelay, ABusThatIsGoneRefusesTheConnectionAtOnce) {
@@ -186,6 +211,20 @@ TEST(BusThatRefuses, EndsTheConnectionAtOnce) {
         EXPECT_FALSE(RelayClient(relay.address()).greet()) << line;
 
         EXPECT_EQ(1u, log.count("the session bus refuses us")) << line;
+    }
+}
+
+// The library ends the process over a name that can be none.
+TEST(BusThatRefuses, IsOneThatGivesNoName) {
+    for (const char* const name : {"", ":1..0", "nonsense", ":1.\"0"}) {
+        const testing_support::LoggedLines log;
+        FakeBus bus("OK 0\r\n", answerToTheFirstCall(name));
+        seat::BusRelay relay(bus.address());
+        relay.start();
+
+        EXPECT_FALSE(RelayClient(relay.address()).greet()) << name;
+
+        EXPECT_EQ(1u, log.count("the session bus refuses us")) << name;
     }
 }
 
