@@ -24,6 +24,7 @@ DISK = os.path.join(SOURCE, "build", "machine", "system", "disk")
 EMULATOR = "qemu-system-x86_64"
 BOOT_SECONDS = 400  # 15 on an idle computer, minutes on one that is busy with other machines
 LIFE_SECONDS = 3600  # then a machine that somebody forgot ends by itself
+OFTEN_STARTED = ("jvnd", "jvndiscovery", "jvninput", "jvninputd")  # by tests
 END = b"\n\x1eend "
 
 
@@ -58,7 +59,8 @@ def emulator_command(folder: str, installed: bool, *kernel_words: str) -> list[s
         files = ["-drive", f"file={DISK},if=virtio,format=raw,snapshot=on", *share(SOURCE, "source")]
         kernel_words = (f"joyvane.source={SOURCE}", *kernel_words)
     else:
-        initramfs.pack(archive, modules, initramfs.MODULES, [guest])
+        ours = [path for name in OFTEN_STARTED if os.path.exists(path := os.path.join(SOURCE, "build", "release", "bin", name))]
+        initramfs.pack(archive, modules, initramfs.MODULES, [guest], initramfs.hot_files(ours))
         files = share("/", "root")
     words = [
         "console=ttyS0", "quiet", "panic=-1",
@@ -108,6 +110,12 @@ def stop(folder: str) -> None:
         pass  # it was not there, or has ended faster than it could say so
 
 
+def end(process: subprocess.Popen) -> None:
+    """Ends a machine that has just been started, and may not listen to anything yet."""
+    process.terminate()  # "timeout" passes it on
+    process.wait()
+
+
 class Machine:
     """A connection to a running machine. One at a time."""
 
@@ -124,23 +132,26 @@ class Machine:
         os.makedirs(folder)
         command = [*emulator_command(folder, installed), "-serial", "file:console",
                    "-chardev", "socket,id=monitor,path=monitor,server=on,wait=off", "-mon", "chardev=monitor"]
+        deadline = time.monotonic() + BOOT_SECONDS
         with open(os.path.join(folder, "emulator"), "wb") as said:
             process = subprocess.Popen(["timeout", "--kill-after=5", str(LIFE_SECONDS), *command], cwd=folder,
                                        stdin=subprocess.DEVNULL, stdout=said, stderr=said, start_new_session=True)
-        deadline = time.monotonic() + BOOT_SECONDS
-        while not os.path.exists(os.path.join(folder, "port")) and process.poll() is None:
-            if time.monotonic() > deadline:
-                break
-            time.sleep(0.02)
         try:
+            while not os.path.exists(os.path.join(folder, "port")) and process.poll() is None:
+                if time.monotonic() > deadline:
+                    break
+                time.sleep(0.02)
             machine = Machine(folder)
             machine.ping(deadline - time.monotonic())
             # The folders on the way to the programs may be closed to the machine's users; in its layer they are opened.
             machine.run(f"cd {shlex.quote(SOURCE)}; while [ $PWD != / ]; do chmod a+x .; cd ..; done", timeout=60)
             return machine
         except (OSError, MachineError) as error:
-            stop(folder)
+            end(process)
             raise MachineError(f"The machine did not start: {error}\n{logs(folder)}") from None
+        except BaseException:  # whoever waits for it is ended
+            end(process)
+            raise
 
     @staticmethod
     def running(folder: str, installed: bool = False) -> "Machine":

@@ -1,8 +1,11 @@
 """What goes wrong in the machine is seen outside: machine_test.py FOLDER FAILING_PROGRAM"""
 
 import io
+import os
+import signal
 import subprocess
 import sys
+import tempfile
 import time
 import unittest
 
@@ -11,6 +14,28 @@ sys.dont_write_bytecode = True
 import machine
 
 FOLDER, FAILING = sys.argv[1:3]
+
+
+def emulators_in(folder):
+    """The processes of the machines whose files are below that folder."""
+    found = []
+    for process in filter(str.isdigit, os.listdir("/proc")):
+        try:
+            place = os.readlink(f"/proc/{process}/cwd")
+            with open(f"/proc/{process}/cmdline", encoding="utf-8", errors="replace") as words:
+                if place.startswith(os.path.realpath(folder)) and words.read().startswith(machine.EMULATOR):
+                    found.append(process)
+        except OSError:
+            pass  # it has ended meanwhile
+    return found
+
+
+def wait_until(fact, seconds=60):
+    deadline = time.monotonic() + seconds
+    while not fact():
+        if time.monotonic() > deadline:
+            raise TimeoutError
+        time.sleep(0.02)
 
 
 class Seen(unittest.TestCase):
@@ -68,6 +93,19 @@ class Seen(unittest.TestCase):
                                 "sh", "-c", "id -un; exit 7"], capture_output=True, text=True)
         type(self).machine = machine.Machine.running(FOLDER)
         self.assertEqual((ended.returncode, ended.stdout.splitlines()[0]), (7, "bert"))
+
+    def test_a_machine_ends_with_the_command_that_started_it_however_that_is_ended(self):
+        with tempfile.TemporaryDirectory() as folder:
+            command = subprocess.Popen([machine.SOURCE + "/scripts/machine", "run", "true"],
+                                       env={**os.environ, "TMPDIR": folder}, stdout=subprocess.DEVNULL)
+            try:
+                wait_until(lambda: emulators_in(folder))
+            finally:
+                command.send_signal(signal.SIGTERM)
+
+            self.assertEqual(command.wait(timeout=60), 128 + signal.SIGTERM)
+            self.assertEqual(emulators_in(folder), [])
+            self.assertEqual(os.listdir(folder), [])
 
 
 if __name__ == "__main__":
