@@ -185,8 +185,9 @@ TEST_P(Languages, TextsOfOursAreTranslatedAndThePagesOwnStayAsTheyAre) {
     const bool isGerman = std::string(GetParam().language) == "de";
     page->offerHelp({.inputSocket = root.path() + "/input", .guide = {}, .isSimulated = false}, [] {});
     EXPECT_TRUE(find(Role::Button, isGerman ? "Hilfe" : "مساعدة"));
-    EXPECT_TRUE(find(Role::ListItem, isGerman ? "Verbindung" : "الاتصال"));
-    EXPECT_EQ(find(Role::ListItem, isGerman ? "Verbindung" : "الاتصال")->value, isGerman ? "Automatisch" : "تلقائي");
+    const auto* const connection = find(Role::ListItem, isGerman ? "Verbindung" : "الاتصال");
+    ASSERT_TRUE(connection);
+    EXPECT_EQ(connection->value, isGerman ? "Automatisch" : "تلقائي");
     EXPECT_TRUE(find(Role::ListItem, "Pair Controller"));
     EXPECT_TRUE(find(Role::ListItem, "Ambient LED Color"));
 }
@@ -199,8 +200,12 @@ TEST_P(Languages, ThePageIsLaidOutInTheirDirection) {
     };
     page->offerHelp({.inputSocket = root.path() + "/input", .guide = {}, .isSimulated = false}, [] {});
     look("direction");
-    EXPECT_TRUE(isAtTheEnd(*find(Role::Switch, "Ambient LED Color")));
-    EXPECT_TRUE(isAtTheEnd(*find(Role::Button, seat::translated("Help"))));
+    const auto* const ambient = find(Role::Switch, "Ambient LED Color");
+    ASSERT_TRUE(ambient);
+    EXPECT_TRUE(isAtTheEnd(*ambient));
+    const auto* const help = find(Role::Button, seat::translated("Help"));
+    ASSERT_TRUE(help);
+    EXPECT_TRUE(isAtTheEnd(*help));
 
     ASSERT_TRUE(open(seat::translated("Controller")));
     const std::string back = seat::filled(seat::translated("Back to %1"), {"Joyvane"});
