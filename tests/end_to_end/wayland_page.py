@@ -6,6 +6,7 @@
 import os
 import plistlib
 import sys
+import time
 import unittest
 
 from joyvane_page import PREFERENCES, JoyvanePage
@@ -44,15 +45,19 @@ class WaylandPage(unittest.TestCase):
         return file
 
     def stands(self, **which):
-        """Where the node is once it moves no more."""
-        places = []
+        """Where the node is once it moves no more. A screen that slides in takes no touches, and nothing tells how far it
+        is: its nodes stand where they will be from the first."""
+        place, since = None, 0
 
         def same():
+            nonlocal place, since
             nodes = [node for node in self.app.nodes(**which) if "showing" in node.states]
-            places.append(nodes[0].extents if nodes else None)
-            return places[-1] and places[-4:] == places[-1:] * 4
+            now = nodes[0].extents if nodes else None
+            if now != place:
+                place, since = now, time.monotonic()
+            return place and time.monotonic() - since > 0.6
         wait_for(f"{which} to stand", same)
-        return places[-1]
+        return place
 
     def click(self, name):
         x, y, width, height = self.stands(role="list item", name=name)
