@@ -167,7 +167,8 @@ class Processes(unittest.TestCase):
         def child():
             with open(children) as file:
                 return file.read().split()
-        tool = os.pidfd_open(int(wait_for("the tool", child)[0]))
+        wait_for("the tool, and what keeps guard over it", lambda: len(child()) > 1)
+        tool = os.pidfd_open(int(child()[0]))
         wait_for("the tool to get going", is_ready)
         try:
             process.kill()

@@ -171,9 +171,9 @@ class Simulated(JvndTest):
         with self.daemon.call() as caller:
             caller.send(frame(CONNECT, 1, ADDRESS))
             self.assertEqual(caller.reply(), (8, 1))
+            self.daemon.wait_said(self.LIGHT + "102030")
             caller.send(frame(COLOR, 1, b"\xfe\x01\x02"))
         self.assertEqual(self.daemon.ask(QUERY), (5, 1))
-        self.daemon.wait_said(self.LIGHT + "102030")
         self.daemon.wait_said(self.LIGHT + "fe0102")
         with self.daemon.call() as caller:
             caller.send(frame(DISCONNECT, 1) + frame(END))
