@@ -5,6 +5,7 @@
 #include "app/own_programs.h"
 #include "platform/foundation/NSDictionary.h"
 #include "platform/log.h"
+#include "system/files/environment.h"
 #include "system/files/make_folders.h"
 #include "system/files/root.h"
 
@@ -113,8 +114,12 @@ app::Simulation::~Simulation() {
         fs::remove(*folder, error);
 }
 
+void app::Simulation::settleEnvironment() {
+    if (seat::environment(simulateVariable) != "1") setenv(simulateVariable, "1", 1);
+}
+
 bool app::Simulation::start(const Bundle& bundle, std::string& problem) {
-    setenv(simulateVariable, "1", 1);
+    settleEnvironment();
     if (const auto* const name = bundle.manifest->objectForKey("JVNDaemon").string()) {
         m_state->daemonName = *name;
         startDaemon(problem);

@@ -25,6 +25,10 @@ public:
     Simulation(const Simulation&) = delete;
     Simulation& operator=(const Simulation&) = delete;
 
+    // Has what this process starts simulate, too. Before there are threads, where there will be some; start() does it
+    // else.
+    static void settleEnvironment();
+
     // False, and the sentence to print in `problem`, on failure. A bundle without such programs needs none. A tool, or
     // a link to one, that is in place already is the user's, and stays. A daemon that ends by itself is reaped at once,
     // logged and told the listener.

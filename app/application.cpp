@@ -139,6 +139,9 @@ int app::runApplication(const Options& options) {
     // A user who starts it again wants to see the window that is there.
     std::unique_ptr<RunningInstance> instance;
     if (!isTour && !(instance = RunningInstance::start(seat::root(), bundle.folder))) return ExitSuccess;
+    // From here on there are threads, and the environment stays as it is.
+    seat::Toolkit::settleEnvironment();
+    if (options.simulate) Simulation::settleEnvironment();
     const auto busRelay = seat::settleSessionBus();
 
     // The module is read through on another thread while the toolkit starts.

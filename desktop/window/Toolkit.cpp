@@ -5,6 +5,7 @@
 #include "desktop/window/accessibility_bus.h"
 #include "desktop/window/key_repeat.h"
 #include "platform/log.h"
+#include "system/files/environment.h"
 #include "system/process/child_environment.h"
 
 #include <QAbstractEventDispatcher>
@@ -109,6 +110,17 @@ struct seat::Toolkit::State {
     bool hasQuit = false;
 };
 
+void seat::Toolkit::settleEnvironment() {
+    const auto settle = [](const char* name, const char* value) {
+        if (seat::environment(name) != value) setVariableForUsAlone(name, value);
+    };
+    // Nothing here takes text: input methods that are processes of their own stay away, since one that hangs would keep
+    // us from starting.
+    settle("QT_IM_MODULE", "compose");
+    // The toolkit's own event loop does, and takes less of everything than the desktop's.
+    settle("QT_NO_GLIB", "1");
+}
+
 seat::Toolkit::Toolkit(const ToolkitOptions& options) : m_state(std::make_unique<State>()) {
     auto& state = *m_state;
     state.name = options.name;
@@ -121,11 +133,7 @@ seat::Toolkit::Toolkit(const ToolkitOptions& options) : m_state(std::make_unique
         options.noDisplay("neither DISPLAY nor WAYLAND_DISPLAY names one");
     }
 
-    // Nothing here takes text: input methods that are processes of their own stay away, since one that hangs would keep
-    // us from starting.
-    setVariableForUsAlone("QT_IM_MODULE", "compose");
-    // The toolkit's own event loop does, and takes less of everything than the desktop's.
-    setVariableForUsAlone("QT_NO_GLIB", "1");
+    settleEnvironment();
     // A send to a peer that has hung up reports an error and is no reason to die.
     std::signal(SIGPIPE, SIG_IGN);
     state.fonts = std::async(std::launch::async, readFontConfiguration);

@@ -23,6 +23,10 @@ struct ToolkitOptions {
 // One in a process, made and destroyed on its main thread, after settleSessionBus().
 class Toolkit {
 public:
+    // What its libraries read from the environment. A program that has threads before its toolkit calls this before
+    // these: a variable that is set while another thread reads one can end the process. Others need not.
+    static void settleEnvironment();
+
     explicit Toolkit(const ToolkitOptions& options);
     ~Toolkit();
     Toolkit(const Toolkit&) = delete;

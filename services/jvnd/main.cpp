@@ -31,11 +31,20 @@ services::EventLoop::Source endWithInput(services::EventLoop& loop) {
     });
 }
 
+constexpr int endSignals[] = {SIGTERM, SIGINT, SIGHUP};
+
+// What comes before the loop runs waits for it: the socket must not stay behind.
+void holdEndSignals() {
+    ::sigset_t signals;
+    ::sigemptyset(&signals);
+    for (const int signal : endSignals) ::sigaddset(&signals, signal);
+    ::sigprocmask(SIG_BLOCK, &signals, nullptr);
+}
+
 int serve(const CommandLine& line, const std::string& root, ControlPlace& place) {
     services::EventLoop loop;
     std::vector<services::EventLoop::Source> sources;
-    for (const int signal : {SIGTERM, SIGINT, SIGHUP})
-        sources.push_back(loop.onSignal(signal, [&loop] { loop.quit(exitSuccess); }));
+    for (const int signal : endSignals) sources.push_back(loop.onSignal(signal, [&loop] { loop.quit(exitSuccess); }));
     if (line.simulates) sources.push_back(endWithInput(loop));
 
     Daemon::Options options{.root = root, .simulates = line.simulates, .trace = {}};
@@ -65,6 +74,7 @@ int main(int argc, char** argv) {
 
     const auto root = services::rootFolder(line.root);
     if (root.empty()) return fail("the user has no home folder", exitFailure);
+    holdEndSignals();
     ControlPlace place;
     if (const auto problem = place.open(root + controlSocket); !problem.empty()) return fail(problem, exitFailure);
     // Started with the session, and nobody has ever opened the page: the socket waits for who does.
