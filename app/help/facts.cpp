@@ -64,7 +64,7 @@ Fact bluetoothFact(const HelpFacts& facts) {
                     "There is no adapter, or the system’s Bluetooth service does not run. A keyboard needs neither.")};
     case daemon_status::Bluetooth::blocked:
         return {translated("Blocked"), facts.status->isKeyboardChosen ? Mood::Plain : Mood::Trouble,
-                "A switch or the flight mode keeps it off."};
+                translated("A switch or the flight mode keeps it off.")};
     case daemon_status::Bluetooth::off:
         return {translated("Off"), Mood::Plain, translated("Pairing or connecting a controller switches it on.")};
     case daemon_status::Bluetooth::on:
