@@ -110,6 +110,9 @@ function(joyvane_command_test name)
   if(JOYVANE_TEST_PREFIX)
     set_tests_properties(${test} PROPERTIES FIXTURES_REQUIRED ${JOYVANE_TEST_PREFIX}build)
   endif()
+  if(NOT machine IN_LIST ARG_LABELS)
+    set_property(GLOBAL APPEND PROPERTY JOYVANE_TESTS_BEFORE_MACHINES ${test})
+  endif()
 endfunction()
 
 # What every compilation of a test has. An expectation is an if with an else inside, and so may well follow an if without
