@@ -8,7 +8,7 @@ namespace machine {
 namespace {
 
 TEST(Keyboards, APressedKeyIsReadFromTheDevicesNode) {
-    VirtualKeyboard keyboard;
+    VirtualKeyboard keyboard(DeviceDescription::withLamps());
     EventReader reader(keyboard.node());
 
     keyboard.press(KEY_W);
@@ -27,8 +27,7 @@ TEST(Keyboards, UdevSaysThatItIsAKeyboard) {
 }
 
 TEST(Keyboards, UdevDoesNotTakeAMouseForAKeyboard) {
-    const VirtualKeyboard mouse(
-        {.name = "Test Mouse", .keys = {BTN_LEFT, BTN_RIGHT}, .relativeAxes = {REL_X, REL_Y}, .lamps = {}});
+    const VirtualKeyboard mouse({.name = "Test Mouse", .keys = {BTN_LEFT, BTN_RIGHT}, .relativeAxes = {REL_X, REL_Y}});
 
     EXPECT_EQ(udevProperty(mouse.node(), "ID_INPUT_MOUSE"), "1");
     EXPECT_EQ(udevProperty(mouse.node(), "ID_INPUT_KEYBOARD"), std::nullopt);

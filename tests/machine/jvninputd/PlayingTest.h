@@ -17,6 +17,8 @@ inline constexpr const char* standInName = "Joyvane Keyboard";
 // A keyboard, the service, somebody who governs, and when it is wanted a game and a desktop.
 class PlayingTest : public ::testing::Test {
 protected:
+    explicit PlayingTest(const DeviceDescription& description = {}) : keyboard(description) {}
+
     // Plays these keys, waits for the pad, opens it as a game does and waits until the keyboard is taken.
     void startGame(const Bindings& bindings = defaultBindings()) {
         governor.play(bindings);

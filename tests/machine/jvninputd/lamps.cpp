@@ -8,6 +8,7 @@ namespace {
 // The keyboard's lamps, and those of the one that stands in for it on the desktop.
 class Lamps : public PlayingTest {
 protected:
+    Lamps() : PlayingTest(DeviceDescription::withLamps()) {}
     void SetUp() override {
         startGame();
         wholeKeyboard.emplace(keyboard.node());

@@ -48,7 +48,7 @@ protected:
 
 TEST_F(Unit, ItsFirstClientStartsItAndInItsSandboxItPlaysAndLights) {
     EXPECT_NE(property("ActiveState"), "active");
-    VirtualKeyboard keyboard;
+    VirtualKeyboard keyboard(DeviceDescription::withLamps());
     DualShock4 controller;
     InputClient governor(input::socketPath, input::Role::govern);
     governor.play(defaultBindings());

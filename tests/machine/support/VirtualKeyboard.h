@@ -14,8 +14,12 @@ struct DeviceDescription {
     std::vector<uint16_t> keys = everyKeyboardKey();
     std::vector<uint16_t> relativeAxes = {};
     std::vector<uint16_t> miscellaneous = {};
-    std::vector<uint16_t> lamps{LED_NUML, LED_CAPSL, LED_SCROLLL};
+    std::vector<uint16_t> lamps = {};
     bool repeats = true;
+
+    // A keyboard as most people have one. To udev each lamp is one more device that comes, changes twice and goes:
+    // three times the keyboard's own work, and so they are there for whom lamps or the whole system matter.
+    static DeviceDescription withLamps() { return {.lamps = {LED_NUML, LED_CAPSL, LED_SCROLLL}}; }
 
     static std::vector<uint16_t> everyKeyboardKey();
 };

@@ -56,7 +56,7 @@ public:
     static void letAnnaBack();
 
 private:
-    VirtualKeyboard m_keyboard;
+    VirtualKeyboard m_keyboard{DeviceDescription::withLamps()};
     EventReader m_desktop{m_keyboard.node()};
     std::unique_ptr<Program> m_game;
     std::size_t m_heard = 0;
