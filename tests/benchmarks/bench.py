@@ -222,7 +222,7 @@ class Bench:
                 Row("road: tap on colour field to frame", "ms", tap, most=16.7),
                 row("road: frame to driver's report", "ms", "light", 1e-3, "written by hand", "brightnessctl", most_peer=1),
                 # Two devices are made, the pad and the keyboard for what is not mapped.
-                row("road: daemon's start to pad", "ms", "ready", 1e-3, "a device by hand", most_bare=2),
+                row("road: daemon's start to pad", "ms", "ready", 1e-3, "a device by hand", "xboxdrv", most_bare=2),
                 row("road: memory at rest", "MiB", "memory", 1 / 1024, "", "xboxdrv", most=4),
                 row("road: wake-ups in 5 s at rest", "", "wake_ups", 1, "", "xboxdrv", most=0)]
 

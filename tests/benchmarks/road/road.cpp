@@ -41,6 +41,8 @@ double median(std::vector<double> times) {
     return times.empty() ? 0 : times[times.size() / 2];
 }
 
+bool isXboxdrv(const PeerProgram& program) { return std::strcmp(program.name, "xboxdrv") == 0; }
+
 // The settings of a root of root's own, as the page writes them.
 class Root {
 public:
@@ -195,10 +197,16 @@ private:
 // What the one before has left behind, udev's work on it too, is no part of the next one's time.
 void settle() { run({"udevadm", "settle"}, kRoot, 60s); }
 
-// From the daemon's start, as at a login, to a pad that games find; beside it a device made by hand.
+// From the daemon's start, as at a login, to a pad that games find; beside it a device made by hand in a process that
+// is there, and the start of a packaged remapper, which makes a pad alone.
 void ready(const Root& root, int times) {
     std::vector<double> ours;
     std::vector<double> bare;
+    std::vector<double> peer;
+    const auto programs = peerPrograms();
+    const auto remapper = std::ranges::find_if(programs, [](const PeerProgram& program) { return isXboxdrv(program); });
+    const bool hasRemapper =
+        remapper != programs.end() && run({"sh", "-c", std::string("command -v ") + remapper->name}).status == 0;
     for (int i = 0; i < times; ++i) {
         {
             settle();
@@ -215,8 +223,18 @@ void ready(const Root& root, int times) {
             const Program daemon(daemonCommand(root, service));
             if (node.wait()) ours.push_back(microseconds(begin));
         }
+        if (hasRemapper) {
+            const VirtualKeyboard keys({.name = "Remapped Keys", .keys = {KEY_K}, .lamps = {}});
+            settle();
+            const NodeAwaiter node(remapper->made);
+            const auto begin = Clock::now();
+            const Program program({"sh", "-c", "NODE=" + keys.node() + "; " + remapper->words});
+            if (node.wait()) peer.push_back(microseconds(begin));
+        }
     }
-    std::printf("ready ours=%.0f bare=%.0f\n", median(ours), median(bare));
+    std::printf("ready ours=%.0f bare=%.0f", median(ours), median(bare));
+    if (!peer.empty()) std::printf(" peer=%.0f", median(peer));
+    std::printf("\n");
 }
 
 void keys(const Root& root, int times) {
@@ -230,7 +248,7 @@ void keys(const Root& root, int times) {
     std::unique_ptr<Peer> peer;
     pid_t peerProcess = 0;
     for (const PeerProgram& program : peerPrograms())
-        if (std::strcmp(program.name, "xboxdrv") == 0) peer = Peer::start(program);
+        if (isXboxdrv(program)) peer = Peer::start(program);
     if (peer) peerProcess = std::atoi(run({"pidof", "-s", "xboxdrv"}).output.c_str());
     settle();
 
