@@ -2,6 +2,8 @@
 
 #include "tests/jvninputd/PlayerTest.h"
 
+#include "services/common/log.h"
+
 using namespace jvninputd;
 using namespace jvninputd::fakes;
 using namespace std::chrono_literals;
@@ -27,6 +29,24 @@ TEST_F(PlayerTest, TheChordPausesAndResumes) {
     EXPECT_FALSE(taken()) << "the chord's own keys are still down";
     releaseChord();
     EXPECT_TRUE(taken());
+}
+
+TEST_F(PlayerTest, OfKeysAndChordsNoWordIsLogged) {
+    std::vector<std::string> lines;
+    services::setLogSink([&lines](std::string_view line) { lines.emplace_back(line); });
+    startGame();
+    for (const auto key :
+         std::initializer_list<std::uint16_t>{KEY_W, KEY_TAB, KEY_P}) { // mapped, and as a password is typed
+        press(key);
+        release(key);
+    }
+    chord();
+    releaseChord();
+    press(KEY_TAB);
+    release(KEY_TAB);
+
+    services::setLogSink({});
+    EXPECT_THAT(lines, IsEmpty());
 }
 
 TEST_F(PlayerTest, TheChordWorksWhateverIsMapped) {

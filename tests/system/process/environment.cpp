@@ -3,6 +3,7 @@
 #include "tests/system/process/ProcessTest.h"
 
 #include <cstdlib>
+#include <set>
 
 namespace {
 
@@ -35,6 +36,23 @@ TEST_F(ChildEnvironment, AToolGetsWhoTheUserIsAndNothingThatIsNotListed) {
     EXPECT_EQ(1u, beginning(lines, "environment LC_NUMERIC=C").size());
     EXPECT_EQ((std::vector<std::string>{}), beginning(lines, "environment SECRET_TOKEN"));
     EXPECT_EQ((std::vector<std::string>{}), beginning(lines, "environment LD_LIBRARY_PATH"));
+    const std::set<std::string> listed{"HOME",
+                                       "USER",
+                                       "LOGNAME",
+                                       "LANG",
+                                       "LANGUAGE",
+                                       "TZ",
+                                       "XDG_RUNTIME_DIR",
+                                       "XDG_DATA_HOME",
+                                       "DBUS_SESSION_BUS_ADDRESS",
+                                       "DBUS_SYSTEM_BUS_ADDRESS",
+                                       "JOYVANE_ROOT",
+                                       "JOYVANE_SIMULATE"};
+    const std::string word = "environment ";
+    for (const auto& line : beginning(lines, word)) {
+        const auto name = line.substr(word.size(), line.find('=') - word.size());
+        EXPECT_TRUE(listed.contains(name) || name.starts_with("LC_") || name.ends_with("SAN_OPTIONS")) << name;
+    }
 }
 
 TEST_F(ChildEnvironment, ARootOfOursReplacesAnInheritedOne) {
