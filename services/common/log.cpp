@@ -3,6 +3,7 @@
 #include "kit/runtime/LogLine.h"
 #include "kit/runtime/RepeatedLines.h"
 
+#include <poll.h>
 #include <string>
 #include <unistd.h>
 #include <utility>
@@ -42,6 +43,9 @@ void log(const char* format, ...) {
     if (!leftOut) return;
     line.addRepetitions(*leftOut);
     if (state.sink) return state.sink(line.text());
+    // A reader that does not keep up loses lines, and never holds us up.
+    ::pollfd room{STDERR_FILENO, POLLOUT, 0};
+    if (::poll(&room, 1, 0) != 1 || !(room.revents & POLLOUT)) return;
     const std::string text = std::string(state.name) + ": " + std::string(line.text()) + "\n";
     // One call, so that lines of several programs in one journal do not mix. Nobody can be told when it fails.
     [[maybe_unused]] const auto written = ::write(STDERR_FILENO, text.data(), text.size());
