@@ -27,6 +27,8 @@ PowerOnOperation::PowerOnOperation(SystemClient& client, Client::Completion comp
     wait(std::chrono::microseconds(0), [this] { goOn(); });
 }
 
+void PowerOnOperation::timedOut() { services::log("switching Bluetooth on: %s", errorText(Error::TimedOut)); }
+
 void PowerOnOperation::goOn() {
     if (!isUnderWay()) return;
     switch (client().adapterState()) {

@@ -14,6 +14,7 @@ public:
 private:
     enum class Step { Begun, ServiceStarted, SwitchedOn };
 
+    void timedOut() override;
     void goOn();
     void startService();
     void switchOn();

@@ -138,7 +138,13 @@ void Connector::run(const std::function<bluetooth::Client::Handle(bluetooth::Cli
 }
 
 void Connector::bringUp() {
-    run([this](auto completion) { return m_client.powerOn(completion); });
+    if (std::exchange(m_isBringingUp, true)) return;
+    run([this](auto completion) {
+        return m_client.powerOn([this, completion](bluetooth::Error error) {
+            m_isBringingUp = false;
+            completion(error);
+        });
+    });
 }
 
 } // namespace jvnd

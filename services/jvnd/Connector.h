@@ -51,6 +51,7 @@ public:
     bool isConnected(const Target& target) const;
     // An attempt at it ends as refused.
     void disconnect(const Target& target);
+    // Once at a time, however often it is asked.
     void bringUp();
 
     // Called when a controller, the adapter or the input service has come, gone or changed.
@@ -85,6 +86,7 @@ private:
     std::function<void()> m_changed;
     std::optional<Attempt> m_attempt;
     std::list<bluetooth::Client::Handle> m_running;
+    bool m_isBringingUp = false;
 };
 
 } // namespace jvnd

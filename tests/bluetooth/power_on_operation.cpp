@@ -39,6 +39,7 @@ TEST_F(PowerOnOperationTest, AnAdapterThatStaysOffIsNoneAfterAWhile) {
     clock.advance(loop, 10s);
 
     EXPECT_EQ(ends, std::vector{Error::NoAdapter});
+    EXPECT_EQ(log, std::vector<std::string>{"switching Bluetooth on: no answer in time"});
 }
 
 TEST_F(PowerOnOperationTest, AnAdapterIsWaitedForAMoment) {

@@ -231,4 +231,12 @@ TEST_F(ConnectorTest, BringingUpSwitchesTheAdapterOn) {
     EXPECT_FALSE(bluetooth.isBusy());
 }
 
+TEST_F(ConnectorTest, BringingUpIsDoneOnceAtATime) {
+    for (int i = 0; i < 100; ++i) connector.bringUp();
+    EXPECT_EQ(bluetooth.calls, "power");
+    bluetooth.end();
+    connector.bringUp();
+    EXPECT_EQ(bluetooth.calls, "power, power");
+}
+
 } // namespace
