@@ -71,8 +71,13 @@ void Daemon::settingsChanged() {
 
 void Daemon::updateLight() { m_devices->setLight(lightMessage(m_settings.settings(), m_picked)); }
 
+// A controller on a cable is lit that was never paired.
+bool Daemon::isLightSet() const {
+    return lightMessage(m_settings.settings(), m_picked).action == input::LightAction::set;
+}
+
 void Daemon::stateChanged() {
-    m_devices->setWanted(isNeeded() || m_connector.isConnecting());
+    m_devices->setWanted(isNeeded() || isLightSet() || m_connector.isConnecting());
     if (m_simulated) m_simulated->controllersChanged();
     updateStatus();
 }

@@ -48,6 +48,7 @@ private:
     void settingsChanged();
     void stateChanged();
     void updateLight();
+    bool isLightSet() const;
     void updateStatus();
     void updateIdle();
     void heard(const std::string& notification);

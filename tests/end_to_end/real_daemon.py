@@ -140,8 +140,9 @@ class RealDaemon(unittest.TestCase):
         self.app.gone(role="alert")
 
     def test_the_main_job(self):
+        self.assertEqual(self.input.heard, [], "nothing is chosen that devices would be wanted for")
         self.choose_by_hand()
-        self.assertEqual(self.input.heard, [], "nothing is paired yet that devices would be wanted for")
+        self.wait("the light for one on a cable", lambda: self.input.light() == (bytes(6), SET, "004efd"))
 
         # Pair.
         self.pair()

@@ -120,6 +120,16 @@ TEST_F(JvndDevices, TheLaterControllersOneLightShowsItToo) {
     EXPECT_TRUE(controller.waitForLight({10, 20, 30})) << said();
 }
 
+TEST_F(JvndDevices, AControllerOnACableIsLitThoughItWasNeverPaired) {
+    store(1, color("0a141e"));
+    start();
+    DualShock4 controller(Wire::Usb, firstController);
+    EXPECT_TRUE(controller.waitForLight({10, 20, 30})) << said();
+
+    ASSERT_TRUE(m_page.tell(JVNControlCommand::SetLEDColor, 1, {200, 100, 50}));
+    EXPECT_TRUE(controller.waitForLight({200, 100, 50})) << said();
+}
+
 TEST_F(JvndDevices, WithAmbientLightTheColourIsTheGames) {
     store(1, address() + color("0a141e") + "<key>JVNAmbientColorKey</key><true/>");
     start();
