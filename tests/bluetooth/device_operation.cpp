@@ -27,6 +27,49 @@ TEST_F(DeviceOperationTest, ARequestForAPinIsRefusedAndSaidOnce) {
     EXPECT_EQ(log, std::vector<std::string>{"pairing with ..:00:01: refused, since it asks for a PIN"});
 }
 
+TEST_F(DeviceOperationTest, WhatWouldNeedAPersonIsRefusedAndSaid) {
+    beginWith({});
+    service.stall("Pair");
+    for (const char* question :
+         {"RequestPinCode", "RequestPasskey", "DisplayPinCode", "DisplayPasskey", "RequestConfirmation"}) {
+        service.calls.clear();
+        service.agentAnswers.clear();
+        const auto pairing = client->pair(padAddress, note());
+        ASSERT_TRUE(waitForCall("Pair 00:01"));
+        service.askAgents(question, pad);
+        ASSERT_TRUE(loop.runUntil([&] { return !service.agentAnswers.empty(); })) << question;
+        EXPECT_EQ(service.agentAnswers.back(), "org.bluez.Error.Rejected") << question;
+    }
+    EXPECT_EQ(log, (std::vector<std::string>{
+                       "pairing with ..:00:01: refused, since it asks for a PIN",
+                       "pairing with ..:00:01: refused, since it wants a PIN to be typed on it",
+                       "pairing with ..:00:01: refused, since it wants a number to be compared",
+                   }));
+}
+
+TEST_F(DeviceOperationTest, OnlyTheDeviceThatIsPairedIsLetInUnasked) {
+    beginWith({});
+    service.stall("Pair");
+    const auto pairing = client->pair(padAddress, note());
+    ASSERT_TRUE(waitForCall("Pair 00:01"));
+    const auto answer = [this](const char* question, const std::string& address) {
+        service.agentAnswers.clear();
+        service.askAgents(question, address);
+        loop.runUntil([&] { return !service.agentAnswers.empty(); });
+        return service.agentAnswers.empty() ? "none" : service.agentAnswers.back();
+    };
+    const std::string other = "00:AA:01:01:00:77";
+    EXPECT_EQ(answer("RequestAuthorization", pad), "");
+    EXPECT_EQ(answer("AuthorizeService", pad), "");
+    EXPECT_TRUE(log.empty()) << log.back();
+    EXPECT_EQ(answer("RequestAuthorization", other), "org.bluez.Error.Rejected");
+    EXPECT_EQ(answer("AuthorizeService", other), "org.bluez.Error.Rejected");
+    EXPECT_EQ(log, std::vector<std::string>{"pairing with ..:00:01: another device asks to be let in, and is not"});
+    EXPECT_EQ(answer("Cancel", pad), "");
+    EXPECT_EQ(answer("Release", pad), "");
+    EXPECT_EQ(answer("SomethingNew", pad), "org.freedesktop.DBus.Error.UnknownMethod");
+}
+
 TEST_F(DeviceOperationTest, APairingThatIsGivenUpIsCancelled) {
     beginWith({});
     service.stall("Pair");

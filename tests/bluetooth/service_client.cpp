@@ -100,6 +100,58 @@ TEST_F(BluetoothTest, AGamepadIsOneByItsClass) {
     }
 }
 
+TEST_F(BluetoothTest, AGamepadIsOneByItsAppearanceOrByWhatTheServiceTakesItForToo) {
+    service.addAdapter();
+    service.addDevice({.address = "00:00:00:00:00:01", .classOfDevice = 0, .appearance = 0x03c3, .isPaired = true});
+    service.addDevice({.address = "00:00:00:00:00:02", .classOfDevice = 0, .appearance = 0x03c4, .isPaired = true});
+    service.addDevice({.address = "00:00:00:00:00:03", .classOfDevice = 0, .appearance = 0x03c1, .isPaired = true});
+    service.addDevice({.address = "00:00:00:00:00:04", .classOfDevice = 0, .icon = "input-gaming", .isPaired = true});
+    service.addDevice({.address = "00:00:00:00:00:05", .classOfDevice = 0, .icon = "input-mouse", .isPaired = true});
+    makeClient();
+    ASSERT_TRUE(settle(AdapterState::On));
+
+    std::string gamepads;
+    for (const auto& device : client->devices())
+        if (device.isGamepad) gamepads += std::to_string(device.address.bytes[5]);
+
+    EXPECT_EQ(gamepads, "124");
+}
+
+TEST_F(BluetoothTest, OfSeveralAdaptersThatAreOnTheFirstIsUsed) {
+    for (const char* name : {"hci10", "hci2", "hci3"}) service.addAdapter(name);
+    makeClient();
+    ASSERT_TRUE(settle(AdapterState::On));
+
+    const auto search = client->search(note());
+
+    EXPECT_TRUE(loop.runUntil([&] { return !service.calls.empty(); }));
+    EXPECT_EQ(service.calls.front(), "StartDiscovery hci2");
+}
+
+TEST_F(BluetoothTest, OfADeviceThatTwoAdaptersKnowTheConnectedOneCountsThenThePairedOneThenThatOfTheAdapterInUse) {
+    service.addAdapter("hci2"); // in use
+    service.addAdapter("hci10");
+    const auto know = [this](const char* address, const char* adapter, MockDevice device) {
+        device.address = address;
+        device.adapter = adapter;
+        device.isKnown = true;
+        service.addDevice(std::move(device));
+    };
+    know("00:00:00:00:00:01", "hci2", {.name = "no", .isPaired = true});
+    know("00:00:00:00:00:01", "hci10", {.name = "connected", .isConnected = true});
+    know("00:00:00:00:00:02", "hci2", {.name = "no"});
+    know("00:00:00:00:00:02", "hci10", {.name = "paired", .isPaired = true});
+    know("00:00:00:00:00:03", "hci2", {.name = "in use", .isPaired = true});
+    know("00:00:00:00:00:03", "hci10", {.name = "no", .isPaired = true});
+    makeClient();
+    ASSERT_TRUE(settle(AdapterState::On));
+
+    std::vector<std::string> names;
+    for (const auto& device : client->devices()) names.push_back(device.name);
+
+    EXPECT_EQ(names, (std::vector<std::string>{"connected", "paired", "in use"}));
+}
+
 TEST_F(BluetoothTest, HearsOfADeviceThatConnectsByItself) {
     service.addAdapter();
     service.addDevice({.address = pad, .isPaired = true});

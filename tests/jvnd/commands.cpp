@@ -166,6 +166,13 @@ TEST_F(CommandsTest, ADisconnectWithoutAStoredAddressDoesNothing) {
     EXPECT_EQ(bluetooth.calls, "");
 }
 
+TEST_F(CommandsTest, ForAPS3ControllerADisconnectEndsEveryLinkOfAPad) {
+    settings.controllerType = JVNControllerTypePS3;
+    bluetooth.set(secondAddress, /*isConnected=*/true);
+    commands.handle(caller, frame(JVNControlCommand::Disconnect, 0));
+    EXPECT_EQ(bluetooth.calls, "disconnect 2");
+}
+
 TEST_F(CommandsTest, AQueryIsAnsweredOnlyWhenTheStoredControllerIsConnected) {
     EXPECT_EQ(query(caller), Then::Close);
     bluetooth.set(secondAddress, /*isConnected=*/true);

@@ -5,7 +5,9 @@
 #include "services/jvnd/exit_codes.h"
 #include "system/files/Descriptor.h"
 #include "system/socket/address.h"
+#include "tests/support/BusPeer.h"
 #include "tests/support/HeldClock.h"
+#include "tests/support/PrivateBus.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <cstdlib>
@@ -68,6 +70,21 @@ protected:
         EXPECT_EQ(seat::connectToPath(caller.get(), socketPath), 0);
         return caller;
     }
+    // What the page is told of it.
+    std::optional<daemon_status::Status> told() const {
+        std::ifstream file(folder.path() + daemon_status::filePath);
+        return daemon_status::statusOf({std::istreambuf_iterator<char>(file), {}});
+    }
+    // Posts again until it is heard: nobody says when the bus begins to listen for us.
+    bool announces(const testing_support::BusPeer& page, const std::string& interface, const std::string& member) {
+        const auto isHeard = [&] { return said.find("heard " + interface + "." + member) != std::string::npos; };
+        for (int i = 0; i < 100 && !isHeard(); ++i) {
+            page.emitSignal("/page", interface, member);
+            page.flush();
+            loop.runUntil(isHeard, 100ms);
+        }
+        return isHeard();
+    }
     bool hears(const std::string& text) {
         return loop.runUntil([&] { return said.find(text) != std::string::npos; });
     }
@@ -82,10 +99,6 @@ protected:
 };
 
 TEST_F(DaemonTest, ItTellsThePageWhatItKnows) {
-    const auto told = [this] {
-        std::ifstream file(folder.path() + daemon_status::filePath);
-        return daemon_status::statusOf({std::istreambuf_iterator<char>(file), {}});
-    };
     store(1);
     start();
     ASSERT_TRUE(told());
@@ -95,6 +108,39 @@ TEST_F(DaemonTest, ItTellsThePageWhatItKnows) {
     store(6);
 
     EXPECT_TRUE(loop.runUntil([&] { return told() && told()->isKeyboardChosen; }));
+}
+
+// Where the file alone would say nothing: its folder was taken away, and nothing is heard of the one that has come.
+TEST_F(DaemonTest, AChangeThatIsAnnouncedIsReadWhateverIsHeardOfTheFile) {
+    const testing_support::PrivateBus bus;
+    const testing_support::BusPeer page(bus.address());
+    store(6);
+    start(StartedBy::Somebody);
+    ASSERT_TRUE(hears("keyboard plays"));
+    std::filesystem::remove_all(folder.file("var/mobile"));
+    ASSERT_TRUE(hears("keyboard does not play"));
+    said.clear();
+    store(6);
+
+    EXPECT_TRUE(announces(page, "com.quorrel.jvnprefs", "changed"));
+
+    EXPECT_TRUE(hears("keyboard plays"));
+}
+
+TEST_F(DaemonTest, BluetoothIsBroughtUpWhenThePageIsAboutToConnect) {
+    const testing_support::PrivateBus bus;
+    const testing_support::BusPeer page(bus.address());
+    std::filesystem::create_directories(folder.file("var/joyvane"));
+    std::ofstream(folder.file("var/joyvane/simulated-controllers")) << "bluetooth off\n";
+    store(1, address);
+    start(StartedBy::Somebody);
+    const auto is = [this](daemon_status::Bluetooth state) { return told() && told()->bluetooth == state; };
+    ASSERT_TRUE(is(daemon_status::Bluetooth::off));
+
+    EXPECT_TRUE(announces(page, "com.quorrel", "jvninitbt"));
+
+    codeWithin(1s);
+    EXPECT_TRUE(loop.runUntil([&] { return is(daemon_status::Bluetooth::on); }));
 }
 
 TEST_F(DaemonTest, WhatNobodyNeedsEndsAfterAMinute) {
@@ -146,6 +192,20 @@ TEST_F(DaemonTest, ACallerKeepsItAndTheMinuteBeginsWithItsEnd) {
 
     EXPECT_EQ(codeWithin(59s), exitStays);
     EXPECT_EQ(codeWithin(2s), exitSuccess);
+}
+
+TEST_F(DaemonTest, ACallerThatGoesOnAskingKeepsItForLongerThanAMinute) {
+    store(1);
+    start();
+    const auto caller = call();
+    JVNControlFrame color;
+    color.command = JVNControlCommand::SetLEDColor;
+    for (int seconds = 0; seconds < 120; seconds += 4) {
+        said.clear();
+        ASSERT_EQ(::send(caller.get(), &color, JVNControlFrameSize(color.command), MSG_NOSIGNAL), 16);
+        ASSERT_TRUE(hears("SetLEDColor"));
+        ASSERT_EQ(codeWithin(4s), exitStays) << seconds;
+    }
 }
 
 TEST_F(DaemonTest, WhatIsChosenInTheMinuteKeepsItAsLongAsItIsChosen) {

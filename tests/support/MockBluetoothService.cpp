@@ -66,7 +66,8 @@ void MockBluetoothService::letGo(const std::string& member) {
 }
 
 std::string MockBluetoothService::pathOf(const MockDevice& device) const {
-    std::string path = "/org/bluez/" + (m_adapters.empty() ? "hci0" : m_adapters.begin()->first) + "/dev_";
+    const std::string first = m_adapters.empty() ? "hci0" : m_adapters.begin()->first;
+    std::string path = "/org/bluez/" + (device.adapter.empty() ? first : device.adapter) + "/dev_";
     for (const char c : device.address) path += c == ':' ? '_' : c;
     return path;
 }
@@ -221,7 +222,7 @@ int MockBluetoothService::pair(::sd_bus_message* message, MockDevice& device) {
         return replyError(message, "org.bluez.Error.AgentNotAvailable", "No agent available"), 1;
     m_pairing.reset(::sd_bus_message_ref(message));
     m_pairingPath = pathOf(device);
-    if (device.wantsPin) return askAgent(m_pairingPath), 1;
+    if (device.wantsPin) return askAgents("RequestPinCode", device.address), 1;
     device.isConnected = true;
     changed(device.address);
     m_later.push_back(m_loop.soon([this, address = device.address] {
@@ -249,14 +250,21 @@ void MockBluetoothService::endPairing(const char* error) {
         reply(message.get());
 }
 
-void MockBluetoothService::askAgent(const std::string& path) {
-    const std::string client = ::sd_bus_message_get_sender(m_pairing.get());
-    ::sd_bus_message* question = nullptr;
-    check(::sd_bus_message_new_method_call(m_bus, &question, client.c_str(), m_agents[client].c_str(),
-                                           "org.bluez.Agent1", "RequestPinCode"));
-    const services::Message kept(question);
-    check(::sd_bus_message_append(question, "o", path.c_str()));
-    check(::sd_bus_call_async(m_bus, nullptr, question, agentAnswered, this, 0));
+void MockBluetoothService::askAgents(const std::string& member, const std::string& address) {
+    const std::string path = pathOf({.address = address});
+    for (const auto& [client, agent] : m_agents) {
+        ::sd_bus_message* question = nullptr;
+        check(::sd_bus_message_new_method_call(m_bus, &question, client.c_str(), agent.c_str(), "org.bluez.Agent1",
+                                               member.c_str()));
+        const services::Message kept(question);
+        if (member != "Cancel" && member != "Release") check(::sd_bus_message_append(question, "o", path.c_str()));
+        if (member == "DisplayPinCode") check(::sd_bus_message_append(question, "s", "271828"));
+        if (member == "DisplayPasskey") check(::sd_bus_message_append(question, "uq", 271828U, 0U));
+        if (member == "RequestConfirmation") check(::sd_bus_message_append(question, "u", 271828U));
+        if (member == "AuthorizeService")
+            check(::sd_bus_message_append(question, "s", "00001124-0000-1000-8000-00805f9b34fb"));
+        check(::sd_bus_call_async(m_bus, nullptr, question, agentAnswered, this, 0));
+    }
 }
 
 int MockBluetoothService::agentAnswered(::sd_bus_message* message, void* self, ::sd_bus_error*) {

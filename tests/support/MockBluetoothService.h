@@ -16,8 +16,11 @@ namespace testing_support {
 // One device in the mock's air. It has an object at the service once it was found, or when it is paired.
 struct MockDevice {
     std::string address = {}; // "00:AA:01:01:00:01"
+    std::string adapter = {}; // that knows it; empty: the first
     std::string name = "Wireless Controller";
     std::uint32_t classOfDevice = 0x002508; // a gamepad
+    std::uint16_t appearance = 0;           // of the low-energy radio; 0: it says none
+    std::string icon = {};                  // what the service takes it for; empty: it does not say
     bool isDiscoverable = true;             // answers a search
     bool wantsPin = false;
     bool hasForgotten = false; // has lost the keys of a pairing
@@ -50,6 +53,8 @@ public:
     MockDevice& device(const std::string& address);
     // A search finds it.
     void appear(const std::string& address);
+    // Asks all agents this of a device: "RequestConfirmation", "AuthorizeService" ...
+    void askAgents(const std::string& member, const std::string& address);
     // Tells of a change made to a device: by itself connected, gone, trusted by another program.
     void changed(const std::string& address);
     // Signals of the right names that hold something else than documented.
@@ -97,7 +102,6 @@ private:
     int connect(::sd_bus_message* message, MockDevice& device);
     int startSearch(::sd_bus_message* message, const std::string& adapter);
     void endPairing(const char* error);
-    void askAgent(const std::string& path);
     void reply(::sd_bus_message* message) const;
     void replyError(::sd_bus_message* message, const std::string& error, const std::string& text) const;
     void sendObjects(::sd_bus_message* message);

@@ -38,6 +38,8 @@ void MockBluetoothService::appendDevice(::sd_bus_message* message, const MockDev
     check(::sd_bus_message_append(message, "{sv}", "Adapter", "o", path.substr(0, path.rfind('/')).c_str()));
     check(::sd_bus_message_append(message, "{sv}", "Name", "s", device.name.c_str()));
     if (device.classOfDevice != 0) check(::sd_bus_message_append(message, "{sv}", "Class", "u", device.classOfDevice));
+    if (device.appearance != 0) check(::sd_bus_message_append(message, "{sv}", "Appearance", "q", device.appearance));
+    if (!device.icon.empty()) check(::sd_bus_message_append(message, "{sv}", "Icon", "s", device.icon.c_str()));
     appendFlag(message, "Paired", device.isPaired);
     appendFlag(message, "Trusted", device.isTrusted);
     if (device.mayWake) appendFlag(message, "WakeAllowed", true); // only of a device that can
