@@ -33,6 +33,8 @@ public:
         std::function<void(const Device&)> deviceChanged = {};
         // The service has it no more: removed, forgotten after a search, or gone with its adapter or the service.
         std::function<void(const Address&)> deviceRemoved = {};
+        // The service has begun to search; what is heard is told from now on.
+        std::function<void()> searchBegan = {};
     };
     // Replaces the listener before it; what there is already is not told again, but asked for below.
     virtual void setListener(Listener listener) = 0;

@@ -33,6 +33,9 @@ class SimulatedClient::Search final : public Operation {
 public:
     Search(SimulatedClient& client, Completion completion) : m_client(client), m_completion(std::move(completion)) {
         client.m_searches.push_back(this);
+        m_beginning = client.m_loop.soon([&client] {
+            if (client.m_listener.searchBegan) client.m_listener.searchBegan();
+        });
         m_moment = client.m_loop.after(searchTime, [this] {
             m_finds = true;
             m_client.tell();
@@ -49,6 +52,7 @@ public:
     void adapterChanged() {
         if (!m_completion || m_client.adapterState() == AdapterState::On) return;
         m_finds = false;
+        m_beginning.reset();
         m_moment = m_client.m_loop.soon([this] {
             if (m_completion) std::exchange(m_completion, nullptr)(Error::NoAdapter);
         });
@@ -57,6 +61,7 @@ public:
 private:
     SimulatedClient& m_client;
     Completion m_completion;
+    services::EventLoop::Source m_beginning;
     services::EventLoop::Source m_moment;
     bool m_finds = false;
 };

@@ -89,6 +89,7 @@ Client::Handle SystemClient::remove(const Address& address, Completion completio
 
 void SystemClient::searchBegan() {
     ++m_searches;
+    if (m_listener.searchBegan) m_listener.searchBegan();
     tell();
 }
 

@@ -16,13 +16,17 @@ constexpr auto comebackPause = 500ms;
 constexpr auto failurePause = 10s;
 // Pairing is what counts: a controller that does not connect now calls by itself later.
 constexpr auto connectTime = 15s;
+// Whoever else writes the preferences holds them for milliseconds.
+constexpr auto storeTime = 2000ms;
+constexpr auto storePause = 20ms;
 constexpr auto endTime = 400ms;
 
 } // namespace
 
 Discovery::Discovery(services::EventLoop& loop, bluetooth::Client& client, Surroundings surroundings)
     : m_loop(loop), m_client(client), m_surroundings(std::move(surroundings)) {
-    client.setListener({.deviceChanged = [this](const Device& device) { consider(device); }});
+    client.setListener({.deviceChanged = [this](const Device& device) { consider(device); },
+                        .searchBegan = [this] { searchBegan(); }});
     bringUp();
 }
 
@@ -38,16 +42,19 @@ void Discovery::bringUp() {
 }
 
 void Discovery::broughtUp(Error error) {
-    if (error == Error::None) {
-        m_lost.reset();
-        if (!std::exchange(m_wasUp, true)) m_surroundings.report(State::Starting);
-        return search();
-    }
-    if (m_wasUp && !m_lost) m_lost = m_loop.now();
-    if (m_lost && m_loop.now() - *m_lost < comebackTime) {
-        m_timer = m_loop.after(comebackPause, [this] { bringUp(); });
-        return;
-    }
+    if (error != Error::None) return m_wasUp ? comeBack() : endWithoutBluetooth();
+    if (!std::exchange(m_wasUp, true)) m_surroundings.report(State::Starting);
+    search();
+}
+
+// It is gone, or does not search though it is on.
+void Discovery::comeBack() {
+    if (!m_lost) m_lost = m_loop.now();
+    if (m_loop.now() - *m_lost >= comebackTime) return endWithoutBluetooth();
+    m_timer = m_loop.after(comebackPause, [this] { bringUp(); });
+}
+
+void Discovery::endWithoutBluetooth() {
     m_surroundings.report(State::NoBluetooth);
     end(Outcome::NoBluetooth);
 }
@@ -56,20 +63,18 @@ void Discovery::search() {
     m_candidate.reset();
     m_operation.reset();
     m_pairing.reset();
-    m_surroundings.report(State::Searching);
-    m_search = m_client.search([this](Error) { searchEnded(); });
+    m_search = m_client.search([this](Error) { comeBack(); });
     if (!m_failed.empty()) m_timer = m_loop.after(failurePause, [this] { considerAll(); });
+}
+
+void Discovery::searchBegan() {
+    m_lost.reset();
+    m_surroundings.report(State::Searching);
 }
 
 void Discovery::leaveAlone(const Address& address) {
     m_failed.insert(address);
     m_timer = m_loop.after(failurePause, [this] { considerAll(); });
-}
-
-// By itself: Bluetooth is gone, or will not search.
-void Discovery::searchEnded() {
-    if (!m_lost) m_lost = m_loop.now();
-    m_timer = m_loop.after(comebackPause, [this] { bringUp(); });
 }
 
 void Discovery::considerAll() {
@@ -121,13 +126,23 @@ void Discovery::connected(Error error) {
     m_operation.reset();
     const bool isPairingLost = error == Error::BondLost || error == Error::UnknownDevice || error == Error::NoAdapter;
     if (isPairingLost) return giveUp(error);
-    store();
+    storeWithin(storeTime);
 }
 
-void Discovery::store() {
-    if (!m_surroundings.store(*m_candidate)) return giveUp(Error::Failed);
-    m_surroundings.report(State::Paired);
-    end(Outcome::Paired);
+void Discovery::storeWithin(std::chrono::milliseconds time) {
+    const auto stored = m_surroundings.store(*m_candidate);
+    if (stored == Stored::Yes) {
+        m_surroundings.report(State::Paired);
+        return end(Outcome::Paired);
+    }
+    if (stored == Stored::NotYet && time > 0ms) {
+        m_timer = m_loop.after(storePause, [this, time] { storeWithin(time - storePause); });
+        return;
+    }
+    if (stored == Stored::NotYet)
+        services::log("storing the address of %s: another program holds the preferences",
+                      m_candidate->forLog().c_str());
+    giveUp(Error::Failed);
 }
 
 // The candidate is none after all: nothing of it stays, and the search goes on.

@@ -20,6 +20,13 @@ enum class State {
 // How the tool ends.
 enum class Outcome { Paired, Interrupted, NoBluetooth };
 
+// What became of an address that was to be stored.
+enum class Stored {
+    Yes,
+    NotYet, // another program holds the preferences: to be tried again
+    Failed,
+};
+
 // From "nothing is known" to "one controller is paired, trusted, connected and stored", or to an interruption that
 // leaves nothing behind. Bluetooth may come and go meanwhile; it searches until it finds or is stopped.
 class Discovery {
@@ -27,8 +34,8 @@ public:
     struct Surroundings {
         // Tells the page; in order, without waiting.
         std::function<void(State)> report;
-        // Puts the address where the page and the daemon find it. False, logged, when it could not.
-        std::function<bool(const bluetooth::Address&)> store;
+        // Puts the address where the page and the daemon find it, without waiting. Failed has been logged.
+        std::function<Stored(const bluetooth::Address&)> store;
         // Nothing is under way any more.
         std::function<void(Outcome)> ended;
     };
@@ -50,8 +57,10 @@ private:
 
     void bringUp();
     void broughtUp(Error error);
+    void comeBack();
+    void endWithoutBluetooth();
     void search();
-    void searchEnded();
+    void searchBegan();
     void consider(const Device& device);
     void considerAll();
     void leaveAlone(const Address& address);
@@ -59,7 +68,7 @@ private:
     void trust();
     void connect();
     void connected(Error error);
-    void store();
+    void storeWithin(std::chrono::milliseconds time);
     void giveUp(Error error);
     void end(Outcome outcome);
     void over();
@@ -68,7 +77,7 @@ private:
     bluetooth::Client& m_client;
     Surroundings m_surroundings;
     bool m_wasUp = false;                   // Bluetooth has been on since the start
-    std::optional<services::Moment> m_lost; // when it went
+    std::optional<services::Moment> m_lost; // since when it does not search
     std::optional<Address> m_candidate;     // what is being paired
     std::set<Address> m_failed;             // left alone for a while
     bluetooth::Client::Handle m_bringUp;

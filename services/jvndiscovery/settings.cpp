@@ -19,8 +19,8 @@ constexpr const char* domain = "com.quorrel.joyvane";
 constexpr const char* typeKey = "controller_type";
 constexpr const char* addressKey = "PS4BluetoothAddress";
 
-// The page holds the lock for milliseconds; an interruption must not be held up.
-constexpr std::chrono::milliseconds lockTime{250};
+// At once: an interruption must not be held up, and whoever stores can come again.
+constexpr std::chrono::milliseconds lockTime{0};
 
 class AddressChange final : public seat::PreferencesChanges {
 public:
@@ -56,14 +56,15 @@ std::optional<int> storedControllerType(const std::string& root) {
     return type < Limits::min() || type > Limits::max() ? -1 : static_cast<int>(type);
 }
 
-bool storeAddress(const std::string& root, const bluetooth::Address& address) {
+Stored storeAddress(const std::string& root, const bluetooth::Address& address) {
     AddressChange change(address);
     const auto result = seat::changePreferencesFile(root + folder, domain, change, lockTime);
+    if (result.isBusy) return Stored::NotYet;
     if (!result.aside.empty())
         services::log("the preferences were damaged and are moved aside to %s", result.aside.c_str());
     if (!result.reason.empty())
         services::log("storing the address of %s: %s", address.forLog().c_str(), result.reason.c_str());
-    return result.isStored;
+    return result.isStored ? Stored::Yes : Stored::Failed;
 }
 
 } // namespace jvndiscovery

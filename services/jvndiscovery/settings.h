@@ -3,6 +3,7 @@
 // The tool's part in the preferences that page, daemon and tool share.
 
 #include "services/bluetooth/Address.h"
+#include "services/jvndiscovery/Discovery.h"
 
 #include <optional>
 #include <string>
@@ -13,7 +14,8 @@ namespace jvndiscovery {
 // read. `root` is a real path.
 std::optional<int> storedControllerType(const std::string& root);
 
-// Stores the address of the paired controller under the preferences' lock. False, logged, when it is not in the file.
-bool storeAddress(const std::string& root, const bluetooth::Address& address);
+// Stores the address of the paired controller under the preferences' lock, which it waits for as good as not at all.
+// Failed is logged.
+Stored storeAddress(const std::string& root, const bluetooth::Address& address);
 
 } // namespace jvndiscovery

@@ -15,6 +15,20 @@ TEST_F(SearchOperationTest, ASearchBringsDevicesThatAreHeard) {
     EXPECT_TRUE(changes.back().isGamepad);
 }
 
+TEST_F(SearchOperationTest, ASearchSaysWhenTheServiceHasBegunIt) {
+    begin();
+    int begun = 0;
+    client->setListener({.searchBegan = [&begun] { ++begun; }});
+    service.stall("StartDiscovery");
+    const auto search = client->search(note());
+    ASSERT_TRUE(waitForCall("StartDiscovery hci0"));
+    EXPECT_EQ(begun, 0);
+
+    service.letGo("StartDiscovery");
+
+    EXPECT_TRUE(loop.runUntil([&begun] { return begun == 1; }));
+}
+
 TEST_F(SearchOperationTest, ADeviceThatComesDuringTheSearchIsHeard) {
     begin();
     const auto search = client->search(note());
@@ -23,6 +37,17 @@ TEST_F(SearchOperationTest, ADeviceThatComesDuringTheSearchIsHeard) {
     service.addDevice({.address = pad});
 
     EXPECT_TRUE(loop.runUntil([&] { return !changes.empty() && changes.back().isHeard; }));
+}
+
+TEST_F(SearchOperationTest, ADeviceThatIsHeardNoLongerIsNot) {
+    beginWith({.isPaired = true});
+    const auto search = client->search(note());
+    ASSERT_TRUE(loop.runUntil([&] { return client->device(padAddress)->isHeard; }));
+
+    service.device(pad).isDiscoverable = false;
+    service.changed(pad);
+
+    EXPECT_TRUE(loop.runUntil([&] { return !client->device(padAddress)->isHeard; }));
 }
 
 TEST_F(SearchOperationTest, ASearchEndsWithItsHandle) {
