@@ -5,6 +5,7 @@
 
 import os
 import random
+import shutil
 import signal
 import socket
 import struct
@@ -132,6 +133,16 @@ class Settings(JvndTest):
         self.daemon.write_preferences({"controller_type": 6, "connection_mode": "1", "JVNKeyboardKeymapKey": {"4": 15}})
         self.daemon.wait_said("keyboard plays by hand, 1 keys, extended profile")
 
+    def test_a_folder_that_was_taken_away_and_is_back_is_read_again_when_somebody_calls(self):
+        self.daemon.write_preferences({"controller_type": 6})
+        self.daemon.start("--simulate")
+        self.daemon.wait_said("keyboard plays")
+        shutil.rmtree(os.path.join(self.daemon.root, "var/mobile"))
+        self.daemon.wait_said("keyboard does not play")
+        self.daemon.write_preferences({"controller_type": 6})
+        self.daemon.ask(CONNECT, 6)
+        self.daemon.wait_said("keyboard plays", 2)
+
     def test_a_damaged_file_leaves_the_settings_in_force_and_is_logged_once(self):
         self.daemon.write_preferences({"controller_type": 6})
         self.daemon.start("--simulate")
@@ -209,8 +220,8 @@ class Simulated(JvndTest):
         paired = {"controller_type": 1, "PS4BluetoothAddress": ADDRESS}
         for settings, reply in (({"controller_type": 6}, None), (paired, (5, 1))):
             self.daemon.process.send_signal(signal.SIGSTOP)
-            self.daemon.write_preferences(settings)
-            with self.daemon.call() as caller:
+            with self.daemon.call() as caller:  # heard of before the file is
+                self.daemon.write_preferences(settings)
                 caller.send(frame(QUERY))
                 self.daemon.process.send_signal(signal.SIGCONT)
                 self.assertEqual(caller.reply(), reply)

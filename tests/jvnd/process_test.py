@@ -27,6 +27,14 @@ class Place(JvndTest):
             self.assertEqual(self.daemon.end(number), 0)
             self.assertEqual(os.listdir(os.path.dirname(self.daemon.socket_path)), [])
 
+    def test_a_signal_as_soon_as_the_socket_is_there_ends_it_as_any_other(self):
+        for _ in range(30):
+            self.daemon.start(ready=False)
+            while not os.path.exists(self.daemon.socket_path):
+                pass
+            self.assertEqual(self.daemon.end(), 0)
+            self.assertEqual(os.listdir(os.path.dirname(self.daemon.socket_path)), [])
+
     def test_a_root_has_one_daemon(self):
         self.daemon.start()
         second = Daemon(self, self.program, self.daemon.root).start(ready=False)

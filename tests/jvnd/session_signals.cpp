@@ -4,7 +4,10 @@
 #include "tests/support/BusPeer.h"
 #include "tests/support/PrivateBus.h"
 
+#include <csignal>
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 using namespace jvnd;
 using namespace std::chrono_literals;
@@ -56,6 +59,39 @@ TEST_F(SessionSignalsTest, NotificationsAreHeardByTheirNames) {
 
     ASSERT_TRUE(loop.runUntil([this] { return !heard.empty(); }));
     EXPECT_EQ(heard, std::vector<std::string>{"com.quorrel.jvninitbt"});
+}
+
+TEST_F(SessionSignalsTest, AnotherUsersNotificationsAreNotHeard) {
+    if (::geteuid() != 0) GTEST_SKIP() << "needs root, to be somebody else";
+    const PrivateBus bus(PrivateBus::Start::Now, "DBUS_SESSION_BUS_ADDRESS", PrivateBus::Admits::EveryUser);
+    const BusPeer own(bus.address());
+    const auto signals = listen();
+    ASSERT_TRUE(isHeardFrom(own));
+    int posted[2];
+    ASSERT_EQ(::pipe(posted), 0);
+    const ::pid_t child = ::fork();
+    if (child == 0) {
+        if (::setuid(65534) != 0) ::_exit(1);
+        const BusPeer other(bus.address());
+        other.emitSignal("/com/quorrel", "com.quorrel", "jvninitbt");
+        other.call("org.freedesktop.DBus", "/", "org.freedesktop.DBus", "GetId"); // by then the bus has passed it on
+        [[maybe_unused]] const auto written = ::write(posted[1], "x", 1);
+        ::pause();
+        ::_exit(0);
+    }
+    ::close(posted[1]);
+    char byte = 0;
+    EXPECT_EQ(::read(posted[0], &byte, 1), 1) << "the other user cannot post";
+    heard.clear();
+    change(own);
+    own.flush();
+
+    EXPECT_TRUE(loop.runUntil([this] { return !heard.empty(); }));
+
+    EXPECT_EQ(heard, std::vector<std::string>{"com.quorrel.jvnprefs.changed"});
+    ::kill(child, SIGKILL);
+    ::waitpid(child, nullptr, 0);
+    ::close(posted[0]);
 }
 
 TEST_F(SessionSignalsTest, WithoutABusNothingHappens) {

@@ -153,6 +153,19 @@ TEST_F(DiscoveryTest, APairedControllerOfTheLowEnergyRadioIsNotTakenForOneThatLo
     EXPECT_EQ(service.calls, std::vector<std::string>{"StartDiscovery hci0"});
 }
 
+// Another program has searched, or it was there a minute ago.
+TEST_F(DiscoveryTest, AControllerThatTheServiceKnowsAndThatIsNotHeardIsLeftAlone) {
+    service.addAdapter();
+    service.addDevice({.address = pad, .isDiscoverable = false, .isKnown = true});
+    begin();
+    ASSERT_TRUE(searches());
+    service.device(pad).name = "what another program calls it";
+    service.changed(pad);
+    loop.runUntil([] { return false; }, 50ms);
+
+    EXPECT_EQ(service.calls, std::vector<std::string>{"StartDiscovery hci0"});
+}
+
 TEST_F(DiscoveryTest, APairedControllerThatDoesNotCallIsLeftAlone) {
     service.addAdapter();
     service.addDevice({.address = pad, .isDiscoverable = false, .isPaired = true, .isConnected = true});

@@ -16,6 +16,17 @@ TEST_F(DiscoveryTest, AControllerThatDoesNotConnectNowIsPairedAllTheSame) {
     EXPECT_EQ(log.size(), 1U);
 }
 
+TEST_F(DiscoveryTest, APairingThatTheControllerHasForgottenByTheTimeThatItIsConnectedIsNoSuccess) {
+    service.addAdapter();
+    service.addDevice({.address = pad});
+    service.fail("Connect", "org.bluez.Error.Failed", "br-connection-key-missing");
+    begin();
+
+    EXPECT_TRUE(loop.runUntil([&] { return told == "400" && count("RemoveDevice 00:01") == 1; }));
+
+    EXPECT_TRUE(stored.empty());
+}
+
 TEST_F(DiscoveryTest, AConnectionThatIsNotAnsweredIsNotWaitedForForEver) {
     service.addAdapter();
     service.addDevice({.address = pad});
@@ -141,6 +152,21 @@ TEST_F(DiscoveryTest, AServiceThatIsRestartedIsSearchedWithAgain) {
     EXPECT_EQ(told, "4002");
 }
 
+TEST_F(DiscoveryTest, AServiceThatIsRestartedAgainLaterGetsItsTimeAgain) {
+    service.addAdapter();
+    begin();
+    ASSERT_TRUE(searches());
+    for (const char* states : {"400", "4000"}) {
+        service.vanish();
+        ASSERT_TRUE(loop.runUntil([&] { return client->adapterState() == AdapterState::Absent; }));
+        clock.advance(loop, 1s);
+        service.start();
+        ASSERT_TRUE(passTime([&] { return told == states; })) << told;
+        clock.advance(loop, 60s);
+    }
+    EXPECT_TRUE(outcomes.empty());
+}
+
 TEST_F(DiscoveryTest, AServiceThatIsRestartedInTheMiddleOfAPairingIsPairedWithAgain) {
     service.addAdapter();
     service.addDevice({.address = pad});
@@ -166,6 +192,21 @@ TEST_F(DiscoveryTest, AnAdapterThatIsPulledOutAndStaysOutIsNone) {
     EXPECT_TRUE(passTime([&] { return !outcomes.empty(); }));
     EXPECT_EQ(outcome(), Outcome::NoBluetooth);
     EXPECT_EQ(told, "403");
+}
+
+TEST_F(DiscoveryTest, AnAdapterThatIsPulledOutWhileTheControllerIsConnectedIsNoSuccess) {
+    service.addAdapter();
+    service.addDevice({.address = pad});
+    service.stall("Connect");
+    begin();
+    ASSERT_TRUE(waitForCall("Connect 00:01"));
+
+    service.removeAdapter("hci0");
+
+    EXPECT_TRUE(passTime([&] { return !outcomes.empty(); }));
+    EXPECT_EQ(outcome(), Outcome::NoBluetooth);
+    EXPECT_EQ(told, "403");
+    EXPECT_TRUE(stored.empty());
 }
 
 TEST_F(DiscoveryTest, AControllerThatVanishesInTheMiddleIsSearchedForAgain) {
