@@ -19,7 +19,7 @@ constexpr auto connectTime = 15s;
 // Whoever else writes the preferences holds them for milliseconds.
 constexpr auto storeTime = 2000ms;
 constexpr auto storePause = 20ms;
-constexpr auto endTime = 400ms;
+constexpr auto endTime = 300ms;
 
 } // namespace
 

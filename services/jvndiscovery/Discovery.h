@@ -46,7 +46,7 @@ public:
     Discovery(const Discovery&) = delete;
     Discovery& operator=(const Discovery&) = delete;
 
-    // Gives up: what has been begun is called off, half a pairing removed. `ended` follows within 400 ms, whatever the
+    // Gives up: what has been begun is called off, half a pairing removed. `ended` follows within 300 ms, whatever the
     // Bluetooth service does. Once it has been stored, a pairing stays.
     void interrupt();
 
