@@ -16,6 +16,7 @@
 #include "desktop/window/Toolkit.h"
 #include "kit/dispatch/main_queue.h"
 #include "kit/foundation/translation.h"
+#include "platform/log.h"
 #include "system/bus/SessionBus.h"
 #include "system/bus/session_bus_address.h"
 #include "system/files/root.h"
@@ -23,9 +24,12 @@
 #include "system/process/installed_tools.h"
 
 #include <cstdio>
+#include <filesystem>
 #include <future>
 #include <memory>
+#include <optional>
 #include <unistd.h>
+#include <utility>
 
 namespace {
 
@@ -121,6 +125,28 @@ void findInstalledTools(const app::Bundle& bundle) {
     });
 }
 
+// A tour begins with nothing stored, as often as it is played, and meets nobody else's daemon.
+app::RootUse rootUse(const app::Options& options) {
+    if (!options.simulate) return app::RootUse::Settings;
+    return options.tour.empty() ? app::RootUse::Trial : app::RootUse::Tour;
+}
+
+// The root that was made for one tour goes with it.
+class RootOfTour {
+public:
+    explicit RootOfTour(std::string folder) : m_folder(std::move(folder)) {}
+    ~RootOfTour() {
+        std::error_code error;
+        std::filesystem::remove_all(m_folder, error);
+        if (error) NSLog("removing the tour's root %s: %s", m_folder.c_str(), error.message().c_str());
+    }
+    RootOfTour(const RootOfTour&) = delete;
+    RootOfTour& operator=(const RootOfTour&) = delete;
+
+private:
+    std::string m_folder;
+};
+
 } // namespace
 
 int app::runApplication(const Options& options) {
@@ -132,10 +158,13 @@ int app::runApplication(const Options& options) {
         complain(problem);
         return ExitBundleRefused;
     }
-    if (problem = settleRoot(options.root, options.simulate ? RootUse::Trial : RootUse::Settings); !problem.empty()) {
+    const RootUse use = rootUse(options);
+    if (problem = settleRoot(options.root, use); !problem.empty()) {
         complain(problem);
         return ExitFailure;
     }
+    std::optional<RootOfTour> rootOfTour;
+    if (use == RootUse::Tour && options.root.empty()) rootOfTour.emplace(seat::root());
     // A user who starts it again wants to see the window that is there.
     std::unique_ptr<RunningInstance> instance;
     if (!isTour && !(instance = RunningInstance::start(seat::root(), bundle.folder))) return ExitSuccess;
@@ -154,6 +183,7 @@ int app::runApplication(const Options& options) {
     const Class principalClass = loadPrincipalClass(bundle, check.get(), problem);
     if (!principalClass) {
         complain(problem);
+        rootOfTour.reset();
         // An initialiser that has thrown leaves the loader locked: whatever else would end in order could wait for it.
         _exit(ExitBundleRefused);
     }

@@ -6,6 +6,7 @@
 #include "system/files/root.h"
 
 #include <cerrno>
+#include <cstdlib>
 #include <filesystem>
 #include <pwd.h>
 #include <sys/stat.h>
@@ -33,11 +34,19 @@ DataFolder userDataFolder() {
 
 DataFolder chosenFolder(app::RootUse use) {
     if (use == app::RootUse::Settings) return userDataFolder();
+    const std::string kind = use == app::RootUse::Tour ? "-tour" : "-trial";
     if (const auto session = seat::environment("XDG_RUNTIME_DIR"); session.starts_with('/'))
-        return {session, "/joyvane-trial"};
+        return {session, "/joyvane" + kind};
     DataFolder folder = userDataFolder();
-    folder.below += "-trial";
+    folder.below += kind;
     return folder;
+}
+
+// Makes a folder that was not there before, by that name and something behind it. 0, or the number of what went wrong.
+int makeNewFolder(std::string& folder) {
+    if (const int number = seat::makeFolders(fs::path(folder).parent_path())) return number;
+    folder += "-XXXXXX";
+    return ::mkdtemp(folder.data()) ? 0 : errno;
 }
 
 std::string nameOf(uid_t owner) {
@@ -85,13 +94,14 @@ std::string app::settleRoot(const std::string& given, RootUse use) {
     if (given.empty() && data.home.empty())
         return "root: there is no home folder; set HOME, or give a folder with --root";
     std::error_code error;
-    const std::string root = normal(fs::absolute(given.empty() ? data.home + data.below : given, error));
+    std::string root = normal(fs::absolute(given.empty() ? data.home + data.below : given, error));
     if (error) return "root " + given + ": the current folder cannot be found: " + error.message();
     const auto problem = [&root](const std::string& reason) { return "root " + root + ": " + reason; };
     if (given.empty())
         if (const auto reason = problemOnTheWay(root, normal(data.home)); !reason.empty())
             return problem(reason + "; give a folder of your own with --root");
-    if (const int number = seat::makeFolders(root)) return problem(describe(number));
+    const bool isNew = given.empty() && use == RootUse::Tour;
+    if (const int number = isNew ? makeNewFolder(root) : seat::makeFolders(root)) return problem(describe(number));
     if (::access(root.c_str(), R_OK | X_OK) != 0) return problem(describe(errno));
     if (const auto reason = ownerProblem(root); !reason.empty()) return problem(reason);
     if (::geteuid() == 0 && given.empty() && use == RootUse::Settings)

@@ -163,6 +163,23 @@ class Tour(unittest.TestCase):
             with self.subTest(step=step):
                 self.assert_fails(step, why)
 
+    def test_without_a_root_each_tour_of_a_trial_begins_with_nothing_stored_and_leaves_no_root(self):
+        session = os.path.join(self.folder, "session")
+        trial = session + "/joyvane-trial" + SETTINGS
+        os.makedirs(os.path.dirname(trial), mode=0o700)
+        os.chmod(session, 0o700)
+        with open(trial, "wb") as file:
+            plistlib.dump({"switch_on": False}, file)
+        command = self.command('wait value row "A switch" On\ntap switch "A switch"\nwait value row "A switch" Off\n')
+        command = [word for word in command if word not in ("--root", self.root)] + ["--simulate"]
+        for _ in range(2):
+            run = subprocess.run(command, text=True, capture_output=True, timeout=60,
+                                 env={**os.environ, "XDG_RUNTIME_DIR": session})
+            self.assertEqual((run.returncode, run.stderr), (0, ""))
+        self.assertEqual([name for name in os.listdir(session) if name.startswith("joyvane")], ["joyvane-trial"])
+        with open(trial, "rb") as file:
+            self.assertEqual(plistlib.load(file), {"switch_on": False})
+
     def test_what_an_earlier_tour_made_goes_and_all_else_stays(self):
         os.makedirs(self.pictures + "/desktop/data")
         kept = {"007-old.png": "mine", "holiday.png": "mine too", "desktop/data/notes": "and this"}

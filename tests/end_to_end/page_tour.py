@@ -1,6 +1,7 @@
 """The page's real tour: the built program with the installed daemon and tool, simulating, through the whole main job.
 
-It ends well, leaves nothing behind, and a tour is like any other: the same pictures, byte for byte.
+It ends well, leaves nothing behind, and a tour is like any other, in a root that was given or in one of its own: the same
+pictures, byte for byte.
 
     page_tour.py JOYVANE-SETTINGS TIMES
 """
@@ -25,13 +26,16 @@ class PageTour(unittest.TestCase):
         self.addCleanup(bus.stdout.close)
         self.addCleanup(bus.wait)
         self.addCleanup(bus.terminate)
-        self.environment = {**os.environ, "DBUS_SESSION_BUS_ADDRESS": bus.stdout.readline().strip()}
+        self.session = os.path.join(self.folder, "session")
+        os.mkdir(self.session, 0o700)
+        self.environment = {**os.environ, "DBUS_SESSION_BUS_ADDRESS": bus.stdout.readline().strip(),
+                            "XDG_RUNTIME_DIR": self.session}
 
-    def play(self, name):
+    def play(self, name, root=None):
         """The tour's files but for the log, by their names."""
-        folder, root = os.path.join(self.folder, name), os.path.join(self.folder, name + "-root")
-        run = subprocess.run([PROGRAM, "--simulate", "--root", root, "--tour", folder], text=True, capture_output=True,
-                             env=self.environment, stdin=subprocess.DEVNULL)
+        folder = os.path.join(self.folder, name)
+        run = subprocess.run([PROGRAM, "--simulate", *(["--root", root] if root else []), "--tour", folder], text=True,
+                             capture_output=True, env=self.environment, stdin=subprocess.DEVNULL)
         with open(os.path.join(folder, "log.txt")) as file:
             log = file.read()
         self.assertEqual(run.returncode, 0, run.stderr + log)
@@ -39,8 +43,11 @@ class PageTour(unittest.TestCase):
             self.assertNotIn(report, run.stderr)
             self.assertNotIn(report, log)
         self.assertIsNone(re.search(r"process \d+ was ended by signal", log), log)
-        self.assertFalse(os.path.exists(os.path.join(root, "Library/Caches/jvncontrol.sock")), "the daemon is still there")
-        self.assertFalse(os.path.lexists(os.path.join(root, "usr/bin/jvndiscovery")), "the tool is still there")
+        if root:
+            self.assertFalse(os.path.exists(os.path.join(root, "Library/Caches/jvncontrol.sock")), "the daemon is still there")
+            self.assertFalse(os.path.lexists(os.path.join(root, "usr/bin/jvndiscovery")), "the tool is still there")
+        left = [each for each in os.listdir(self.session) if each.startswith("joyvane")]
+        self.assertEqual(left, [], "a root of the tour's own goes with it")
         files = {}
         for each in sorted(os.listdir(folder)):
             if each not in ("log.txt", ".joyvane-tour"):  # the log has times, the list has random names
@@ -49,7 +56,7 @@ class PageTour(unittest.TestCase):
         return files
 
     def test_it_plays_and_each_time_alike(self):
-        first = self.play("first")
+        first = self.play("first", os.path.join(self.folder, "root"))
         self.assertGreater(len(first), 20)
         self.assertIn("message.eml", list(first))
         for i in range(1, TIMES):
