@@ -7,6 +7,7 @@
 #include "kit/foundation/translation.h"
 #include "kit/uikit/UIWindow.h"
 #include "platform/foundation/NSError.h"
+#include "platform/log.h"
 #include "platform/runtime/method.h"
 
 #include <utility>
@@ -76,7 +77,10 @@ void MFMailComposeViewController::cancelTapped() { finish(MFMailComposeResult::C
 void MFMailComposeViewController::openTapped() {
     if (m_state->isFinished) return;
     const auto mail = seat::mailProgram();
-    if (!mail) return handedOver(/*isStarted=*/false);
+    if (!mail) {
+        NSLog("handing the message over: the desktop names no mail program any more");
+        return handedOver(/*isStarted=*/false);
+    }
     m_state->view->beginHandOver();
     const std::string html = m_state->bodyIsHTML ? m_state->body : seat::htmlOfText(m_state->body);
     seat::handOver(*mail, html, [weak = std::weak_ptr(self(this))](bool isStarted) {

@@ -89,6 +89,12 @@ def assistive_technology_steps_and_each_step_is_reported(picker):
     picker.shows("ff8500")
 
 
+def the_slider_stands_inside_the_window(picker):
+    x, _, width, _ = picker.slider.extents
+    left, _, window, _ = picker.map.extents  # as wide as the window
+    assert left < x and x + width < left + window, f"the slider is from {x} to {x + width}"
+
+
 def arrow_keys_step(picker):
     picker.map.focus()
     picker.desktop.key("Left")
@@ -117,6 +123,7 @@ def main():
                 tapping_shows_the_colour_and_reports_the_one_before,
                 dragging_the_slider_is_reported_by_the_next_tap_only,
                 assistive_technology_steps_and_each_step_is_reported,
+                the_slider_stands_inside_the_window,
                 arrow_keys_step,
                 resizing_lays_the_picker_out_anew,
             ):

@@ -223,6 +223,7 @@ TEST_F(Instructions, AHandOverThatFailsIsSaidAndTheComposerStays) {
         EXPECT_FALSE(app.find(whatOpenDoes));
         EXPECT_TRUE(app.navigation()->presentedViewController());
         EXPECT_EQ(app.alert(), whatFailed) << "the page says nothing";
+        EXPECT_EQ(log.count("handing the message over: "), attempt + 1u);
     }
 
     desktop.addProgram("mailer");
