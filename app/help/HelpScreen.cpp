@@ -26,8 +26,9 @@ NS_CLASS_IMPLEMENTATION(HelpScreen, UIViewController, method<&HelpScreen::closeT
 
 namespace {
 
-constexpr double sectionSpace = 24; // above a card
-constexpr double textSpace = 8;     // above a text, and below a card
+constexpr double sectionSpace = 24;  // above a card
+constexpr double textSpace = 8;      // above a text, and below a card
+constexpr double mostPicture = 0.28; // of the screen: in the lowest windows the first button is in sight, too
 
 // The small print around cards stands in line with their rows' text.
 class SmallPrint final : public UIView {
@@ -76,7 +77,7 @@ std::shared_ptr<HelpScreen> HelpScreen::initWithText_actions(Text text, Actions 
 
 void HelpScreen::loadView() {
     m_column = ColumnView::alloc()->init();
-    m_column->add(PadView::alloc()->init(), 20);
+    m_column->add(PadView::alloc()->initWithMostHeight(mostPicture), 20);
     const auto title = UILabel::alloc()->initWithFrame(CGRectZero);
     title->setFont(boldTextFont(20));
     title->setTextColor(textColor());

@@ -64,8 +64,9 @@ std::shared_ptr<UIBezierPath> rounded(CGRect rect, double radius) {
 
 PadView::~PadView() = default;
 
-std::shared_ptr<PadView> PadView::init() {
+std::shared_ptr<PadView> PadView::initWithMostHeight(double share) {
     if (!UIView::initWithFrame(CGRectZero)) return nullptr;
+    m_mostHeight = share;
     setUserInteractionEnabled(false);
     setAccessibilityLabel(translated("Gamepad"));
     for (const auto& part : namedParts) {
@@ -103,7 +104,8 @@ CGSize PadView::sizeThatFits(CGSize size) const {
     const double height = drawing.height - (m_parts == Parts::Plain ? triggers : 0);
     const double fitting = std::ceil(std::min(size.width, mostWidth) * height / drawing.width);
     const auto around = superview();
-    return CGSizeMake(size.width, around ? std::min(fitting, std::floor(around->bounds().size.height / 2)) : fitting);
+    if (!around) return CGSizeMake(size.width, fitting);
+    return CGSizeMake(size.width, std::min(fitting, std::floor(around->bounds().size.height * m_mostHeight)));
 }
 
 double PadView::unit() const {

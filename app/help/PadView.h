@@ -18,10 +18,11 @@ public:
     ~PadView() override;
 
     enum class Parts { Plain, Extended }; // without sticks and triggers, or with them
-    std::shared_ptr<PadView> init();
+    // At most so large a share of the height of what it stands in, so that what stands below it is seen, too.
+    std::shared_ptr<PadView> initWithMostHeight(double share);
     void show(std::uint32_t inputs, Parts parts);
 
-    // As wide as the place, up to a size at which it still looks like one thing, and half as high as what it stands in.
+    // As wide as the place, up to a size at which it still looks like one thing.
     CGSize sizeThatFits(CGSize size) const override;
     void layoutSubviews() override;
     void drawRect(CGRect rect) override;
@@ -45,6 +46,7 @@ private:
     void drawStick(CGPoint middle, int rightCode) const;
     void nameInputs();
 
+    double m_mostHeight = 1;
     std::uint32_t m_inputs = 0;
     Parts m_parts = Parts::Plain;
     std::vector<Name> m_names;

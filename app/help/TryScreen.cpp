@@ -47,7 +47,7 @@ void TryScreen::loadView() {
         return made;
     };
     m_column = ColumnView::alloc()->init();
-    m_pad = PadView::alloc()->init();
+    m_pad = PadView::alloc()->initWithMostHeight(0.5);
     m_headline = label(boldTextFont(20), textColor());
     m_text = label(textFont(15), secondaryTextColor());
     const auto retry = TextButton::alloc()->initWithTitle_kind(translated("Try Again"), TextButton::Kind::Row);

@@ -134,6 +134,17 @@ TEST_F(HelpTest, TheFirstOpeningExplainsAndWhatIsPutAwayNeverComesBackByItself) 
     EXPECT_TRUE(app::isIntroduced());
 }
 
+TEST_F(HelpTest, InASmallWindowThePictureLeavesRoomForTheFirstButton) {
+    page->scene().resize({320, 480}, 1);
+    offer();
+    page->introduce();
+    settle();
+
+    const auto* const button = find(Role::Button, "Set Up Your Controller");
+    ASSERT_TRUE(button);
+    EXPECT_LE(CGRectGetMidY(button->extent), 480);
+}
+
 TEST_F(HelpTest, WhatWasNeverPutAwayComesAgain) {
     offer();
     page->introduce();

@@ -33,6 +33,13 @@ constexpr const char* padName = "Joyvane Gamepad";
 constexpr int priorityOfTheWorld = -15;
 constexpr const char* controllerAddress = "A0:AB:51:00:00:01"; // "oKtRAAAB" as base64
 
+// A keyboard as most people have one: what stands in for it has its lamps, too.
+DeviceDescription asMostHave(const char* name) {
+    auto description = DeviceDescription::withLamps();
+    description.name = name;
+    return description;
+}
+
 double microseconds(Clock::time_point begin) {
     return std::chrono::duration<double, std::micro>(Clock::now() - begin).count();
 }
@@ -212,7 +219,7 @@ void ready(const Root& root, int times) {
             settle();
             const NodeAwaiter node("Any Keyboard");
             const auto begin = Clock::now();
-            const VirtualKeyboard any({.name = "Any Keyboard"});
+            const VirtualKeyboard any(asMostHave("Any Keyboard"));
             if (node.wait()) bare.push_back(microseconds(begin));
         }
         {
@@ -239,7 +246,7 @@ void ready(const Root& root, int times) {
 
 void keys(const Root& root, int times) {
     // Only one of them is a keyboard, for the service takes every keyboard.
-    VirtualKeyboard keyboard({.name = "Road Keyboard"});
+    VirtualKeyboard keyboard(asMostHave("Road Keyboard"));
     VirtualKeyboard bareKeys({.name = "Bare Keys", .keys = {KEY_K}, .lamps = {}});
     const BareLoop bare(bareKeys.node(), "Bare Pad");
     const InputService service;
@@ -308,7 +315,7 @@ int main(int count, char** arguments) {
     const Root root;
     root.choose(6);
     {
-        const VirtualKeyboard keyboard({.name = "Road Keyboard"});
+        const VirtualKeyboard keyboard(asMostHave("Road Keyboard"));
         ready(root, std::min(times, 5));
     }
     keys(root, times);
