@@ -221,7 +221,8 @@ class Bench:
                 # A frame of the screen.
                 Row("road: tap on colour field to frame", "ms", tap, most=16.7),
                 row("road: frame to driver's report", "ms", "light", 1e-3, "written by hand", "brightnessctl", most_peer=1),
-                # Two devices are made, the pad and the keyboard for what is not mapped.
+                # Two devices are made, the pad and the keyboard for what is not mapped; and a program is loaded and
+                # started first, which by hand is there already. That is the larger part of what is above the limit.
                 row("road: daemon's start to pad", "ms", "ready", 1e-3, "a device by hand", "xboxdrv", most_bare=2),
                 row("road: memory at rest", "MiB", "memory", 1 / 1024, "", "xboxdrv", most=4),
                 row("road: wake-ups in 5 s at rest", "", "wake_ups", 1, "", "xboxdrv", most=0)]
