@@ -1,9 +1,11 @@
 #include "app/PreferencesWatch.h"
 
+#include "platform/log.h"
 #include "system/preferences/PreferencesFile.h"
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstring>
 #include <fcntl.h>
 #include <filesystem>
@@ -42,7 +44,7 @@ void PreferencesWatch::watch() {
     const std::filesystem::path wanted = m_folder;
     for (int tries = 0; tries < 8; ++tries) {
         m_inotify.reset(::inotify_init1(IN_CLOEXEC | IN_NONBLOCK));
-        if (!m_inotify) return;
+        if (!m_inotify) return giveUp(errno);
         std::filesystem::path below;
         std::filesystem::path there = wanted;
         const auto add = [&] {
@@ -51,13 +53,20 @@ void PreferencesWatch::watch() {
             return ::inotify_add_watch(m_inotify.get(), there.c_str(), events | ofTheFolder | IN_ONLYDIR) >= 0;
         };
         while (!add()) {
+            const int error = errno;
             below = there;
-            if (there == there.root_path()) return m_inotify.reset();
+            if ((error != ENOENT && error != ENOTDIR) || there == there.root_path()) return giveUp(error);
             there = there.parent_path();
         }
         if (m_isThere || ::access(below.c_str(), F_OK) != 0) break;
     }
     m_source = seat::addReadableSource(m_inotify.get(), [this] { read(); });
+}
+
+// What other programs write is shown when the page comes to show it anew.
+void PreferencesWatch::giveUp(int error) {
+    m_inotify.reset();
+    NSLog("watch %s: %s; what other programs change is shown later", m_folder.c_str(), std::strerror(error));
 }
 
 void PreferencesWatch::read() {

@@ -11,7 +11,8 @@ namespace app {
 
 // Hears that a preferences file was written, by whomever. One that cannot be read says nothing: what it held may still
 // be shown. While the folder is not there, the nearest one above it that is tells when it comes. Main thread; nothing
-// waits, and nothing is asked again without a reason.
+// waits, and nothing is asked again without a reason. When the system refuses to watch it says so in the log, and
+// nothing is heard.
 class PreferencesWatch {
 public:
     // A real path. `changed` hears once of several changes that follow each other; it may not destroy the object.
@@ -22,6 +23,7 @@ public:
 
 private:
     void watch();
+    void giveUp(int error);
     void read();
     void changeLater();
     bool isReadable(const std::string& name) const;

@@ -48,7 +48,7 @@ void sayWhenDaemonEnds(app::Simulation& simulation, app::NoticeBoard& notices) {
             std::string problem;
             simulation->startDaemon(problem);
             if (problem.empty()) return notices->withdraw(app::NoticeKind::DaemonEnded);
-            complain(problem);
+            NSLog("%s", problem.c_str());
             notices->post(app::NoticeKind::DaemonEnded,
                           {.text = seat::translated("The simulated daemon could not be started again.")});
         };

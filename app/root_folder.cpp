@@ -4,6 +4,7 @@
 #include "system/files/environment.h"
 #include "system/files/make_folders.h"
 #include "system/files/root.h"
+#include "system/files/trusted_file.h"
 
 #include <cerrno>
 #include <cstdlib>
@@ -69,9 +70,14 @@ std::string problemOnTheWay(const std::string& root, const std::string& home) {
     }
 }
 
+// Whose it is, and who else could change what is in it.
 std::string ownerProblem(const std::string& root) {
     struct stat status {};
-    if (::stat(root.c_str(), &status) != 0 || status.st_uid == ::geteuid()) return {};
+    if (::stat(root.c_str(), &status) != 0) return {};
+    if (status.st_uid == ::geteuid()) {
+        const std::string hand = seat::foreignHand(status);
+        return hand.empty() ? hand : "it " + hand + "; give a folder of your own with --root";
+    }
     const std::string owner = nameOf(status.st_uid);
     if (::geteuid() == 0)
         return "it belongs to " + owner + ", and this was started as the administrator: start it as " + owner +
@@ -97,8 +103,10 @@ std::string app::settleRoot(const std::string& given, RootUse use) {
     std::string root = normal(fs::absolute(given.empty() ? data.home + data.below : given, error));
     if (error) return "root " + given + ": the current folder cannot be found: " + error.message();
     const auto problem = [&root](const std::string& reason) { return "root " + root + ": " + reason; };
-    if (given.empty())
-        if (const auto reason = problemOnTheWay(root, normal(data.home)); !reason.empty())
+    if (const auto reason = ownerProblem(root); !reason.empty()) return problem(reason); // if it is there
+    // On the way to what somebody has chosen for himself others may be at home; but not on the administrator's.
+    if (given.empty() || ::geteuid() == 0)
+        if (const auto reason = problemOnTheWay(root, given.empty() ? normal(data.home) : root); !reason.empty())
             return problem(reason + "; give a folder of your own with --root");
     const bool isNew = given.empty() && use == RootUse::Tour;
     if (const int number = isNew ? makeNewFolder(root) : seat::makeFolders(root)) return problem(describe(number));

@@ -4,6 +4,7 @@
 #include "kit/dispatch/main_queue.h"
 #include "kit/runtime/hidden_addresses.h"
 #include "kit/runtime/log.h"
+#include "kit/seat.h"
 #include "platform/foundation/NSDictionary.h"
 #include "platform/foundation/time.h"
 #include "system/files/root.h"
@@ -57,7 +58,7 @@ void app::Recorder::watchProcesses() {
     m_self = std::make_shared<Recorder*>(this);
     seat::setChildListener([this](const std::string& sentence) { note(sentence); });
     seat::setLogSink([self = std::weak_ptr(m_self)](std::string_view line) {
-        std::fprintf(stderr, "%.*s\n", static_cast<int>(line.size()), line.data());
+        seat::writeLogLine(line);
         seat::queueOnMain([self, text = "log " + std::string(line)] {
             if (const auto alive = self.lock()) (*alive)->note(text);
         });

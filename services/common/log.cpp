@@ -2,10 +2,8 @@
 
 #include "kit/runtime/LogLine.h"
 #include "kit/runtime/RepeatedLines.h"
+#include "system/log/LineOutput.h"
 
-#include <poll.h>
-#include <string>
-#include <unistd.h>
 #include <utility>
 
 namespace services {
@@ -15,6 +13,7 @@ struct State {
     const char* name = "joyvane";
     std::function<void(std::string_view)> sink;
     seat::RepeatedLines repeated;
+    seat::LineOutput output;
 
     // Never destroyed: handles may log while the program ends.
     static State& shared() {
@@ -43,12 +42,7 @@ void log(const char* format, ...) {
     if (!leftOut) return;
     line.addRepetitions(*leftOut);
     if (state.sink) return state.sink(line.text());
-    // A reader that does not keep up loses lines, and never holds us up.
-    ::pollfd room{STDERR_FILENO, POLLOUT, 0};
-    if (::poll(&room, 1, 0) != 1 || !(room.revents & POLLOUT)) return;
-    const std::string text = std::string(state.name) + ": " + std::string(line.text()) + "\n";
-    // One call, so that lines of several programs in one journal do not mix. Nobody can be told when it fails.
-    [[maybe_unused]] const auto written = ::write(STDERR_FILENO, text.data(), text.size());
+    state.output.write(state.name, line.text());
 }
 
 } // namespace services

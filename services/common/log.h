@@ -7,9 +7,9 @@
 namespace services {
 
 // One line for each failure: the operation, the object, the reason. Never a key code typed, never a whole Bluetooth
-// address. Goes to the standard error, which the service manager puts into the journal. Control characters become
-// spaces. The same line again within a minute is counted instead, and the count is said with its next writing: no
-// timer runs for it, and nobody fills a disk with it. Never waits: where nobody reads, lines are lost. One thread.
+// address. Goes to the standard error, which the service manager puts into the journal; nothing waits for whoever reads
+// there. Control characters become spaces. The same line again within a minute is counted instead, and the count is
+// said with its next writing: no timer runs for it, and nobody fills a disk with it. One thread.
 [[gnu::format(printf, 1, 2)]] void log(const char* format, ...);
 
 // What stands before each line, followed by a colon: the program's name. A literal, or something that lives as long.

@@ -27,8 +27,10 @@ struct Program {
     char* const* arguments;
     char* const* environment;
     seat::ChildKind kind;
-    int output;     // a tool's
-    ::pid_t parent; // who is to outlive a tool
+    int output;      // a tool's
+    int guarded;     // a tool's: has a byte when it may begin
+    int guardedFrom; // the other end
+    ::pid_t parent;  // who is to outlive a tool
 };
 
 // In the child, where only calls that are safe in a signal handler may be made.
@@ -37,6 +39,10 @@ struct Program {
         ::setpgid(0, 0);
         ::prctl(PR_SET_PDEATHSIG, SIGINT);
         if (::getppid() != program.parent) ::_exit(127); // too late to be told
+        // Not before its guard is there; when we have ended meanwhile there is nobody who could say so.
+        ::close(program.guardedFrom);
+        char byte = 0;
+        if (::read(program.guarded, &byte, 1) != 1) ::_exit(127);
         ::dup2(program.output, STDOUT_FILENO);
         ::dup2(program.output, STDERR_FILENO);
     }
@@ -78,17 +84,24 @@ seat::SpawnedChild seat::spawn(ChildKind kind, const std::string& realPath, cons
     Descriptor report(ends[1]);
     Descriptor output;
     Descriptor written;
+    Descriptor guarded;
+    Descriptor guardedFrom;
     if (kind == ChildKind::Tool) {
         if (::pipe2(ends, O_CLOEXEC) != 0) return failed(errno);
         output.reset(ends[0]);
         written.reset(ends[1]);
         ::fcntl(output.get(), F_SETFL, O_NONBLOCK);
+        if (::pipe2(ends, O_CLOEXEC) != 0) return failed(errno);
+        guarded.reset(ends[0]);
+        guardedFrom.reset(ends[1]);
     }
     const Program program{.path = realPath.c_str(),
                           .arguments = argumentPointers.data(),
                           .environment = environmentPointers.data(),
                           .kind = kind,
                           .output = written.get(),
+                          .guarded = guarded.get(),
+                          .guardedFrom = guardedFrom.get(),
                           .parent = ::getpid()};
 
     const ::pid_t identifier = forkChild();
@@ -111,14 +124,18 @@ seat::SpawnedChild seat::spawn(ChildKind kind, const std::string& realPath, cons
         reap(identifier);
         return failed(error);
     }
+    if (kind == ChildKind::Tool) {
+        child.guard = startToolGuard(identifier, child.process);
+        [[maybe_unused]] const auto said = ::write(guardedFrom.get(), "", 1);
+    }
     // Loading from a slow disk may take long, and the child is not waited for then.
     ::pollfd wait{loading.get(), POLLIN, 0};
     if (::poll(&wait, 1, static_cast<int>(timeout.count())) <= 0) {
         child.loading = std::move(loading);
     } else if (const int error = loadingResult(loading)) {
         reap(identifier); // it is ending, with nothing left to do
+        reapToolGuard(child.guard);
         return failed(error);
     }
-    if (kind == ChildKind::Tool) child.guard = startToolGuard(identifier, child.process);
     return child;
 }

@@ -29,7 +29,8 @@ struct SpawnedChild {
 
 // Starts the program at a real path with the arguments that follow its name: default signal dispositions, an empty
 // mask, the folder "/", no descriptor but the standard three. Waits for the program to be loaded no longer than
-// `timeout`. Main thread: a tool is interrupted when the thread that started it ends.
+// `timeout`. A tool does not begin before it is guarded. Main thread: a tool is interrupted when the thread that
+// started it ends.
 SpawnedChild spawn(ChildKind kind, const std::string& realPath, const std::vector<std::string>& arguments,
                    const std::vector<std::string>& environment, std::chrono::milliseconds timeout);
 

@@ -53,3 +53,9 @@ seat::Descriptor seat::startToolGuard(::pid_t tool, const Descriptor& process) {
     }
     return kept;
 }
+
+void seat::reapToolGuard(const Descriptor& guard) {
+    ::siginfo_t information{};
+    while (guard && ::waitid(P_PIDFD, static_cast<::id_t>(guard.get()), &information, WEXITED) < 0 && errno == EINTR) {
+    }
+}

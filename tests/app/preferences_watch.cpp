@@ -5,11 +5,17 @@
 #include "app/PreferencesWatch.h"
 #include "kit/uikit/hid_keys.h"
 #include "platform/uikit/UITableView.h"
+#include "tests/support/CapturedLog.h"
+#include "tests/support/TemporaryFolder.h"
+
+#include <gmock/gmock.h>
+#include <sys/resource.h>
 
 namespace preferences_watch_tests {
 namespace {
 
 namespace fs = std::filesystem;
+using testing::ElementsAre;
 using Role = UIAccessibilityRole;
 
 class StoredValues : public SettingsPageTest {
@@ -117,6 +123,36 @@ TEST_F(StoredValues, InAFolderThatWasMadeAnewAreShown) {
     write(number("controller_type", 2));
 
     EXPECT_TRUE(shows("Controller", "Red SYNC Button"));
+}
+
+// What the system refuses costs a line, and nothing else.
+class UnwatchedValues : public testing::Test {
+protected:
+    std::vector<std::string> lines(const std::string& folder) {
+        const testing_support::CapturedLog log;
+        const app::PreferencesWatch watch(folder, [] { ADD_FAILURE() << "nothing was written"; });
+        return log.lines();
+    }
+};
+
+TEST_F(UnwatchedValues, AreSaidOnceWhenThereIsNoDescriptorForTheWatch) {
+    ::rlimit before{};
+    ::getrlimit(RLIMIT_NOFILE, &before);
+    const ::rlimit none{.rlim_cur = 0, .rlim_max = before.rlim_max};
+    ::setrlimit(RLIMIT_NOFILE, &none);
+    const auto said = lines("/tmp");
+    ::setrlimit(RLIMIT_NOFILE, &before);
+
+    EXPECT_THAT(said, ElementsAre("watch /tmp: Too many open files; what other programs change is shown later"));
+}
+
+TEST_F(UnwatchedValues, AreSaidOnceWhenTheirFolderCannotBeWatched) {
+    const testing_support::TemporaryFolder folder;
+    fs::create_symlink(folder.file("circle"), folder.file("circle"));
+
+    EXPECT_THAT(lines(folder.file("circle")),
+                ElementsAre(testing::EndsWith("circle: Too many levels of symbolic links; what other programs "
+                                              "change is shown later")));
 }
 
 } // namespace

@@ -125,6 +125,32 @@ class Processes(unittest.TestCase):
         self.assertLess(len(said) + len(log), 20000)
         self.assertIn("jvndiscovery: it says more than 100 lines", log)
 
+    def test_a_log_that_nobody_reads_holds_nothing_up(self):
+        reader, writer = os.pipe()
+        self.addCleanup(os.close, reader)
+        os.set_blocking(writer, False)
+        try:
+            while os.write(writer, b"-"):
+                pass
+        except BlockingIOError:
+            pass
+        os.set_blocking(writer, True)
+        bundle = os.path.join(self.folder, "Joyvane.bundle")
+        shutil.copytree(BUNDLE, bundle)
+        self.put_tool("echo is here\nexit 3\n")
+        with open(os.path.join(bundle, "tour.txt"), "w") as script:
+            script.write('tap any "Pair Controller"\nwait noted "it ended with 3"\n')
+        tour = [SETTINGS, "--bundle", bundle, "--root", self.root, "--tour", self.folder + "/tour"]
+        try:
+            run = subprocess.run(tour, env={**self.environment, "HOME": self.folder}, stderr=writer, timeout=60)
+        finally:
+            os.close(writer)
+        self.assertEqual(run.returncode, 0)
+        with open(os.path.join(self.folder, "tour/log.txt")) as file:
+            self.assertIn("jvndiscovery: is here", file.read())
+        with open(reader, closefd=False) as file:
+            self.assertEqual(file.read().strip("-"), "")
+
     def test_a_pairing_tool_gets_what_it_needs_and_no_more(self):
         self.pair('ls -l /proc/self/fd >"$JOYVANE_ROOT/descriptors"\nenv >"$JOYVANE_ROOT/environment"\n',
                   ['tap any "Pair Controller"', 'wait noted "ended with 0"'])

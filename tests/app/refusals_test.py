@@ -362,6 +362,31 @@ class Refusals(unittest.TestCase):
         os.chmod(everybodys, 0o777)
         self.assertIn(f"everybody may write to {everybodys}", self.in_its_own_name(everybodys + "/within"))
 
+    def test_a_root_that_others_could_change(self):
+        os.makedirs(self.root)
+        for mode in (0o777, 0o1777):
+            os.chmod(self.root, mode)
+            self.assertIn(": it may be changed by everybody; give a folder", self.assert_no_root(self.root))
+        self.assertEqual(os.listdir(self.root), [])
+
+    @unittest.skipIf(os.geteuid() != 0, "this is about the administrator")
+    def test_an_administrators_root_that_others_could_change_or_put_another_one_in_its_place(self):
+        within = os.path.join(self.root, "within")
+        os.makedirs(within)
+        os.chmod(self.root, 0o777)
+        self.assertIn(": it may be changed by everybody", self.assert_no_root("/tmp"))
+        for root in (within, self.root + "/none"):
+            self.assertIn(f"everybody may write to {self.root}", self.assert_no_root(root))
+        os.chmod(self.root, 0o755)
+        os.chown(self.root, 1234, 1234)
+        for root in (within, self.root + "/none"):
+            self.assertIn(f"{self.root} belongs to user 1234", self.assert_no_root(root))
+        self.assertEqual((os.listdir(self.root), os.listdir(within)), (["within"], []))
+        os.chown(self.root, 0, 0)
+        os.chown(within, 0, 1234)
+        os.chmod(within, 0o775)
+        self.assertIn("it may be changed by a group of users", self.assert_no_root(within))
+
     @unittest.skipIf(os.geteuid() != 0, "another user's folder needs the right to give one away")
     def test_a_home_or_a_root_of_another_user(self):
         others = os.path.join(self.folder, "others")

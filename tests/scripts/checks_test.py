@@ -202,6 +202,30 @@ int main(int count, char** words) { char line[64]; std::strcpy(line, words[0]); 
                 self.assertEqual(code, 1, output)
                 self.assertIn(found, output)
 
+    def test_a_name_that_nothing_has_is_found(self):
+        code, output = self.check(source=self.SOURCE + "void nobody(); void call() { nobody(); }\n", without="-pie",
+                                  also=["-shared", "-fPIC"])
+        self.assertEqual(code, 1, output)
+        self.assertIn("needs _Z6nobodyv, which nothing has", output)
+
+    def test_the_table_shows_what_a_file_has(self):
+        def cells(*options):
+            with tempfile.TemporaryDirectory() as folder:
+                program = os.path.join(folder, "program")
+                subprocess.run(["g++", "-x", "c++", "-", "-o", program, *options], input=self.SOURCE, text=True, check=True)
+                said = subprocess.run([sys.executable, os.path.join(SCRIPTS, "check-hardening"), "--table", program],
+                                      capture_output=True, text=True).stdout.splitlines()
+                names, _, values = ([cell.strip() for cell in line.split("|")[1:-1]] for line in said[:3])
+                return dict(zip(names, values))
+        hard, soft = cells(*self.GUARDS), cells("-O1", "-no-pie", "-Wl,-z,lazy", "-Wl,-z,execstack", "-fno-stack-protector")
+        for name, has, has_not in [("position-independent", "PIE", "no"), ("read-only relocations", "full, at the start", "no"),
+                                   ("stack protector", "yes", "nothing to guard"),
+                                   ("checked containers", "yes", "nothing to guard"), ("executable stack", "no", "yes"),
+                                   ("run path", "`$ORIGIN/../lib/joyvane`", "none"), ("undefined names", "none", "none")]:
+            with self.subTest(name=name):
+                self.assertEqual((hard[name], soft[name]), (has, has_not))
+        self.assertRegex(hard["fortified"], "[1-9] functions")
+
     def test_of_a_folder_every_program_and_library_is_looked_at(self):
         with tempfile.TemporaryDirectory() as folder:
             def check():

@@ -2,11 +2,13 @@
 
 #include "system/process/children.h"
 #include "system/process/standard_descriptors.h"
+#include "tests/support/SystemCalls.h"
 #include "tests/system/process/ProcessTest.h"
 
 #include <csignal>
 #include <fcntl.h>
 #include <functional>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -120,6 +122,32 @@ TEST_F(OwnTools, ADeafToolDoesNotOutliveAProcessThatIsKilled) {
     ASSERT_GT(tool, 0);
 
     EXPECT_TRUE(comesTrue([tool] { return !runs(tool); }));
+}
+
+TEST_F(OwnTools, AToolDoesNotBeginBeforeItsGuardIsThere) {
+    const std::string deaf = m_folder.file("deaf");
+    ::prctl(PR_SET_CHILD_SUBREAPER, 1); // what is left behind becomes ours
+    const ::pid_t parent = ::fork();
+    if (parent == 0) {
+        testing_support::SystemCalls calls;
+        int forks = 0;
+        calls.before(testing_support::SystemCall::Fork, [&](int) {
+            if (++forks != 2) return; // the tool, then its guard
+            for (int i = 0; i < 200 && !std::filesystem::exists(deaf); ++i) ::usleep(1000);
+            ::kill(::getpid(), SIGKILL);
+        });
+        seat::spawn(seat::ChildKind::Tool, seat::hostPath("/usr/bin/tool"), {"deaf", deaf}, {},
+                    std::chrono::milliseconds(10'000));
+        ::_exit(0);
+    }
+    int status = 0;
+    ::waitpid(parent, &status, 0);
+    EXPECT_TRUE(WIFSIGNALED(status));
+
+    EXPECT_TRUE(comesTrue([] { return ::waitpid(-1, nullptr, WNOHANG) < 0 && errno == ECHILD; }));
+    EXPECT_FALSE(std::filesystem::exists(deaf));
+    if (std::filesystem::exists(deaf)) ::kill(numberIn(deaf), SIGKILL);
+    ::prctl(PR_SET_CHILD_SUBREAPER, 0);
 }
 
 TEST_F(OwnTools, AToolsOwnChildDoesNotOutliveAProcessThatIsKilled) {
