@@ -167,7 +167,8 @@ int app::runApplication(const Options& options) {
     if (use == RootUse::Tour && options.root.empty()) rootOfTour.emplace(seat::root());
     // A user who starts it again wants to see the window that is there.
     std::unique_ptr<RunningInstance> instance;
-    if (!isTour && !(instance = RunningInstance::start(seat::root(), bundle.folder))) return ExitSuccess;
+    if (!isTour) instance = RunningInstance::start(seat::root(), bundle.folder);
+    if (!isTour && !instance) return ExitSuccess;
     // From here on there are threads, and the environment stays as it is.
     seat::Toolkit::settleEnvironment();
     if (options.simulate) Simulation::settleEnvironment();
