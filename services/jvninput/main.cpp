@@ -46,7 +46,9 @@ int run(const jvninput::Options& options) {
         std::size_t leftOut = 0;
         settings = jvninput::readKeymapFile(options.keymapFile, leftOut, complaint);
         if (!settings) return fail(complaint);
-        if (leftOut > 0) fail(options.keymapFile + ": " + std::to_string(leftOut) + " entries left out");
+        if (leftOut > 0)
+            fail(options.keymapFile + ": " + std::to_string(leftOut) +
+                 (leftOut == 1 ? " entry left out" : " entries left out"));
         settings->mode = options.mode;
         settings->forceExtended = options.forceExtended;
     }

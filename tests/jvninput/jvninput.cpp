@@ -1,3 +1,4 @@
+#include "services/jvninput/Connection.h"
 #include "services/jvninput/keymap_file.h"
 #include "services/jvninput/options.h"
 #include "services/jvninput/state_text.h"
@@ -7,6 +8,9 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <string>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <thread>
 
 using namespace jvninput;
 
@@ -130,6 +134,51 @@ TEST_F(KeymapFile, AFileThatIsMissingOrNoneIsSaid) {
     EXPECT_FALSE(m_complaint.empty());
     std::ofstream(m_path) << "nonsense";
     EXPECT_FALSE(readKeymapFile(m_path, m_leftOut, m_complaint));
+}
+
+using namespace std::chrono_literals;
+
+// What listens where jvninputd would.
+class Answers : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ::sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        m_path.copy(address.sun_path, sizeof address.sun_path - 1);
+        ASSERT_EQ(::bind(m_listener.get(), reinterpret_cast<const ::sockaddr*>(&address), sizeof address), 0);
+        ASSERT_EQ(::listen(m_listener.get(), 1), 0);
+    }
+
+    testing_support::TemporaryFolder m_folder;
+    std::string m_path = m_folder.file("socket");
+    seat::Descriptor m_listener{::socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0)};
+    Connection m_connection;
+    std::string m_complaint;
+};
+
+TEST_F(Answers, AServiceThatStandsStillIsNotWaitedForForEver) {
+    ASSERT_TRUE(m_connection.open(m_path, input::Role::observe, m_complaint, 1ms));
+    EXPECT_FALSE(m_connection.receive(m_complaint));
+    EXPECT_EQ(m_complaint, "jvninputd does not answer");
+}
+
+TEST_F(Answers, OnceItHasAnsweredItMaySayNothingForAnyTime) {
+    ASSERT_TRUE(m_connection.open(m_path, input::Role::observe, m_complaint, 200ms));
+    seat::Descriptor service(::accept(m_listener.get(), nullptr, nullptr));
+    const auto state = input::makeMessage<input::State>();
+    const auto keyboards = input::makeMessage<input::Keyboards>();
+    ::send(service.get(), &state, sizeof state, MSG_NOSIGNAL);
+    ::send(service.get(), &keyboards, sizeof keyboards, MSG_NOSIGNAL);
+    ASSERT_TRUE(m_connection.receive(m_complaint));
+    ASSERT_TRUE(m_connection.receive(m_complaint));
+
+    std::thread later([&service] {
+        std::this_thread::sleep_for(400ms);
+        service.reset();
+    });
+    EXPECT_FALSE(m_connection.receive(m_complaint));
+    EXPECT_EQ(m_complaint, "jvninputd has ended the connection");
+    later.join();
 }
 
 } // namespace
