@@ -60,7 +60,7 @@ public:
 private:
     enum class Step { PowerOn, Link, InputDevice };
     struct Attempt {
-        explicit Attempt(Target wanted) : target(std::move(wanted)) {}
+        explicit Attempt(const Target& wanted) : target(wanted) {}
         Target target;
         Step step = Step::PowerOn;
         bluetooth::Client::Handle operation;

@@ -85,7 +85,7 @@ MockDevice& MockBluetoothService::device(const std::string& address) {
 }
 
 std::string MockBluetoothService::shortName(const std::string& path) {
-    const auto last = path.substr(path.rfind('/') + 1);
+    auto last = path.substr(path.rfind('/') + 1);
     if (!last.starts_with("dev_")) return last;
     std::string end = last.substr(last.size() - 5);
     end[2] = ':';
