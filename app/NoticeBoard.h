@@ -16,15 +16,15 @@ namespace app {
 class NoticeView;
 
 // What can be told, the weightiest first; of several that are true the first is shown. What becomes of what the user
-// has just done goes before what is so by itself.
+// has just done goes before what is so by itself; but why a page is empty goes before that.
 enum class NoticeKind {
     PreferencesMovedAside,
     SettingNotStored,
+    ResourceDamaged,
     ToolFailed,
     NotOpened,
     DaemonEnded,
     DaemonAbsent,
-    ResourceDamaged,
     CannotPlay,
     BluetoothAway,
     ReadyToPlay,

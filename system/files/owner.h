@@ -1,5 +1,7 @@
 #pragma once
 
+#include "system/files/uninterrupted.h"
+
 #include <cerrno>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -11,9 +13,9 @@ namespace seat {
 inline int settleMade(int made, mode_t mode, int folder) {
     struct stat owner {};
     if (::geteuid() == 0 && ::fstat(folder, &owner) == 0 && owner.st_uid != 0 &&
-        ::fchown(made, owner.st_uid, owner.st_gid) != 0)
+        uninterrupted([&] { return ::fchown(made, owner.st_uid, owner.st_gid); }) != 0)
         return errno;
-    return ::fchmod(made, mode) == 0 ? 0 : errno;
+    return uninterrupted([&] { return ::fchmod(made, mode); }) == 0 ? 0 : errno;
 }
 
 } // namespace seat

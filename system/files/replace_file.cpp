@@ -20,8 +20,8 @@ int adopt(int file, const FilePlace& place) {
     if (::fstat(file, &made) != 0) return errno;
     const struct stat& old = place.status;
     const bool isOwned = made.st_uid == old.st_uid && made.st_gid == old.st_gid;
-    if (!isOwned && ::fchown(file, old.st_uid, old.st_gid) != 0) return errno;
-    return ::fchmod(file, old.st_mode & permissionBits) == 0 ? 0 : errno;
+    if (!isOwned && uninterrupted([&] { return ::fchown(file, old.st_uid, old.st_gid); }) != 0) return errno;
+    return uninterrupted([&] { return ::fchmod(file, old.st_mode & permissionBits); }) == 0 ? 0 : errno;
 }
 
 int flush(int descriptor) {

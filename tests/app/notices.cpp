@@ -82,6 +82,15 @@ TEST_F(Notices, OfSeveralTheWeightiestIsShownAndTheOthersFollow) {
     EXPECT_EQ(shown(), "second, said anew");
 }
 
+TEST_F(Notices, WhyThePageIsEmptyIsNotHiddenByADaemonThatDoesNotAnswerEither) {
+    board.post(NoticeKind::ResourceDamaged, {.text = "a file is missing"});
+    board.post(NoticeKind::DaemonAbsent, {.text = "daemon"});
+    EXPECT_EQ(shown(), "a file is missing");
+
+    ASSERT_TRUE(tap("Close"));
+    EXPECT_EQ(shown(), "daemon");
+}
+
 TEST_F(Notices, OfWhatBecameOfTapsTheNewestIsShownWhichIsNotWhatIsSaidAgain) {
     board.post(NoticeKind::DaemonAbsent, {.text = "daemon"});
     board.post(NoticeKind::NotOpened, {.text = "browser"});

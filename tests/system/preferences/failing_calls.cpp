@@ -19,8 +19,8 @@ using testing_support::SystemCalls;
 
 namespace {
 
-constexpr SystemCall interruptible[] = {SystemCall::Open, SystemCall::Read, SystemCall::Write, SystemCall::Lock,
-                                        SystemCall::Flush};
+constexpr SystemCall interruptible[] = {SystemCall::Open, SystemCall::Read,       SystemCall::Write,
+                                        SystemCall::Lock, SystemCall::ChangeMode, SystemCall::Flush};
 // Those without which nothing new may be put in the file's place.
 constexpr SystemCall needed[] = {SystemCall::Open,       SystemCall::Read,  SystemCall::Write, SystemCall::Lock,
                                  SystemCall::ChangeMode, SystemCall::Flush, SystemCall::Rename};
