@@ -40,7 +40,7 @@ InputClient::~InputClient() { close(); }
 
 InputClient::InputClient(InputClient&& other) noexcept
     : m_socket(std::exchange(other.m_socket, -1)), m_state(other.m_state), m_stateKnown(other.m_stateKnown),
-      m_closed(other.m_closed), m_keyboards(std::move(other.m_keyboards)),
+      m_gamesHeard(other.m_gamesHeard), m_closed(other.m_closed), m_keyboards(std::move(other.m_keyboards)),
       m_controllers(std::move(other.m_controllers)), m_refusal(other.m_refusal) {}
 
 void InputClient::close() {
@@ -99,6 +99,7 @@ bool InputClient::receive(std::chrono::milliseconds timeout) {
     }
     const auto length = static_cast<std::size_t>(size);
     if (const auto state = input::messageFrom<input::State>(buffer, length)) {
+        if (state->gameListens && !m_state.gameListens) ++m_gamesHeard;
         m_state = *state;
         m_stateKnown = true;
     }

@@ -54,6 +54,8 @@ public:
     bool ended(std::chrono::milliseconds timeout = kLongTimeout);
 
     const input::State& state() const { return m_state; }
+    // How often a game began to listen, by all states that have been waited for.
+    int gamesHeard() const { return m_gamesHeard; }
     std::vector<std::string> keyboards() const { return m_keyboards; }
 
 private:
@@ -63,6 +65,7 @@ private:
     int m_socket = -1;
     input::State m_state{};
     bool m_stateKnown = false;
+    int m_gamesHeard = 0;
     bool m_closed = false;
     std::vector<std::string> m_keyboards;
     std::map<std::string, bool> m_controllers;
