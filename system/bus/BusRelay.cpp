@@ -26,9 +26,9 @@ bool isOurselves(int descriptor) {
 
 } // namespace
 
-seat::BusRelay::BusRelay(std::string busAddress)
-    : m_session(openDoor("session bus", std::move(busAddress))), m_accessibility(openDoor("accessibility bus", {})),
-      m_stop(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
+seat::BusRelay::BusRelay(std::string busAddress, RelayTimeouts timeouts)
+    : m_timeouts(timeouts), m_session(openDoor("session bus", std::move(busAddress))),
+      m_accessibility(openDoor("accessibility bus", {})), m_stop(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
 
 void seat::BusRelay::start() {
     ::dbus_threads_init_default();
@@ -131,6 +131,6 @@ std::unique_ptr<seat::RelayedConnection> seat::BusRelay::connect(Door& door, std
     }
     Descriptor bus = connectToBus(address, problem);
     if (!bus) return nullptr;
-    return std::make_unique<RelayedConnection>(std::move(bus), door.name,
+    return std::make_unique<RelayedConnection>(std::move(bus), door.name, m_timeouts,
                                                [this](const std::string& found) { return doorToAccessibility(found); });
 }

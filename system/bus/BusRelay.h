@@ -1,5 +1,6 @@
 #pragma once
 
+#include "system/bus/RelayTimeouts.h"
 #include "system/files/Descriptor.h"
 
 #include <memory>
@@ -19,7 +20,7 @@ class RelayedConnection;
 class BusRelay {
 public:
     // To the bus at `busAddress`, in the bus's own notation.
-    explicit BusRelay(std::string busAddress);
+    explicit BusRelay(std::string busAddress, RelayTimeouts timeouts = {});
     // Starts the thread, which connects to the bus. Until then who connects to us waits.
     void start();
     ~BusRelay();
@@ -45,6 +46,7 @@ private:
     std::unique_ptr<RelayedConnection> connect(Door& door, std::string& problem);
     void letIn(Door& door);
 
+    RelayTimeouts m_timeouts;
     Door m_session;
     Door m_accessibility;
     std::mutex m_mutex; // its bus

@@ -11,12 +11,6 @@ namespace {
 using namespace std::chrono_literals;
 using Clock = seat::RelayedConnection::Clock;
 
-// The toolkit's calls hold up the window: what is well answers in less than a millisecond.
-constexpr auto answerTimeout = 50ms;
-// Without this one there is no connection until the next start: the bus has more time for it, most of it before the
-// toolkit asks.
-constexpr auto helloTimeout = 75ms;
-constexpr auto shortestHelloTimeout = 50ms;
 // Of our own greeting; the toolkit counts its calls from one.
 constexpr std::uint32_t ownHello = 0xffffffff;
 // What is slow is not missing yet.
@@ -63,9 +57,10 @@ std::string userInHexadecimal() {
 
 } // namespace
 
-seat::RelayedConnection::RelayedConnection(Descriptor bus, std::string busName, AddressChange changeAddress)
-    : m_bus(std::move(bus)), m_busName(std::move(busName)), m_changeAddress(std::move(changeAddress)),
-      m_waiting(helloCall(ownHello)) {
+seat::RelayedConnection::RelayedConnection(Descriptor bus, std::string busName, RelayTimeouts timeouts,
+                                           AddressChange changeAddress)
+    : m_timeouts(timeouts), m_bus(std::move(bus)), m_busName(std::move(busName)),
+      m_changeAddress(std::move(changeAddress)), m_waiting(helloCall(ownHello)) {
     m_bus.toSend = std::string(1, '\0') + "AUTH EXTERNAL " + userInHexadecimal() + "\r\n";
 }
 
@@ -190,8 +185,9 @@ bool seat::RelayedConnection::noteCall(const std::string& message, Clock::time_p
     if (isSilent(call.destination))
         call.deadline = now;
     else
-        call.deadline = call.kind == ToolkitCall::Hello ? std::max(m_begun + helloTimeout, now + shortestHelloTimeout)
-                                                        : now + answerTimeout;
+        call.deadline = call.kind == ToolkitCall::Hello
+                            ? std::max(m_begun + m_timeouts.greeting, now + m_timeouts.answer)
+                            : now + m_timeouts.answer;
     if (call.kind == ToolkitCall::AccessibilityAddress) call.deadline.reset();
     if (m_calls.size() >= mostCalls) m_calls.erase(m_calls.begin());
     const bool isHello = call.kind == ToolkitCall::Hello;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "system/bus/BufferedSocket.h"
+#include "system/bus/RelayTimeouts.h"
 #include "system/bus/accessibility_calls.h"
 
 #include <chrono>
@@ -27,8 +28,8 @@ public:
     // Given the address of the accessibility bus, the address at which the toolkit is to find it.
     using AddressChange = std::function<std::string(const std::string& address)>;
 
-    // `busName` is what the log calls the bus.
-    RelayedConnection(Descriptor bus, std::string busName, AddressChange changeAddress);
+    // `busName` is what the log calls the bus. Its time to greet us begins now.
+    RelayedConnection(Descriptor bus, std::string busName, RelayTimeouts timeouts, AddressChange changeAddress);
     // The toolkit has come. Once.
     void attach(Descriptor toolkit);
 
@@ -69,6 +70,7 @@ private:
     void noteSignOfLife(const std::string& destination);
     std::string inLog(const std::string& destination) const;
 
+    RelayTimeouts m_timeouts;
     Clock::time_point m_begun = Clock::now();
     BufferedSocket m_toolkit{Descriptor()};
     BufferedSocket m_bus;

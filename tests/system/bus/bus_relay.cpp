@@ -14,8 +14,11 @@ using namespace std::chrono_literals;
 using testing_support::BusPeer;
 using testing_support::PrivateBus;
 
-// Where the window would notice; a loaded machine takes its own time.
-constexpr auto soon = 1s;
+// Of a bus that is well, however busy the machine; and of one that stops, which a call waits for once.
+constexpr seat::RelayTimeouts ofAnyMachine{.greeting = 20s, .answer = 20s};
+constexpr seat::RelayTimeouts ofABusThatStops{.greeting = 20s, .answer = 1s};
+// A hundred calls that each waited would take six times that.
+constexpr auto soon = 15s;
 
 class BusRelay : public ::testing::Test {
 protected:
@@ -23,7 +26,7 @@ protected:
 
     testing_support::LoggedLines log;
     PrivateBus bus;
-    seat::BusRelay relay{bus.address()};
+    seat::BusRelay relay{bus.address(), ofABusThatStops};
     RelayClient client{relay.address()};
 };
 
@@ -186,7 +189,7 @@ class NonsenseFromABus : public ::testing::TestWithParam<std::string> {};
 TEST_P(NonsenseFromABus, EndsTheConnectionAtOnce) {
     const testing_support::LoggedLines log;
     FakeBus bus("OK 0\r\n", GetParam());
-    seat::BusRelay relay(bus.address());
+    seat::BusRelay relay(bus.address(), ofAnyMachine);
     relay.start();
     RelayClient client(relay.address());
 
@@ -208,7 +211,7 @@ TEST(BusThatRefuses, EndsTheConnectionAtOnce) {
     for (const std::string line : {"REJECTED KERBEROS\r\n", "HTTP/1.1 400 Bad Request\r\n", "\r\n"}) {
         const testing_support::LoggedLines log;
         FakeBus bus(line, "");
-        seat::BusRelay relay(bus.address());
+        seat::BusRelay relay(bus.address(), ofAnyMachine);
         relay.start();
 
         EXPECT_FALSE(RelayClient(relay.address()).greet()) << line;
@@ -222,7 +225,7 @@ TEST(BusThatRefuses, IsOneThatGivesNoName) {
     for (const char* const name : {"", ":1..0", "nonsense", ":1.\"0"}) {
         const testing_support::LoggedLines log;
         FakeBus bus("OK 0\r\n", answerToTheFirstCall(name));
-        seat::BusRelay relay(bus.address());
+        seat::BusRelay relay(bus.address(), ofAnyMachine);
         relay.start();
 
         EXPECT_FALSE(RelayClient(relay.address()).greet()) << name;

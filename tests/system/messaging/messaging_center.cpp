@@ -7,6 +7,7 @@
 #include "tests/support/LoggedLines.h"
 #include "tests/system/messaging/receiver.h"
 
+#include <chrono>
 #include <dbus/dbus.h>
 #include <gtest/gtest.h>
 #include <thread>
@@ -192,12 +193,15 @@ TEST_F(MessagingCenter, AFloodOfMessagesLeavesTimeForTheMainThread) {
     });
 
     const testing_support::Heartbeat heartbeat;
+    const auto begun = std::chrono::steady_clock::now();
     const bool all = runUntil([&] { return m_receiver->received.size() == count; }, 100);
+    const std::chrono::duration<double, std::milli> passed = std::chrono::steady_clock::now() - begun;
     flood.join();
 
     EXPECT_TRUE(all) << m_receiver->received.size();
     EXPECT_GT(heartbeat.beats(), 10);
-    EXPECT_LT(heartbeat.longestMilliseconds(), 500); // a wait of its own takes longer, other processes less
+    // As much as all of the flood if it were taken at once, and a part of that on the slowest machine.
+    EXPECT_LT(heartbeat.longestMilliseconds(), passed.count() / 3);
 }
 
 } // namespace

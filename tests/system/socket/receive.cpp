@@ -2,6 +2,7 @@
 
 #include <csignal>
 #include <numeric>
+#include <poll.h>
 #include <sys/time.h>
 #include <thread>
 
@@ -116,6 +117,8 @@ TEST_F(SocketReceive, APeerThatStallsWithinItsReplyGivesWhatCameWhenTheTimeIsUp)
     });
     const int descriptor = connected();
     setTimeout(descriptor, 0, 100'000);
+    ::pollfd beginning{descriptor, POLLIN, 0};
+    ASSERT_EQ(1, ::poll(&beginning, 1, 20'000));
 
     const auto received = receive(descriptor);
 
