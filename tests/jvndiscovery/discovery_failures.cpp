@@ -248,7 +248,10 @@ TEST_F(DiscoveryTest, AnInterruptionAtAnyMomentLeavesNothingBehind) {
             discovery.reset();
             client.reset();
             service.behave(moment);
-            loop.runUntil([&] { return !service.isSearching() && !service.hasAgent() && !service.isPairing(); }, 2s);
+            loop.runUntil([&] {
+                return !service.isSearching() && !service.hasAgent() && !service.isPairing() &&
+                       !service.device(pad).isPaired;
+            });
             expectNothingLeft();
             EXPECT_FALSE(service.device(pad).isPaired) << moment;
             EXPECT_EQ(told.find('2'), std::string::npos) << moment;
