@@ -19,6 +19,13 @@ namespace {
 
 using seat::Descriptor;
 
+// A terminal that changes nothing of what is written to it: who shows it, and who writes.
+int openTerminal(int* made) {
+    ::termios plain{};
+    ::cfmakeraw(&plain);
+    return ::openpty(&made[0], &made[1], nullptr, &plain, nullptr);
+}
+
 // Something else is standard error meanwhile.
 class LineOutputTest : public testing::Test {
 protected:
@@ -116,11 +123,7 @@ TEST_F(LineOutputTest, NobodyWaitsForASocketThatIsNotRead) {
 }
 
 TEST_F(LineOutputTest, NobodyWaitsForATerminalThatIsStopped) {
-    const auto [reader, writer] = ends([](int* made) {
-        ::termios plain{};
-        ::cfmakeraw(&plain);
-        return ::openpty(&made[0], &made[1], nullptr, &plain, nullptr);
-    });
+    const auto [reader, writer] = ends(openTerminal);
     m_reader = &reader;
     useAsStandardError(writer);
     ::tcflow(writer.get(), TCOOFF);
@@ -134,11 +137,7 @@ TEST_F(LineOutputTest, NobodyWaitsForATerminalThatIsStopped) {
 }
 
 TEST_F(LineOutputTest, ALineOfWhichATerminalTookAPartIsEndedBeforeTheNext) {
-    const auto [reader, writer] = ends([](int* made) {
-        ::termios plain{};
-        ::cfmakeraw(&plain);
-        return ::openpty(&made[0], &made[1], nullptr, &plain, nullptr);
-    });
+    const auto [reader, writer] = ends(openTerminal);
     m_reader = &reader;
     useAsStandardError(writer);
     const std::string line(900, 'x');
