@@ -4,6 +4,7 @@
 #include "platform/log.h"
 #include "system/process/ChildOutput.h"
 #include "system/process/pidfd.h"
+#include "system/process/tool_guard.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -25,6 +26,7 @@ struct Child {
     std::string name; // the program's, without its folder
     Descriptor process;
     Descriptor loading;
+    std::shared_ptr<Descriptor> guard; // a tool's
     std::optional<ChildOutput> output;
     SourceToken ended = 0;
     SourceToken loaded = 0;
@@ -69,14 +71,12 @@ void finishLoading(int identifier, const std::function<void(int)>& couldNotLoad)
     if (error != 0 && couldNotLoad) couldNotLoad(error);
 }
 
-// A tool's guard ends by itself once the tool has.
-void awaitGuard(Descriptor guard) {
-    if (!guard) return;
-    const auto kept = std::make_shared<Descriptor>(std::move(guard));
+// Reaps a tool's guard, which may also end with the tool's group, or when somebody kills it.
+void awaitGuard(const std::shared_ptr<Descriptor>& guard) {
     const auto source = std::make_shared<SourceToken>();
-    *source = addReadableSource(kept->get(), [kept, source] {
+    *source = addReadableSource(guard->get(), [guard, source] {
         ::siginfo_t information{};
-        ::waitid(P_PIDFD, static_cast<::id_t>(kept->get()), &information, WEXITED | WNOHANG);
+        ::waitid(P_PIDFD, static_cast<::id_t>(guard->get()), &information, WEXITED | WNOHANG);
         removeSource(*source);
     });
 }
@@ -99,6 +99,7 @@ void reapChild(int identifier) {
     const bool isTool = found->second.kind == ChildKind::Tool;
     const bool wasSignalled = found->second.wasSignalled;
     const auto whenEnded = std::move(found->second.whenEnded);
+    const auto guard = std::move(found->second.guard);
     if (found->second.output) found->second.output->finish();
     {
         // Under the lock, so that nobody signals the identifier once it may be somebody else's.
@@ -106,6 +107,7 @@ void reapChild(int identifier) {
         ::waitid(P_PIDFD, static_cast<::id_t>(found->second.process.get()), &information, WEXITED | WNOHANG);
         children.all.erase(found);
     }
+    if (guard) endToolGuard(*guard);
     const ChildEnd end = ending(information, wasSignalled);
     if (isTool && end.exitCode != 0) NSLog("%s (process %d): it %s", name.c_str(), identifier, end.description.c_str());
     tell(identifier, end.description);
@@ -130,7 +132,10 @@ void seat::adoptChild(SpawnedChild child, std::function<void(int)> couldNotLoad,
         kept->loading = std::move(child.loading);
         kept->whenEnded = std::move(ended);
     }
-    awaitGuard(std::move(child.guard));
+    if (child.guard) {
+        kept->guard = std::make_shared<Descriptor>(std::move(child.guard));
+        awaitGuard(kept->guard);
+    }
     if (child.output) kept->output.emplace(std::move(child.output), kept->name);
     if (kept->loading)
         kept->loaded = addReadableSource(kept->loading.get(),

@@ -134,6 +134,7 @@ seat::SpawnedChild seat::spawn(ChildKind kind, const std::string& realPath, cons
         child.loading = std::move(loading);
     } else if (const int error = loadingResult(loading)) {
         reap(identifier); // it is ending, with nothing left to do
+        endToolGuard(child.guard);
         reapToolGuard(child.guard);
         return failed(error);
     }

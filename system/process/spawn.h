@@ -24,7 +24,7 @@ struct SpawnedChild {
     // program runs. None when the program runs already.
     Descriptor loading;
     Descriptor output; // a tool's: what it writes, not waited for
-    Descriptor guard;  // a tool's: another child, readable when it has ended, soon after the tool (tool_guard.h)
+    Descriptor guard;  // a tool's: another child, to be ended once the tool has been reaped (tool_guard.h)
 };
 
 // Starts the program at a real path with the arguments that follow its name: default signal dispositions, an empty

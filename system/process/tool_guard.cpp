@@ -27,11 +27,13 @@ void closeAllBut(int one, int other) {
     const bool isInGroup = ::setpgid(0, tool) == 0;
     closeAllBut(process, us);
     ::prctl(PR_SET_NAME, "tool guard");
-    ::pollfd ends[] = {{process, POLLIN, 0}, {us, POLLIN, 0}};
-    while (::poll(ends, 2, -1) < 0 && errno == EINTR) {
+    // Not for the tool: of a process with several threads the one that started the tool may be gone, and the tool with
+    // it, before the whole process counts as ended.
+    ::pollfd end{us, POLLIN, 0};
+    while (::poll(&end, 1, -1) < 0 && errno == EINTR) {
     }
-    if (ends[1].revents == 0) ::_exit(0);
-    ::poll(ends, 1, timeToEnd);
+    end.fd = process;
+    ::poll(&end, 1, timeToEnd);
     ::pidfd_send_signal(process, SIGKILL, nullptr, 0);
     if (isInGroup) ::kill(0, SIGKILL);
     ::_exit(0);
@@ -52,6 +54,10 @@ seat::Descriptor seat::startToolGuard(::pid_t tool, const Descriptor& process) {
         reap(guard);
     }
     return kept;
+}
+
+void seat::endToolGuard(const Descriptor& guard) {
+    if (guard) ::pidfd_send_signal(guard.get(), SIGKILL, nullptr, 0);
 }
 
 void seat::reapToolGuard(const Descriptor& guard) {

@@ -6,13 +6,16 @@
 
 namespace seat {
 
-// Starts a process in the tool's group that only waits for the end of the tool or of this process. When this process is
-// the first, however it ended, the tool has been interrupted by the system; half a second later whatever is left of its
-// group is killed. The guard's process descriptor, for us to reap it; none when there is no room for it. The tool has
-// a group of its own and has not been reaped.
+// Starts a process in the tool's group that only waits for the end of this process. However that came about, the tool
+// has been interrupted by the system then; when it has ended, half a second later at most, whatever is left of its
+// group is killed. The guard's process descriptor, for us to end and reap it; none when there is no room for it. The
+// tool has a group of its own and has not been reaped.
 Descriptor startToolGuard(::pid_t tool, const Descriptor& process);
 
-// Waits for the end of the guard, if there is one, of a tool that has ended.
+// Ends the guard, if there is one, of a tool that has been reaped; it is still to be reaped itself.
+void endToolGuard(const Descriptor& guard);
+
+// Waits for the end of the guard, if there is one.
 void reapToolGuard(const Descriptor& guard);
 
 } // namespace seat

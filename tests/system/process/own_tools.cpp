@@ -28,25 +28,37 @@ protected:
         std::string number, name, state;
         return (status >> number >> name >> state) && state != "Z";
     }
-    // A tool of a process that is killed as soon as the tool has said that it is `ready`, a file; 0 if there is none.
-    ::pid_t toolOfAKilledProcess(const std::vector<std::string>& arguments, const std::string& ready = {}) {
+    struct ProcessWithTool {
+        ::pid_t process = 0; // starts the tool and does nothing else; to be killed and reaped
+        ::pid_t tool = 0;    // 0: there is none
+    };
+    static ProcessWithTool startProcessWithTool(const std::vector<std::string>& arguments) {
+        ProcessWithTool started;
         int ends[2];
-        if (::pipe2(ends, O_CLOEXEC) != 0) return 0;
-        const ::pid_t parent = ::fork();
-        if (parent == 0) {
+        if (::pipe2(ends, O_CLOEXEC) != 0) return started;
+        started.process = ::fork();
+        if (started.process == 0) {
             const auto child = seat::spawn(seat::ChildKind::Tool, seat::hostPath("/usr/bin/tool"), arguments, {},
                                            std::chrono::milliseconds(10'000));
             [[maybe_unused]] const auto written = ::write(ends[1], &child.identifier, sizeof child.identifier);
             for (;;) ::pause();
         }
         ::pid_t tool = 0;
-        if (::read(ends[0], &tool, sizeof tool) != sizeof tool || !runs(tool)) tool = 0;
-        if (!ready.empty() && numberIn(ready) == 0) tool = 0;
-        ::kill(parent, SIGKILL);
-        ::waitpid(parent, nullptr, 0);
+        if (::read(ends[0], &tool, sizeof tool) == sizeof tool && runs(tool)) started.tool = tool;
         ::close(ends[0]);
         ::close(ends[1]);
-        return tool;
+        return started;
+    }
+    static void kill(const ProcessWithTool& started) {
+        ::kill(started.process, SIGKILL);
+        ::waitpid(started.process, nullptr, 0);
+    }
+    // A tool of a process that is killed as soon as the tool has said that it is `ready`, a file; 0 if there is none.
+    ::pid_t toolOfAKilledProcess(const std::vector<std::string>& arguments, const std::string& ready) {
+        const ProcessWithTool started = startProcessWithTool(arguments);
+        const bool isReady = numberIn(ready) != 0;
+        kill(started);
+        return isReady ? started.tool : 0;
     }
     // What a tool has written into the file by now; waits until there is one.
     int numberIn(const std::string& file) {
@@ -156,6 +168,18 @@ TEST_F(OwnTools, AToolsOwnChildDoesNotOutliveAProcessThatIsKilled) {
     const int child = numberIn(m_folder.file("child"));
 
     EXPECT_TRUE(comesTrue([&] { return !runs(tool) && !runs(child); }));
+}
+
+TEST_F(OwnTools, AToolsOwnChildDoesNotOutliveAProcessThatHadNotReapedTheTool) {
+    const ProcessWithTool started = startProcessWithTool({"family", m_folder.file("child")});
+    const int child = numberIn(m_folder.file("child"));
+    ::kill(started.tool, SIGINT);
+    EXPECT_TRUE(comesTrue([&] { return !runs(started.tool); }));
+    EXPECT_TRUE(runs(child));
+
+    kill(started);
+
+    EXPECT_TRUE(comesTrue([&] { return !runs(child); }));
 }
 
 TEST_F(OwnTools, NothingOfAToolIsLeftOnceItHasEnded) {
