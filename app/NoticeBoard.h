@@ -24,6 +24,7 @@ enum class NoticeKind {
     ToolFailed,
     NotOpened,
     DaemonEnded,
+    DaemonSilent,
     DaemonAbsent,
     CannotPlay,
     BluetoothAway,

@@ -102,10 +102,12 @@ void app::SettingsPage::listenForFailures(const NSDictionary& manifest) {
     const auto* const failure = manifest.objectForKey("JVNFailureNotification").string();
     const auto* const text = manifest.objectForKey("JVNFailureText").string();
     if (!failure || !text) return;
-    const auto* const daemon = manifest.objectForKey("JVNDaemon").string();
-    listen(*failure, [this, text = *text, daemon = daemon ? *daemon : std::string()] {
+    const auto* const named = manifest.objectForKey("JVNDaemon").string();
+    const std::string daemon = named ? *named : std::string();
+    listen(*failure, [this, text = *text, daemon] {
         m_notices->post(NoticeKind::DaemonAbsent, daemonIsAbsent(text, daemon));
         m_notices->withdraw(NoticeKind::DaemonStarted);
+        m_notices->withdraw(NoticeKind::DaemonSilent);
         m_wasDaemonAbsent = true;
         m_facts.isDaemonReached = false;
         statusChanged();
@@ -114,8 +116,12 @@ void app::SettingsPage::listenForFailures(const NSDictionary& manifest) {
         if (!lives.expired()) daemonIsBack();
     };
     if (const auto* const socket = manifest.objectForKey("JVNDaemonSocket").string())
-        seat::setConnectionListener([path = *socket, isBack](const std::string& connected) {
-            if (connected == path) dispatch_async(dispatch_get_main_queue(), isBack);
+        seat::setConnectionListener([this, path = *socket, daemon, lives = std::weak_ptr(m_lives)](
+                                        const std::string& connected, seat::ConnectionEvent event) {
+            if (connected == path)
+                dispatch_async(dispatch_get_main_queue(), [this, daemon, event, lives] {
+                    if (!lives.expired()) heardOfDaemon(event, daemon);
+                });
         });
     const auto recoveries = manifest.objectForKey("JVNRecoveryNotifications").object<NSArray>();
     if (!recoveries) return;
@@ -134,15 +140,44 @@ app::Notice app::SettingsPage::daemonIsAbsent(const std::string& text, const std
 
 void app::SettingsPage::startDaemon(const std::string& unit) {
     startUserUnit(unit, [this, unit, lives = std::weak_ptr(m_lives)](const std::string& reason) {
-        if (lives.expired()) return;
-        if (reason.empty()) return daemonIsBack();
-        m_facts.startProblem =
-            filled(translated("The daemon could not be started: %1. “systemctl --user status %2” in a "
-                              "terminal says more."),
-                   {reason, unit});
-        m_notices->post(NoticeKind::DaemonAbsent, {.text = m_facts.startProblem});
-        statusChanged();
+        if (!lives.expired()) triedToStart(unit, reason);
     });
+}
+
+void app::SettingsPage::triedToStart(const std::string& unit, const std::string& reason) {
+    m_notices->withdraw(NoticeKind::DaemonSilent);
+    if (reason.empty()) return daemonIsBack();
+    m_facts.startProblem = filled(translated("The daemon could not be started: %1. “systemctl --user status %2” in a "
+                                             "terminal says more."),
+                                  {reason, unit});
+    m_notices->post(NoticeKind::DaemonAbsent, {.text = m_facts.startProblem});
+    statusChanged();
+}
+
+// A connection alone does not show that a daemon answers: the system, or the service manager, takes it in its place.
+void app::SettingsPage::heardOfDaemon(seat::ConnectionEvent event, const std::string& daemon) {
+    switch (event) {
+    case seat::ConnectionEvent::Connected:
+        return daemonIsBack();
+    case seat::ConnectionEvent::Answered:
+        return m_notices->withdraw(NoticeKind::DaemonSilent);
+    case seat::ConnectionEvent::Silent:
+        return m_notices->post(NoticeKind::DaemonSilent, daemonIsSilent(daemon));
+    }
+}
+
+app::Notice app::SettingsPage::daemonIsSilent(const std::string& daemon) {
+    const std::string text =
+        translated("The daemon has not answered in time. If trying again does not help, restart it.");
+    const std::string unit = daemon + ".service";
+    if (daemon.empty() || !m_hasInstalledDaemon || !isUserUnit(unit)) return {.text = text};
+    return {.text = text, .actionTitle = translated("Restart It"), .action = [this, unit] {
+                restartUserUnit(unit, [this, unit, lives = std::weak_ptr(m_lives)](const std::string& reason) {
+                    if (lives.expired()) return;
+                    m_wasDaemonAbsent = true;
+                    triedToStart(unit, reason);
+                });
+            }};
 }
 
 void app::SettingsPage::daemonIsBack() {
@@ -181,7 +216,10 @@ void app::SettingsPage::offerHelp(Help::Options options, std::function<void()> s
     button->addTarget_action_forControlEvents(m_helpTarget, "run", UIControlEventTouchUpInside);
     ControllerInternals::setBarButton(*m_navigation->viewControllers().front(), button);
     m_statusNotices = std::make_unique<StatusNotices>(*m_notices, [this] { m_help->showTry(*m_navigation); });
-    m_daemon = std::make_unique<DaemonWatch>(seat::hostPath(daemon_status::filePath), [this] { statusChanged(); });
+    m_daemon = std::make_unique<DaemonWatch>(seat::hostPath(daemon_status::filePath), [this] {
+        m_notices->withdraw(NoticeKind::DaemonSilent); // it has just said something
+        statusChanged();
+    });
     statusChanged();
 }
 

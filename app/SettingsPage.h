@@ -17,6 +17,7 @@ class UIViewController;
 namespace seat {
 class NotifyListener;
 struct PreferencesNotice;
+enum class ConnectionEvent;
 }
 
 namespace app {
@@ -63,8 +64,11 @@ private:
     void sayOfResource(const std::string& path, const std::string& reason);
     void listenForFailures(const NSDictionary& manifest);
     void listenForTools();
+    void heardOfDaemon(seat::ConnectionEvent event, const std::string& daemon);
     Notice daemonIsAbsent(const std::string& text, const std::string& daemon);
+    Notice daemonIsSilent(const std::string& daemon);
     void startDaemon(const std::string& unit);
+    void triedToStart(const std::string& unit, const std::string& reason);
     void listen(const std::string& name, std::function<void()> heard);
     void daemonIsBack();
     void statusChanged();

@@ -14,6 +14,17 @@ namespace {
 
 constexpr std::chrono::milliseconds loadingTimeout{20};
 
+void tellServiceManager(const char* command, const std::string& unit,
+                        const std::function<void(const std::string& reason)>& done) {
+    auto child = seat::spawn(seat::ChildKind::Tool, "/usr/bin/env", {"systemctl", "--user", command, unit},
+                             seat::childEnvironment(), loadingTimeout);
+    if (child.identifier == 0)
+        return seat::queueOnMain([done, reason = std::string(std::strerror(child.error))] { done(reason); });
+    seat::adoptChild(std::move(child), {}, [done](const seat::ChildEnd& end) {
+        done(end.exitCode == 0 ? std::string() : "the service manager's tool " + end.description);
+    });
+}
+
 } // namespace
 
 bool app::isUserUnit(const std::string& unit) {
@@ -28,11 +39,9 @@ bool app::isUserUnit(const std::string& unit) {
 }
 
 void app::startUserUnit(const std::string& unit, std::function<void(const std::string& reason)> started) {
-    auto child = seat::spawn(seat::ChildKind::Tool, "/usr/bin/env", {"systemctl", "--user", "start", unit},
-                             seat::childEnvironment(), loadingTimeout);
-    if (child.identifier == 0)
-        return seat::queueOnMain([started, reason = std::string(std::strerror(child.error))] { started(reason); });
-    seat::adoptChild(std::move(child), {}, [started](const seat::ChildEnd& end) {
-        started(end.exitCode == 0 ? std::string() : "the service manager's tool " + end.description);
-    });
+    tellServiceManager("start", unit, started);
+}
+
+void app::restartUserUnit(const std::string& unit, std::function<void(const std::string& reason)> started) {
+    tellServiceManager("restart", unit, started);
 }

@@ -1,5 +1,6 @@
 #include "system/socket/connection_listener.h"
 
+#include <map>
 #include <memory>
 #include <mutex>
 #include <utility>
@@ -8,7 +9,8 @@ namespace {
 
 struct Listening {
     std::mutex mutex;
-    std::shared_ptr<const std::function<void(const std::string&)>> listener;
+    std::shared_ptr<const seat::ConnectionListener> listener;
+    std::map<int, std::string> paths; // of the descriptors that are connected
 };
 
 // Never destroyed: workers may connect while the process ends.
@@ -19,18 +21,34 @@ Listening& listening() {
 
 } // namespace
 
-void seat::setConnectionListener(std::function<void(const std::string&)> listener) {
-    auto next =
-        listener ? std::make_shared<const std::function<void(const std::string&)>>(std::move(listener)) : nullptr;
+void seat::setConnectionListener(ConnectionListener listener) {
+    auto next = listener ? std::make_shared<const ConnectionListener>(std::move(listener)) : nullptr;
     const std::lock_guard lock(listening().mutex);
     listening().listener.swap(next);
 }
 
-void seat::tellOfConnection(const std::string& path) {
-    std::shared_ptr<const std::function<void(const std::string&)>> listener;
+void seat::tellOfConnection(int descriptor, const std::string& path) {
     {
         const std::lock_guard lock(listening().mutex);
+        listening().paths.insert_or_assign(descriptor, path);
+    }
+    tellOfReply(descriptor, ConnectionEvent::Connected);
+}
+
+void seat::tellOfReply(int descriptor, ConnectionEvent event) {
+    std::shared_ptr<const ConnectionListener> listener;
+    std::string path;
+    {
+        const std::lock_guard lock(listening().mutex);
+        const auto found = listening().paths.find(descriptor);
+        if (found == listening().paths.end()) return;
+        path = found->second;
         listener = listening().listener;
     }
-    if (listener) (*listener)(path);
+    if (listener) (*listener)(path, event);
+}
+
+void seat::forgetConnection(int descriptor) {
+    const std::lock_guard lock(listening().mutex);
+    listening().paths.erase(descriptor);
 }

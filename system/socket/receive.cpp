@@ -46,21 +46,25 @@ bool waitUntil(int descriptor, bool isForEver, Clock::time_point deadline) {
 
 // The option says how long; it is not left to do the waiting, since the system rounds a wait of twenty seconds up to
 // twenty-two.
-std::ptrdiff_t seat::receiveAll(int descriptor, void* bytes, std::size_t length) {
+seat::Received seat::receiveAll(int descriptor, void* bytes, std::size_t length) {
     const auto start = Clock::now();
     const auto allowed = timeout(descriptor);
     auto* const into = static_cast<std::uint8_t*>(bytes);
     std::size_t received = 0;
     std::ptrdiff_t result = 0;
+    bool isLate = false;
     do {
         result = ::recv(descriptor, into + received, length - received, MSG_DONTWAIT);
         if (result > 0) {
             received += static_cast<std::size_t>(result);
         } else if (result < 0 && errno == EAGAIN) {
-            if (!waitUntil(descriptor, allowed == microseconds::zero(), start + allowed)) break;
+            if (!waitUntil(descriptor, allowed == microseconds::zero(), start + allowed)) {
+                isLate = errno == EAGAIN;
+                break;
+            }
         } else if (result == 0 || errno != EINTR) {
             break;
         }
     } while (received < length);
-    return received > 0 ? static_cast<std::ptrdiff_t>(received) : result;
+    return {received > 0 ? static_cast<std::ptrdiff_t>(received) : result, isLate};
 }

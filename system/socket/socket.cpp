@@ -59,7 +59,7 @@ int platform::connect(int descriptor, const sockaddr_un* address, std::size_t si
         error = EPERM;
     }
     if (error == 0) {
-        seat::tellOfConnection(path);
+        seat::tellOfConnection(descriptor, path);
         return 0;
     }
     NSLog("connect %s: %s", path.c_str(), reason(error));
@@ -71,7 +71,15 @@ std::ptrdiff_t platform::send(int descriptor, const void* bytes, std::size_t len
 }
 
 std::ptrdiff_t platform::recv(int descriptor, void* bytes, std::size_t length, int flags) {
-    if (flags & MSG_WAITALL_FLAG) return seat::receiveAll(descriptor, bytes, length);
+    if (flags & MSG_WAITALL_FLAG) {
+        const auto received = seat::receiveAll(descriptor, bytes, length);
+        const int error = errno;
+        if (received.isLate) seat::tellOfReply(descriptor, seat::ConnectionEvent::Silent);
+        if (received.count == static_cast<std::ptrdiff_t>(length))
+            seat::tellOfReply(descriptor, seat::ConnectionEvent::Answered);
+        errno = error;
+        return received.count;
+    }
     for (;;) {
         const std::ptrdiff_t result = ::recv(descriptor, bytes, length, 0);
         if (result != -1 || errno != EINTR) return result;
@@ -87,4 +95,7 @@ int platform::setsockopt(int descriptor, int level, int option, const void* valu
     return ::setsockopt(descriptor, SOL_SOCKET, SO_RCVTIMEO, &translated, sizeof translated);
 }
 
-int platform::close(int descriptor) { return ::close(descriptor); }
+int platform::close(int descriptor) {
+    seat::forgetConnection(descriptor); // before another can have its number
+    return ::close(descriptor);
+}

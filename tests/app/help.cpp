@@ -184,7 +184,7 @@ TEST_F(HelpTest, ItSaysHowThingsAreAndFollowsThem) {
     page->showHelp(); // shown already: nothing more
 
     // The folder is new: it is found when the daemon has been heard of.
-    seat::tellOfConnection("/Library/Caches/jvncontrol.sock");
+    seat::tellOfConnection(-1, "/Library/Caches/jvncontrol.sock");
     EXPECT_TRUE(says("Daemon: Running"));
     EXPECT_TRUE(says("Bluetooth: Off. Pairing or connecting a controller switches it on."));
     daemonSays({.bluetooth = Bluetooth::on,

@@ -74,6 +74,33 @@ TEST_F(SettingsPageTest, ADaemonThatGoesAgainIsNotSaidToHaveStarted) {
     EXPECT_FALSE(find(UIAccessibilityRole::Alert));
 }
 
+TEST_F(SettingsPageTest, ADaemonThatDoesNotAnswerIsSaidUntilItDoes) {
+    page->notices().withdraw(app::NoticeKind::DaemonAbsent);
+    testing_support::ScriptedDaemon daemon(root.path()); // takes what it is sent
+    const auto screen = page->navigation()->viewControllers().front();
+    const auto silence = [&] {
+        const auto* const notice = find(UIAccessibilityRole::Alert);
+        return notice && notice->name.starts_with("The daemon has not answered in time.");
+    };
+
+    screen->viewWillAppear(false); // asks the daemon
+    EXPECT_TRUE(waitUntil(silence));
+
+    daemon.setScript([](testing_support::DaemonPeer& peer) {
+        peer.read(12);
+        peer.write({5, 0, 0, 0, 7, 0, 0, 0, 0, 0, 0, 0});
+        peer.readToEnd();
+    });
+    // A busy machine may keep the answer from coming in time.
+    for (int i = 0; i < 20 && silence(); ++i) {
+        const std::size_t ended = daemon.connectionCount();
+        screen->viewWillAppear(false);
+        ASSERT_TRUE(waitUntil([&] { return daemon.connectionCount() > ended; }));
+        settle();
+    }
+    EXPECT_FALSE(silence());
+}
+
 TEST_F(SettingsPageTest, WhatFailsForThePageOfAnotherRootIsNoNewsHere) {
     page->notices().withdraw(app::NoticeKind::DaemonAbsent); // of the first appearance
     ASSERT_FALSE(find(UIAccessibilityRole::Alert));

@@ -1,11 +1,13 @@
 // The page's real waits, at their full length, with the main thread watched all along; and the stand-in tool, started
 // and interrupted a hundred times.
 
+#include "system/socket/connection_listener.h"
 #include "tests/settings/connection_test.h"
 #include "tests/settings/pairing_test.h"
 #include "tests/support/Heartbeat.h"
 #include "tests/support/descriptors.h"
 
+#include <atomic>
 #include <chrono>
 #include <csignal>
 #include <fcntl.h>
@@ -26,6 +28,10 @@ TEST_F(LongWaits, AConnectIsGivenUpAfterTwentySecondsAndTheMainThreadIsNeverLate
         peer.readToEnd();
     });
     showSettled(1, true);
+    std::atomic<int> silences = 0;
+    seat::setConnectionListener([&](const std::string&, seat::ConnectionEvent event) {
+        if (event == seat::ConnectionEvent::Silent) ++silences;
+    });
     ASSERT_TRUE(app.tap("Connect Controller"));
     const auto begun = Clock::now();
     const testing_support::Heartbeat heartbeat;
@@ -42,6 +48,8 @@ TEST_F(LongWaits, AConnectIsGivenUpAfterTwentySecondsAndTheMainThreadIsNeverLate
     EXPECT_FALSE(page->controllerConnected());
     EXPECT_TRUE(app.find("Connect Controller"));
     EXPECT_EQ(log.count("connect: waiting for the daemon's answer: none came in time"), 1u);
+    EXPECT_EQ(silences, 1) << "of which the program around the page tells the user";
+    seat::setConnectionListener({});
 }
 
 // A lease makes whoever opens the file wait, as a disk that has to wake up does.

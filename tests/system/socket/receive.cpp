@@ -1,10 +1,13 @@
+#include "system/socket/connection_listener.h"
 #include "tests/system/socket/SocketTest.h"
 
 #include <csignal>
 #include <numeric>
 #include <poll.h>
+#include <string>
 #include <sys/time.h>
 #include <thread>
+#include <vector>
 
 namespace {
 
@@ -108,6 +111,37 @@ TEST_F(SocketReceive, ASilentPeerEndsTheWaitWithTheTime) {
     EXPECT_LT(received.milliseconds, 1000);
     platform::close(descriptor);
     daemon.release();
+}
+
+TEST_F(SocketReceive, ItIsToldWhetherAReplyCameInTime) {
+    ScriptedDaemon daemon(m_folder.path(), [](auto& peer) {
+        peer.write(reply());
+        peer.write({8, 0, 0});
+        peer.waitForRelease();
+    });
+    std::vector<std::string> heard;
+    seat::setConnectionListener([&](const std::string& path, seat::ConnectionEvent event) {
+        EXPECT_EQ(path, "/Library/Caches/jvncontrol.sock");
+        heard.emplace_back(event == seat::ConnectionEvent::Connected  ? "connected"
+                           : event == seat::ConnectionEvent::Answered ? "answered"
+                                                                      : "silent");
+    });
+
+    const int descriptor = connected();
+    receive(descriptor); // however long that takes
+    EXPECT_EQ(heard, (std::vector<std::string>{"connected", "answered"}));
+    setTimeout(descriptor, 0, 10'000);
+    receive(descriptor);
+    EXPECT_EQ(heard.back(), "silent") << "part of a reply is none";
+    setTimeout(descriptor, 0, 0);
+    daemon.release();
+    receive(descriptor);
+    EXPECT_EQ(heard.size(), 3u) << "a connection that is closed is not silent";
+
+    platform::close(descriptor);
+    seat::tellOfReply(descriptor, seat::ConnectionEvent::Answered);
+    EXPECT_EQ(heard.size(), 3u) << "who has its number next is another";
+    seat::setConnectionListener({});
 }
 
 TEST_F(SocketReceive, APeerThatStallsWithinItsReplyGivesWhatCameWhenTheTimeIsUp) {
