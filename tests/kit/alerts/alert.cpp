@@ -1,6 +1,7 @@
 #include "kit/quartz/geometry.h"
 #include "kit/uikit/AccessibilityTree.h"
 #include "kit/uikit/hid_keys.h"
+#include "platform/uikit/UILabel.h"
 #include "platform/uikit/UINavigationController.h"
 #include "tests/kit/alerts/AlertTest.h"
 
@@ -62,6 +63,51 @@ TEST_F(Alerts, ShowingTwiceShowsOnce) {
 
     EXPECT_EQ(shownTitle(), "none");
     EXPECT_EQ(listener->log, "one:0 ");
+}
+
+TEST_F(Alerts, AnAlertThatWasDismissedCanBeShownAgain) {
+    const auto alert = show("one");
+    tapButton("Dismiss");
+
+    alert->show();
+    touches.settle();
+    EXPECT_EQ(shownTitle(), "one");
+    tapButton("Dismiss");
+
+    EXPECT_EQ(listener->log, "one:0 one:0 ");
+}
+
+TEST_F(Alerts, AnAlertThatTellsNobodyIsLeftOutWhereTheSameOneIsTheLast) {
+    listener.reset();
+    const auto titlesInTurn = [this] {
+        std::string titles;
+        for (; shown(); tapButton(shown()->buttonTitles().front()))
+            titles +=
+                shownTitle() + "," + shown()->message() + "," + std::to_string(shown()->buttonTitles().size()) + ";";
+        return titles;
+    };
+
+    for (int i = 0; i < 3; ++i) show("one");
+    EXPECT_EQ(titlesInTurn(), "one,Message,1;");
+
+    show("one");
+    show("one", {}, "Another");
+    show("one", {"Do It"}, "Another");
+    show("two", {"Do It"}, "Another");
+    show("one");
+    EXPECT_EQ(titlesInTurn(), "one,Message,1;one,Another,1;one,Another,2;two,Another,2;one,Message,1;");
+}
+
+TEST_F(Alerts, AnAlertIsNotLeftOutForOneThatIsGoing) {
+    listener.reset();
+    const auto first = show("one");
+    touches.tap(*button(*first, "Dismiss")); // it fades
+
+    make("one")->show();
+    touches.settle();
+
+    EXPECT_EQ(shownTitle(), "one");
+    EXPECT_NE(shown(), first);
 }
 
 TEST_F(Alerts, AlertThatWaitsCanBeTakenBack) {
@@ -153,6 +199,26 @@ TEST_F(Alerts, FocusComesBackAfterTheLastOfSeveral) {
     tapButton("Dismiss");
 
     EXPECT_EQ(scene.window()->focusedView(), toggle);
+}
+
+std::shared_ptr<UILabel> label(const UIView& view, const std::string& text) {
+    for (const auto& subview : view.subviews()) {
+        const auto found = std::dynamic_pointer_cast<UILabel>(subview);
+        if (found && found->text() == text) return found;
+        if (auto deeper = label(*subview, text)) return deeper;
+    }
+    return nullptr;
+}
+
+TEST_F(Alerts, TwentyPointsStandAboveTheTitleAndBelowTheMessage) {
+    const auto alert = show("one");
+    const auto title = label(*alert, "one");
+    const auto message = label(*alert, "Message");
+    const auto dismiss = button(*alert, "Dismiss");
+    ASSERT_TRUE(title && message && dismiss);
+
+    EXPECT_EQ(title->frame().origin.y, 20);
+    EXPECT_EQ(dismiss->frame().origin.y - CGRectGetMaxY(message->frame()), 20);
 }
 
 TEST_F(Alerts, FollowsTheWindow) {

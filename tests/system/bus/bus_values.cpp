@@ -76,7 +76,12 @@ std::shared_ptr<NSArray> nested(int depth) {
     return array;
 }
 
-TEST(BusValues, ValuesThatLieTooDeepAreNotSent) { EXPECT_FALSE(Message().append("av", {nested(40)})); }
+TEST(BusValues, ValuesThatLieTooDeepAreNotSent) {
+    // Each array is in a variant of the one around it.
+    EXPECT_TRUE(Message().append("av", {nested(4)}));
+    EXPECT_FALSE(Message().append("av", {nested(5)}));
+    EXPECT_FALSE(Message().append("av", {nested(40)}));
+}
 
 // A string within that many variants.
 void appendVariants(DBusMessageIter& at, int depth) {

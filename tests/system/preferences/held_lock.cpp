@@ -6,6 +6,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <fstream>
 #include <gmock/gmock.h>
 #include <optional>
 #include <thread>
@@ -105,6 +106,20 @@ TEST_F(HeldLock, WhatWaitsIsStoredAndToldOfOnceWhenTheLockIsFree) {
 
     while (told < 2) std::this_thread::yield();
     EXPECT_EQ(inTheFile()->objectForKey("key"), id("newer"));
+}
+
+TEST_F(HeldLock, WhatWaitsAsksForTheLockOnceAndThenSleeps) {
+    setPreferenceValue(domain(), "key", "value");
+
+    const auto sleeps = [us = " " + std::to_string(::getpid()) + " "] {
+        std::ifstream locks("/proc/locks");
+        for (std::string line; std::getline(locks, line);)
+            if (line.find("-> FLOCK") != std::string::npos && line.find(us) != std::string::npos) return true;
+        return false;
+    };
+    const auto end = std::chrono::steady_clock::now() + 20s;
+    while (!sleeps() && std::chrono::steady_clock::now() < end) std::this_thread::sleep_for(1ms);
+    EXPECT_TRUE(sleeps());
 }
 
 TEST_F(HeldLock, OtherKeysThatTheHolderHasWrittenAreKept) {
