@@ -1,4 +1,4 @@
-// A preferences file of any bytes, opened in the keymap editor, all its rows shown, one bound anew, and saved: what
+// A preferences file of any bytes, opened in the keymap editor, some rows shown, one bound anew, and saved: what
 // could be read before can be read after, and what is no affair of the editor's is as it was.
 
 #include "keymap/JVNKeymapViewController.h"
@@ -20,7 +20,8 @@ std::shared_ptr<NSDictionary> stored() {
 
 } // namespace
 
-// The first two bytes say which row is bound to which key.
+// The first two bytes say which row is bound to which key. Some other rows are shown besides, which differ from
+// input to input: all of them would take ten times as long.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size < 2) return 0;
     seat::setLogSink([](std::string_view) {});
@@ -32,10 +33,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     fuzz::expect(editor != nullptr, "there is an editor for every file");
     auto& table = *editor->tableView();
     const long rows = editor->tableView_numberOfRowsInSection(table, 0);
-    for (long row = 0; row < rows; ++row)
+    for (long i = 0; i < 8; ++i) {
+        const long row = (data[0] + i * 5) % rows;
         fuzz::expect(editor->tableView_cellForRowAtIndexPath(table, NSIndexPath::indexPathForRow_inSection(row, 0)) !=
                          nullptr,
                      "every row can be shown");
+    }
     editor->tableView_didSelectRowAtIndexPath(table, NSIndexPath::indexPathForRow_inSection(data[0] % rows, 0));
     editor->keyPressed(*UIKeyEvent::keyEvent(data[1], true));
     editor->viewDidDisappear(false);
