@@ -70,7 +70,6 @@ int showWindow(seat::Toolkit& toolkit, const app::Options& options, const app::B
     auto window = std::make_unique<seat::SceneWindow>(
         seat::SceneWindowOptions{.size = remembered.value_or(options.size), .scale = options.scale});
     const CGSize sizeAtStart = window->size();
-    toolkit.awaitFonts();
     // The page is made with it; what the desktop says later is shown when it is known.
     std::function<void(seat::AppearanceChange)> showLook;
     const seat::DesktopAppearance appearance(app::rememberedLook(), [&showLook](seat::AppearanceChange change) {
@@ -87,6 +86,7 @@ int showWindow(seat::Toolkit& toolkit, const app::Options& options, const app::B
     };
     if (options.simulate) sayWhenDaemonEnds(simulation, page.notices());
     if (!options.simulate && options.root.empty()) page.setHasInstalledDaemon();
+    toolkit.awaitFonts();
     window->setScene(page.scene());
     window->setTitleSource([&page] { return page.title(); });
     page.offerHelp(

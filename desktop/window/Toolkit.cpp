@@ -9,6 +9,7 @@
 #include "system/process/child_environment.h"
 
 #include <QAbstractEventDispatcher>
+#include <QFontDatabase>
 #include <QGuiApplication>
 
 #include <csignal>
@@ -87,11 +88,15 @@ bool somethingNamesADisplay() {
 }
 
 // The toolkit reads the font configuration when it first meets text, some hundred files; it then finds them read. The
-// library for it is the toolkit's own dependency, of which nothing else is used here.
+// library for it is the toolkit's own dependency, of which nothing else is used here. Needs no application yet.
 void readFontConfiguration() {
     using Initialise = int (*)();
     if (const auto initialise = reinterpret_cast<Initialise>(dlsym(RTLD_DEFAULT, "FcInit"))) initialise();
 }
+
+// The toolkit lists every font of the system before it uses one, which takes as long as a page where there are hundreds.
+// Its list has a lock of its own.
+void listFonts() { (void)QFontDatabase::families(); }
 
 } // namespace
 
@@ -148,6 +153,10 @@ seat::Toolkit::Toolkit(const ToolkitOptions& options) : m_state(std::make_unique
         state.application = std::make_unique<QGuiApplication>(state.argumentCount, state.arguments);
         if (options.needsDisplay && options.busRelay) relayAccessibilityBusOfScreen(*options.busRelay);
     }
+    state.fonts = std::async(std::launch::async, [configuration = std::move(state.fonts)] {
+        configuration.wait();
+        listFonts();
+    });
     isStarting = false;
     if (auto* const watch = state.watch.get()) {
         // Between two waits for events.
@@ -167,6 +176,7 @@ seat::Toolkit::~Toolkit() {
         for (int& end : signalPipe) end = (close(end), -1);
     }
     const StallWatch::Section ending;
+    awaitFonts(); // they are the application's
     m_state->loop.reset();
     m_state->application.reset();
     qInstallMessageHandler(nullptr);
