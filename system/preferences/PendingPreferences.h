@@ -1,6 +1,7 @@
 #pragma once
 
 #include "kit/seat.h"
+#include "platform/foundation/NSDictionary.h"
 
 #include <chrono>
 #include <condition_variable>
@@ -18,6 +19,9 @@ namespace seat {
 // One change of a domain on its way into the file.
 struct PendingPreference {
     std::shared_ptr<NSData> whole; // nil, or the whole file
+    std::once_flag isWholeRead;
+    std::shared_ptr<NSMutableDictionary>
+        wholeValues;               // once it is read: what the whole file holds; nil for no dictionary
     std::string key;               // else one key
     id value;                      // nil: to be removed
     std::function<void(PreferenceWrite)> ended;

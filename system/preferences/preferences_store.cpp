@@ -7,6 +7,7 @@
 #include "system/files/Descriptor.h"
 #include "system/files/root.h"
 #include "system/files/uninterrupted.h"
+#include "system/preferences/KnownPreferences.h"
 #include "system/preferences/PendingPreferences.h"
 #include "system/preferences/PreferencesFile.h"
 #include "system/preferences/copied_value.h"
@@ -20,6 +21,7 @@
 #include <map>
 #include <mutex>
 #include <new>
+#include <sys/stat.h>
 
 namespace seat {
 namespace {
@@ -35,11 +37,46 @@ PendingPreferences& pending() {
     return changes;
 }
 
+KnownPreferences& known() {
+    static auto& preferences = *new KnownPreferences;
+    return preferences;
+}
+
 std::string folder() { return hostPath("/var/mobile/Library/Preferences"); }
+std::string fileOf(const std::string& domain) { return folder() + "/" + domain + fileEnd; }
+
+// Beyond what is read at all it is refused at once.
+bool hasLargeFile(const std::string& domain) {
+    struct stat status {};
+    return ::stat(fileOf(domain).c_str(), &status) == 0 && std::cmp_greater(status.st_size, largePreferencesFile) &&
+           std::cmp_less_equal(status.st_size, propertyListMaximumLength);
+}
 
 bool isDomain(const std::string& domain) {
     return !domain.empty() && domain.size() <= 200 && domain.front() != '.' && domain.find('/') == std::string::npos &&
            domain.find('\0') == std::string::npos;
+}
+
+PreferencesFile readFile(const std::string& domain) {
+    constexpr int flags = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
+    const Descriptor directory(uninterrupted([] { return ::open(folder().c_str(), flags); }));
+    if (directory) return PreferencesFile::read(directory.get(), domain + fileEnd);
+    PreferencesFile file;
+    if (errno == ENOENT) return file;
+    file.state = PreferencesFile::State::Unreadable;
+    file.reason = std::string("its folder: ") + strerror(errno);
+    return file;
+}
+
+// What a worker has stored is read by it too, while the lock keeps others from writing: who reads it next, on the main
+// thread most likely, finds it read.
+void readStored(const std::string& domain) {
+    if (dispatch_is_main_thread() || !hasLargeFile(domain)) return;
+    try {
+        known().keep(fileOf(domain), readFile(domain), std::nullopt);
+    } catch (const std::bad_alloc&) {
+        // It is in the file all the same.
+    }
 }
 
 // The changes of one domain on their way into its file.
@@ -59,7 +96,10 @@ public:
         }
         return change;
     }
-    void stored() override { pending().end(m_domain, m_taken, PreferenceWrite::Stored); }
+    void stored() override {
+        readStored(m_domain);
+        pending().end(m_domain, m_taken, PreferenceWrite::Stored);
+    }
 
 private:
     const std::string& m_domain;
@@ -115,28 +155,25 @@ void waitOnWorker(const std::string& domain) {
     }
 }
 
+// The main thread leaves it to a worker then.
+bool takesLong(const std::string& domain, const PendingPreference& change) {
+    return dispatch_is_main_thread() &&
+           ((change.whole && change.whole->length() > largePreferencesFile) || hasLargeFile(domain));
+}
+
 // Makes the change, unless it is refused, and sees it on its way.
 template <class Make> PreferenceWrite change(const std::string& domain, Make make) {
     PendingPreferences::Change change;
     try {
         change = make();
         if (!change) return PreferenceWrite::Failed;
-        if (!pending().add(domain, change) && !store(domain, std::chrono::milliseconds(0))) waitOnWorker(domain);
+        if (!pending().add(domain, change) &&
+            (takesLong(domain, *change) || !store(domain, std::chrono::milliseconds(0))))
+            waitOnWorker(domain);
     } catch (const std::bad_alloc&) {
         lose(domain, outOfMemory, change);
     }
     return change ? pending().leave(change) : PreferenceWrite::Failed;
-}
-
-PreferencesFile readFile(const std::string& domain) {
-    constexpr int flags = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
-    const Descriptor directory(uninterrupted([] { return ::open(folder().c_str(), flags); }));
-    if (directory) return PreferencesFile::read(directory.get(), domain + fileEnd);
-    PreferencesFile file;
-    if (errno == ENOENT) return file;
-    file.state = PreferencesFile::State::Unreadable;
-    file.reason = std::string("its folder: ") + strerror(errno);
-    return file;
 }
 
 // What is told or done once, rather than with each read.
@@ -175,22 +212,32 @@ std::shared_ptr<NSMutableDictionary> dictionary(const NSData& data) {
     return readPropertyList(data.bytes(), nullptr, refusal).object<NSMutableDictionary>();
 }
 
+// Of the whole file that waits.
+id pendingValue(PendingPreference& change, const std::string& key) {
+    std::call_once(change.isWholeRead, [&change] { change.wholeValues = dictionary(*change.whole); });
+    if (!change.wholeValues) return {};
+    id value = change.wholeValues->objectForKey(key);
+    return mayBeChanged(value) ? dictionary(*change.whole)->objectForKey(key) : value;
+}
+
 } // namespace
 
 id preferenceValue(const std::string& domain, const std::string& key) {
     if (!isDomain(domain)) return {};
     const auto changes = pending().all(domain);
     for (auto change = changes.rbegin(); change != changes.rend(); ++change) {
-        if ((*change)->whole) {
-            const auto values = dictionary(*(*change)->whole);
-            return values ? values->objectForKey(key) : id();
-        }
+        if ((*change)->whole) return pendingValue(**change, key);
         if ((*change)->key == key) return (*change)->value;
     }
+    std::string path = fileOf(domain);
+    if (auto value = known().value(path, key)) return *std::move(value);
     firstReads().tidy(domain);
-    const auto file = readFile(domain);
+    const auto begun = KnownPreferences::now();
+    auto file = readFile(domain);
     firstReads().tellFailure(domain, file.reason);
-    return file.values ? file.values->objectForKey(key) : id();
+    id value = file.values ? file.values->objectForKey(key) : id();
+    known().keep(std::move(path), std::move(file), begun);
+    return value;
 }
 
 PreferenceWrite setPreferenceValue(const std::string& domain, const std::string& key, const id& value,

@@ -18,6 +18,7 @@ protected:
         const auto start = std::chrono::steady_clock::now();
 
         EXPECT_FALSE(set("key", "value"));
+        EXPECT_TRUE(awaitPendingPreferences(std::chrono::seconds(60)));
 
         EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
         EXPECT_THAT(log(), ElementsAre(HasSubstr(reason)));
@@ -67,6 +68,7 @@ TEST_F(Limits, ValueThatWouldMakeTheFileTooLargeIsRefused) {
     const std::string before = contents(file());
 
     EXPECT_FALSE(set("ours", std::string(2 << 20, 'y')));
+    EXPECT_TRUE(awaitPendingPreferences(std::chrono::seconds(60)));
 
     EXPECT_TRUE(contents(file()) == before);
     EXPECT_FALSE(preferenceValue(domain(), "ours"));
