@@ -221,9 +221,9 @@ void seat::SurfaceWindow::setTitleSource(std::function<std::string()> source) {
     refreshTitle();
 }
 
-// Other window systems than X find the icon by the program's desktop entry. The picture that was installed is taken, not
-// the toolkit's search for it: that reads the index of each icon theme, which takes longer than all else until the first
-// frame. Desktops with a picture of their own for the program find it by the entry, here too.
+// Other window systems than X find the icon by the program's desktop entry. The picture that was installed is taken,
+// not the toolkit's search for it: that reads the index of each icon theme, which takes longer than all else until the
+// first frame. Desktops with a picture of their own for the program find it by the entry, here too.
 void seat::SurfaceWindow::showIcon() {
     if (QGuiApplication::platformName() != QLatin1String("xcb")) return;
     const QString name = QLatin1String("icons/hicolor/128x128/apps/") + QGuiApplication::desktopFileName();

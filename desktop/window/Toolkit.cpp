@@ -94,8 +94,8 @@ void readFontConfiguration() {
     if (const auto initialise = reinterpret_cast<Initialise>(dlsym(RTLD_DEFAULT, "FcInit"))) initialise();
 }
 
-// The toolkit lists every font of the system before it uses one, which takes as long as a page where there are hundreds.
-// Its list has a lock of its own.
+// The toolkit lists every font of the system before it uses one, which takes as long as a page where there are
+// hundreds. Its list has a lock of its own.
 void listFonts() { (void)QFontDatabase::families(); }
 
 } // namespace

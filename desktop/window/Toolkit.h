@@ -32,8 +32,8 @@ public:
     Toolkit(const Toolkit&) = delete;
     Toolkit& operator=(const Toolkit&) = delete;
 
-    // The font configuration is read, and the fonts are listed, on another thread while toolkit and page are made; returns
-    // when that is done. Text can be had before, at the price of reading the configuration twice.
+    // The font configuration is read, and the fonts are listed, on another thread while toolkit and page are made;
+    // returns when that is done. Text can be had before, at the price of reading the configuration twice.
     void awaitFonts();
 
     // The main run loop, until quit(); gives back its code.

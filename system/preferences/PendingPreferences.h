@@ -21,9 +21,9 @@ struct PendingPreference {
     std::shared_ptr<NSData> whole; // nil, or the whole file
     std::once_flag isWholeRead;
     std::shared_ptr<NSMutableDictionary>
-        wholeValues;               // once it is read: what the whole file holds; nil for no dictionary
-    std::string key;               // else one key
-    id value;                      // nil: to be removed
+        wholeValues; // once it is read: what the whole file holds; nil for no dictionary
+    std::string key; // else one key
+    id value;        // nil: to be removed
     std::function<void(PreferenceWrite)> ended;
     PreferenceWrite outcome = PreferenceWrite::Pending;
     bool isWaiting = false; // whoever made it has gone on, and hears of its end by `ended`
