@@ -219,6 +219,7 @@ class SamplePage(unittest.TestCase):
         wait_for("the row to be usable", lambda: row.actions == ["Press", "SetFocus"])
         row.press()
         self.app.find(name="A row that comes and goes")
+        self.app.gone(role="progress bar")
 
     # By the pointer.
 

@@ -1,13 +1,9 @@
 #include "tests/sample/SampleListController.h"
 
-#include "platform/dispatch.h"
 #include "platform/foundation/NSNotificationCenter.h"
 #include "platform/runtime/method.h"
 #include "platform/uikit/UINavigationController.h"
 #include "tests/sample/SampleControlsController.h"
-
-#include <chrono>
-#include <thread>
 
 NS_CLASS_IMPLEMENTATION(SampleListController, PSListController, method<&SampleListController::init>("init"),
                         method<&SampleListController::journal>("journal"),
@@ -66,17 +62,10 @@ void SampleListController::alertView_didDismissWithButtonIndex(UIAlertView& aler
     reloadSpecifier(row);
 }
 
-// The panel stands while a worker works.
+// The panel stands for as long as somebody wants to look at it.
 void SampleListController::showProgress() {
-    m_progress->setText("Working…\nThe page takes no taps meanwhile.");
+    m_progress->setText("Working…\nToggle a row to end it.");
     m_progress->showInView(view());
-    dispatch_async(dispatch_get_global_queue(DISPATCH_QUEUE_PRIORITY_DEFAULT, 0),
-                   [weakSelf = std::weak_ptr(self(this))] {
-                       std::this_thread::sleep_for(std::chrono::milliseconds(400));
-                       dispatch_async(dispatch_get_main_queue(), [weakSelf] {
-                           if (const auto page = weakSelf.lock()) page->m_progress->hide();
-                       });
-                   });
 }
 
 void SampleListController::showControls() {
@@ -85,6 +74,7 @@ void SampleListController::showControls() {
 }
 
 void SampleListController::toggleExtraRow() {
+    m_progress->hide();
     if (specifierForID(extraRowID)) return removeSpecifierID_animated(extraRowID, /*animated=*/true);
     const auto row = PSSpecifier::preferenceSpecifierNamed_target_set_get_detail_cell_edit(
         "A row that comes and goes", shared_from_this(), nullptr, nullptr, nullptr, PSCellType::StaticText, nullptr);
