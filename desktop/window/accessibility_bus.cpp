@@ -68,6 +68,7 @@ void seat::relayAccessibilityBusOfScreen(BusRelay& relay) {
     if (!x11 || !x11->display()) return;
     const std::string address = addressOnScreen(x11->display());
     if (address.empty()) return;
+    relay.setAccessible();
     constexpr auto nameInToolkit = QLatin1String("a11y");
     QDBusConnection::connectToBus(QString::fromStdString(relay.doorToAccessibility(address)), nameInToolkit);
 }

@@ -131,6 +131,10 @@ std::unique_ptr<seat::RelayedConnection> seat::BusRelay::connect(Door& door, std
     }
     Descriptor bus = connectToBus(address, problem);
     if (!bus) return nullptr;
-    return std::make_unique<RelayedConnection>(std::move(bus), door.name, m_timeouts,
-                                               [this](const std::string& found) { return doorToAccessibility(found); });
+    // Of accessibility the toolkit tells others by its name there.
+    const auto withoutGreeting = &door == &m_session ? RelayedConnection::WithoutGreeting::HasNameOfOurs
+                                                     : RelayedConnection::WithoutGreeting::IsRefused;
+    return std::make_unique<RelayedConnection>(
+        std::move(bus), door.name, m_timeouts, withoutGreeting,
+        [this](const std::string& found) { return doorToAccessibility(found); }, m_isAccessible);
 }

@@ -3,6 +3,7 @@
 #include "system/bus/RelayTimeouts.h"
 #include "system/files/Descriptor.h"
 
+#include <atomic>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -31,6 +32,9 @@ public:
     const std::string& address() const { return m_session.address; }
     // What it is told of the accessibility bus, which is at `busAddress`. Any thread.
     std::string doorToAccessibility(const std::string& busAddress);
+    // The toolkit knows by other means that there is accessibility, and takes it to be on; it must not hear anything
+    // else from a bus that is late, or it asks nobody for the address any more. Any thread.
+    void setAccessible() { m_isAccessible = true; }
 
 private:
     // Where the toolkit comes in, and the bus behind it.
@@ -50,6 +54,7 @@ private:
     Door m_session;
     Door m_accessibility;
     std::mutex m_mutex; // its bus
+    std::atomic<bool> m_isAccessible = false;
     std::vector<std::unique_ptr<RelayedConnection>> m_connections;
     RelayedConnection* m_prepared = nullptr; // the one of them to the session's bus that the toolkit is to have
     Descriptor m_stop;

@@ -13,6 +13,8 @@ using Clock = seat::RelayedConnection::Clock;
 
 // Of our own greeting; the toolkit counts its calls from one.
 constexpr std::uint32_t ownHello = 0xffffffff;
+// Valid, and no bus gives it.
+constexpr const char* nameOfOurs = ":0.0";
 // What is slow is not missing yet.
 constexpr auto timeToSaySo = 400ms;
 constexpr std::size_t longestGreeting = 4096;
@@ -58,9 +60,10 @@ std::string userInHexadecimal() {
 } // namespace
 
 seat::RelayedConnection::RelayedConnection(Descriptor bus, std::string busName, RelayTimeouts timeouts,
-                                           AddressChange changeAddress)
-    : m_timeouts(timeouts), m_bus(std::move(bus)), m_busName(std::move(busName)),
-      m_changeAddress(std::move(changeAddress)), m_waiting(helloCall(ownHello)) {
+                                           WithoutGreeting withoutGreeting, AddressChange changeAddress,
+                                           const std::atomic<bool>& isAccessible)
+    : m_timeouts(timeouts), m_withoutGreeting(withoutGreeting), m_bus(std::move(bus)), m_busName(std::move(busName)),
+      m_changeAddress(std::move(changeAddress)), m_isAccessible(isAccessible), m_waiting(helloCall(ownHello)) {
     m_bus.toSend = std::string(1, '\0') + "AUTH EXTERNAL " + userInHexadecimal() + "\r\n";
 }
 
@@ -194,7 +197,7 @@ bool seat::RelayedConnection::noteCall(const std::string& message, Clock::time_p
     m_calls.insert_or_assign(serial, std::move(call));
     if (!isHello) return true;
     m_hello = serial;
-    if (!m_name.empty()) greetByName();
+    if (!m_name.empty()) greetByName(m_name);
     return false;
 }
 
@@ -202,14 +205,21 @@ void seat::RelayedConnection::takeName(DBusMessage& answer) {
     m_name = nameGivenBy(answer);
     if (m_name.empty())
         loseBus("refuses us");
-    else if (m_hello)
-        greetByName();
+    else if (m_hello && !m_hasName)
+        greetByName(m_name);
 }
 
-void seat::RelayedConnection::greetByName() {
+void seat::RelayedConnection::greetByName(const std::string& name) {
     m_hasName = true;
     m_calls.erase(*m_hello);
-    m_toolkit.toSend += helloAnswer(*m_hello, m_name) + std::exchange(m_early, {});
+    m_toolkit.toSend += helloAnswer(*m_hello, name) + std::exchange(m_early, {});
+}
+
+void seat::RelayedConnection::goOnWithoutGreeting() {
+    if (m_withoutGreeting == WithoutGreeting::HasNameOfOurs)
+        greetByName(nameOfOurs);
+    else
+        m_isRefused = true;
 }
 
 void seat::RelayedConnection::takeAnswer(DBusMessage& read, const std::string& message) {
@@ -230,16 +240,18 @@ void seat::RelayedConnection::takeAnswer(DBusMessage& read, const std::string& m
 }
 
 void seat::RelayedConnection::answerOverdueCalls(Clock::time_point now) {
+    bool isUngreeted = false;
     for (auto& [serial, call] : m_calls) {
         if (!call.deadline || *call.deadline > now) continue;
         call.deadline.reset();
         call.isAnswered = true;
         noteSilence(call.destination, call.kind == ToolkitCall::Hello ? now : now + timeToSaySo);
         if (call.kind == ToolkitCall::Hello)
-            m_isRefused = true;
+            isUngreeted = true;
         else
-            m_toolkit.toSend += noAnswer(serial);
+            m_toolkit.toSend += m_isAccessible ? affirmativeAnswer(call.kind, serial) : noAnswer(serial);
     }
+    if (isUngreeted) goOnWithoutGreeting();
 }
 
 bool seat::RelayedConnection::isSilent(const std::string& destination) const {

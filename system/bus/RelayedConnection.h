@@ -4,6 +4,7 @@
 #include "system/bus/RelayTimeouts.h"
 #include "system/bus/accessibility_calls.h"
 
+#include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <functional>
@@ -21,15 +22,22 @@ namespace seat {
 // that is dropped, and where the toolkit needs it, it is made to ask again. Who has not answered is not waited for
 // again until something comes from there. When the bus is lost the toolkit keeps its connection and gets errors: one
 // that is closed while it waits for an answer leaves it waiting for ever. Only while it has not been greeted yet is it
-// the other way round: an error for a greeting ends the process. One thread.
+// the other way round: an error for a greeting ends the process. A greeting that comes too late for the toolkit is
+// taken all the same where its own name does not matter to anybody. One thread.
 class RelayedConnection {
 public:
     using Clock = std::chrono::steady_clock;
     // Given the address of the accessibility bus, the address at which the toolkit is to find it.
     using AddressChange = std::function<std::string(const std::string& address)>;
 
-    // `busName` is what the log calls the bus. Its time to greet us begins now.
-    RelayedConnection(Descriptor bus, std::string busName, RelayTimeouts timeouts, AddressChange changeAddress);
+    // What becomes of the toolkit when the bus has not greeted it in time. With a name of ours it goes on as with a bus
+    // that is silent, and hears when it no longer is; but what it tells others of itself must have the bus's name.
+    enum class WithoutGreeting { HasNameOfOurs, IsRefused };
+
+    // `busName` is what the log calls the bus. Its time to greet us begins now. While `isAccessible`, the toolkit is
+    // told that there is accessibility, and that it is on, when nobody answers that in time; it outlives this object.
+    RelayedConnection(Descriptor bus, std::string busName, RelayTimeouts timeouts, WithoutGreeting withoutGreeting,
+                      AddressChange changeAddress, const std::atomic<bool>& isAccessible);
     // The toolkit has come. Once.
     void attach(Descriptor toolkit);
 
@@ -59,7 +67,8 @@ private:
     // Whether the bus is to have it.
     bool noteCall(const std::string& message, Clock::time_point now);
     void takeName(DBusMessage& answer);
-    void greetByName();
+    void greetByName(const std::string& name);
+    void goOnWithoutGreeting();
     void takeAnswer(DBusMessage& read, const std::string& message);
     void loseBus(const char* reason);
     void answerOverdueCalls(Clock::time_point now);
@@ -71,11 +80,13 @@ private:
     std::string inLog(const std::string& destination) const;
 
     RelayTimeouts m_timeouts;
+    WithoutGreeting m_withoutGreeting;
     Clock::time_point m_begun = Clock::now();
     BufferedSocket m_toolkit{Descriptor()};
     BufferedSocket m_bus;
     std::string m_busName;
     AddressChange m_changeAddress;
+    const std::atomic<bool>& m_isAccessible;
     bool m_toolkitIsGreeted = false; // both sides begin with lines of text, messages follow
     bool m_busIsGreeted = false;
     std::string m_name;                   // with which the bus has greeted us; empty before

@@ -40,7 +40,8 @@ std::string seat::bytesOfBusMessage(DBusMessage& message, std::uint32_t serial) 
 seat::ToolkitCall seat::kindOfCall(DBusMessage& call) {
     if (isCallTo(call, DBUS_SERVICE_DBUS, "Hello")) return ToolkitCall::Hello;
     if (isCallTo(call, accessibility, "GetAddress")) return ToolkitCall::AccessibilityAddress;
-    if (isCallTo(call, accessibility, nullptr) || asksForAccessibility(call)) return ToolkitCall::AccessibilityState;
+    if (isCallTo(call, accessibility, "Get")) return ToolkitCall::AccessibilityState;
+    if (asksForAccessibility(call)) return ToolkitCall::AccessibilityOwner;
     if (isCallTo(call, registry, "GetRegisteredEvents")) return ToolkitCall::EventListeners;
     return ToolkitCall::Plain;
 }
@@ -77,6 +78,25 @@ std::string seat::noAnswer(std::uint32_t serial) {
     return bytesOfBusMessage(*error, serial);
 }
 
+std::string seat::affirmativeAnswer(ToolkitCall kind, std::uint32_t serial) {
+    if (kind != ToolkitCall::AccessibilityOwner && kind != ToolkitCall::AccessibilityState) return noAnswer(serial);
+    const BusMessage answer(::dbus_message_new(DBUS_MESSAGE_TYPE_METHOD_RETURN));
+    ::dbus_message_set_reply_serial(answer.get(), serial);
+    ::dbus_message_set_sender(answer.get(), DBUS_SERVICE_DBUS);
+    const dbus_bool_t yes = TRUE;
+    if (kind == ToolkitCall::AccessibilityOwner) {
+        ::dbus_message_append_args(answer.get(), DBUS_TYPE_BOOLEAN, &yes, DBUS_TYPE_INVALID);
+    } else {
+        DBusMessageIter all;
+        DBusMessageIter value;
+        ::dbus_message_iter_init_append(answer.get(), &all);
+        ::dbus_message_iter_open_container(&all, DBUS_TYPE_VARIANT, DBUS_TYPE_BOOLEAN_AS_STRING, &value);
+        ::dbus_message_iter_append_basic(&value, DBUS_TYPE_BOOLEAN, &yes);
+        ::dbus_message_iter_close_container(&all, &value);
+    }
+    return bytesOfBusMessage(*answer, serial);
+}
+
 std::string seat::answerWithAddress(DBusMessage& answer, const std::function<std::string(const std::string&)>& change) {
     const std::uint32_t serial = ::dbus_message_get_serial(&answer);
     const char* address = nullptr;
@@ -96,7 +116,7 @@ std::string seat::signalToAskAgain(ToolkitCall kind, DBusMessage& lateAnswer) {
     if (!sender) return {};
     const char* const none = "";
     BusMessage signal;
-    if (kind == ToolkitCall::AccessibilityState) {
+    if (kind == ToolkitCall::AccessibilityOwner || kind == ToolkitCall::AccessibilityState) {
         signal.reset(::dbus_message_new_signal(DBUS_PATH_DBUS, DBUS_INTERFACE_DBUS, "NameOwnerChanged"));
         ::dbus_message_set_sender(signal.get(), DBUS_SERVICE_DBUS);
         ::dbus_message_append_args(signal.get(), DBUS_TYPE_STRING, &accessibility, DBUS_TYPE_STRING, &none,

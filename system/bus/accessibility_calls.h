@@ -24,7 +24,8 @@ enum class ToolkitCall {
     Plain,
     Hello,
     AccessibilityAddress, // where the accessibility bus is: may start programs, and nothing waits for it
-    AccessibilityState,   // whether there is accessibility, and whether it is on
+    AccessibilityOwner,   // whether there is accessibility
+    AccessibilityState,   // whether it is on
     EventListeners,       // what assistive technology wants to hear of
 };
 ToolkitCall kindOfCall(DBusMessage& call);
@@ -37,6 +38,8 @@ std::string helloAnswer(std::uint32_t serial, const std::string& name);
 
 // The answer that the toolkit gets to a call that had none in time.
 std::string noAnswer(std::uint32_t serial);
+// That there is accessibility, or that it is on; noAnswer() to other calls.
+std::string affirmativeAnswer(ToolkitCall kind, std::uint32_t serial);
 
 // The answer to AccessibilityAddress with the address changed; as it is when there is none in it.
 std::string answerWithAddress(DBusMessage& answer, const std::function<std::string(const std::string&)>& change);

@@ -88,7 +88,14 @@ private:
         if (::dbus_message_get_args(&message, nullptr, DBUS_TYPE_STRING, &text, DBUS_TYPE_INVALID)) return text;
         if (::dbus_message_get_args(&message, nullptr, DBUS_TYPE_BOOLEAN, &truth, DBUS_TYPE_INVALID))
             return truth ? "true" : "false";
-        return {};
+        DBusMessageIter all;
+        DBusMessageIter value;
+        if (!::dbus_message_iter_init(&message, &all) || ::dbus_message_iter_get_arg_type(&all) != DBUS_TYPE_VARIANT)
+            return {};
+        ::dbus_message_iter_recurse(&all, &value);
+        if (::dbus_message_iter_get_arg_type(&value) != DBUS_TYPE_BOOLEAN) return {};
+        ::dbus_message_iter_get_basic(&value, &truth);
+        return truth ? "true" : "false";
     }
 
     std::string m_address;

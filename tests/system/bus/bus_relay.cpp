@@ -60,18 +60,41 @@ TEST_F(BusRelay, ABusThatStopsCostsTheFirstCallAMomentAndLaterOnesNothing) {
     EXPECT_EQ(2u, log.all().size());
 }
 
-TEST(BusThatStops, BeforeItsGreetingRefusesTheConnectionSoon) {
+TEST(BusThatStops, BeforeItsGreetingIsSilentAtFirstAndServesWhenItGoesOn) {
     const testing_support::LoggedLines log;
     const PrivateBus bus;
+    const BusPeer accessibility(bus.address());
+    ASSERT_TRUE(accessibility.ownName("org.a11y.Bus"));
     bus.stop();
-    seat::BusRelay relay(bus.address());
+    seat::BusRelay relay(bus.address(), {.greeting = 50ms, .answer = 1s});
     relay.start();
 
     const auto start = Clock::now();
-    EXPECT_FALSE(RelayClient(relay.address()).greet());
+    RelayClient client(relay.address());
+    EXPECT_TRUE(client.greet());
+    EXPECT_EQ(DBUS_ERROR_NO_REPLY, client.nameHasOwner("org.a11y.Bus"));
+    EXPECT_LT(Clock::now() - start, soon);
+    EXPECT_EQ(1u, log.count("accessibility: the session bus does not answer"));
+
+    bus.resume();
+    EXPECT_TRUE(client.hears(DBUS_INTERFACE_DBUS, "NameOwnerChanged")) << "which makes the toolkit ask again";
+    EXPECT_TRUE(client.becomes([&] { return client.nameHasOwner("com.example.nobody") == "false"; }));
+    EXPECT_LE(1u, log.count("accessibility: the session bus answers again"));
+}
+
+TEST(AccessibilityBusThatStops, BeforeItsGreetingRefusesTheConnectionSoon) {
+    const testing_support::LoggedLines log;
+    const PrivateBus session;
+    const PrivateBus bus;
+    bus.stop();
+    seat::BusRelay relay(session.address());
+    relay.start();
+
+    const auto start = Clock::now();
+    EXPECT_FALSE(RelayClient(relay.doorToAccessibility(bus.address())).greet());
     EXPECT_LT(Clock::now() - start, soon);
 
-    EXPECT_EQ(1u, log.count("accessibility: the session bus does not answer"));
+    EXPECT_EQ(1u, log.count("accessibility: the accessibility bus does not answer"));
 }
 
 TEST(BusThatStops, OnceItHasGreetedTheRelayGreetsTheToolkit) {
@@ -151,6 +174,18 @@ TEST_F(BusRelay, WhetherThereIsAccessibilityIsAskedAgainWhenTheAnswerCameTooLate
     bus.resume();
 
     EXPECT_TRUE(client.hears(DBUS_INTERFACE_DBUS, "NameOwnerChanged"));
+}
+
+TEST_F(BusRelay, WhereThereIsAccessibilityABusThatIsLateIsAnsweredFor) {
+    relay.setAccessible();
+    ASSERT_TRUE(client.greet());
+    bus.stop();
+
+    EXPECT_EQ("true", client.nameHasOwner("org.a11y.Bus"));
+    EXPECT_EQ("true", client.call("org.a11y.Bus", "Get"));
+    EXPECT_EQ(DBUS_ERROR_NO_REPLY, client.nameHasOwner("com.example.nobody"));
+    bus.resume();
+    EXPECT_TRUE(client.becomes([&] { return client.nameHasOwner("org.a11y.Bus") == "false"; }));
 }
 
 TEST_F(BusRelay, TheAccessibilityBusIsBehindTheRelayToo) {
