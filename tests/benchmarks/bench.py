@@ -1,11 +1,13 @@
-"""What Joyvane costs, as one table: bench.py BUILD-FOLDER [--quick] [NAME...]
+"""What Joyvane costs, as one table: bench.py BUILD-FOLDER [--quick] [--record] [NAME...]
 
-With names only the rows that have one of them in theirs. The exit code is 0, also when a limit is missed; it is 1 when
+With names only the rows that have one of them in theirs. With --record the figures become this release's line in
+docs/performance.md. The exit code is 0, also when a limit is missed; it is 1 when
 something could not be measured.
 """
 
 import argparse
 import contextlib
+import datetime
 import json
 import os
 import plistlib
@@ -21,6 +23,7 @@ for folder in ("first_frame", "drag_step", "road", os.path.join("..", "end_to_en
     sys.path.insert(0, os.path.join(HERE, folder))
 import drag_step  # noqa: E402
 import first_frame  # noqa: E402
+import history  # noqa: E402
 import jv_e2e  # noqa: E402
 import tap_to_frame  # noqa: E402
 from table import Row, google_benchmark, key_values, render  # noqa: E402
@@ -285,10 +288,21 @@ class Bench:
         return statistics.median(times) * 1e6
 
 
+def record(bench, rows):
+    said = subprocess.run([bench.program("joyvane-settings"), "--version"], check=True, stdout=subprocess.PIPE, text=True)
+    path = os.path.join(HERE, "..", "..", "docs", "performance.md")
+    with open(path, encoding="utf-8") as file:
+        text = file.read()
+    line = history.line(said.stdout.split()[-1], datetime.date.today().isoformat(), history.machine(), rows)
+    with open(path, "w", encoding="utf-8") as file:
+        file.write(history.add(text, line))
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("build")
     parser.add_argument("--quick", action="store_true", help="few rounds, to see that it works")
+    parser.add_argument("--record", action="store_true", help="write this release's line into docs/performance.md")
     parser.add_argument("names", nargs="*", metavar="NAME")
     options = parser.parse_intermixed_args()
     bench = Bench(options.build, options.quick)
@@ -313,6 +327,8 @@ def main():
     if options.names:
         rows = [row for row in rows if row.problem or any(wanted in row.what for wanted in options.names)]
     print(render(rows))
+    if options.record:
+        record(bench, rows)
     return 1 if any(row.problem for row in rows) or not rows else 0
 
 

@@ -1,7 +1,9 @@
 """The rows and the table of ./bench."""
 
+import os
 import unittest
 
+import history
 from table import Row, figure, google_benchmark, key_values, render
 
 
@@ -78,6 +80,39 @@ class Reports(unittest.TestCase):
 
     def test_a_line_of_results_is_read_by_name(self):
         self.assertEqual(key_values("exchange ratio=1.10 ours_us=12.5"), {"ratio": 1.1, "ours_us": 12.5})
+
+
+class History(unittest.TestCase):
+    ROWS = [Row("first frame, Joyvane's page", "ms", ours=30, bare=20), Row("keymap load", "us", ours=2, peer=20),
+            Row("drag step on the colour field", "ms", problem="no display")]
+    DOCUMENT = "\n".join(["# Figures", "", history.MARK, "", *history.head(), ""])
+
+    def test_a_release_has_a_cell_for_each_column(self):
+        line = history.line("1.0", "2030-01-02", "4 x Processor", self.ROWS)
+
+        self.assertEqual(line.count("|"), history.head()[0].count("|"))
+        self.assertTrue(line.startswith("| 1.0 | 2030-01-02 | 4 x Processor | 30.0 ms (1.50 x) | - |"), line)
+        self.assertIn("| 2.00 us (0.10 x) |", line)
+
+    def test_the_newest_release_comes_first_and_replaces_its_own_line(self):
+        one, two = (history.line(release, "2030-01-02", "m", self.ROWS) for release in ("1.0", "2.0"))
+        text = history.add(history.add(self.DOCUMENT + "\nText after it.\n", one), two)
+        self.assertEqual(text, self.DOCUMENT + two + "\n" + one + "\n\nText after it.\n")
+
+        again = history.line("2.0", "2031-01-02", "m", self.ROWS)
+        self.assertEqual(history.add(text, again), self.DOCUMENT + again + "\n" + one + "\n\nText after it.\n")
+
+    def test_a_document_with_other_columns_is_left_alone(self):
+        with self.assertRaises(ValueError):
+            history.add("# Figures\n", history.line("1.0", "2030-01-02", "m", self.ROWS))
+
+    def test_the_document_of_this_project_takes_a_line(self):
+        path = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "docs", "performance.md")
+        with open(path, encoding="utf-8") as file:
+            text = file.read()
+
+        line = history.line("999", "2030-01-02", history.machine(), self.ROWS)
+        self.assertIn(line, history.add(text, line))
 
 
 if __name__ == "__main__":
