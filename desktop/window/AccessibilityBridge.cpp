@@ -8,11 +8,18 @@
 
 seat::AccessibilityBridge::AccessibilityBridge(QWindow& window, AccessibilityTree& tree, std::function<void()> refresh)
     : m_window(window), m_tree(tree), m_refresh(std::move(refresh)) {
-    m_tree.setListener(
-        [this](AccessibilityIdentity identity, AccessibilityChange change) { changed(identity, change); });
+    m_tree.setListener([this](AccessibilityIdentity identity, AccessibilityChange change, int place) {
+        changed(identity, change, place);
+    });
+    // The window's own node is called as the window.
+    m_title = QObject::connect(&window, &QWindow::windowTitleChanged, [this] {
+        if (m_tree.node(m_tree.root()) && m_interfaces.contains(m_tree.root()))
+            changed(m_tree.root(), AccessibilityChange::Name, /*place=*/0);
+    });
 }
 
 seat::AccessibilityBridge::~AccessibilityBridge() {
+    QObject::disconnect(m_title);
     m_tree.setListener(nullptr);
     m_lives = nullptr;
     // The root dies with the window.
@@ -30,6 +37,10 @@ seat::AccessibilityTree& seat::AccessibilityBridge::freshTree() const {
 QAccessibleInterface* seat::AccessibilityBridge::makeRoot() {
     auto* const root = new AccessibleNode(*this, m_tree.root());
     m_interfaces[m_tree.root()] = root;
+    // What was there before anybody listened is said to who has come. After the answer to what they have asked.
+    queueOnMain([this, lives = std::weak_ptr(m_lives)] {
+        if (!lives.expired()) announceWhatStands();
+    });
     return root;
 }
 
@@ -42,6 +53,18 @@ QAccessibleInterface* seat::AccessibilityBridge::interfaceOf(AccessibilityIdenti
         QAccessible::registerAccessibleInterface(interface);
     }
     return interface;
+}
+
+void seat::AccessibilityBridge::announceWhatStands() {
+    std::vector<AccessibilityIdentity> all;
+    for (const auto& [identity, node] : freshTree().nodes()) all.push_back(identity);
+    for (const auto identity : all) {
+        const auto* const found = m_tree.node(identity);
+        if (!found || (found->role != UIAccessibilityRole::Alert && !found->isBusy)) continue;
+        auto* const node = static_cast<AccessibleNode*>(interfaceOf(identity));
+        node->announceStates();
+        node->announceLiveText();
+    }
 }
 
 QRect seat::AccessibilityBridge::onScreen(CGRect points) const {
@@ -58,11 +81,11 @@ CGPoint seat::AccessibilityBridge::fromScreen(QPoint position) const {
 }
 
 // Only nodes that somebody has asked for have anybody to tell; a new node is told of by its parent.
-void seat::AccessibilityBridge::changed(AccessibilityIdentity identity, AccessibilityChange change) {
+void seat::AccessibilityBridge::changed(AccessibilityIdentity identity, AccessibilityChange change, int place) {
     if (change == AccessibilityChange::Destroyed) {
         const auto found = m_interfaces.find(identity);
         if (found == m_interfaces.end()) return;
-        found->second->announceDeparture();
+        found->second->announceDeparture(place);
         // The toolkit may be in the middle of a question to this very interface: it was the question that brought the
         // nodes up to date. So it goes when that is over, unless its view has come back by then.
         queueOnMain([this, lives = std::weak_ptr(m_lives), identity, id = QAccessible::uniqueId(found->second)] {
@@ -85,13 +108,14 @@ void seat::AccessibilityBridge::changed(AccessibilityIdentity identity, Accessib
     };
     switch (change) {
     case AccessibilityChange::Created:
-        tell(QAccessible::ObjectCreated);
-        if (now.role == UIAccessibilityRole::Alert) tell(QAccessible::Alert);
+        node->announceArrival(place);
+        node->announceStates();
+        node->announceLiveText();
         break;
     case AccessibilityChange::Name:
         tell(QAccessible::NameChanged);
-        if (now.role == UIAccessibilityRole::Alert) tell(QAccessible::Alert); // it says something else now
         node->announceText();
+        node->announceLiveText();
         break;
     case AccessibilityChange::Value:
         if (now.range) {
@@ -107,7 +131,7 @@ void seat::AccessibilityBridge::changed(AccessibilityIdentity identity, Accessib
         tell(QAccessible::DescriptionChanged);
         break;
     case AccessibilityChange::State:
-        tellState(*node, now);
+        node->announceStates();
         break;
     case AccessibilityChange::Extent:
         tell(QAccessible::LocationChanged);
@@ -119,14 +143,4 @@ void seat::AccessibilityBridge::changed(AccessibilityIdentity identity, Accessib
     case AccessibilityChange::Destroyed:
         break;
     }
-}
-
-// The event says which states may have changed; who hears it reads the new ones.
-void seat::AccessibilityBridge::tellState(AccessibleNode& node, const AccessibilityNode& now) {
-    QAccessible::State changed;
-    changed.disabled = true;
-    changed.offscreen = true;
-    changed.selected = now.role == UIAccessibilityRole::ListItem;
-    QAccessibleStateChangeEvent told(&node, changed);
-    QAccessible::updateAccessibility(&told);
 }

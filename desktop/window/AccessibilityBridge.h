@@ -4,6 +4,7 @@
 
 #include "kit/uikit/AccessibilityTree.h"
 
+#include <QObject>
 #include <QRect>
 
 #include <functional>
@@ -44,13 +45,14 @@ public:
     std::function<double()> pointsPerUnit;
 
 private:
-    void changed(AccessibilityIdentity identity, AccessibilityChange change);
-    void tellState(AccessibleNode& node, const AccessibilityNode& now);
+    void announceWhatStands();
+    void changed(AccessibilityIdentity identity, AccessibilityChange change, int place);
 
     QWindow& m_window;
     AccessibilityTree& m_tree;
     std::function<void()> m_refresh;
     std::map<AccessibilityIdentity, AccessibleNode*> m_interfaces;
+    QMetaObject::Connection m_title;
     std::shared_ptr<bool> m_lives = std::make_shared<bool>(true); // nil once this is ending
 };
 

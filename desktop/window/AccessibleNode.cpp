@@ -1,6 +1,7 @@
 #include "desktop/window/AccessibleNode.h"
 
 #include "desktop/window/AccessibilityBridge.h"
+#include "desktop/window/accessibility_events.h"
 
 #include <QGuiApplication>
 #include <QWindow>
@@ -78,8 +79,10 @@ QStringList possibleActions(const seat::AccessibilityNode& node) {
 seat::AccessibleNode::AccessibleNode(AccessibilityBridge& bridge, AccessibilityIdentity identity)
     : m_bridge(&bridge), m_identity(identity) {
     rememberParent();
-    if (const auto* const found = bridge.tree().node(identity); found && isLabel(*found))
-        m_announcedText = nameOf(*found);
+    if (const auto* const found = bridge.tree().node(identity)) {
+        if (isLabel(*found)) m_announcedText = nameOf(*found);
+        m_announced = {/*isBusy=*/false, found->isEnabled, found->isSelected, found->isOnScreen};
+    }
 }
 
 seat::AccessibleNode::~AccessibleNode() {
@@ -90,18 +93,33 @@ void seat::AccessibleNode::rememberParent() {
     if (const auto* const found = m_bridge->tree().node(m_identity)) m_parent = found->parent;
 }
 
-void seat::AccessibleNode::announceDeparture() {
-    m_isLeaving = true;
-    QAccessibleEvent event(this, QAccessible::ObjectDestroyed);
-    QAccessible::updateAccessibility(&event);
-    m_isLeaving = false;
+void seat::AccessibleNode::announceArrival(int place) {
+    if (auto* const parent = m_bridge->interfaceOf(m_parent)) tellOfChild(*parent, *this, ChildEvent::Added, place);
+}
+
+void seat::AccessibleNode::announceDeparture(int place) {
+    if (std::exchange(m_announced.isBusy, false)) tellState(*this, "busy", /*has=*/false);
+    if (auto* const parent = m_bridge->interfaceOf(m_parent)) tellOfChild(*parent, *this, ChildEvent::Removed, place);
+}
+
+void seat::AccessibleNode::announceStates() {
+    const auto* const found = m_bridge->tree().node(m_identity);
+    if (!found) return;
+    const auto tell = [this](const char* state, bool& told, bool has) {
+        if (std::exchange(told, has) != has) tellState(*this, state, has);
+    };
+    tell("busy", m_announced.isBusy, found->isBusy);
+    if (found->isEnabled != m_announced.isEnabled) tellState(*this, "sensitive", found->isEnabled);
+    tell("enabled", m_announced.isEnabled, found->isEnabled);
+    tell("selected", m_announced.isSelected, found->isSelected);
+    tell("showing", m_announced.isOnScreen, found->isOnScreen);
 }
 
 const seat::AccessibilityNode* seat::AccessibleNode::node() const {
     return m_bridge ? m_bridge->freshTree().node(m_identity) : nullptr;
 }
 
-bool seat::AccessibleNode::isValid() const { return m_isLeaving || node(); }
+bool seat::AccessibleNode::isValid() const { return node(); }
 
 QObject* seat::AccessibleNode::object() const {
     return m_bridge && m_bridge->tree().root() == m_identity ? &m_bridge->window() : nullptr;
@@ -208,6 +226,7 @@ QAccessible::State seat::AccessibleNode::state() const {
     state.selected = found->isSelected;
     state.offscreen = !found->isOnScreen;
     state.modal = found->isModal;
+    state.busy = found->isBusy;
     state.readOnly = found->role == Role::StaticText || found->role == Role::Heading;
     if (found->isOn) {
         state.checkable = true;

@@ -24,10 +24,16 @@ public:
     void detach() { m_bridge = nullptr; }
     // The parent is what the tree says at its last update.
     void rememberParent();
-    // The view has gone: until the end of the call the node still names its parent.
-    void announceDeparture();
+    // The view has come or gone: where it stands, or stood, among its parent's children. Nobody is told where the parent
+    // has gone, too.
+    void announceArrival(int place);
+    void announceDeparture(int place);
     // A label's text is another than at the last call.
     void announceText();
+    // What is said wherever the user is: the node came, or says something else now.
+    void announceLiveText();
+    // What is other than when it was told last.
+    void announceStates();
 
     bool isValid() const override;
     QObject* object() const override;
@@ -57,13 +63,13 @@ public:
     QVariant minimumValue() const override;
     QVariant minimumStepSize() const override;
 
-    // Of labels. They are one piece of text that nobody selects in, and have no cursor.
+    // Of labels. They are one piece of text that nobody selects in, and have no cursor: its place is before the first.
     void selection(int, int* start, int* end) const override { *start = *end = 0; }
     int selectionCount() const override { return 0; }
     void addSelection(int, int) override {}
     void removeSelection(int) override {}
     void setSelection(int, int, int) override {}
-    int cursorPosition() const override { return 0; }
+    int cursorPosition() const override { return -1; }
     void setCursorPosition(int) override {}
     QString text(int start, int end) const override;
     int characterCount() const override;
@@ -85,7 +91,13 @@ private:
     AccessibilityIdentity m_identity;
     AccessibilityIdentity m_parent = 0;
     QString m_announcedText;
-    bool m_isLeaving = false;
+    struct States {
+        bool isBusy = false;
+        bool isEnabled = false;
+        bool isSelected = false;
+        bool isOnScreen = false;
+    };
+    States m_announced; // as a reader has them that asked when the node was made
 };
 
 } // namespace seat

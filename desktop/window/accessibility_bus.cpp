@@ -69,8 +69,8 @@ void seat::relayAccessibilityBusOfScreen(BusRelay& relay) {
     const std::string address = addressOnScreen(x11->display());
     if (address.empty()) return;
     relay.setAccessible();
-    constexpr auto nameInToolkit = QLatin1String("a11y");
-    QDBusConnection::connectToBus(QString::fromStdString(relay.doorToAccessibility(address)), nameInToolkit);
+    QDBusConnection::connectToBus(QString::fromStdString(relay.doorToAccessibility(address)),
+                                  QLatin1String(toolkitsAccessibilityConnection));
 }
 
 #else

@@ -4,6 +4,7 @@
 #include "kit/uikit/WindowInternals.h"
 #include "kit/uikit/focus_order.h"
 #include "kit/uikit/reachable.h"
+#include "kit/uikit/view_controller.h"
 #include "kit/uikit/visible_rect.h"
 #include "platform/dispatch.h"
 
@@ -33,6 +34,42 @@ bool isPressable(const UIView& view, UIAccessibilityRole role) {
            (role == UIAccessibilityRole::ListItem && view.canBecomeFocused());
 }
 
+// A list that has no name of its own is called as the screen that it stands on.
+std::string nameOf(const UIView& view, UIAccessibilityRole role) {
+    std::string name = view.accessibilityLabel();
+    if (!name.empty() || role != UIAccessibilityRole::List) return name;
+    for (const UIView* at = &view; at; at = at->superview().get())
+        if (const auto controller = viewController(*at); controller && !controller->title().empty())
+            return controller->title();
+    return {};
+}
+
+using Nodes = std::map<AccessibilityIdentity, AccessibilityNode>;
+
+void tellOfGone(AccessibilityIdentity parent, const Nodes& before, const Nodes& now,
+                const AccessibilityTree::Listener& listener) {
+    const auto at = before.find(parent);
+    if (at == before.end()) return;
+    const auto& children = at->second.children;
+    for (std::size_t place = children.size(); place-- > 0;) {
+        tellOfGone(children[place], before, now, listener);
+        if (!now.contains(children[place]))
+            listener(children[place], AccessibilityChange::Destroyed, static_cast<int>(place));
+    }
+}
+
+void tellOfNew(AccessibilityIdentity parent, const Nodes& before, const Nodes& now,
+               const AccessibilityTree::Listener& listener) {
+    const auto at = now.find(parent);
+    if (at == now.end()) return;
+    int place = 0;
+    for (const auto child : at->second.children) {
+        if (!before.contains(child)) listener(child, AccessibilityChange::Created, place);
+        tellOfNew(child, before, now, listener);
+        ++place;
+    }
+}
+
 } // namespace
 
 AccessibilityTree::AccessibilityTree(const std::shared_ptr<UIWindow>& window) : m_window(window) { update(); }
@@ -56,7 +93,7 @@ AccessibilityNode AccessibilityTree::describe(const UIView& view, AccessibilityI
     AccessibilityNode node;
     node.identity = identity;
     node.role = view.accessibilityRole();
-    node.name = view.accessibilityLabel();
+    node.name = nameOf(view, node.role);
     node.value = view.accessibilityValue();
     node.description = view.accessibilityHint();
     node.extent = view.convertRect_toView(alignmentBounds(view), nullptr);
@@ -65,6 +102,7 @@ AccessibilityNode AccessibilityTree::describe(const UIView& view, AccessibilityI
     node.isFocused = window && window->focusedView().get() == &view;
     node.isSelected = view.accessibilityIsSelected();
     node.isModal = view.accessibilityViewIsModal();
+    node.isBusy = node.role == UIAccessibilityRole::ProgressIndicator;
     node.isOnScreen = !CGRectIsEmpty(visibleRectInWindow(view));
     node.isOn = view.accessibilityIsOn();
     node.range = view.accessibilityRange();
@@ -110,22 +148,21 @@ void AccessibilityTree::update() {
 void AccessibilityTree::tell(const Nodes& before) const {
     const Listener listener = m_listener; // it may replace itself
     const Nodes now = m_nodes;
-    for (const auto& [identity, node] : before)
-        if (!now.contains(identity)) listener(identity, AccessibilityChange::Destroyed);
-    for (const auto& [identity, node] : now)
-        if (!before.contains(identity)) listener(identity, AccessibilityChange::Created);
+    tellOfGone(m_root, before, now, listener);
+    tellOfNew(m_root, before, now, listener);
     for (const auto& [identity, node] : now) {
         const auto at = before.find(identity);
         const bool isNew = at == before.end();
         const AccessibilityNode& old = isNew ? node : at->second;
-        if (node.children != old.children) listener(identity, AccessibilityChange::Children);
-        if (node.name != old.name) listener(identity, AccessibilityChange::Name);
+        const auto has = [&](AccessibilityChange change) { listener(identity, change, /*place=*/0); };
+        if (node.children != old.children) has(AccessibilityChange::Children);
+        if (node.name != old.name) has(AccessibilityChange::Name);
         if (node.value != old.value || node.isOn != old.isOn || node.range != old.range)
-            listener(identity, AccessibilityChange::Value);
+            has(AccessibilityChange::Value);
         if (node.isEnabled != old.isEnabled || node.isSelected != old.isSelected || node.isOnScreen != old.isOnScreen)
-            listener(identity, AccessibilityChange::State);
-        if (node.extent != old.extent) listener(identity, AccessibilityChange::Extent);
-        if (node.isFocused && (isNew || !old.isFocused)) listener(identity, AccessibilityChange::Focus);
+            has(AccessibilityChange::State);
+        if (node.extent != old.extent) has(AccessibilityChange::Extent);
+        if (node.isFocused && (isNew || !old.isFocused)) has(AccessibilityChange::Focus);
     }
 }
 
@@ -148,6 +185,12 @@ AccessibilityIdentity AccessibilityTree::focusedNode() const {
     for (const auto& [identity, node] : m_nodes)
         if (node.isFocused) return identity;
     return 0;
+}
+
+std::optional<LabelStyle> AccessibilityTree::textStyle(AccessibilityIdentity identity) const {
+    const auto at = m_views.find(identity);
+    const auto view = at == m_views.end() ? nullptr : at->second.lock();
+    return view ? labelStyle(*view) : std::nullopt;
 }
 
 std::shared_ptr<UIView> AccessibilityTree::enabledView(AccessibilityIdentity identity) const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "kit/uikit/label_style.h"
 #include "platform/quartz/CGGeometry.h"
 #include "platform/uikit/UIAccessibility.h"
 
@@ -33,6 +34,7 @@ struct AccessibilityNode {
     bool isFocused = false;
     bool isSelected = false;
     bool isModal = false;
+    bool isBusy = false; // something is going on that takes its time
     bool isOnScreen = true; // some of it can be seen
     std::optional<bool> isOn;
     std::optional<UIAccessibilityRange> range;
@@ -66,10 +68,14 @@ public:
     // The innermost node at a place of the window; 0 outside.
     AccessibilityIdentity nodeAt(CGPoint point) const;
     AccessibilityIdentity focusedNode() const;
+    // How a node's text is drawn just now; nothing where it shows none.
+    std::optional<LabelStyle> textStyle(AccessibilityIdentity identity) const;
 
-    // Reads the views anew and tells of what has changed.
+    // Reads the views anew and tells of what has changed. First of nodes that have gone, from the last to the first, then
+    // of new ones from the first to the last: whoever follows has each at its place as it comes and goes.
     void update();
-    using Listener = std::function<void(AccessibilityIdentity, AccessibilityChange)>;
+    // `place`: of a node that has come or gone, among its parent's children.
+    using Listener = std::function<void(AccessibilityIdentity, AccessibilityChange, int place)>;
     void setListener(Listener listener) { m_listener = std::move(listener); }
 
     // Whether what assistive technology does with a node comes to anything: not while its view is gone, covered or

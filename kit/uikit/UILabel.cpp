@@ -4,6 +4,7 @@
 #include "kit/quartz/text_runs.h"
 #include "kit/seat.h"
 #include "kit/uikit/appearance.h"
+#include "kit/uikit/label_style.h"
 #include "platform/uikit/UIImage.h"
 
 #include <algorithm>
@@ -54,6 +55,14 @@ std::vector<seat::TextRun> runsOf(const UILabel& label) {
 }
 
 } // namespace
+
+std::optional<seat::LabelStyle> seat::labelStyle(const UIView& view) {
+    if (const auto* const label = dynamic_cast<const UILabel*>(&view))
+        return LabelStyle{label->font(), legible(label->textColor())->CGColor(), label->textAlignment()};
+    for (const auto& subview : view.subviews())
+        if (auto style = labelStyle(*subview)) return style;
+    return std::nullopt;
+}
 
 UILabel::UILabel() : m_font(seat::appearance::textFont(17)), m_textColor(seat::appearance::textColor()) {}
 UILabel::~UILabel() = default;

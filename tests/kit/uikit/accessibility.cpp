@@ -133,12 +133,12 @@ TEST_F(Accessibility, ChangesAreTold) {
     const auto button = addRole(UIAccessibilityRole::Button, "button", {{0, 0}, {50, 50}});
     const auto identity = named("button").identity;
     std::string log;
-    tree.setListener([&](seat::AccessibilityIdentity changed, AccessibilityChange change) {
+    tree.setListener([&](seat::AccessibilityIdentity changed, AccessibilityChange change, int place) {
         const char* const names[] = {"created", "destroyed", "children", "name", "value", "state", "extent", "focus"};
         log += std::string(changed == identity      ? "button:"
                            : changed == tree.root() ? "window:"
                                                     : "other:") +
-               names[static_cast<int>(change)] + ' ';
+               names[static_cast<int>(change)] + (place != 0 ? '@' + std::to_string(place) : "") + ' ';
     });
     const auto told = [&] {
         scene.prepareFrame();
@@ -152,11 +152,73 @@ TEST_F(Accessibility, ChangesAreTold) {
     button->setFrame({{5, 0}, {50, 50}});
     EXPECT_EQ(told(), "button:extent ");
     const auto other = addRole(UIAccessibilityRole::Image, "image", {{0, 100}, {50, 50}});
-    EXPECT_EQ(told(), "other:created window:children ");
+    EXPECT_EQ(told(), "other:created@1 window:children ");
     other->removeFromSuperview();
-    EXPECT_EQ(told(), "other:destroyed window:children ");
+    EXPECT_EQ(told(), "other:destroyed@1 window:children ");
     scene.window()->setFocusedView(button);
     EXPECT_EQ(told(), "button:focus ");
+}
+
+// A reader keeps a list of its own and follows each event.
+TEST_F(Accessibility, ComingAndGoingAreToldInAnOrderThatCanBeFollowed) {
+    const auto list = addRole(UIAccessibilityRole::List, "list", {{0, 0}, {320, 400}});
+    std::vector<std::shared_ptr<RoleView>> rows;
+    for (const char* const name : {"a", "b", "c", "d", "e", "f"})
+        rows.push_back(addRole(UIAccessibilityRole::ListItem, name, {{0, 0}, {320, 44}}, list));
+    for (const int early : {1, 4}) rows[static_cast<std::size_t>(early)]->removeFromSuperview();
+    const auto listed = named("list");
+    std::vector<seat::AccessibilityIdentity> followed = listed.children;
+    tree.setListener([&](seat::AccessibilityIdentity changed, AccessibilityChange change, int place) {
+        const auto at = followed.begin() + place;
+        if (change == AccessibilityChange::Destroyed) {
+            ASSERT_LT(place, std::ssize(followed));
+            EXPECT_EQ(*at, changed);
+            followed.erase(at);
+        } else if (change == AccessibilityChange::Created) {
+            ASSERT_LE(place, std::ssize(followed));
+            followed.insert(at, changed);
+        }
+    });
+
+    // Two go; two come back, which were known before those that stay.
+    rows[0]->removeFromSuperview();
+    rows[3]->removeFromSuperview();
+    list->insertSubview_atIndex(rows[4], 0);
+    list->insertSubview_atIndex(rows[1], 2);
+
+    EXPECT_EQ(outline(), "window(list(e c b f))");
+    EXPECT_EQ(followed, named("list").children);
+    tree.setListener(nullptr);
+}
+
+TEST_F(Accessibility, AListIsCalledAsItsScreenUnlessItHasAName) {
+    const auto screen = UIViewController::alloc()->init();
+    screen->setTitle("Screen");
+    scene.window()->setRootViewController(screen);
+    const auto list = addRole(UIAccessibilityRole::List, "", {{0, 0}, {320, 400}}, nullptr);
+    screen->view()->addSubview(list);
+    EXPECT_EQ(outline(), "window(Screen)");
+
+    list->setAccessibilityLabel("list");
+
+    EXPECT_EQ(outline(), "window(list)");
+}
+
+TEST_F(Accessibility, TheStyleOfATextIsThatOfItsLabel) {
+    const auto row = addRole(UIAccessibilityRole::StaticText, "text", {{0, 0}, {320, 44}});
+    EXPECT_FALSE(tree.textStyle(named("text").identity));
+
+    const auto label = UILabel::alloc()->initWithFrame({{0, 0}, {100, 44}});
+    label->setFont(UIFont::boldSystemFontOfSize(21));
+    label->setTextColor(UIColor::colorWithRed_green_blue_alpha(1, 0.5, 0, 1));
+    label->setTextAlignment(NSTextAlignmentRight);
+    row->addSubview(label);
+
+    const auto style = tree.textStyle(named("text").identity);
+    ASSERT_TRUE(style);
+    EXPECT_EQ(style->font, label->font());
+    EXPECT_EQ(style->color->green, 0.5);
+    EXPECT_EQ(style->alignment, NSTextAlignmentRight);
 }
 
 TEST_F(Accessibility, SwitchIsPressedAndTellsItsState) {

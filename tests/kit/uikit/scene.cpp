@@ -73,7 +73,7 @@ TEST_F(Scenes, FrameIsAskedForAgainWhenWhoeverIsToldOfOneChangesTheLayout) {
     const auto view = add<UISwitch>({{10, 20}, {51, 31}});
     scene.prepareFrame();
     scene.accessibility().setListener(
-        [&](seat::AccessibilityIdentity, seat::AccessibilityChange) { view->setNeedsLayout(); });
+        [&](seat::AccessibilityIdentity, seat::AccessibilityChange, int) { view->setNeedsLayout(); });
     scene.prepareFrame();
     int asked = 0;
     scene.setNeedsFrame([&] { ++asked; });
