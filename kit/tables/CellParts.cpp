@@ -106,6 +106,10 @@ std::shared_ptr<CellContent> CellContent::initWithValue(bool hasValue) {
 
 double CellContent::Text::width() const { return std::ceil(label->sizeThatFits({1e6, 1e6}).width); }
 
+double CellContent::Text::wholeWidth() const {
+    return isEmpty() ? 0 : std::ceil(measureText(textRuns(label->text(), font(), nullptr), 1e6, /*lines=*/1).size.width);
+}
+
 void CellContent::Text::setScale(double scale) {
     // A font that is not the one shown here was given by somebody since.
     if (label->font() != shown) given = label->font();
@@ -123,8 +127,9 @@ void CellContent::Text::setLines(int lines) const {
     label->setNumberOfLines(lines);
 }
 
+// As it would be in its own font: what is shown may still have been made smaller to fit, when text was smaller.
 double CellContent::widthOfLine() const {
-    return sideMargin + m_title.width() + (m_value.isEmpty() ? 0 : labelGap + m_value.width());
+    return sideMargin + m_title.wholeWidth() + (m_value.isEmpty() ? 0 : labelGap + m_value.wholeWidth());
 }
 
 bool CellContent::isStacked(double width) const { return textScale() > 1 && widthOfLine() > width; }
@@ -158,6 +163,8 @@ void CellContent::layoutSubviews() {
     const double room = std::max(0.0, size.width - sideMargin);
     const bool isLarge = isStacked(size.width);
     if (isLarge) {
+        m_title.setScale(1);
+        if (m_value.label) m_value.setScale(1);
         m_title.setLines(0);
         m_value.setLines(0);
         return layOutStacked(room);

@@ -1,3 +1,4 @@
+#include "kit/quartz/text_size.h"
 #include "kit/tables/CellInternals.h"
 #include "tests/kit/tables/TableTest.h"
 
@@ -46,6 +47,26 @@ TEST_F(TableCells, AccessoryLabelThatChangesItsSizeIsPlacedAnew) {
     EXPECT_GT(label->frame().size.width, narrow);
     EXPECT_EQ(CGRectGetMaxX(label->frame()), 272);
     EXPECT_NEAR(label->center().y, 22, 0.5);
+}
+
+TEST_F(TableCells, TextThatWasSetSmallerWrapsOnceTextIsLarger) {
+    const auto cell = makeCell();
+    cell->textLabel()->setText("A title that needs a little more room");
+    cell->layoutIfNeeded();
+    ASSERT_LT(cell->textLabel()->font()->pointSize(), 17);
+
+    seat::setTextScale(2);
+    const auto usual = UILabel::alloc()->init()->font();
+    const double height = CellInternals::heightFor(*cell, 300);
+    cell->setFrame({{0, 0}, {300, height}});
+    cell->contentView()->setNeedsLayout();
+    cell->layoutIfNeeded();
+    const double line = usual->lineHeight();
+    seat::setTextScale(1);
+
+    EXPECT_GE(height, 2 * line);
+    EXPECT_EQ(cell->textLabel()->numberOfLines(), 0);
+    EXPECT_EQ(cell->textLabel()->font()->pointSize(), usual->pointSize());
 }
 
 TEST_F(TableCells, TextThatFindsNoRoomIsSetSmallerBeforeItIsCut) {
