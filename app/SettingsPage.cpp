@@ -6,6 +6,7 @@
 #include "app/StatusNotices.h"
 #include "app/help/ActionTarget.h"
 #include "app/introduction.h"
+#include "app/reasons.h"
 #include "app/user_units.h"
 #include "desktop/links/browser.h"
 #include "kit/alerts/progress_canceller.h"
@@ -75,7 +76,7 @@ void app::SettingsPage::sayOfPreferences(const seat::PreferencesNotice& notice) 
         return m_notices->post(NoticeKind::SettingNotStored,
                                {.text = filled(translated("Your change could not be stored: %1. Put that right and "
                                                           "change it once more."),
-                                               {notice.detail})});
+                                               {reasonInUsersWords(notice.detail)})});
     case What::Stored:
         return m_notices->withdraw(NoticeKind::SettingNotStored);
     case What::MovedAside:
@@ -92,7 +93,7 @@ void app::SettingsPage::sayOfResource(const std::string& path, const std::string
         NoticeKind::ResourceDamaged,
         {.text = filled(translated("The page cannot be shown whole, since a file of it is damaged or missing; "
                                    "installing Joyvane again mends that. %1: %2"),
-                        {path, reason})});
+                        {path, reasonInUsersWords(reason)})});
 }
 
 // The manifest says of which notifications a user has to hear, and in what words; the page itself stays silent. They
@@ -149,7 +150,7 @@ void app::SettingsPage::triedToStart(const std::string& unit, const std::string&
     if (reason.empty()) return daemonIsBack();
     m_facts.startProblem = filled(translated("The daemon could not be started: %1. “systemctl --user status %2” in a "
                                              "terminal says more."),
-                                  {reason, unit});
+                                  {reasonInUsersWords(reason), unit});
     m_notices->post(NoticeKind::DaemonAbsent, {.text = m_facts.startProblem});
     statusChanged();
 }
@@ -238,7 +239,7 @@ void app::SettingsPage::listenForTools() {
             NoticeKind::ToolFailed,
             {.text = filled(translated("The program that does this, %1, does not run: %2. Cancel, and try again; "
                                        "if that does not help, install Joyvane's programs anew."),
-                            {path, reason})});
+                            {path, reasonInUsersWords(reason)})});
     });
 }
 

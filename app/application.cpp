@@ -6,6 +6,7 @@
 #include "app/SettingsPage.h"
 #include "app/Simulation.h"
 #include "app/own_programs.h"
+#include "app/reasons.h"
 #include "app/remembered_look.h"
 #include "app/root_folder.h"
 #include "app/tour/tour.h"
@@ -56,7 +57,7 @@ void sayWhenDaemonEnds(app::Simulation& simulation, app::NoticeBoard& notices) {
             app::NoticeKind::DaemonEnded,
             {.text = seat::filled(seat::translated("The simulated daemon %1. Until it runs again nothing can be "
                                                    "connected."),
-                                  {how}),
+                                  {app::reasonInUsersWords(how)}),
              .actionTitle = seat::translated("Start It Again"),
              .action = startAgain});
     });

@@ -2,6 +2,7 @@
 
 #include "colourpicker/ZKBrightnessCursor.h"
 #include "colourpicker/ZKBrightnessSlider.h"
+#include "platform/foundation/NSLocalizedString.h"
 #include "platform/foundation/NSString.h"
 
 #include <algorithm>
@@ -23,10 +24,10 @@ bool ZKBrightnessSlider::canBecomeFocused() const { return true; }
 
 UIAccessibilityRole ZKBrightnessSlider::accessibilityRole() const { return UIAccessibilityRole::Slider; }
 
-std::string ZKBrightnessSlider::accessibilityLabel() const { return "Brightness"; }
+std::string ZKBrightnessSlider::accessibilityLabel() const { return NSLocalizedString("Brightness"); }
 
 std::string ZKBrightnessSlider::accessibilityValue() const {
-    return NSStringWithFormat("%d percent", m_brightnessCursor->percent());
+    return NSLocalizedStringWithValues("%1 percent", {NSStringFromInteger(m_brightnessCursor->percent())});
 }
 
 std::optional<UIAccessibilityRange> ZKBrightnessSlider::accessibilityRange() const {

@@ -3,6 +3,7 @@
 #include "colourpicker/HSVColor.h"
 #include "colourpicker/ZKColorMapView.h"
 #include "colourpicker/truncation.h"
+#include "platform/foundation/NSLocalizedString.h"
 #include "platform/foundation/NSString.h"
 
 #include <algorithm>
@@ -16,7 +17,7 @@ bool ZKColorMapView::canBecomeFocused() const { return true; }
 
 UIAccessibilityRole ZKColorMapView::accessibilityRole() const { return UIAccessibilityRole::Canvas; }
 
-std::string ZKColorMapView::accessibilityLabel() const { return "Hue and saturation"; }
+std::string ZKColorMapView::accessibilityLabel() const { return NSLocalizedString("Hue and saturation"); }
 
 std::string ZKColorMapView::accessibilityValue() const {
     HSVColor hsv;
@@ -24,8 +25,10 @@ std::string ZKColorMapView::accessibilityValue() const {
     // The brightness is the number that the slider shows, which is cut. A field of one row gives a saturation that is
     // no number: it is read as none.
     const auto whole = [](double value) { return truncatedToInt(std::round(value)); };
-    return NSStringWithFormat("Hue %d degrees, saturation %d percent, brightness %d percent", whole(hsv.h * 360),
-                              whole(hsv.s * 100), truncatedToInt(hsv.v * 100));
+    return NSLocalizedStringWithValues("Hue %1 degrees, saturation %2 percent, brightness %3 percent",
+                                       {NSStringFromInteger(whole(hsv.h * 360)),
+                                        NSStringFromInteger(whole(hsv.s * 100)),
+                                        NSStringFromInteger(truncatedToInt(hsv.v * 100))});
 }
 
 // A tap on the middle would choose the colour there, which nobody pointed at.

@@ -1,5 +1,6 @@
 #include "colourpicker/ZKColorPickerView.h"
 
+#include "platform/foundation/NSLocalizedString.h"
 #include "platform/runtime/method.h"
 
 #include <algorithm>
@@ -125,4 +126,4 @@ void ZKColorPickerView::layoutSubviews() {
 
 UIAccessibilityRole ZKColorPickerView::accessibilityRole() const { return UIAccessibilityRole::Group; }
 
-std::string ZKColorPickerView::accessibilityLabel() const { return "Color picker"; }
+std::string ZKColorPickerView::accessibilityLabel() const { return NSLocalizedString("Color picker"); }

@@ -4,6 +4,7 @@
 
 #include "keymap/button_table.h"
 #include "keymap/key_names.h"
+#include "platform/foundation/NSLocalizedString.h"
 #include "platform/foundation/NSString.h"
 
 namespace {
@@ -79,5 +80,5 @@ void JVNKeymapViewController::tableView_didSelectRowAtIndexPath(UITableView& tab
     setIndexPathOfCellToRemap(indexPath);
     const auto cell = tableView.cellForRowAtIndexPath(indexPath);
     if (const auto label = cell ? keyLabel(*cell) : nullptr)
-        show(*label, "Press Key…", "Press Key", UIColor::blueColor());
+        show(*label, "Press Key…", NSLocalizedString("Press Key"), UIColor::blueColor());
 }

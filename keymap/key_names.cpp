@@ -1,5 +1,6 @@
 #include "keymap/key_names.h"
 
+#include "platform/foundation/NSLocalizedString.h"
 #include "platform/foundation/NSString.h"
 
 #include <array>
@@ -14,21 +15,21 @@ struct NamedKey {
 };
 
 constexpr std::array<NamedKey, 15> namedKeys{{
-    {224, "control", "Control"},
-    {225, "left ⇧", "Left Shift"},
-    {79, "→", "Right Arrow"},
-    {80, "←", "Left Arrow"},
-    {81, "↓", "Down Arrow"},
-    {82, "↑", "Up Arrow"},
-    {226, "⌥", "Alt"},
-    {227, "⌘", "Command"},
-    {44, "space", "Space"},
-    {40, "⏎", "Return"},
-    {229, "right ⇧", "Right Shift"},
-    {42, "⌫", "Backspace"},
-    {57, "⇪", "Caps Lock"},
-    {43, "⇆", "Tab"},
-    {41, "⎋", "Escape"},
+    {224, "control", NSLocalizable("Control")},
+    {225, "left ⇧", NSLocalizable("Left Shift")},
+    {79, "→", NSLocalizable("Right Arrow")},
+    {80, "←", NSLocalizable("Left Arrow")},
+    {81, "↓", NSLocalizable("Down Arrow")},
+    {82, "↑", NSLocalizable("Up Arrow")},
+    {226, "⌥", NSLocalizable("Alt")},
+    {227, "⌘", NSLocalizable("Command")},
+    {44, "space", NSLocalizable("Space")},
+    {40, "⏎", NSLocalizable("Return")},
+    {229, "right ⇧", NSLocalizable("Right Shift")},
+    {42, "⌫", NSLocalizable("Backspace")},
+    {57, "⇪", NSLocalizable("Caps Lock")},
+    {43, "⇆", NSLocalizable("Tab")},
+    {41, "⎋", NSLocalizable("Escape")},
 }};
 
 } // namespace
@@ -45,6 +46,6 @@ std::string keyDisplayName(long keyCode) {
 
 std::string keySpokenName(long keyCode) {
     for (const auto& key : namedKeys)
-        if (key.code == keyCode) return key.spoken;
-    return keyCode == -1 ? "None" : keyDisplayName(keyCode);
+        if (key.code == keyCode) return NSLocalizedString(key.spoken);
+    return keyCode == -1 ? NSLocalizedString("None") : keyDisplayName(keyCode);
 }

@@ -1,11 +1,51 @@
 #include "app/help/pad_text.h"
 
+#include "app/reasons.h"
 #include "kit/foundation/translation.h"
-#include "services/jvninput/state_text.h"
+#include "platform/foundation/NSLocalizedString.h"
+
+#include <array>
 
 namespace app {
 
 using seat::translated;
+
+namespace {
+
+// By native code, from 1.
+constexpr std::array inputNames{
+    NSLocalizable("right"),
+    NSLocalizable("left"),
+    NSLocalizable("up"),
+    NSLocalizable("down"),
+    NSLocalizable("A"),
+    NSLocalizable("B"),
+    NSLocalizable("X"),
+    NSLocalizable("Y"),
+    NSLocalizable("L1"),
+    NSLocalizable("R1"),
+    NSLocalizable("left stick right"),
+    NSLocalizable("left stick left"),
+    NSLocalizable("left stick up"),
+    NSLocalizable("left stick down"),
+    NSLocalizable("right stick right"),
+    NSLocalizable("right stick left"),
+    NSLocalizable("right stick up"),
+    NSLocalizable("right stick down"),
+    NSLocalizable("L2"),
+    NSLocalizable("R2"),
+    NSLocalizable("Pause"),
+};
+
+// The inputs that are down, as in "up, A, L1"; empty when there are none.
+std::string namesOf(std::uint32_t inputs) {
+    std::string names;
+    for (std::size_t i = 0; i < inputNames.size(); ++i)
+        if (inputs >> (i + 1) & 1) names += (names.empty() ? "" : ", ") + translated(inputNames[i]);
+    return names;
+}
+
+} // namespace
 
 PadText textOf(const input::State& state) {
     switch (state.readiness) {
@@ -33,7 +73,7 @@ PadText textOf(const input::State& state) {
     case input::Readiness::playing:
         break;
     }
-    const std::string inputs = jvninput::inputsText(state.inputs);
+    const std::string inputs = namesOf(state.inputs);
     return {
         inputs.empty() ? translated("Press a key") : seat::filled(translated("It arrives as %1"), {inputs}),
         translated("Keys of the keymap go to the gamepad alone, as in a game. Hold both Ctrl keys and press Escape to "
@@ -42,7 +82,8 @@ PadText textOf(const input::State& state) {
 
 PadText problemText(const std::string& problem) {
     if (problem.empty()) return {translated("One moment"), translated("The input service is asked.")};
-    return {translated("There is nothing to see"), seat::filled(translated("The reason: %1."), {problem})};
+    return {translated("There is nothing to see"),
+            seat::filled(translated("The reason: %1."), {reasonInUsersWords(problem)})};
 }
 
 PadText simulatedText() {

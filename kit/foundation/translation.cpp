@@ -1,5 +1,7 @@
 #include "kit/foundation/translation.h"
 
+#include "platform/foundation/NSLocalizedString.h"
+
 namespace seat {
 
 namespace {
@@ -28,3 +30,9 @@ std::string filled(std::string_view text, std::initializer_list<std::string_view
 }
 
 } // namespace seat
+
+std::string NSLocalizedString(const char* text) { return seat::translated(text); }
+
+std::string NSLocalizedStringWithValues(const char* text, std::initializer_list<std::string_view> values) {
+    return seat::filled(seat::translated(text), values);
+}

@@ -1,5 +1,6 @@
 #include "platform/uikit/UITableViewCell.h"
 
+#include "kit/foundation/translation.h"
 #include "kit/quartz/geometry.h"
 #include "kit/quartz/text_size.h"
 #include "kit/tables/CellInternals.h"
@@ -191,7 +192,8 @@ std::string UITableViewCell::accessibilityLabel() const {
 std::string UITableViewCell::accessibilityValue() const {
     if (detailTextLabel()) return detailTextLabel()->text();
     if (!m_cell->accessoryView) return {};
-    if (const auto on = m_cell->accessoryView->accessibilityIsOn()) return *on ? "On" : "Off";
+    if (const auto on = m_cell->accessoryView->accessibilityIsOn())
+        return *on ? seat::translated("On") : seat::translated("Off");
     return m_cell->accessoryView->accessibilityLabel();
 }
 

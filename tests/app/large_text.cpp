@@ -190,6 +190,10 @@ TEST_P(Languages, TextsOfOursAreTranslatedAndThePagesOwnStayAsTheyAre) {
     EXPECT_EQ(connection->value, isGerman ? "Automatisch" : "تلقائي");
     EXPECT_TRUE(find(Role::ListItem, "Pair Controller"));
     EXPECT_TRUE(find(Role::ListItem, "Ambient LED Color"));
+    // For the ear everything is ours.
+    const auto* const colour = find(Role::ListItem, "Choose LED Color");
+    ASSERT_TRUE(colour);
+    EXPECT_EQ(colour->value, isGerman ? "blau, 004efd" : "أزرق, 004efd");
 }
 
 TEST_P(Languages, ThePageIsLaidOutInTheirDirection) {

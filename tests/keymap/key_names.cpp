@@ -1,5 +1,7 @@
 #include "keymap/key_names.h"
 
+#include "kit/foundation/translation.h"
+
 #include <gtest/gtest.h>
 
 namespace {
@@ -61,6 +63,18 @@ TEST(KeyName, IsSaidInWordsWhereItIsASymbol) {
     EXPECT_EQ(keySpokenName(4), "A");
     for (long code = -1; code <= 260; ++code)
         for (const char letter : keySpokenName(code)) EXPECT_GE(letter, ' ') << code;
+}
+
+TEST(KeyName, IsSaidInTheUsersLanguageAndShownAsItIs) {
+    seat::setTranslator([](const char* text) { return std::string("<") + text + ">"; });
+    const std::string spoken = keySpokenName(41);
+    const std::string shown = keyDisplayName(44);
+    const std::string letter = keySpokenName(4);
+    seat::setTranslator(nullptr);
+
+    EXPECT_EQ(spoken, "<Escape>");
+    EXPECT_EQ(shown, "space");
+    EXPECT_EQ(letter, "A");
 }
 
 } // namespace
