@@ -197,8 +197,9 @@ QString seat::AccessibleNode::text(QAccessible::Text kind) const {
 }
 
 QString seat::AccessibleNode::nameOf(const AccessibilityNode& node) const {
-    return node.role == Role::Window && node.name.empty() ? m_bridge->window().title()
-                                                          : QString::fromStdString(node.name);
+    // A list on a screen without a title has no other name either.
+    const bool isCalledAsWindow = node.role == Role::Window || node.role == Role::List;
+    return isCalledAsWindow && node.name.empty() ? m_bridge->window().title() : QString::fromStdString(node.name);
 }
 
 QRect seat::AccessibleNode::rect() const {

@@ -138,6 +138,14 @@ class SpokenJob(unittest.TestCase):
             self.reader.heard("state-changed:enabled", name="Connect Controller", detail=1)
             self.assertEqual(self.app.close(), 0)
 
+    def test_the_list_of_a_screen_without_a_title_is_called_as_the_window(self):
+        self.start("keymap", "--simulate")
+        self.choose("Controller", "Keyboard", "controller_type", 6)
+        self.app.press("Configure Keymap")
+        row = self.app.find(role="list item", name="D-pad left")
+        wait_for("its list's name", lambda: row.accessible.get_parent().get_name() == "Joyvane")
+        self.assertEqual(self.app.close(), 0)
+
     def test_labels_say_how_they_are_drawn_and_have_no_caret(self):
         self.start("labels", "--simulate")
         label = self.app.find(role="label", name=re.compile("^The controller is paired once"))
