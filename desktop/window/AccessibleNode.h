@@ -24,8 +24,8 @@ public:
     void detach() { m_bridge = nullptr; }
     // The parent is what the tree says at its last update.
     void rememberParent();
-    // The view has come or gone: where it stands, or stood, among its parent's children. Nobody is told where the parent
-    // has gone, too.
+    // The view has come or gone: where it stands, or stood, among its parent's children. Nobody is told where the
+    // parent has gone, too.
     void announceArrival(int place);
     void announceDeparture(int place);
     // A label's text is another than at the last call.

@@ -1,9 +1,9 @@
 // The texts of labels, as a reader goes through them.
 
+#include "desktop/painting/fonts.h"
 #include "desktop/window/AccessibilityBridge.h"
 #include "desktop/window/AccessibleNode.h"
 #include "desktop/window/accessibility_events.h"
-#include "desktop/painting/fonts.h"
 
 #include <algorithm>
 #include <cmath>
@@ -51,7 +51,9 @@ QString seat::AccessibleNode::attributes(int, int* start, int* end) const {
     if (!style) return {};
     const QFont font = toolkitFont(*style->font, /*scale=*/1);
     constexpr double pointsAPixel = 0.75; // of print, which sizes are told in
-    const auto byte = [](double component) { return QString::number(std::lround(std::clamp(component, 0.0, 1.0) * 255)); };
+    const auto byte = [](double component) {
+        return QString::number(std::lround(std::clamp(component, 0.0, 1.0) * 255));
+    };
     static constexpr const char* alignments[] = {"left", "center", "right"};
     return QStringLiteral("font-family:%1;font-size:%2pt;font-weight:%3;color:rgb(%4,%5,%6);text-align:%7;")
         .arg(font.family(), QString::number(font.pixelSize() * pointsAPixel),

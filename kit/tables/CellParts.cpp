@@ -107,7 +107,8 @@ std::shared_ptr<CellContent> CellContent::initWithValue(bool hasValue) {
 double CellContent::Text::width() const { return std::ceil(label->sizeThatFits({1e6, 1e6}).width); }
 
 double CellContent::Text::wholeWidth() const {
-    return isEmpty() ? 0 : std::ceil(measureText(textRuns(label->text(), font(), nullptr), 1e6, /*lines=*/1).size.width);
+    return isEmpty() ? 0
+                     : std::ceil(measureText(textRuns(label->text(), font(), nullptr), 1e6, /*lines=*/1).size.width);
 }
 
 void CellContent::Text::setScale(double scale) {

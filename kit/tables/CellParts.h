@@ -83,7 +83,7 @@ private:
 
         bool isEmpty() const { return !label || label->text().empty(); }
         double width() const;
-        double wholeWidth() const; // not made smaller, in one line
+        double wholeWidth() const;         // not made smaller, in one line
         double height(double width) const; // wrapped
         void setScale(double scale);
         void setLines(int lines) const;

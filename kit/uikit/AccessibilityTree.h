@@ -34,7 +34,7 @@ struct AccessibilityNode {
     bool isFocused = false;
     bool isSelected = false;
     bool isModal = false;
-    bool isBusy = false; // something is going on that takes its time
+    bool isBusy = false;    // something is going on that takes its time
     bool isOnScreen = true; // some of it can be seen
     std::optional<bool> isOn;
     std::optional<UIAccessibilityRange> range;
@@ -71,8 +71,8 @@ public:
     // How a node's text is drawn just now; nothing where it shows none.
     std::optional<LabelStyle> textStyle(AccessibilityIdentity identity) const;
 
-    // Reads the views anew and tells of what has changed. First of nodes that have gone, from the last to the first, then
-    // of new ones from the first to the last: whoever follows has each at its place as it comes and goes.
+    // Reads the views anew and tells of what has changed. First of nodes that have gone, from the last to the first,
+    // then of new ones from the first to the last: whoever follows has each at its place as it comes and goes.
     void update();
     // `place`: of a node that has come or gone, among its parent's children.
     using Listener = std::function<void(AccessibilityIdentity, AccessibilityChange, int place)>;
