@@ -10,6 +10,7 @@ import itertools
 import os
 import plistlib
 import shutil
+import socket
 import subprocess
 import sys
 import unittest
@@ -125,6 +126,25 @@ class PoorDesktops(OnADesktop):
             bus.wait()
             self.check_works(app)
         bus.stdout.close()
+
+    def test_on_a_display_of_another_machine(self):
+        """By the network, so that no memory can be shared with the display."""
+        with socket.socket() as network:
+            try:
+                network.bind(("127.0.0.1", 0))
+            except OSError as error:
+                self.skipTest(f"there is no network, not even to ourselves: {error}")
+        server = subprocess.Popen(["Xvfb", "-displayfd", "1", "-screen", "0", "1000x1000x24", "-listen", "tcp", "-noreset"],
+                                  text=True, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
+        self.addCleanup(server.wait)
+        self.addCleanup(server.stdout.close)
+        self.addCleanup(server.kill)
+        number = server.stdout.readline().strip()
+        self.assertTrue(number, "the display has not started")
+        with self.start("remote", DISPLAY="127.0.0.1:" + number) as app:
+            app.find("check box", "A switch").do("Toggle")
+            wait_for("the switch in the file", lambda: self.stored("switch_on") is False)
+            self.assertEqual(app.close(), 0)
 
     def test_without_fonts(self):
         configuration = self.desktop.path("fonts.conf")
