@@ -5,6 +5,15 @@
 
 namespace jvninputd {
 
+Play Play::from(const input::Settings& settings) {
+    Play play;
+    play.keymap = Keymap::from({settings.bindings, settings.bindingCount});
+    play.mode = settings.mode;
+    play.profile =
+        settings.forceExtended || play.keymap.needsExtended() ? input::Profile::extended : input::Profile::plain;
+    return play;
+}
+
 void Player::play(const std::optional<Play>& what, GiveBack giveBack, Moment now) {
     m_playing = what;
     if (m_playing && m_playing->mode != input::PlayMode::byHand) m_playing->handSwitch->on = false;

@@ -19,6 +19,9 @@ struct HandSwitch {
 
 // What somebody who governs wants played.
 struct Play {
+    // As these settings say, which want the keyboard to play.
+    static Play from(const input::Settings& settings);
+
     Keymap keymap;
     input::PlayMode mode = input::PlayMode::whileListened;
     input::Profile profile = input::Profile::plain; // not none

@@ -140,14 +140,10 @@ void Service::settingsCame(Client& client) {
 void Service::playSettings() {
     const input::Settings& settings = *m_playing->settings();
     if (!settings.keyboardPlays) return m_player.play(std::nullopt, Player::GiveBack::WhenFree, m_loop.now());
-    Play play;
-    play.keymap = Keymap::from({settings.bindings, settings.bindingCount});
+    Play play = Play::from(settings);
     if (play.keymap.leftOut() > 0)
         services::log("keymap of user %u: %zu bindings left out", static_cast<unsigned>(m_playing->user()),
                       play.keymap.leftOut());
-    play.mode = settings.mode;
-    play.profile =
-        settings.forceExtended || play.keymap.needsExtended() ? input::Profile::extended : input::Profile::plain;
     play.handSwitch = &m_handSwitches[m_playing];
     m_player.play(play, Player::GiveBack::WhenFree, m_loop.now());
 }

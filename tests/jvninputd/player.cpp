@@ -266,4 +266,28 @@ TEST_F(PlayerTest, KeysBeyondTheKernelsNumbersAreIgnored) {
     EXPECT_THAT(devices.calls, ElementsAre("desktop 1 1:767=1", "desktop 1 1:767=0"));
 }
 
+TEST(PlayFromSettings, ThePadIsExtendedWhereAnInputNeedsItOrTheUserWantsIt) {
+    auto settings = input::makeMessage<input::Settings>();
+    settings.keyboardPlays = 1;
+    settings.bindingCount = 1;
+    settings.bindings[0] = {26, native::dpadUp};
+    EXPECT_EQ(Play::from(settings).profile, input::Profile::plain);
+
+    settings.forceExtended = 1;
+    EXPECT_EQ(Play::from(settings).profile, input::Profile::extended);
+
+    settings.forceExtended = 0;
+    settings.bindings[0] = {26, native::leftStickUp};
+    EXPECT_EQ(Play::from(settings).profile, input::Profile::extended);
+    EXPECT_EQ(Play::from(settings).keymap.inputOf(KEY_W), native::leftStickUp);
+}
+
+TEST(PlayFromSettings, TheModeIsTheUsers) {
+    auto settings = input::makeMessage<input::Settings>();
+    for (const auto mode : {input::PlayMode::whileListened, input::PlayMode::byHand}) {
+        settings.mode = mode;
+        EXPECT_EQ(Play::from(settings).mode, mode);
+    }
+}
+
 } // namespace
