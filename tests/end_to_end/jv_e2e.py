@@ -77,9 +77,10 @@ class Desktop:
     def _start(self):
         for name in ("home", "run", "data", "screen", "share"):
             os.mkdir(os.path.join(self.folder, name), 0o700)
-        # What is installed on this computer but its programs: a test brings those that it asks for.
+        # What is installed on this computer but its programs: a test brings those that it asks for. Its fonts are found
+        # where they are; under a second name each would be there twice.
         for name in os.listdir("/usr/share"):
-            if name != "applications":
+            if name not in ("applications", "fonts"):
                 os.symlink("/usr/share/" + name, os.path.join(self.folder, "share", name))
         environment = {
             name: value
