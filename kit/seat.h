@@ -78,7 +78,7 @@ id preferenceValue(const std::string& domain, const std::string& key);
 // What has become of a change.
 enum class PreferenceWrite {
     Stored,  // it is in the file
-    Pending, // another program is writing: a worker waits, and until then the value is read back
+    Pending, // a worker waits for another writer, or writes a large file: the value is read back from now on
     Failed,  // it is lost, as has been logged: what the file holds is read back
 };
 
