@@ -232,10 +232,13 @@ class StoppedPeers(unittest.TestCase):
                 with self.stopped(*processes):
                     self.assert_ends(app)
 
-    def test_a_bus_that_stops_before_it_has_greeted_us_is_said(self):
-        with self.stopped(self.bus), self.start() as app:
-            self.assert_says(app, "the session bus does not answer")
-            self.assert_reacts(app)
+    def test_a_bus_that_stops_before_it_has_greeted_us_is_said_and_serves_when_it_goes_on(self):
+        with contextlib.ExitStack() as started:
+            with self.stopped(self.bus):
+                app = started.enter_context(self.start())
+                self.assert_says(app, "the session bus does not answer")
+                self.assert_reacts(app)
+            app.find(name="A switch")
 
     def test_an_accessibility_bus_that_stops_before_it_has_greeted_us_is_said(self):
         with self.stopped(*self.accessibility), self.start() as app:
