@@ -127,6 +127,29 @@ class PoorDesktops(OnADesktop):
             self.check_works(app)
         bus.stdout.close()
 
+    def start_display(self, size, *options):
+        """Another one, beside the desktop's own; its number."""
+        server = subprocess.Popen(["Xvfb", "-displayfd", "1", "-screen", "0", size + "x24", "-noreset", *options],
+                                  text=True, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
+        self.addCleanup(server.wait)
+        self.addCleanup(server.stdout.close)
+        self.addCleanup(server.kill)
+        number = server.stdout.readline().strip()
+        self.assertTrue(number, "the display has not started")
+        return number
+
+    def test_on_a_small_screen_the_window_is_no_larger(self):
+        for width, height in ((320, 480), (720, 360), (320, 240)):
+            display = ":" + self.start_display(f"{width}x{height}")
+            with self.start(f"small{width}x{height}", DISPLAY=display) as app:
+                app.find("list item")
+
+                def fits():
+                    size = app.find("frame").extents[2:]
+                    return 320 <= size[0] <= width and 240 <= size[1] <= height
+                wait_for(f"a window that fits {width} by {height}", fits)
+                self.assertEqual(app.close(), 0)
+
     def test_on_a_display_of_another_machine(self):
         """By the network, so that no memory can be shared with the display."""
         with socket.socket() as network:
@@ -134,14 +157,7 @@ class PoorDesktops(OnADesktop):
                 network.bind(("127.0.0.1", 0))
             except OSError as error:
                 self.skipTest(f"there is no network, not even to ourselves: {error}")
-        server = subprocess.Popen(["Xvfb", "-displayfd", "1", "-screen", "0", "1000x1000x24", "-listen", "tcp", "-noreset"],
-                                  text=True, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
-        self.addCleanup(server.wait)
-        self.addCleanup(server.stdout.close)
-        self.addCleanup(server.kill)
-        number = server.stdout.readline().strip()
-        self.assertTrue(number, "the display has not started")
-        with self.start("remote", DISPLAY="127.0.0.1:" + number) as app:
+        with self.start("remote", DISPLAY="127.0.0.1:" + self.start_display("1000x1000", "-listen", "tcp")) as app:
             app.find("check box", "A switch").do("Toggle")
             wait_for("the switch in the file", lambda: self.stored("switch_on") is False)
             self.assertEqual(app.close(), 0)
