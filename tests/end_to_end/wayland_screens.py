@@ -37,6 +37,14 @@ class WaylandScreens(unittest.TestCase):
         self.addCleanup(self.app.__exit__, None, None, None)
         self.app.find(role="list", name="Joyvane")
 
+    def move(self, window, screen):
+        def moved():
+            try:
+                return self.tell(window, "move", "window", "to", "output", screen)
+            except subprocess.CalledProcessError:  # it does not have the one or the other yet
+                return None
+        wait_for(f"the window on {screen}", moved)
+
     def wait_for_size(self, width, height):
         """In the window system's units: the window fills the screen, and the page the window."""
         def fills():
@@ -60,18 +68,19 @@ class WaylandScreens(unittest.TestCase):
 
     def test_two_screens_of_different_scale(self):
         self.start("two")
+        self.wait_for_size(WIDTH, HEIGHT)  # the compositor has the window now
         self.tell("create_output")
         name = wait_for("a second screen", lambda: [output["name"] for output in self.tell("-t", "get_outputs")
                                                     if output["name"] != "HEADLESS-1"])[0]
         self.tell("output", name, "resolution", "600x900", "scale", "1.5")
         window = f"[pid={self.app.process.pid}]"
-        self.tell(window, "move", "window", "to", "output", name)
+        self.move(window, name)
         self.wait_for_size(400, 600)
         self.app.press("Controller")
         self.app.press("Keyboard")
         self.app.wait_stored("controller_type", 6)
 
-        self.tell(window, "move", "window", "to", "output", "HEADLESS-1")
+        self.move(window, "HEADLESS-1")
         self.wait_for_size(WIDTH, HEIGHT)
         self.app.press("Controller")
         self.app.press("DualShock 4")
