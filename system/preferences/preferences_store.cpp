@@ -76,6 +76,7 @@ void readStored(const std::string& domain) {
         known().keep(fileOf(domain), readFile(domain), std::nullopt);
     } catch (const std::bad_alloc&) {
         // It is in the file all the same.
+        NSLog("reading the preferences %s: %s", domain.c_str(), outOfMemory);
     }
 }
 
