@@ -16,6 +16,7 @@
 #include <sys/wait.h>
 #include <system_error>
 #include <unistd.h>
+#include <utility>
 
 namespace machine {
 namespace {
@@ -49,7 +50,7 @@ long sumOf(const std::string& text, const std::string& word) {
 
 } // namespace
 
-InputService::InputService() {
+InputService::InputService(std::string module) : m_module(std::move(module)) {
     char folder[] = "/tmp/jvninputd-XXXXXX";
     if (!::mkdtemp(folder)) throw std::system_error(errno, std::generic_category(), "a folder for the service");
     std::filesystem::permissions(folder, static_cast<std::filesystem::perms>(0711));
@@ -72,6 +73,7 @@ void InputService::start() {
         ::prctl(PR_SET_PDEATHSIG, SIGKILL);
         const int log = ::open((m_folder + "/log").c_str(), O_WRONLY | O_CREAT | O_APPEND, 0600);
         ::dup2(log, 2);
+        if (!m_module.empty()) ::setenv("LD_PRELOAD", m_module.c_str(), 1);
         ::execl(JVNINPUTD_PROGRAM, "jvninputd", "--socket", m_socket.c_str(), static_cast<char*>(nullptr));
         ::_exit(127);
     }

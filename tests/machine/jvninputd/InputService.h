@@ -9,7 +9,8 @@ namespace machine {
 // of the scope. What cannot be done throws std::system_error.
 class InputService {
 public:
-    InputService();
+    // The module, if one is given, is loaded into it before all others.
+    explicit InputService(std::string module = {});
     ~InputService();
     InputService(const InputService&) = delete;
     InputService& operator=(const InputService&) = delete;
@@ -34,6 +35,7 @@ public:
     long descriptors() const;
 
 private:
+    std::string m_module;
     std::string m_folder;
     std::string m_socket;
     pid_t m_process = -1;

@@ -1,31 +1,38 @@
 #include "tests/machine/jvninputd/PlayingTest.h"
+#include "tests/machine/support/LoginSession.h"
 #include "tests/machine/support/Program.h"
 
 #include <algorithm>
 #include <array>
 #include <csignal>
 #include <random>
+#include <unistd.h>
 
 namespace machine {
 namespace {
 
-// A hundred thousand random presses on two keyboards, while games, clients, keymaps and the service come and go. At
-// every halt all fingers are lifted, and then nothing may be down and, without a game, nothing taken; and with a game
-// and no more disturbance the pad shows what a model says.
+// A hundred thousand random presses on two keyboards, while games, clients, keymaps, the keyboards themselves and the
+// service come and go, and the session of the user who plays is locked and unlocked. At every halt all fingers are
+// lifted, and then nothing may be down and, without a game, nothing taken; and with a game and no more disturbance the
+// pad shows what a model says.
 class Soak : public ::testing::Test {
 protected:
     static constexpr unsigned long wanted = 100'000;
     static constexpr std::array<std::uint16_t, 12> keys{KEY_W, KEY_A, KEY_S,   KEY_D,        KEY_K,         KEY_L,
                                                         KEY_Q, KEY_Z, KEY_TAB, KEY_LEFTCTRL, KEY_RIGHTCTRL, KEY_ESC};
 
+    void SetUp() override {
+        for (const unsigned which : {0U, 1U}) plugIn(which);
+    }
+    void TearDown() override { unlock(); }
+
     unsigned below(unsigned end) { return static_cast<unsigned>(m_random() % end); }
 
     void touch() {
         const unsigned which = below(2);
-        VirtualKeyboard& keyboard = which ? second : first;
         const std::uint16_t key = keys[below(keys.size())];
         bool& isDown = down[which][key];
-        keyboard.send(EV_KEY, key, isDown ? 0 : 1);
+        keyboards[which]->send(EV_KEY, key, isDown ? 0 : 1);
         isDown = !isDown;
         presses += isDown;
     }
@@ -34,12 +41,40 @@ protected:
     void lift() {
         for (const unsigned which : {0U, 1U})
             for (auto& [key, isDown] : down[which]) {
-                if (isDown) (which ? second : first).release(key);
+                if (isDown) keyboards[which]->release(key);
                 isDown = false;
             }
     }
+    void plugIn(unsigned which) {
+        keyboards[which].emplace(DeviceDescription{.name = which ? "Second Keyboard" : "First Keyboard"});
+    }
+    // Whatever is held on it is held no more.
+    void unplug(unsigned which) {
+        keyboards[which].reset();
+        down[which].clear();
+        ++unplugged;
+    }
+    void lock() {
+        anna.lock();
+        isLocked = true;
+        ++locked;
+        if (governor) ASSERT_TRUE(governor->waitFor(input::Readiness::locked)) << service.log();
+        expectNothingTakenOrDown();
+    }
+    void unlock() {
+        if (isLocked) anna.unlock();
+        isLocked = false;
+    }
     void govern() {
-        governor.emplace(service.socket(), input::Role::govern);
+        // The socket says who it is by whom the process is when it connects.
+        struct AsAnna {
+            AsAnna() { EXPECT_EQ(::seteuid(kAnna), 0); }
+            ~AsAnna() { EXPECT_EQ(::seteuid(kRoot), 0); }
+        };
+        {
+            const AsAnna asAnna;
+            governor.emplace(service.socket(), input::Role::govern);
+        }
         changeKeymap();
     }
     void changeKeymap() {
@@ -58,7 +93,8 @@ protected:
         }
     }
     void disturb() {
-        switch (below(8)) {
+        if (below(2)) unlock();
+        switch (below(12)) {
         case 0:
             govern();
             break;
@@ -80,32 +116,55 @@ protected:
             for (int i = 0; i < 30; ++i) touch();
             service.signal(SIGCONT);
             break;
+        case 7:
+        case 8:
+            lock();
+            break;
+        case 9:
+        case 10: {
+            const unsigned which = below(2);
+            unplug(which);
+            plugIn(which);
+            break;
+        }
         default:
             service.kill();
             service.start();
             governor.reset();
         }
     }
+    // By us; fingers may be on the keyboards.
+    void expectNothingTakenOrDown() {
+        for (const auto& keyboard : keyboards) {
+            EventReader everybody(keyboard->node());
+            ASSERT_TRUE(waitUntil([&] { return !everybody.grabbedByOthers(); }));
+        }
+        for (const std::string& node : eventNodes(standInName)) {
+            try {
+                ASSERT_EQ(EventReader(node).keysDown(), 0);
+            } catch (const std::system_error&) { // it has just gone
+            }
+        }
+    }
     void halt() {
         lift();
+        unlock();
         if (!governor) govern();
         governor->play(defaultBindings());
         // With a game it plays (or is paused: the next game ends that), without one everybody has the keyboards.
         game.reset();
         // udev looks at a new pad, on a busy computer for so long that it counts as a game; then at what became of it.
         settle(service.socket());
+        ASSERT_TRUE(governor->waitFor([](const auto& state) { return state.profile != input::Profile::none; }))
+            << "readiness " << static_cast<int>(governor->state().readiness) << service.log();
         ASSERT_EQ(run({"udevadm", "settle"}, kRoot, 6 * kLongTimeout).status, 0);
         settle(service.socket());
         ASSERT_TRUE(governor->waitFor(input::Readiness::waitingForGame))
             << "readiness " << static_cast<int>(governor->state().readiness) << ", keyboards "
             << static_cast<int>(governor->state().keyboards) << ", taken "
             << static_cast<int>(governor->state().keyboardsTaken) << service.log();
-        for (const VirtualKeyboard* keyboard : {&first, &second}) {
-            EventReader everybody(keyboard->node());
-            ASSERT_TRUE(waitUntil([&] { return !everybody.grabbedByOthers(); }));
-            ASSERT_EQ(everybody.keysDown(), 0);
-        }
-        for (const std::string& node : eventNodes(standInName)) ASSERT_EQ(EventReader(node).keysDown(), 0);
+        for (const auto& keyboard : keyboards) ASSERT_EQ(EventReader(keyboard->node()).keysDown(), 0);
+        expectNothingTakenOrDown();
         const std::string node = waitForEventNode(padName);
         ASSERT_FALSE(node.empty());
         game.emplace(node);
@@ -126,6 +185,10 @@ protected:
         if (held(low) && held(high)) return pressedLast.at(low) > pressedLast.at(high) ? -1 : 1;
         return held(high) - held(low);
     }
+    bool padShowsWhatIsHeld() const {
+        return game->isDown(BTN_A) == held(KEY_K) && game->isDown(BTN_B) == held(KEY_L) &&
+               game->axis(ABS_HAT0X) == direction(KEY_A, KEY_D) && game->axis(ABS_HAT0Y) == direction(KEY_W, KEY_S);
+    }
     // From a halt on: slowly enough that nothing is dropped.
     void playByTheModel() {
         constexpr std::array<std::uint16_t, 6> played{KEY_W, KEY_A, KEY_S, KEY_D, KEY_K, KEY_L};
@@ -137,24 +200,31 @@ protected:
             isDown = !isDown;
             if (isDown) pressedLast[key] = step;
             presses += isDown;
-            (which ? second : first).send(EV_KEY, key, isDown);
+            keyboards[which]->send(EV_KEY, key, isDown);
             settle(service.socket());
-            ASSERT_EQ(game->isDown(BTN_A), held(KEY_K));
-            ASSERT_EQ(game->isDown(BTN_B), held(KEY_L));
-            ASSERT_EQ(game->axis(ABS_HAT0X), direction(KEY_A, KEY_D));
-            ASSERT_EQ(game->axis(ABS_HAT0Y), direction(KEY_W, KEY_S));
+            ASSERT_TRUE(padShowsWhatIsHeld()) << "step " << step;
         }
+        // In the middle of presses one of the keyboards goes, and another one comes.
+        const unsigned which = below(2);
+        unplug(which);
+        ASSERT_TRUE(waitUntil([&] { return padShowsWhatIsHeld(); }));
+        plugIn(which);
+        ASSERT_TRUE(governor->waitFor([](const auto& state) { return state.keyboardsTaken == 2; })) << service.log();
+        ASSERT_TRUE(padShowsWhatIsHeld());
     }
 
+    LoginSession& anna = LoginSession::ofAnna();
     InputService service;
-    VirtualKeyboard first{{.name = "First Keyboard"}};
-    VirtualKeyboard second{{.name = "Second Keyboard"}};
+    std::optional<VirtualKeyboard> keyboards[2];
     std::optional<InputClient> governor;
     std::optional<EventReader> game;
     std::map<std::uint16_t, bool> down[2];
     std::map<std::uint16_t, unsigned> pressedLast; // when
     unsigned long presses = 0;
     int halts = 0;
+    bool isLocked = false;
+    int locked = 0;
+    int unplugged = 0;
     std::mt19937 m_random{1};
 };
 
@@ -170,7 +240,9 @@ TEST_F(Soak, RandomPressesAmongRandomEventsLeaveNothingDownAndNothingTaken) {
         halt();
         if (!HasFatalFailure()) playByTheModel();
     }
-    std::printf("%lu presses, %d halts\n", presses, halts);
+    std::printf("%lu presses, %d halts, %d times unplugged, %d times locked\n", presses, halts, unplugged, locked);
+    EXPECT_GT(unplugged, 0);
+    EXPECT_GT(locked, 0);
     EXPECT_LE(service.descriptors(), descriptors + 12) << "as many as devices and clients need";
 }
 
