@@ -136,20 +136,28 @@ class Desktop:
         ).stdout.strip()
 
     def click(self, x, y):
-        self.xdotool("mousemove", "--sync", round(x), round(y), "click", 1)
+        self.point(x, y)
+        self.xdotool("click", 1)
+
+    def point(self, x, y):
+        """The pointer is not sent to where it is: xdotool would wait 15 seconds for it to move."""
+        place = [f"X={round(x)}", f"Y={round(y)}"]
+        if self.xdotool("getmouselocation", "--shell").split()[:2] != place:
+            self.xdotool("mousemove", "--sync", round(x), round(y))
 
     def drag(self, start, end, steps=12):
         """Presses at `start`, moves to `end` in steps and releases."""
-        self.xdotool("mousemove", "--sync", round(start[0]), round(start[1]), "mousedown", 1)
+        self.point(*start)
+        self.xdotool("mousedown", 1)
         for i in range(1, steps + 1):
             x = start[0] + (end[0] - start[0]) * i / steps
             y = start[1] + (end[1] - start[1]) * i / steps
-            self.xdotool("mousemove", "--sync", round(x), round(y))
+            self.point(x, y)
         self.xdotool("mouseup", 1)
 
     def wheel(self, x, y, steps):
         """Scrolls the content up by `steps` (down when negative) at a place."""
-        self.xdotool("mousemove", "--sync", round(x), round(y))
+        self.point(x, y)
         for _ in range(abs(steps)):
             self.xdotool("click", 5 if steps > 0 else 4)
 
