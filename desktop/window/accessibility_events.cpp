@@ -27,7 +27,7 @@ static const QDBusArgument& operator>>(const QDBusArgument& argument, Accessible
     argument.beginStructure();
     argument >> reference.connection >> reference.path;
     argument.endStructure();
-    return argument;
+    return argument; // NOLINT(bugprone-return-const-ref-from-parameter): the toolkit wants it so
 }
 
 namespace {
