@@ -74,9 +74,9 @@ void DaemonWatch::look() {
 }
 
 void DaemonWatch::read() {
-    auto status = statusIn(m_path);
+    const auto status = statusIn(m_path);
     if (status == m_status) return;
-    m_status = std::move(status);
+    m_status = status;
     m_changed();
 }
 

@@ -121,7 +121,7 @@ app::ParsedOptions app::parseOptions(std::span<const char* const> arguments) {
             if (!value)
                 result.problem = name + " needs a value";
             else if (auto wrong = option->value(result.options, *value); !wrong.empty())
-                result.problem = name + ": \"" + std::string(*value) + "\" " + wrong;
+                result.problem.append(name).append(": \"").append(*value).append("\" ").append(wrong);
         }
         if (!result.problem.empty()) return result;
     }

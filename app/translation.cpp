@@ -33,7 +33,7 @@ void app::speakTheUsersLanguage() {
     if (own.starts_with("en") && !(wanted && *wanted)) return;
     // A language whose locale the system does not have can be spoken all the same.
     if (!std::setlocale(LC_MESSAGES, "") && std::setlocale(LC_MESSAGES, "C.UTF-8") && !(wanted && *wanted))
-        seat::setVariableForUsAlone("LANGUAGE", own.substr(0, own.find_first_of(".@")).c_str());
+        seat::setVariableForUsAlone("LANGUAGE", own.substr(0, own.find_first_of(".@")));
     std::error_code error;
     const auto above = std::filesystem::read_symlink("/proc/self/exe", error).parent_path().parent_path();
     ::bindtextdomain(domain, (above / "share/locale").c_str());

@@ -126,7 +126,7 @@ void HelpScreen::addText(const std::string& text) {
 
 void HelpScreen::addButton(const std::string& title, SEL action, const std::string& footer) {
     const auto button = TextButton::alloc()->initWithTitle_kind(title, TextButton::Kind::Row);
-    button->addTarget_action_forControlEvents(self(this), std::move(action), UIControlEventTouchUpInside);
+    button->addTarget_action_forControlEvents(self(this), action, UIControlEventTouchUpInside);
     const auto card = CardView::alloc()->init();
     card->add(button);
     m_column->add(card, sectionSpace);

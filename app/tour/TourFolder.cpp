@@ -49,7 +49,7 @@ bool app::TourFolder::list(const std::string& name) const {
 }
 
 std::string app::TourFolder::claim(const std::string& name, std::string& problem) {
-    const std::string path = m_path + "/" + name;
+    std::string path = m_path + "/" + name;
     std::error_code error;
     if (fs::exists(fs::symlink_status(path, error))) {
         problem = path + " is no tour's, and is in the way";

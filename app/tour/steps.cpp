@@ -286,8 +286,9 @@ std::string app::perform(const ScriptLine& line, Tour& tour) {
     for (const Verb& verb : verbs) {
         if (verb.name != word) continue;
         if (word != "say") tour.recorder.note("> " + asText(line));
-        const auto problem = verb.perform(Words(line.words).subspan(1), tour);
-        return problem.empty() ? problem : word + ": " + problem;
+        auto problem = verb.perform(Words(line.words).subspan(1), tour);
+        if (!problem.empty()) problem.insert(0, word + ": ");
+        return problem;
     }
     return "there is no step called " + word;
 }

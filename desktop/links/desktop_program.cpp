@@ -77,9 +77,10 @@ std::optional<DesktopProgram> entryNamed(const std::string& name) {
                               variable("XDG_DATA_DIRS", "/usr/local/share:/usr/share"));
     for (std::string folder; std::getline(folders, folder, ':');) {
         if (!folder.starts_with('/')) continue;
+        const std::string entries = folder + "/applications/";
         std::string file = name;
         for (auto dash = std::string::npos;; file[dash] = '/') {
-            const std::string path = folder + "/applications/" + file;
+            const std::string path = entries + file;
             if (::access(path.c_str(), R_OK) == 0) return DesktopProgram{path};
             dash = file.find('-');
             if (dash == std::string::npos) break;

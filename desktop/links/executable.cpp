@@ -27,8 +27,7 @@ std::string pathOf(const std::string& program) {
     const char* const path = std::getenv("PATH");
     std::stringstream folders(path ? path : "/usr/local/bin:/usr/bin:/bin");
     for (std::string folder; std::getline(folders, folder, ':');)
-        if (const std::string found = folder + "/" + program; isFile(found) && ::access(found.c_str(), X_OK) == 0)
-            return found;
+        if (folder.append("/").append(program); isFile(folder) && ::access(folder.c_str(), X_OK) == 0) return folder;
     return {};
 }
 
@@ -39,7 +38,8 @@ std::string interpreterOf(const std::string& path) {
     file.read(start.data(), start.size());
     const std::string_view text(start.data(), static_cast<std::size_t>(file.gcount()));
     if (!text.starts_with("#!")) return {};
-    const auto line = text.substr(2, text.find('\n') == std::string_view::npos ? text.npos : text.find('\n') - 2);
+    const auto line =
+        text.substr(2, text.find('\n') == std::string_view::npos ? std::string_view::npos : text.find('\n') - 2);
     const auto begin = line.find_first_not_of(blanks);
     if (begin == std::string_view::npos) return {};
     return std::string(line.substr(begin, line.find_first_of(blanks, begin) - begin));

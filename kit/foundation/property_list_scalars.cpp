@@ -9,8 +9,9 @@ namespace {
 
 template <class T, class... Base> std::optional<T> parse(std::string_view text, Base... base) {
     T value{};
-    const char* const end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, value, base...);
+    const char* const begin = text.data();
+    const char* const end = begin + text.size();
+    const auto [stop, error] = std::from_chars(begin, end, value, base...);
     if (error != std::errc() || stop != end) return std::nullopt;
     return value;
 }

@@ -17,7 +17,8 @@ void CALayer::insertSublayer_atIndex(const std::shared_ptr<CALayer>& layer, unsi
     if (!layer) return;
     for (const CALayer* ancestor = this; ancestor; ancestor = ancestor->superlayer())
         if (ancestor == layer.get()) return; // a layer cannot stand in itself
-    const auto kept = layer;                 // the argument may be the very element that is taken out
+    // The argument may be the very element that is taken out.
+    const auto kept = layer; // NOLINT(performance-unnecessary-copy-initialization)
     LayerInternals::takeOut(*kept);
     auto& sublayers = m_layer->sublayers;
     const auto at = std::min<std::size_t>(index, sublayers.size());

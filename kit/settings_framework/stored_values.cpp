@@ -20,7 +20,8 @@ bool isOutdated(PSListController& page) {
 } // namespace
 
 void showStoredValues(UINavigationController& navigation) {
-    const auto screens = navigation.viewControllers(); // a page that is reloaded may change them
+    // A page that is reloaded may change them.
+    const auto screens = navigation.viewControllers(); // NOLINT(performance-unnecessary-copy-initialization)
     for (const auto& screen : screens) {
         if (const auto page = std::dynamic_pointer_cast<PSListController>(screen); page && isOutdated(*page))
             page->reloadSpecifiers();

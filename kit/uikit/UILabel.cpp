@@ -37,7 +37,7 @@ bool isSameColor(const std::shared_ptr<UIColor>& a, const std::shared_ptr<UIColo
 const std::shared_ptr<UIColor>& legible(const std::shared_ptr<UIColor>& color) {
     if (color == UIColor::blackColor()) return seat::appearance::textColor();
     if (color == UIColor::blueColor()) return seat::appearance::tintColor();
-    return color;
+    return color; // NOLINT(bugprone-return-const-ref-from-parameter): a label's own, which outlives the call
 }
 
 bool looksTheSame(const NSAttributedString& a, const NSAttributedString& b) {
@@ -111,7 +111,8 @@ const std::shared_ptr<UIColor>& UILabel::textColor() const { return m_textColor;
 
 void UILabel::setTextColor(std::shared_ptr<UIColor> color) {
     if (color == m_textColor) return;
-    m_textColor = color ? std::move(color) : seat::appearance::textColor();
+    if (!color) color = seat::appearance::textColor();
+    m_textColor = std::move(color);
     setNeedsDisplay();
 }
 

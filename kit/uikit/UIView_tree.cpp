@@ -70,7 +70,8 @@ bool UIView::isDescendantOfView(const UIView* view) const {
 void UIView::addSubview(const std::shared_ptr<UIView>& view) { insertSubview_atIndex(view, m_view->subviews.size()); }
 
 void UIView::insertSubview_atIndex(const std::shared_ptr<UIView>& given, std::size_t index) {
-    const auto view = given; // the argument may live in a list that changes here
+    // The argument may live in a list that changes here.
+    const auto view = given; // NOLINT(performance-unnecessary-copy-initialization)
     if (!view || isDescendantOfView(view.get())) return;
 
     const auto keep = shared_from_this();

@@ -120,7 +120,8 @@ bool escapeFromProgress(const UIWindow& window) {
         return view->accessibilityRole() == UIAccessibilityRole::ProgressIndicator && ViewInternals::isVisible(*view);
     });
     if (panel == subviews.rend()) return false;
-    const auto keep = *panel;
+    // It may take itself away meanwhile.
+    const auto keep = *panel; // NOLINT(performance-unnecessary-copy-initialization)
     return keep->accessibilityPerformEscape();
 }
 

@@ -204,7 +204,8 @@ void seat::BusConnection::close() {
 }
 
 void seat::BusConnection::fail(const std::string& reason) {
-    const std::string kept = reason; // the argument may live in what is cleared
+    // The argument may live in what is cleared.
+    const std::string kept = reason; // NOLINT(performance-unnecessary-copy-initialization)
     close();
     m_owner.busIsGone(kept);
 }

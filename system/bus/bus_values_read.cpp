@@ -19,7 +19,7 @@ public:
 private:
     template <class T> static T basic(DBusMessageIter& at) {
         T result{};
-        ::dbus_message_iter_get_basic(&at, &result);
+        ::dbus_message_iter_get_basic(&at, static_cast<void*>(&result));
         return result;
     }
     std::optional<id> string(DBusMessageIter& at);
@@ -136,7 +136,7 @@ std::optional<id> Reader::dictionary(DBusMessageIter& entries, int depth) {
 std::optional<id> Reader::bytes(DBusMessageIter& elements) {
     const std::uint8_t* first = nullptr;
     int count = 0;
-    ::dbus_message_iter_get_fixed_array(&elements, &first, &count);
+    ::dbus_message_iter_get_fixed_array(&elements, static_cast<void*>(&first), &count);
     m_bytes += static_cast<std::size_t>(count);
     if (m_bytes > seat::busValueBytes) return refuse("it is too long");
     return id(NSData::dataWithBytes({first, static_cast<std::size_t>(count)}));

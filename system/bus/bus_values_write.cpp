@@ -31,7 +31,7 @@ public:
 
 private:
     template <class T> bool basic(int type, T value) {
-        return ::dbus_message_iter_append_basic(&m_at, type, &value) != FALSE;
+        return ::dbus_message_iter_append_basic(&m_at, type, static_cast<const void*>(&value)) != FALSE;
     }
     bool text(int type, const id& value) {
         const std::string* const string = value.string();
@@ -143,8 +143,8 @@ bool Writer::bytes(const NSData& data) {
     DBusMessageIter elements;
     if (!::dbus_message_iter_open_container(&m_at, DBUS_TYPE_ARRAY, "y", &elements)) return false;
     const std::uint8_t* const first = data.bytes().data();
-    const bool fits =
-        ::dbus_message_iter_append_fixed_array(&elements, DBUS_TYPE_BYTE, &first, static_cast<int>(data.length()));
+    const bool fits = ::dbus_message_iter_append_fixed_array(
+        &elements, DBUS_TYPE_BYTE, static_cast<const void*>(&first), static_cast<int>(data.length()));
     return finish(m_at, elements, fits);
 }
 

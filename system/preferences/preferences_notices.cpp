@@ -25,7 +25,6 @@ void seat::tellOfPreferences(PreferencesNotice::What what, const std::string& do
             // A copy: it may be replaced by what it does.
             if (const auto call = handler()) call(notice);
         });
-    } catch (const std::bad_alloc&) {
-        // The log has it.
+    } catch (const std::bad_alloc&) { // NOLINT(bugprone-empty-catch): the log has it
     }
 }

@@ -124,6 +124,7 @@ PreferencesWriteResult changePreferencesFile(const std::string& folder, const st
     std::string aside;
     // Not every program knows the lock, and a lock's file can be removed. Whoever replaced the file since it was read
     // must not lose what it wrote.
+    const std::string path = folder + "/" + domain + ".plist";
     int changed = 0;
     int lost = 0;
     for (;;) {
@@ -132,7 +133,7 @@ PreferencesWriteResult changePreferencesFile(const std::string& folder, const st
         const auto taken = changes.take();
         // Another thread has stored them with its own.
         if (!taken.whole && taken.keys.empty()) return {true, false, {}, aside};
-        Writer writer(folder + "/" + domain + ".plist", domain, lock);
+        Writer writer(path, domain, lock);
         const auto outcome = writer.tryOnce(taken);
         // At once: what is in the file is in the file, whatever fails from here on.
         if (outcome == Writer::Outcome::Stored) changes.stored();

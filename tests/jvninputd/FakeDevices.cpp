@@ -15,21 +15,21 @@ std::string text(std::span<const Event> events) {
 
 KeySet FakeDevices::open(KeyboardId id) {
     calls.push_back("open " + std::to_string(id));
-    if (keyboards[id].open) wrong.push_back("opened twice");
+    if (keyboards[id].open) wrong.emplace_back("opened twice");
     keyboards[id].open = true;
     return keyboards[id].down;
 }
 
 void FakeDevices::close(KeyboardId id) {
     calls.push_back("close " + std::to_string(id));
-    if (!keyboards[id].open) wrong.push_back("closed but not open");
+    if (!keyboards[id].open) wrong.emplace_back("closed but not open");
     keyboards[id].open = keyboards[id].taken = false;
     keyboards[id].standIn.clear();
 }
 
 Devices::Taken FakeDevices::take(KeyboardId id, KeySet& keysDown) {
     Keyboard& keyboard = keyboards[id];
-    if (!keyboard.open || keyboard.taken) wrong.push_back("taken twice, or not open");
+    if (!keyboard.open || keyboard.taken) wrong.emplace_back("taken twice, or not open");
     keysDown = keyboard.down;
     if (keyboard.otherHasIt || keyboard.down.any()) return Taken::no;
     calls.push_back("take " + std::to_string(id));
@@ -39,26 +39,26 @@ Devices::Taken FakeDevices::take(KeyboardId id, KeySet& keysDown) {
 
 void FakeDevices::giveBack(KeyboardId id) {
     calls.push_back("give back " + std::to_string(id));
-    if (!keyboards[id].taken) wrong.push_back("given back but not taken");
-    if (!keyboards[id].standIn.empty()) wrong.push_back("given back while the stand-in holds keys");
+    if (!keyboards[id].taken) wrong.emplace_back("given back but not taken");
+    if (!keyboards[id].standIn.empty()) wrong.emplace_back("given back while the stand-in holds keys");
     keyboards[id].taken = false;
 }
 
 void FakeDevices::forward(KeyboardId id, std::span<const Event> events) {
     calls.push_back("desktop " + std::to_string(id) + " " + text(events));
-    if (!keyboards[id].taken) wrong.push_back("forwarded for a keyboard that is not taken");
+    if (!keyboards[id].taken) wrong.emplace_back("forwarded for a keyboard that is not taken");
     for (const Event event : events) {
         if (event.type != EV_KEY) continue;
         if (event.value == 0) keyboards[id].standIn.erase(event.code);
         if (event.value == 1) keyboards[id].standIn.insert(event.code);
         if (event.value == 2 && !keyboards[id].standIn.contains(event.code))
-            wrong.push_back("a repeat of a key that is up");
+            wrong.emplace_back("a repeat of a key that is up");
     }
 }
 
 bool FakeDevices::makePad(input::Profile profile) {
     calls.push_back("make pad " + std::to_string(static_cast<int>(profile)));
-    if (!padState.empty()) wrong.push_back("the old pad went while it showed something");
+    if (!padState.empty()) wrong.emplace_back("the old pad went while it showed something");
     padState.clear();
     pad = padCanBeMade ? profile : input::Profile::none;
     return pad == profile;
@@ -66,7 +66,7 @@ bool FakeDevices::makePad(input::Profile profile) {
 
 void FakeDevices::emit(std::span<const Event> events) {
     calls.push_back("pad " + text(events));
-    if (pad == input::Profile::none) wrong.push_back("shown without a pad");
+    if (pad == input::Profile::none) wrong.emplace_back("shown without a pad");
     for (const Event event : events) {
         const auto buttons = padButtons(pad);
         const auto axes = padAxes(pad);

@@ -43,7 +43,7 @@ struct PlayerWorld {
     // A keyboard (1), something to play, and a game that listens.
     void startGame(Keymap keymap = keymapOf(defaultBindings)) {
         plugIn(1);
-        player.play(something(std::move(keymap)), Player::GiveBack::WhenFree, now);
+        player.play(something(keymap), Player::GiveBack::WhenFree, now);
         player.setListening(true, now);
     }
 

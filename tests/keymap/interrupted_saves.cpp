@@ -9,6 +9,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iterator>
 #include <sched.h>
 #include <sys/mount.h>
@@ -166,7 +167,7 @@ TEST_F(InterruptedSave, InAReadOnlyFolderLeavesTheOldFile) {
 class Victim {
 public:
     // What the child does between the two stops is what is interrupted.
-    template <class Work> explicit Victim(Work&& work) : m_process(::fork()) {
+    explicit Victim(const std::function<void()>& work) : m_process(::fork()) {
         if (m_process != 0) return;
         ::ptrace(PTRACE_TRACEME, 0, nullptr, nullptr);
         ::raise(SIGSTOP);

@@ -87,6 +87,8 @@ TEST(HexColour, IsWrittenInLowerCaseAndCut) {
     EXPECT_EQ(JVNStringColorForUIColor(hsb(0.5, 1, 0.5)), "007f7f");
 }
 
+std::string thrice(const std::string& text) { return text + text + text; }
+
 TEST(HexColour, TwentyFourByteValuesComeBackOneLower) {
     const std::vector<int> lossy{33, 37,  41,  45,  49,  53,  57,  61,  66,  74,  82,  90,
                                  98, 106, 114, 122, 132, 148, 164, 180, 196, 212, 228, 244};
@@ -94,7 +96,7 @@ TEST(HexColour, TwentyFourByteValuesComeBackOneLower) {
         const bool isLossy = std::find(lossy.begin(), lossy.end(), value) != lossy.end();
         const std::string byte = hexOfByte(value);
         const std::string back = hexOfByte(isLossy ? value - 1 : value);
-        EXPECT_EQ(roundTrip(byte + byte + byte), back + back + back);
+        EXPECT_EQ(roundTrip(thrice(byte)), thrice(back));
     }
     EXPECT_EQ(roundTrip("212121"), "202020");
     EXPECT_EQ(lossy.size(), 24u);

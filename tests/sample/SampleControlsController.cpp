@@ -5,6 +5,7 @@
 #include "platform/uikit/UINavigationController.h"
 
 #include <algorithm>
+#include <cmath>
 
 NS_CLASS_IMPLEMENTATION(SampleControlsController, UIViewController, method<&SampleControlsController::init>("init"),
                         method<&SampleControlsController::switchChanged>("switchChanged"),
@@ -76,5 +77,5 @@ void SampleControlsController::viewDidLayoutSubviews() {
 void SampleControlsController::switchChanged() { m_report->setText(m_switch->isOn() ? "Switched on" : "Switched off"); }
 
 void SampleControlsController::sliderChanged() {
-    m_report->setText(NSStringWithFormat("Slid to %d percent", static_cast<int>(m_slider->value() * 100 + 0.5)));
+    m_report->setText(NSStringWithFormat("Slid to %d percent", static_cast<int>(std::lround(m_slider->value() * 100))));
 }

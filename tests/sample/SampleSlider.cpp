@@ -7,6 +7,7 @@
 #include "platform/uikit/UITapGestureRecognizer.h"
 
 #include <algorithm>
+#include <cmath>
 
 NS_CLASS_IMPLEMENTATION(SampleSlider, UIControl, method<&SampleSlider::touched>("touched:"))
 
@@ -60,7 +61,7 @@ void SampleSlider::drawRect(CGRect) {
 }
 
 std::string SampleSlider::accessibilityValue() const {
-    return NSStringWithFormat("%d percent", static_cast<int>(m_value * 100 + 0.5));
+    return NSStringWithFormat("%d percent", static_cast<int>(std::lround(m_value * 100)));
 }
 
 bool SampleSlider::accessibilityStep(UIAccessibilityDirection direction, UIAccessibilityStep step) {

@@ -139,7 +139,7 @@ TEST_F(LoggedTool, OneThatHasReportedOrWasInterruptedLeavesNoLine) {
     installTool("while [ ! -e \"$0.go\" ]; do sleep 0.01; done\n");
     ASSERT_TRUE(app.tap("Pair Controller"));
     report(4);
-    std::ofstream(app.root() + "/usr/bin/jvndiscovery.go");
+    const std::ofstream made(app.root() + "/usr/bin/jvndiscovery.go");
     const int tool = page->discoveryTask()->processIdentifier();
     ASSERT_TRUE(app.waitUntil([&] { return platform::kill(tool, 0) != 0; }));
     app.waitUntil([] { return false; }, 0.3); // longer, on the held clock, than a last report is waited for

@@ -35,7 +35,7 @@ protected:
             ::dbus_message_iter_open_container(&at, DBUS_TYPE_ARRAY, "{sv}", &entries);
             ::dbus_message_iter_open_container(&entries, DBUS_TYPE_DICT_ENTRY, nullptr, &entry);
             const char* const key = "JVNDiscoveryState";
-            ::dbus_message_iter_append_basic(&entry, DBUS_TYPE_STRING, &key);
+            ::dbus_message_iter_append_basic(&entry, DBUS_TYPE_STRING, static_cast<const void*>(&key));
             ::dbus_message_iter_open_container(&entry, DBUS_TYPE_VARIANT, signature, &variant);
             value(variant);
             ::dbus_message_iter_close_container(&entry, &variant);
@@ -44,8 +44,9 @@ protected:
         };
     }
     template <class Value> static BusPeer::Arguments basic(const char* signature, Value value) {
-        return state(signature,
-                     [=](DBusMessageIter& at) { ::dbus_message_iter_append_basic(&at, signature[0], &value); });
+        return state(signature, [=](DBusMessageIter& at) {
+            ::dbus_message_iter_append_basic(&at, signature[0], static_cast<const void*>(&value));
+        });
     }
     static void nest(DBusMessageIter& at, int depth) {
         DBusMessageIter inner;
@@ -208,7 +209,7 @@ TEST_F(PairingMessages, WhatIsNoReportIsDroppedWithALineForAllOfThem) {
     const BusPeer::Arguments nonsense[] = {
         [](DBusMessageIter& at) {
             const char* const text = "2";
-            ::dbus_message_iter_append_basic(&at, DBUS_TYPE_STRING, &text);
+            ::dbus_message_iter_append_basic(&at, DBUS_TYPE_STRING, static_cast<const void*>(&text));
         },
         [](DBusMessageIter& at) { // two of them
             testing_support::integerDictionary("JVNDiscoveryState", 2)(at);

@@ -5,6 +5,8 @@ namespace {
 
 const std::string head = "[Setup] | Controller | Connection | ";
 const std::string tail = " | [Help] | PS3 Pairing Instructions | Restart Daemons";
+
+std::string between(const char* rows) { return head + rows + tail; }
 const id yes = NSNumber::numberWithBool(true);
 
 class Rows : public PageTest {};
@@ -42,7 +44,7 @@ TEST_F(Rows, WithAmbientColourOnHaveNoChooser) {
 TEST_F(Rows, OfTheOtherPairedTypesHaveOnlyThePairRow) {
     for (const long type : {2, 3, 4}) {
         show(type);
-        EXPECT_EQ(rows(), head + "Pair Controller" + tail) << type;
+        EXPECT_EQ(rows(), between("Pair Controller")) << type;
     }
 }
 
@@ -185,9 +187,9 @@ TEST_F(Rows, HidingTheChooserTakesItAwayWhetherItMayBeAddedOrNot) {
     for (const bool addIfMissing : {false, true}) {
         show(1);
         page->setHasColorChooserSpecifier_addIfMissing(false, addIfMissing);
-        EXPECT_EQ(rows(), head + "Pair Controller | [DualShock 4] | Ambient LED Color" + tail) << addIfMissing;
+        EXPECT_EQ(rows(), between("Pair Controller | [DualShock 4] | Ambient LED Color")) << addIfMissing;
         page->setHasColorChooserSpecifier_addIfMissing(false, addIfMissing);
-        EXPECT_EQ(rows(), head + "Pair Controller | [DualShock 4] | Ambient LED Color" + tail) << addIfMissing;
+        EXPECT_EQ(rows(), between("Pair Controller | [DualShock 4] | Ambient LED Color")) << addIfMissing;
     }
 }
 

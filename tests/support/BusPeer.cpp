@@ -87,7 +87,8 @@ int BusPeer::ownersAndWaiting(const std::string& name) const {
     DBusMessage* const question = message(DBUS_SERVICE_DBUS, DBUS_PATH_DBUS, DBUS_INTERFACE_DBUS, "ListQueuedOwners",
                                           [&name](DBusMessageIter& at) {
                                               const char* const text = name.c_str();
-                                              ::dbus_message_iter_append_basic(&at, DBUS_TYPE_STRING, &text);
+                                              ::dbus_message_iter_append_basic(&at, DBUS_TYPE_STRING,
+                                                                               static_cast<const void*>(&text));
                                           });
     DBusMessage* const reply = ::dbus_connection_send_with_reply_and_block(m_connection, question, 10'000, nullptr);
     ::dbus_message_unref(question);
@@ -133,7 +134,7 @@ BusPeer::Arguments integerDictionary(const std::string& key, int value) {
         DBusMessageIter entry = open(entries, DBUS_TYPE_DICT_ENTRY, nullptr);
         const char* const text = key.c_str();
         const dbus_int32_t number = value;
-        ::dbus_message_iter_append_basic(&entry, DBUS_TYPE_STRING, &text);
+        ::dbus_message_iter_append_basic(&entry, DBUS_TYPE_STRING, static_cast<const void*>(&text));
         DBusMessageIter variant = open(entry, DBUS_TYPE_VARIANT, "i");
         ::dbus_message_iter_append_basic(&variant, DBUS_TYPE_INT32, &number);
         ::dbus_message_iter_close_container(&entry, &variant);

@@ -16,6 +16,7 @@ void testing_support::useOwnCalls() {}
 
 // A program's own definition of a library's function stands before the library's. A sanitizer watches some of them,
 // too, and then has the next word.
+// NOLINTBEGIN(bugprone-macro-parentheses): parameters are no value
 #define NEXT_CALL(result, name, parameters)                                                                            \
     extern "C" [[gnu::weak]] result __interceptor_##name parameters;                                                   \
     static auto* next_##name() {                                                                                       \
@@ -23,6 +24,7 @@ void testing_support::useOwnCalls() {}
             __interceptor_##name ? reinterpret_cast<void*>(&__interceptor_##name) : ::dlsym(RTLD_NEXT, #name));        \
         return next;                                                                                                   \
     }
+// NOLINTEND(bugprone-macro-parentheses)
 #define OWN_CALL extern "C" [[gnu::visibility("default")]]
 
 NEXT_CALL(int, socket, (int, int, int))

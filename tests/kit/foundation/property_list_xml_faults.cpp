@@ -44,6 +44,7 @@ TEST(XMLPropertyListFaults, WhatIsUnusualButSoundIsNone) {
              "<dict><key>a</key><dict><key>a</key><true/></dict><key>b</key><true/></dict>",
              "<array><dict><key>a</key><true/></dict><dict><key>a</key><true/></dict></array>",
              "<dict><key>a&amp;</key><true/><key>a</key><true/></dict>",
+             // NOLINTNEXTLINE(bugprone-suspicious-missing-comma): one text on two lines
              "<string>]] &lt; &#x1D11E; &#0000000000000000000065; <![CDATA[<raw> &x; \t]]> <!-- & < --> <?x <y> "
              "?></string>",
              "<integer>1<!-- one -->2</integer>",

@@ -144,19 +144,21 @@ TEST(ImageContext, HueStripesUnderWhiteRowsAreWithinOneStepOfExactSourceOver) {
     UIGraphicsBeginImageContextWithOptions(CGSizeMake(columns * tile, rows * tile), /*opaque*/ false, 2);
     const CGContextRef context = UIGraphicsGetCurrentContext();
     std::vector<ExactPixel> exact(static_cast<std::size_t>(columns * rows));
+    const auto tileAt = [&](int column, int row) {
+        return static_cast<std::size_t>(row) * columns + static_cast<std::size_t>(column);
+    };
     for (int i = 0; i < columns; ++i) {
         const auto color = UIColor::colorWithHue_saturation_brightness_alpha(i / double{columns}, 1, 1, 1);
         CGContextSetFillColorWithColor(context, color->CGColor());
         CGContextFillRect(context, CGRectMake(i * tile, 0, tile, rows * tile));
         for (int j = 0; j < rows; ++j)
-            exact[static_cast<std::size_t>(j * columns + i)].over(color->CGColor()->red, color->CGColor()->green,
-                                                                  color->CGColor()->blue, 1);
+            exact[tileAt(i, j)].over(color->CGColor()->red, color->CGColor()->green, color->CGColor()->blue, 1);
     }
     for (int j = 0; j < rows; ++j) {
         const double alpha = limit * (j / double{rows - 1});
         CGContextSetRGBFillColor(context, 1, 1, 1, alpha);
         CGContextFillRect(context, CGRectMake(0, j * tile, columns * tile, tile));
-        for (int i = 0; i < columns; ++i) exact[static_cast<std::size_t>(j * columns + i)].over(1, 1, 1, alpha);
+        for (int i = 0; i < columns; ++i) exact[tileAt(i, j)].over(1, 1, 1, alpha);
     }
     const auto image = takeAndEnd()->CGImage();
 

@@ -136,7 +136,7 @@ TEST(Text, RunsOfDifferentSizesShareOneBaseline) {
     int redBottom = -1, blueBottom = -1, redTop = 99, blueTop = 99;
     for (int y = 0; y < 40; ++y)
         for (int x = 0; x < 60; ++x) {
-            const auto pixel = image->pixels[static_cast<std::size_t>(y * 60 + x)];
+            const auto pixel = image->pixels[static_cast<std::size_t>(y) * 60 + static_cast<std::size_t>(x)];
             if (test::redOf(pixel) > 128) redBottom = y, redTop = std::min(redTop, y);
             if (test::blueOf(pixel) > 128) blueBottom = y, blueTop = std::min(blueTop, y);
         }

@@ -37,7 +37,8 @@ protected:
         const std::string head =
             "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\"><dict><key>title</key>"
             "<string>Settings</string><key>items</key><array>";
-        m_root.write(m_root.file("bundle/" + name + ".plist"), head + items + "</array></dict></plist>");
+        testing_support::TestRoot::write(m_root.file("bundle/" + name + ".plist"),
+                                         head + items + "</array></dict></plist>");
     }
     void show() {
         page = TestPage::alloc()->init();

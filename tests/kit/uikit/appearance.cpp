@@ -63,6 +63,7 @@ TEST_F(Appearance, WhatIsNoTextCanBeToldFromItsGround) {
 }
 
 TEST_F(Appearance, ColoursStayTheObjectsThatTheyAre) {
+    // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): what it is now, should another be put there
     const auto before = textColor();
     const CGColor light = colorOf(before);
 

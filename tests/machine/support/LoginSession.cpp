@@ -30,7 +30,7 @@ std::string sessionAt(int terminal) {
         if (::sd_session_get_vt(*session, &number) >= 0 && number == static_cast<unsigned>(terminal)) found = *session;
         std::free(*session);
     }
-    std::free(sessions);
+    std::free(static_cast<void*>(sessions));
     return found;
 }
 

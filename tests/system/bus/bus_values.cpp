@@ -91,7 +91,7 @@ void appendVariants(DBusMessageIter& at, int depth) {
         appendVariants(inner, depth - 1);
     } else {
         const char* const text = "innermost";
-        ::dbus_message_iter_append_basic(&inner, DBUS_TYPE_STRING, &text);
+        ::dbus_message_iter_append_basic(&inner, DBUS_TYPE_STRING, static_cast<const void*>(&text));
     }
     ::dbus_message_iter_close_container(&at, &inner);
 }

@@ -122,7 +122,7 @@ TEST_F(BusCalls, UnknownMethodsPathsAndInterfacesAreAnswered) {
 TEST_F(BusCalls, WhatIsNoDictionaryIsRefusedWithALoggedReason) {
     const auto text = [](DBusMessageIter& at) {
         const char* const value = "4";
-        ::dbus_message_iter_append_basic(&at, DBUS_TYPE_STRING, &value);
+        ::dbus_message_iter_append_basic(&at, DBUS_TYPE_STRING, static_cast<const void*>(&value));
     };
     const auto two = [](DBusMessageIter& at) {
         integerDictionary("JVNDiscoveryState", 4)(at);

@@ -80,7 +80,7 @@ TEST_F(MessagingCenter, MalformedAndUnknownMessagesAreDroppedWithALoggedReason) 
     ASSERT_TRUE(nameHasOwner(true));
     const auto text = [](DBusMessageIter& at) {
         const char* const value = "4";
-        ::dbus_message_iter_append_basic(&at, DBUS_TYPE_STRING, &value);
+        ::dbus_message_iter_append_basic(&at, DBUS_TYPE_STRING, static_cast<const void*>(&value));
     };
 
     EXPECT_EQ(DBUS_ERROR_INVALID_ARGS,

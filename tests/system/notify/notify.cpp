@@ -58,8 +58,8 @@ TEST_F(Notify, WhatIsPostedBeforeTheBusIsThereGoesOutInOrderOnceItIs) {
 
 TEST_F(Notify, AListenerHereHearsOnceLaterAndInOrder) {
     std::vector<std::string> heard;
-    const NotifyListener first(failure, [&] { heard.push_back("failure"); });
-    const NotifyListener second(changed, [&] { heard.push_back("changed"); });
+    const NotifyListener first(failure, [&] { heard.emplace_back("failure"); });
+    const NotifyListener second(changed, [&] { heard.emplace_back("changed"); });
     ASSERT_TRUE(settled());
 
     notify_post(failure);

@@ -49,7 +49,7 @@ namespace {
 
 TEST_F(OutOfMemory, LosesTheValueAndNothingElseAtAnyAllocationOfASave) {
     ASSERT_TRUE(set("before", "1"));
-    const std::string domain = this->domain();
+    const std::string domain = OutOfMemory::domain();
     const std::string key = "a key that is too long to be kept in place";
     int failures = 0;
     for (long allocations = 0;; ++allocations) {
