@@ -253,6 +253,7 @@ TEST_F(Connection, ADisabledRowTakesNoTap) {
 
     daemon->release();
     ASSERT_TRUE(app.waitUntil([&] { return rowIsEnabled(); }));
+    ASSERT_TRUE(daemon->waitForConnections(2));
     EXPECT_EQ(daemon->connectionCount(), 2u) << "the query and one exchange";
 }
 

@@ -92,6 +92,7 @@ TEST_F(ReloadUnderAFinger, ARowThatSaysSomethingElseByNowIsNotWhatWasTapped) {
     app.settle();
 
     EXPECT_TRUE(page->controllerConnected());
+    EXPECT_TRUE(daemon->waitForConnections(1)); // it may take note of it after the page has
     EXPECT_EQ(daemon->connectionCount(), 1u) << "the query alone";
 }
 
