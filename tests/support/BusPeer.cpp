@@ -84,12 +84,11 @@ bool BusPeer::nameHasOwner(const std::string& name) const {
 }
 
 int BusPeer::ownersAndWaiting(const std::string& name) const {
-    DBusMessage* const question = message(DBUS_SERVICE_DBUS, DBUS_PATH_DBUS, DBUS_INTERFACE_DBUS, "ListQueuedOwners",
-                                          [&name](DBusMessageIter& at) {
-                                              const char* const text = name.c_str();
-                                              ::dbus_message_iter_append_basic(&at, DBUS_TYPE_STRING,
-                                                                               static_cast<const void*>(&text));
-                                          });
+    DBusMessage* const question = message(
+        DBUS_SERVICE_DBUS, DBUS_PATH_DBUS, DBUS_INTERFACE_DBUS, "ListQueuedOwners", [&name](DBusMessageIter& at) {
+            const char* const text = name.c_str();
+            ::dbus_message_iter_append_basic(&at, DBUS_TYPE_STRING, static_cast<const void*>(&text));
+        });
     DBusMessage* const reply = ::dbus_connection_send_with_reply_and_block(m_connection, question, 10'000, nullptr);
     ::dbus_message_unref(question);
     if (!reply) return 0;

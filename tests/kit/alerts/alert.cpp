@@ -203,7 +203,7 @@ TEST_F(Alerts, FocusComesBackAfterTheLastOfSeveral) {
 
 std::shared_ptr<UILabel> label(const UIView& view, const std::string& text) {
     for (const auto& subview : view.subviews()) {
-        const auto found = std::dynamic_pointer_cast<UILabel>(subview);
+        auto found = std::dynamic_pointer_cast<UILabel>(subview);
         if (found && found->text() == text) return found;
         if (auto deeper = label(*subview, text)) return deeper;
     }
