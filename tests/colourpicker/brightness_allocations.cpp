@@ -5,31 +5,16 @@
 #include "colourpicker/ZKColorPickerView.h"
 #include "platform/foundation/id.h"
 #include "tests/colourpicker/PickerScene.h"
+#include "tests/support/counted_allocations.h"
 
 #include <gtest/gtest.h>
-
-#include <atomic>
-#include <cstdlib>
-#include <new>
-
-namespace {
-std::atomic<long> allocations = 0;
-}
-
-void* operator new(std::size_t size) {
-    ++allocations;
-    if (void* const block = std::malloc(size ? size : 1)) return block;
-    throw std::bad_alloc();
-}
-void operator delete(void* block) noexcept { std::free(block); }
-void operator delete(void* block, std::size_t) noexcept { std::free(block); }
 
 namespace {
 
 template <class Change> long allocationsOf(const Change& change) {
-    const long before = allocations;
+    const long before = testing_support::allocations;
     change();
-    return allocations - before;
+    return testing_support::allocations - before;
 }
 
 } // namespace

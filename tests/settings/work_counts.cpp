@@ -14,21 +14,7 @@
 #include "platform/uikit/UIKeyEvent.h"
 #include "tests/colourpicker/PickerScene.h"
 #include "tests/settings/PageTest.h"
-
-#include <cstdlib>
-#include <new>
-
-namespace {
-thread_local long allocations = 0;
-}
-
-void* operator new(std::size_t size) {
-    ++allocations;
-    if (void* const block = std::malloc(size ? size : 1)) return block;
-    throw std::bad_alloc();
-}
-void operator delete(void* block) noexcept { std::free(block); }
-void operator delete(void* block, std::size_t) noexcept { std::free(block); }
+#include "tests/support/counted_allocations.h"
 
 namespace {
 
@@ -43,7 +29,7 @@ public:
     explicit Counter(seat::WindowScene& scene) : m_scene(scene), m_pixels(pixelCount()) {}
 
     template <class Do> Work of(Do&& act) {
-        const long before = allocations;
+        const long before = testing_support::allocationsOfThisThread;
         act();
         Work work;
         const auto damage = m_scene.prepareFrame();
@@ -53,7 +39,7 @@ public:
         if (!damage.empty())
             m_scene.paint({m_pixels.data(), width, height, width * static_cast<std::ptrdiff_t>(sizeof(std::uint32_t))},
                           damage);
-        work.allocations = allocations - before;
+        work.allocations = testing_support::allocationsOfThisThread - before;
         return work;
     }
     Work ofFrame() {
